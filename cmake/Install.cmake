@@ -1,0 +1,43 @@
+include(CMakePackageConfigHelpers)
+
+set(kiv_headers
+    module/ConfigureSensor.h
+    module/Export.h
+    module/KIVInterface.h
+    models/CKivDualLevel.h
+    models/CKivModel.h
+    models/CKivPendulum.h
+    models/CKivPolarizer.h
+    models/CKivThreeVec.h
+    models/CKivThreeVec2Level.h
+    params/CKivPrm.h
+    sensor/CKiv.h
+    sensor/Records.h
+    support/Encoder.h
+    support/StatusCodes.h)
+
+install(TARGETS KIVInterface EXPORT KIVInterfaceTargets)
+foreach(header IN LISTS kiv_headers)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KIVInterface/${folder})
+endforeach()
+
+set(kiv_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KIVInterface)
+install(EXPORT KIVInterfaceTargets NAMESPACE KIVInterface:: DESTINATION ${kiv_package_dir})
+configure_package_config_file(cmake/KIVInterfaceConfig.cmake.in KIVInterfaceConfig.cmake
+    INSTALL_DESTINATION ${kiv_package_dir})
+write_basic_package_version_file(KIVInterfaceConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/KIVInterfaceConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/KIVInterfaceConfigVersion.cmake
+    DESTINATION ${kiv_package_dir})
+
+file(RELATIVE_PATH kiv_prefix_from_pc
+    /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(cmake/KIVInterface.pc.in KIVInterface.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KIVInterface.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(TARGET kiv)
+    install(TARGETS kiv)
+endif()

@@ -1,0 +1,57 @@
+#include "host/Cli.h"
+
+#include <CLI/CLI.hpp>
+
+#include "host/Run.h"
+#include "host/Simulate.h"
+
+namespace kiv::host {
+
+namespace {
+
+constexpr const char* parameterFileHelp =
+    "The sensor's parameter file, named Tg, the sensor ID in decimal, .prm";
+
+} // namespace
+
+int runTool(int argc, const char* const* argv, const Streams& streams) {
+    CLI::App app{"Turns the raw readings of KIV sensors into orientations.", "kiv"};
+    app.set_version_flag("--version", KIV_VERSION);
+    app.require_subcommand(1);
+
+    RunOptions run;
+    CLI::App* runCommand =
+        app.add_subcommand("run", "Compute the orientations of recorded readings");
+    runCommand->add_option("parameter_file", run.parameterFile, parameterFileHelp)->required();
+    runCommand->add_option("readings", run.readings, "CSV file of readings, - for standard input")
+        ->required();
+    runCommand->add_option("-o,--output", run.results,
+                           "CSV file of results, - for standard output");
+    runCommand->footer(
+        "Exit code 0: all rows good; 1: some rows refused or without an orientation; "
+        "2: wrong usage, or a file that cannot be read or written.");
+
+    SimulateOptions simulate;
+    CLI::App* simulateCommand =
+        app.add_subcommand("simulate", "Make readings of a sensor along a slow turn");
+    simulateCommand->add_option("parameter_file", simulate.parameterFile, parameterFileHelp)
+        ->required();
+    simulateCommand->add_option("-o,--output", simulate.readings,
+                                "CSV file of readings, - for standard output");
+    simulateCommand->add_option("--rows", simulate.rows, "Number of rows")
+        ->check(CLI::Range(1L, 1000000000L))
+        ->capture_default_str();
+    simulateCommand->add_option("--seed", simulate.seed, "Seed of the trajectory")
+        ->capture_default_str();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e, streams.out, streams.err) == 0 ? allGood : unusable;
+    }
+    if (runCommand->parsed())
+        return runReadings(run, streams);
+    return simulateReadings(simulate, streams);
+}
+
+} // namespace kiv::host

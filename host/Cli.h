@@ -1,0 +1,23 @@
+#pragma once
+
+#include <iosfwd>
+
+namespace kiv::host {
+
+// Exit codes of the tool.
+enum ExitCode : int {
+    allGood = 0,
+    someRowsBad = 1, // some rows refused or without an orientation
+    unusable = 2     // wrong usage, or a file that cannot be read, used or written
+};
+
+struct Streams {
+    std::istream& in;
+    std::ostream& out;
+    std::ostream& err;
+};
+
+// The whole tool: arguments as main gets them, data to out, messages to err.
+int runTool(int argc, const char* const* argv, const Streams& streams);
+
+} // namespace kiv::host

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+class CKivPrm;
+
+namespace kiv::host {
+
+// Where a parameter file lies and whose it is, from its path: a folder and Tg<id>.prm.
+struct ParameterFileName {
+    std::string directory; // "." where the path has none
+    std::int32_t id;
+};
+
+// Nothing for a file name that is not Tg, a decimal 32-bit ID without leading zeros, .prm.
+std::optional<ParameterFileName> parseParameterFileName(const std::string& path);
+
+// Loads a file for measuring: one that the library would refuse, or that holds a value which the
+// library would take for 0, is refused, with every reason on err.
+bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err);
+
+} // namespace kiv::host

@@ -1,0 +1,178 @@
+#include "host/Run.h"
+
+#include <algorithm>
+#include <cmath>
+#include <ostream>
+#include <vector>
+
+#include "host/Csv.h"
+#include "host/Files.h"
+#include "host/ParameterFile.h"
+#include "host/Readings.h"
+#include "host/Summary.h"
+#include "module/ConfigureSensor.h"
+#include "params/CKivPrm.h"
+#include "sensor/SensorAccess.h"
+
+namespace kiv::host {
+
+namespace {
+
+// Behind the carried columns. Angles are degrees; m<row><column> is the result matrix, code that of
+// ReadMatrix.
+const std::vector<std::string_view> resultColumns{"state",
+                                                  "azimuth_corrected_deg",
+                                                  "elevation_corrected_deg",
+                                                  "level_x_corrected_deg",
+                                                  "level_y_corrected_deg",
+                                                  "rx_deg",
+                                                  "ry_deg",
+                                                  "rz_deg",
+                                                  "qvc_x",
+                                                  "qvc_y",
+                                                  "qvc_z",
+                                                  "m00",
+                                                  "m01",
+                                                  "m02",
+                                                  "m10",
+                                                  "m11",
+                                                  "m12",
+                                                  "m20",
+                                                  "m21",
+                                                  "m22",
+                                                  "code"};
+
+constexpr int firstThreeVectorMode = 7;
+
+struct Result {
+    RowState state = RowState::refused;
+    KIV_INFO info{};
+    double matrix[9] = {};
+    int code = 0;
+};
+
+RowState stateOf(UpdateOutcome outcome) {
+    switch (outcome) {
+    case UpdateOutcome::badStatus:
+        return RowState::status;
+    case UpdateOutcome::modelFailed:
+        return RowState::noOrientation;
+    case UpdateOutcome::noReference:
+        return RowState::noReference;
+    case UpdateOutcome::reference:
+        return RowState::reference;
+    case UpdateOutcome::oriented:
+        break;
+    }
+    return RowState::ok;
+}
+
+// The models of modes 5 to 10 report a result also where its entries are no numbers.
+bool transformFinite(const CKiv& sensor) {
+    const double* t = SensorAccess::transform(sensor);
+    return std::all_of(t, t + 9, [](double v) { return std::isfinite(v); });
+}
+
+Result computeRow(CKiv& sensor, const KIV_RAWINFO& raw) {
+    Result result;
+    const UpdateOutcome outcome = SensorAccess::update(sensor, raw, result.info);
+    result.state = stateOf(outcome);
+    if (outcome > UpdateOutcome::modelFailed && !transformFinite(sensor))
+        result.state = RowState::noOrientation;
+    result.code = sensor.ReadMatrix(result.matrix);
+    return result;
+}
+
+// What the update did not compute stays empty.
+void appendResult(std::string& text, const Result& result, int mode) {
+    const auto cells = [&](const auto* values, std::size_t count, bool computed) {
+        for (std::size_t i = 0; i < count; ++i) {
+            text.push_back(',');
+            if (computed)
+                appendNumber(text, values[i]);
+        }
+    };
+    const KIV_INFO& info = result.info;
+    const bool reached = result.state != RowState::refused;
+    const bool modelled = result.state == RowState::ok || result.state == RowState::reference
+                          || result.state == RowState::noReference;
+    const bool oriented = result.state == RowState::ok;
+    const bool threeVector = mode >= firstThreeVectorMode;
+
+    const float corrected[] = {info.azimuth, info.elevation, info.levelX, info.levelY};
+    const float angles[] = {info.rx, info.ry, info.rz};
+    text += rowStateNames[static_cast<std::size_t>(result.state)];
+    cells(corrected, 4, reached);
+    cells(angles, 3, oriented);
+    cells(info.qvc, 3, modelled && threeVector);
+    cells(result.matrix, 9, oriented && !threeVector);
+    cells(&result.code, 1, reached);
+    text.push_back('\n');
+}
+
+} // namespace
+
+int runReadings(const RunOptions& options, const Streams& streams) {
+    CKivPrm record;
+    if (!loadParameterFile(options.parameterFile, record, streams.err))
+        return unusable;
+    CKiv sensor;
+    if (const int code = configureSensor(sensor, record); code != KIV_OK) {
+        streams.err << options.parameterFile
+                    << ":1:1: expected values that a sensor takes, found code " << code << " ("
+                    << kivStatusText(code) << ")\n";
+        return unusable;
+    }
+    for (const std::string& input : {options.parameterFile, options.readings}) {
+        if (sameFile(options.results, input)) {
+            streams.err << options.results
+                        << ":1:1: expected an output of its own, found an input\n";
+            return unusable;
+        }
+    }
+
+    Input input;
+    if (!input.open(options.readings, streams))
+        return unusable;
+    ReadingsTable table(input.stream(), input.name(), streams.err);
+    if (!table.readHeader(resultColumns))
+        return unusable;
+    Output output;
+    if (!output.open(options.results, streams))
+        return unusable;
+
+    std::string& text = output.text();
+    table.appendCarriedNames(text);
+    for (const std::string_view name : resultColumns)
+        text.append(name).push_back(name == resultColumns.back() ? '\n' : ',');
+
+    const int mode = SensorAccess::mountMode(sensor);
+    Summary summary;
+    KIV_RAWINFO raw{};
+    std::array<double, 3> truth{};
+    while (table.nextRow()) {
+        const Result result = table.readings(raw) ? computeRow(sensor, raw) : Result{};
+        if (result.state == RowState::noOrientation)
+            table.report(0, "readings with an orientation in mount mode " + std::to_string(mode),
+                         "none");
+        table.appendCarriedCells(text);
+        appendResult(text, result, mode);
+        summary.count(result.state, table.lineNumber());
+        if (result.state == RowState::ok && table.truth(truth))
+            summary.compare({result.info.rx, result.info.ry, result.info.rz}, truth);
+        if (table.wouldWait())
+            output.flush();
+        else
+            output.writeWhenLarge();
+    }
+    const bool readAll = !table.failed();
+    if (!readAll)
+        streams.err << input.name() << ':' << table.lineNumber() + 1
+                    << ":1: expected to read on, found a read error\n";
+    if (!output.finish(streams.err) || !readAll)
+        return unusable;
+    summary.print(streams.err);
+    return summary.allGood() ? allGood : someRowsBad;
+}
+
+} // namespace kiv::host

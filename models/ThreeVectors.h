@@ -1,0 +1,31 @@
+#pragma once
+
+// The construction from the measured direction and the vertical, shared by the one-level and the
+// two-level model. Level and QVC blocks are laid out as in the parameter file; QVC vectors stand in
+// the order x, z, y.
+namespace kiv {
+
+struct MeasuringDirection {
+    double w1[3];     // unit vector in the frame of the sensor's head
+    double azimuth;   // of the measured vector in the instrument frame, degrees
+    double elevation; // degrees
+};
+
+// From the measurement matrix M, the QVC block (tilts 3, 4 of the elevation axis and angle 5 of the
+// start vector, degrees) and the elevation encoder offset in radians.
+MeasuringDirection measuringDirection(const double* M, const float* qvcParameters,
+                                      double elevationOffset);
+
+// The head's rotation, out row-major, from one level: its block (tilts 3, 4 of the axis, zero
+// offset 5 in degrees, gain 6), its reading in degrees with the sign reversed, and the mount mode's
+// parity.
+void rotationFromLevel(const float* levelParameters, double levelReading, int parity, double* w1,
+                       double azimuth, double elevation, double* out);
+
+// qvcMatrix[0..2] = the QVC vector carried into the instrument frame by k.
+void storeQvcOutput(const double* k, const float* qvcParameters, float* qvcMatrix);
+
+// M = k turned back by the azimuth encoder (angle in degrees, offset in radians).
+void rotateBackByAzimuth(const double* k, double azimuthAngle, double azimuthOffset, double* M);
+
+} // namespace kiv

@@ -1,0 +1,33 @@
+# Sourced by the other scripts. need PACKAGE...: installs what is missing and stops when it cannot.
+
+step() {
+    printf '== %s\n' "$*"
+}
+
+need() {
+    missing=
+    for package in "$@"; do
+        case $(dpkg-query -W -f='${Status}' "$package" 2>/dev/null) in
+        *"ok installed") ;;
+        *) missing="$missing $package" ;;
+        esac
+    done
+    [ -n "$missing" ] || return 0
+
+    step "install$missing"
+    as_root=
+    if [ "$(id -u)" != 0 ]; then
+        as_root=sudo
+    fi
+    export DEBIAN_FRONTEND=noninteractive
+    log=$(mktemp)
+    $as_root apt-get update >"$log" 2>&1 || true # an old list of packages may do
+    # shellcheck disable=SC2086 # a list of words
+    if ! $as_root apt-get install -y --no-install-recommends $missing >>"$log" 2>&1; then
+        tail -n 5 "$log" >&2
+        rm -f "$log"
+        printf 'error: cannot install:%s\n' "$missing" >&2
+        exit 1
+    fi
+    rm -f "$log"
+}

@@ -1,0 +1,119 @@
+#include <algorithm>
+#include <cmath>
+
+#include "sensor/OrientationAngles.h"
+#include "sensor/SensorAccess.h"
+#include "support/ZelUtil.h"
+
+namespace kiv {
+
+namespace {
+
+constexpr int orientationStatus = 2;
+constexpr float largestRefMetric = 0.4F;
+constexpr float leastRatioDenominator = 2000.0F; // of the tilt X ratio in modes 5 and 6
+constexpr int firstThreeVectorMode = 7;
+
+float tiltXArgument(int mountMode, const KIV_RAWINFO& raw) {
+    if (mountMode != 5 && mountMode != 6)
+        return raw.levelXRaw;
+    return std::abs(raw.levelYRaw) > leastRatioDenominator ? raw.levelXRaw / raw.levelYRaw : 0.0F;
+}
+
+// Single precision throughout; without a table the curve is 0 and the reading outside.
+float correctedTilt(float* table, double* spline, int count, float argument, float offset,
+                    float slope, float intercept, float temperature, bool& outside) {
+    outside = true;
+    const float s =
+        table && spline ? CalcSpline(true, table, spline, count - 1, argument, &outside) : 0.0F;
+    const float gain = slope * temperature + intercept;
+    return (s - offset) * gain;
+}
+
+float correctedAngle(CEncoder& encoder, float raw) {
+    encoder.setRawReading(raw);
+    return encoder.encCalibration(raw);
+}
+
+} // namespace
+
+UpdateOutcome SensorAccess::update(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info) {
+    info = KIV_INFO{};
+    const std::lock_guard<std::mutex> guard(sensor.lock);
+    sensor.matrixValid = false;
+
+    bool outsideX = false;
+    bool outsideY = false;
+    const float* thermal = sensor.thermalFactor;
+    info.levelX =
+        correctedTilt(sensor.levelXTable.get(), sensor.levelXSpline.get(), sensor.levelXCount,
+                      tiltXArgument(sensor.mountMode, raw), sensor.tiltOffset[0], thermal[0],
+                      thermal[1], raw.temperature, outsideX);
+    info.levelY = correctedTilt(sensor.levelYTable.get(), sensor.levelYSpline.get(),
+                                sensor.levelYCount, raw.levelYRaw, sensor.tiltOffset[1], thermal[2],
+                                thermal[3], raw.temperature, outsideY);
+    info.elevation = correctedAngle(sensor.elEncoder, raw.elevationRaw);
+    info.azimuth = correctedAngle(sensor.azEncoder, raw.azimuthRaw);
+
+    EyeMatrix(sensor.result, 3);
+    if (raw.status != orientationStatus)
+        return UpdateOutcome::badStatus;
+    sensor.matrixValid = true;
+
+    double* transform = sensor.transform;
+    transform[0] = raw.vector[0];
+    transform[1] = raw.vector[1];
+    transform[2] = raw.vector[2];
+    transform[3] = info.levelX;
+    transform[4] = info.levelY;
+    transform[5] = info.azimuth;
+    transform[6] = info.elevation;
+    transform[7] = 0.0;
+    transform[8] = 0.0;
+    if (!sensor.model || !sensor.levelXTable || !sensor.levelYTable)
+        return UpdateOutcome::modelFailed;
+    if (!sensor.model->CalTranxMatrix(transform, sensor.encoderOffset[0], sensor.encoderOffset[1],
+                                      3, outsideX, outsideY))
+        return UpdateOutcome::modelFailed;
+
+    const bool threeVector = sensor.mountMode >= firstThreeVectorMode;
+    if (threeVector) {
+        sensor.model->GetQVCMatrix(sensor.qvcParameters, 6);
+        info.qvc[0] = sensor.qvcParameters[0];
+        info.qvc[1] = sensor.qvcParameters[2];
+        info.qvc[2] = sensor.qvcParameters[1];
+    }
+
+    if (!sensor.referenceSet) {
+        if (!(raw.refMetric <= largestRefMetric) || raw.refBlocked)
+            return UpdateOutcome::noReference;
+        std::copy_n(transform, 9, sensor.refInverse);
+        MatrixInverse(sensor.refInverse, 3);
+        sensor.referenceSet = true;
+        return UpdateOutcome::reference;
+    }
+
+    OrientationAngles angles;
+    if (threeVector) {
+        angles = threeVectorAngles(transform);
+    } else if (sensor.mcsFlag) {
+        MatrixMultiply(sensor.machineMatrix, transform, 3, 3, 3, sensor.result);
+        angles = machineAngles(sensor.result);
+    } else {
+        // result = L * T * T0^-1 * L^-1
+        MatrixMultiply(sensor.refInverse, sensor.localInverse, 3, 3, 3, sensor.result);
+        MatrixMultiply(transform, sensor.result, 3, 3, 3, sensor.work);
+        MatrixMultiply(sensor.localMatrix, sensor.work, 3, 3, 3, sensor.result);
+        angles = localAngles(sensor.result);
+    }
+    info.rx = angles.rx;
+    info.rz = angles.rz;
+    info.ry = angles.ry;
+    return UpdateOutcome::oriented;
+}
+
+} // namespace kiv
+
+void CKiv::updateKIVData(const KIV_RAWINFO& raw, KIV_INFO& info) {
+    kiv::SensorAccess::update(*this, raw, info);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <vector>
+
+#include "sensor/Records.h"
+#include "simulator/Mounting.h"
+#include "support/Encoder.h"
+
+class CKivPrm;
+
+namespace kiv::simulator {
+
+// From corrected readings back to the raw ones that a sensor with a record's calibration would
+// deliver.
+class InverseCalibration {
+public:
+    explicit InverseCalibration(CKivPrm& record);
+
+    // Fills vector, azimuthRaw, elevationRaw, levelXRaw, levelYRaw and temperature; the rest is the
+    // caller's. Each raw reading is the single-precision number whose correction comes closest.
+    void rawReadings(const Pose& pose, const Readings& readings, float temperature,
+                     KIV_RAWINFO& raw);
+
+private:
+    struct TiltCurve {
+        std::vector<float> table;   // knots and three further values
+        std::vector<double> spline; // four coefficients a knot
+        int knots = 0;
+        float offset = 0; // degrees
+        float slope = 0;
+        float intercept = 1;
+
+        float rawOf(double tilt, float temperature);
+    };
+
+    CEncoder azimuth;
+    CEncoder elevation;
+    TiltCurve tiltX;
+    TiltCurve tiltY;
+    int mode = 0;
+};
+
+} // namespace kiv::simulator

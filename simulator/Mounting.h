@@ -1,0 +1,34 @@
+#pragma once
+
+#include "simulator/Pose.h"
+
+class CKivPrm;
+
+// The forward way through the mounting principles: what the encoders and levels of a sensor in a
+// known pose show. Written from the geometry, without the models.
+namespace kiv::simulator {
+
+// The calibration values that the geometry depends on, with names and units of the record.
+struct Mounting {
+    int mode = 4;                 // mount mode
+    double encoderOffset[2] = {}; // azimuth, elevation, radians
+    float scaleFactors[8] = {0, 0, 0, 0, 1, 1, 1, 0};
+    float qvcParameters[6] = {};
+    float level1Parameters[7] = {0, 0, 0, 0, 0, 0, 1};
+    float level2Parameters[7] = {0, 0, 0, 0, 0, 0, 1};
+};
+
+Mounting mountingOf(const CKivPrm& record);
+
+// Corrected readings, degrees. A level that the principle does not have reads 0.
+struct Readings {
+    double levelX = 0;
+    double levelY = 0;
+    double azimuth = 0;
+    double elevation = 0;
+};
+
+// False when the sensor cannot turn its line of sight onto the measured direction.
+bool readingsOf(const Mounting& mounting, const Pose& pose, Readings& readings);
+
+} // namespace kiv::simulator

@@ -1,0 +1,84 @@
+#include "support/ZelUtil.h"
+
+#include "support/LookUp.h"
+
+namespace {
+
+// One knot's row of coef. From knot i to the next, with t = v - x[i], the spline is
+// value + slope t + c t^2 + d t^3; the last row is the straight line beyond the last knot.
+struct Row {
+    double& value;
+    double& slope;
+    double& c;
+    double& d;
+};
+
+Row rowOf(double* coef, int i) {
+    double* const row = coef + 4 * static_cast<long long>(i);
+    return {row[0], row[1], row[2], row[3]};
+}
+
+double step(const float* x, int i) {
+    return static_cast<double>(x[i + 1]) - static_cast<double>(x[i]);
+}
+
+} // namespace
+
+// With h[i] = x[i+1] - x[i] and s[i] = (y[i+1] - y[i]) / h[i]:
+// h[i-1] c[i-1] + 2 (h[i-1] + h[i]) c[i] + h[i] c[i+1] = 3 (s[i] - s[i-1]), c[0] = c[n] = 0.
+void CubicSplines(float* x, float* y, int n, double* coef) {
+    if (n < 0)
+        return;
+    for (int i = 0; i <= n; ++i) {
+        const Row row = rowOf(coef, i);
+        row.value = static_cast<double>(y[i]);
+        row.slope = row.c = row.d = 0.0;
+    }
+
+    // Forward elimination to c[i] = (row c) - (row d) c[i+1].
+    for (int i = 1; i < n; ++i) {
+        const Row before = rowOf(coef, i - 1);
+        const Row row = rowOf(coef, i);
+        const Row after = rowOf(coef, i + 1);
+        const double h0 = step(x, i - 1);
+        const double h1 = step(x, i);
+        const double bend =
+            3.0 * ((after.value - row.value) / h1 - (row.value - before.value) / h0);
+        const double pivot = 2.0 * (h0 + h1) - h0 * before.d;
+        row.c = (bend - h0 * before.c) / pivot;
+        row.d = h1 / pivot;
+    }
+
+    for (int i = n - 1; i >= 0; --i) {
+        const Row row = rowOf(coef, i);
+        const Row after = rowOf(coef, i + 1);
+        const double h = step(x, i);
+        row.c -= row.d * after.c;
+        row.slope = (after.value - row.value) / h - h * (after.c + 2.0 * row.c) / 3.0;
+        row.d = (after.c - row.c) / (3.0 * h);
+    }
+    if (n > 0) {
+        const Row before = rowOf(coef, n - 1);
+        rowOf(coef, n).slope = before.slope + step(x, n - 1) * before.c;
+    }
+}
+
+float CalcSpline(bool, float* x, double* coef, int n, float v, bool* outside) {
+    if (n < 0) {
+        *outside = true;
+        return 0.0F;
+    }
+    const float sense = x[n] >= x[0] ? 1.0F : -1.0F; // of the knots; times it, they rise
+    const float position = sense * v;
+    const float first = sense * x[0];
+    const float last = sense * x[n];
+    *outside = !(position >= first && position <= last);
+
+    const int i = position >= last
+                      ? n
+                      : lastNotAbove(n, [&](int knot) { return sense * x[knot] <= position; });
+    const Row row = rowOf(coef, i);
+    const double t = static_cast<double>(v) - static_cast<double>(x[i]);
+    const double bend = position < first ? 0.0 : (row.d * t + row.c) * t;
+    return static_cast<float>((bend + row.slope) * t + row.value);
+}

@@ -1,0 +1,57 @@
+#include "tests/Allocations.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<std::size_t> calls{0};
+std::atomic<std::size_t> failing{0};
+
+void* allocate(std::size_t size) {
+    ++calls;
+    if (failing != 0 && --failing == 0)
+        throw std::bad_alloc();
+    if (void* p = std::malloc(size == 0 ? 1 : size))
+        return p;
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    return allocate(size);
+}
+
+void* operator new[](std::size_t size) {
+    return allocate(size);
+}
+
+void operator delete(void* p) noexcept {
+    std::free(p);
+}
+
+void operator delete[](void* p) noexcept {
+    std::free(p);
+}
+
+void operator delete(void* p, std::size_t) noexcept {
+    std::free(p);
+}
+
+void operator delete[](void* p, std::size_t) noexcept {
+    std::free(p);
+}
+
+namespace kiv::test {
+
+std::size_t allocationCount() {
+    return calls;
+}
+
+void failAllocation(std::size_t n) {
+    failing = n;
+}
+
+} // namespace kiv::test

@@ -1,0 +1,103 @@
+#include "sensor/OrientationAngles.h"
+
+#include <array>
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+#include "support/AngleConstants.h"
+#include "support/ZelUtil.h"
+
+namespace {
+
+using namespace kiv;
+
+using Matrix = std::array<double, 9>;
+
+Matrix times(const Matrix& a, const Matrix& b) {
+    Matrix c;
+    MatrixMultiply(a.data(), b.data(), 3, 3, 3, c.data());
+    return c;
+}
+
+Matrix about(char axis, double degrees) {
+    Matrix r;
+    const double angle = degrees * degToRad;
+    (axis == 'x' ? rotation_x : axis == 'y' ? rotation_y : rotation_z)(r.data(), angle);
+    return r;
+}
+
+Matrix xyz(double rx, double ry, double rz) {
+    return times(times(about('x', rx), about('y', ry)), about('z', rz));
+}
+
+Matrix zyx(double rx, double ry, double rz) {
+    return times(times(about('z', rz), about('y', ry)), about('x', rx));
+}
+
+constexpr double tolerance = 4e-5; // degrees: single precision at 180, once for each angle before
+
+struct Row {
+    double rx, ry, rz; // degrees
+};
+
+void expectAngles(const OrientationAngles& angles, const Row& row, const char* rule) {
+    const auto apart = [](double a, double b) { return std::abs(std::remainder(a - b, 360)); };
+    EXPECT_LT(apart(angles.rx, row.rx), tolerance)
+        << rule << ' ' << row.rx << ' ' << row.ry << ' ' << row.rz;
+    EXPECT_LT(apart(angles.ry, row.ry), tolerance)
+        << rule << ' ' << row.rx << ' ' << row.ry << ' ' << row.rz;
+    EXPECT_LT(apart(angles.rz, row.rz), tolerance)
+        << rule << ' ' << row.rx << ' ' << row.ry << ' ' << row.rz;
+}
+
+const Row rows[] = {
+    {0, 0, 0},     {10, 20, 30}, {0, 0, 180}, {180, 0, 0},      {0, 0, -150},     {0, 0, 90},
+    {0, 0, -90},   {90, 0, 0},   {-90, 0, 0}, {170, -80, -170}, {-100, 70, 100},  {1, -1, 179},
+    {-170, 5, 95}, {0, 90, 0},   {0, -45, 0}, {120, 30, -60},   {-45, -20, -135},
+};
+
+TEST(OrientationAngles, EachRuleFindsTheAnglesOfItsComposition) {
+    for (const Row& row : rows) {
+        const Matrix forward = xyz(row.rx, row.ry, row.rz);
+        expectAngles(machineAngles(forward.data()), row, "machine");
+        if (std::abs(row.ry) < 90) // at 90 the first angle is rounding alone
+            expectAngles(threeVectorAngles(forward.data()), row, "three vectors");
+        expectAngles(localAngles(zyx(row.rx, row.ry, row.rz).data()), row, "local");
+    }
+}
+
+TEST(OrientationAngles, ScaledColumnsGiveTheSameAngles) {
+    Matrix scaled = xyz(10, 20, 30);
+    Matrix local = zyx(10, 20, 30);
+    for (std::size_t i = 0; i < 9; ++i) {
+        const double factor = i % 3 == 0 ? 7 : i % 3 == 1 ? 0.125 : 1e6;
+        scaled[i] *= factor;
+        local[i] *= factor;
+    }
+    expectAngles(machineAngles(scaled.data()), {10, 20, 30}, "machine");
+    expectAngles(localAngles(local.data()), {10, 20, 30}, "local");
+}
+
+// The later angles come from the single-precision sine and cosine of the rounded first angle.
+// Computed a second way; with double sines at least one of many matrices would differ in its last
+// bit.
+TEST(OrientationAngles, LaterAnglesUseTheSineOfTheRoundedAngle) {
+    int differences = 0;
+    for (int i = 0; i < 200; ++i) {
+        const Matrix t = xyz(0.7 * i - 70, 0.3 * i - 30, 1.7 * i - 170);
+        const auto rx = static_cast<float>(std::atan2(-t[5], t[8]));
+        const double single = std::atan2(t[2], static_cast<double>(std::cos(rx)) * t[8]
+                                                   - static_cast<double>(std::sin(rx)) * t[5]);
+        const double wide = std::atan2(t[2], std::cos(static_cast<double>(rx)) * t[8]
+                                                 - std::sin(static_cast<double>(rx)) * t[5]);
+        const auto degrees = [](double angle) {
+            return static_cast<float>(static_cast<float>(angle) * radToDeg);
+        };
+        EXPECT_EQ(threeVectorAngles(t.data()).ry, degrees(single)) << i;
+        differences += degrees(single) != degrees(wide);
+    }
+    EXPECT_GT(differences, 0);
+}
+
+} // namespace

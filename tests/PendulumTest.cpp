@@ -1,0 +1,162 @@
+#include "models/CKivPendulum.h"
+
+#include <algorithm>
+#include <array>
+
+#include <gtest/gtest.h>
+
+#include "models/Geometry.h"
+#include "models/PendulumSolver.h"
+#include "tests/Matchers.h"
+
+namespace {
+
+using namespace kiv;
+
+constexpr double printedDigits = 5e-7; // half a unit in the sixth decimal
+constexpr double azimuthOffset = 0.1;  // rad
+constexpr double elevationOffset = 0.2;
+
+struct Example {
+    const char* name;
+    std::array<float, 8> factors;
+    int parity;
+    int passes;
+    double beta; // degrees
+    std::array<double, 9> matrix;
+};
+
+const Example examples[] = {
+    {"even mode",
+     {0.5F, 0.2F, 2.0F, 3.0F, 1, 1, 1, 0},
+     0,
+     18,
+     -0.8232,
+     {0.967905, -0.251038, -0.011869, 0.251168, 0.967880, 0.011134, 0.008693, -0.013758, 0.999868}},
+    {"odd mode",
+     {0.5F, 0.2F, 2.0F, 3.0F, 1, 1, 1, 0},
+     1,
+     19,
+     -4.0123,
+     {0.872942, -0.379394, -0.306648, 0.389173, 0.920637, -0.031171, 0.294138, -0.092128,
+      0.951312}},
+    {"reference axis along the transverse axis",
+     {0.5F, 0.2F, 0, 0, 1, 1, 1, 0},
+     0,
+     1,
+     1.2,
+     {0.966572, -0.256395, -0.000672, 0.256316, 0.966333, -0.022399, 0.006392, 0.021478, 0.999749}},
+};
+
+using Matrix = std::array<double, 9>;
+constexpr Matrix measurement{3000, 1000, 500, 0, 1.0, 10, 20, 0, 0};
+
+CKivPendulum pendulum(std::array<float, 8> factors, int parity) {
+    CKivPendulum model;
+    model.set_iMMode(parity);
+    model.UpdateSFactors(factors.data(), 8);
+    return model;
+}
+
+PendulumProblem problemOf(const Example& example) {
+    const double sense = example.parity == 1 ? -1 : 1;
+    const double s2 = example.factors[2] * degToRad;
+    const double s3 = example.factors[3] * degToRad;
+    return {{measurement[0], measurement[1], measurement[2]},
+            sense * (example.factors[1] + measurement[4]) * degToRad,
+            sense * (elevationOffset - measurement[6] * degToRad),
+            example.factors[0] * degToRad + halfPi,
+            {std::sin(s3) * std::cos(s2), std::cos(s3) * std::cos(s2), std::sin(s2)}};
+}
+
+TEST(Pendulum, ReachesThePublishedExamples) {
+    for (const Example& example : examples) {
+        const PendulumSolution solution = solvePendulum(problemOf(example));
+        EXPECT_EQ(solution.passes, example.passes) << example.name;
+        EXPECT_NEAR(solution.beta * radToDeg, example.beta, 5e-5) << example.name;
+
+        Matrix m = measurement;
+        EXPECT_TRUE(pendulum(example.factors, example.parity)
+                        .CalTranxMatrix(m.data(), azimuthOffset, elevationOffset, 3));
+        EXPECT_TRUE(test::isNear(m.data(), example.matrix.data(), printedDigits)) << example.name;
+        EXPECT_TRUE(test::isRotation(m.data(), 1e-14)) << example.name;
+    }
+}
+
+// At the final inclination the frame fulfils what defines it, whichever of the five cases built it.
+TEST(Pendulum, FrameMeetsItsDefinition) {
+    const struct {
+        const char* name;
+        double z, beta0; // mm, degrees
+    } rows[] = {{"above, rising", 500, 1.2},
+                {"above, falling", 500, -3.5},
+                {"below, rising", -500, 2.5},
+                {"below, falling", -500, -1.2},
+                {"level", 500, 0},
+                {"level, below", -500, 0},
+                {"level, in the horizon", 0, 0}};
+    for (const auto& row : rows) {
+        PendulumProblem problem = problemOf(examples[2]);
+        problem.vector[2] = row.z;
+        problem.beta0 = row.beta0 * degToRad;
+        const PendulumSolution solution = solvePendulum(problem);
+        const double* f = solution.frame;
+        EXPECT_TRUE(test::isRotation(f, 1e-13)) << row.name;
+        EXPECT_NEAR(f[7], std::sin(solution.beta), 1e-12) << row.name << ": rise of the axis";
+        const double r = std::hypot(3000.0, 1000.0, row.z);
+        const double across = (3000 * f[1] + 1000 * f[4] + row.z * f[7]) / r;
+        EXPECT_NEAR(across, std::cos(problem.c0), 1e-11) << row.name << ": angle to the direction";
+        EXPECT_NEAR(std::asin(f[7]), problem.beta0, modelDeadBand) << row.name << ": stop test";
+        EXPECT_EQ(solution.passes, 1) << row.name;
+    }
+}
+
+TEST(Pendulum, OddModesCountAllAnglesTheOtherWayRound) {
+    std::array<float, 8> factors = examples[0].factors;
+    Matrix odd = measurement;
+    ASSERT_TRUE(pendulum(factors, 1).CalTranxMatrix(odd.data(), 0.1, 0.2, 3));
+    factors[1] = -factors[1];
+    Matrix even = measurement;
+    for (std::size_t i = 4; i < 7; ++i)
+        even[i] = -even[i];
+    ASSERT_TRUE(pendulum(factors, 0).CalTranxMatrix(even.data(), -0.1, -0.2, 3));
+    EXPECT_TRUE(test::isNear(even.data(), odd.data(), 1e-14));
+}
+
+// A reference axis across the transverse axis oscillates about an inclination that it cannot show;
+// the frame of the last pass counts.
+TEST(Pendulum, StopsAfterFiveHundredPassesWithTheLastFrame) {
+    const std::array<float, 8> factors{0, 0, 10, 90, 1, 1, 1, 0};
+    const double s2 = 10 * degToRad;
+    const double s3 = 90 * degToRad;
+    const PendulumSolution solution =
+        solvePendulum({{3000, 1000, 500},
+                       10 * degToRad,
+                       -0.15,
+                       halfPi,
+                       {std::sin(s3) * std::cos(s2), std::cos(s3) * std::cos(s2), std::sin(s2)}});
+    EXPECT_EQ(solution.passes, 500);
+    Matrix m{3000, 1000, 500, 0, 10, 0, 0, 0, 0};
+    EXPECT_TRUE(pendulum(factors, 0).CalTranxMatrix(m.data(), 0, -0.15, 3));
+    EXPECT_TRUE(test::isRotation(m.data(), 1e-13));
+}
+
+TEST(Pendulum, FailsWhereThereIsNoTransverseAxis) {
+    const struct {
+        const char* name;
+        Matrix input;
+    } rows[] = {
+        {"tilted in the horizon", {3000, 1000, 0, 0, 1, 10, 20, 0, 0}},
+        {"zero vector", {0, 0, 0, 0, 1, 10, 20, 0, 0}},
+        {"zero vector, level", {0, 0, 0, 0, -0.2F, 10, 20, 0, 0}},
+        {"straight up", {0, 0, 500, 0, 40, 10, 20, 0, 0}},
+        {"steeper than any axis", {3000, 1000, 500, 0, 89.7, 10, 20, 0, 0}},
+    };
+    for (const auto& row : rows) {
+        Matrix m = row.input;
+        EXPECT_FALSE(pendulum(examples[2].factors, 0).CalTranxMatrix(m.data(), 0.1, 0.2, 3))
+            << row.name;
+    }
+}
+
+} // namespace
