@@ -1,28 +1,12 @@
 #include "params/CKivPrm.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "params/Messages.h"
+#include "support/Copies.h"
 
-namespace {
-
-template <typename T>
-std::unique_ptr<T[]> copyOf(const std::unique_ptr<T[]>& source, std::size_t size) {
-    if (!source)
-        return nullptr;
-    auto copy = std::make_unique<T[]>(size);
-    std::copy_n(source.get(), size, copy.get());
-    return copy;
-}
-
-template <typename T, std::size_t n>
-void copyValues(const T (&source)[n], T (&target)[n]) {
-    std::copy(std::begin(source), std::end(source), std::begin(target));
-}
-
-} // namespace
+using kiv::copyOf;
+using kiv::copyValues;
 
 CKivPrm::CKivPrm() = default;
 

@@ -9,8 +9,17 @@
 #include "models/CKivPolarizer.h"
 #include "models/CKivThreeVec.h"
 #include "models/CKivThreeVec2Level.h"
+#include "support/Copies.h"
 
 namespace {
+
+using kiv::copyOf;
+using kiv::copyValues;
+
+std::size_t sizeOf(int count, int each, int more = 0) {
+    return static_cast<std::size_t>(count) * static_cast<std::size_t>(each)
+           + static_cast<std::size_t>(more);
+}
 
 std::unique_ptr<CKivModel> createModel(int mode) {
     switch (mode) {
@@ -43,33 +52,21 @@ std::unique_ptr<CKivModel> copyAsOneOf(const CKivModel& model) {
     return copy;
 }
 
-template <typename T>
-std::unique_ptr<T[]> copyOf(const std::unique_ptr<T[]>& source, int count) {
-    if (!source)
-        return nullptr;
-    auto copy = std::make_unique<T[]>(static_cast<std::size_t>(count));
-    std::copy_n(source.get(), count, copy.get());
-    return copy;
-}
-
-template <typename T, std::size_t n>
-void copyValues(const T (&source)[n], T (&target)[n]) {
-    std::copy(std::begin(source), std::end(source), std::begin(target));
-}
-
 } // namespace
 
 CKiv::CKiv() : prm(std::make_unique<CKivPrm>()) {}
 
 CKiv::CKiv(const CKiv& other)
     : elEncoder(other.elEncoder), azEncoder(other.azEncoder), mountMode(other.mountMode),
-      levelXCount(other.levelXCount), levelXTable(copyOf(other.levelXTable, levelXCount + 3)),
-      levelXSpline(copyOf(other.levelXSpline, 4 * levelXCount)), levelYCount(other.levelYCount),
-      levelYTable(copyOf(other.levelYTable, levelYCount + 3)),
-      levelYSpline(copyOf(other.levelYSpline, 4 * levelYCount)),
+      levelXCount(other.levelXCount),
+      levelXTable(copyOf(other.levelXTable, sizeOf(levelXCount, 1, 3))),
+      levelXSpline(copyOf(other.levelXSpline, sizeOf(levelXCount, 4))),
+      levelYCount(other.levelYCount),
+      levelYTable(copyOf(other.levelYTable, sizeOf(levelYCount, 1, 3))),
+      levelYSpline(copyOf(other.levelYSpline, sizeOf(levelYCount, 4))),
       azimuthCompCount(other.azimuthCompCount), elevationCompCount(other.elevationCompCount),
-      azimuthComp(copyOf(other.azimuthComp, 2 * azimuthCompCount)),
-      elevationComp(copyOf(other.elevationComp, 2 * elevationCompCount)),
+      azimuthComp(copyOf(other.azimuthComp, sizeOf(azimuthCompCount, 2))),
+      elevationComp(copyOf(other.elevationComp, sizeOf(elevationCompCount, 2))),
       referenceSet(other.referenceSet), mcsFlag(other.mcsFlag), matrixValid(other.matrixValid) {
     copyValues(other.refInverse, refInverse);
     copyValues(other.localInverse, localInverse);
