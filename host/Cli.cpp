@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/Home.h"
 #include "host/Run.h"
 #include "host/Simulate.h"
 
@@ -44,6 +45,27 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
     simulateCommand->add_option("--seed", simulate.seed, "Seed of the trajectory")
         ->capture_default_str();
 
+    HomeOptions home;
+    CLI::App* homeCommand = app.add_subcommand(
+        "home", "Solve for home angles, from values given here or from the rows of a table");
+    CLI::Option* homeTable = homeCommand->add_option(
+        "table", home.table, "CSV file of frame_x .. tilt_y_deg, - for standard input");
+    homeCommand
+        ->add_option("-o,--output", home.results, "CSV file of results, - for standard output")
+        ->needs(homeTable);
+    const auto vectorOption = [&](const char* name, std::vector<double>& values, int count,
+                                  const char* help) {
+        return homeCommand->add_option(name, values, help)
+            ->delimiter(',')
+            ->expected(count)
+            ->excludes(homeTable)
+            ->check(CLI::Number);
+    };
+    vectorOption("--frame-x", home.frameX, 3, "First axis of the tilt frame, x,y,z");
+    vectorOption("--direction", home.direction, 3, "The direction, x,y,z");
+    vectorOption("--angles", home.angles, 2, "Horizontal and vertical angle, degrees");
+    vectorOption("--tilt", home.tilt, 2, "Tilts about x and about y, degrees");
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -51,6 +73,8 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
     }
     if (runCommand->parsed())
         return runReadings(run, streams);
+    if (homeCommand->parsed())
+        return solveHomeAngles(home, streams);
     return simulateReadings(simulate, streams);
 }
 

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <ostream>
 
+#include "host/Table.h"
+
 namespace kiv::host {
 
 namespace {
@@ -54,21 +56,21 @@ bool Output::open(const std::string& name, const Streams& streams) {
     return true;
 }
 
-void Output::writeWhenLarge() {
-    if (pending.size() < blockSize)
-        return;
+void Output::write() {
     chosen->write(pending.data(), static_cast<std::streamsize>(pending.size()));
     pending.clear();
 }
 
-void Output::flush() {
-    chosen->write(pending.data(), static_cast<std::streamsize>(pending.size()));
-    pending.clear();
-    chosen->flush();
+void Output::endRow(bool inputWouldWait) {
+    if (inputWouldWait || pending.size() >= blockSize)
+        write();
+    if (inputWouldWait)
+        chosen->flush();
 }
 
 bool Output::finish(std::ostream& err) {
-    flush();
+    write();
+    chosen->flush();
     if (chosen == &file)
         file.close();
     if (!chosen->fail())
@@ -78,9 +80,25 @@ bool Output::finish(std::ostream& err) {
     return false;
 }
 
-bool sameFile(const std::string& a, const std::string& b) {
-    std::error_code failed;
-    return std::filesystem::equivalent(a, b, failed) && !failed;
+bool refuseOverwriting(const std::string& output, std::initializer_list<std::string> inputs,
+                       std::ostream& err) {
+    for (const std::string& input : inputs) {
+        std::error_code failed;
+        if (std::filesystem::equivalent(output, input, failed) && !failed) {
+            err << output << ":1:1: expected an output of its own, found the input " << input
+                << '\n';
+            return true;
+        }
+    }
+    return false;
+}
+
+bool finishTable(const Table& table, const Input& input, Output& output, std::ostream& err) {
+    const bool readAll = !table.failed();
+    if (!readAll)
+        err << input.name() << ':' << table.lineNumber() + 1
+            << ":1: expected to read on, found a read error\n";
+    return output.finish(err) && readAll;
 }
 
 } // namespace kiv::host

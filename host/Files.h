@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fstream>
+#include <initializer_list>
 #include <iosfwd>
 #include <string>
 
@@ -28,19 +29,29 @@ public:
     bool open(const std::string& name, const Streams& streams);
 
     std::string& text() { return pending; }
-    void writeWhenLarge();
-    void flush();
+    // Writes what has come together once it makes a block, or at once when the next input may take
+    // time.
+    void endRow(bool inputWouldWait);
     // False, and a message, when anything could not be written.
     bool finish(std::ostream& err);
 
 private:
+    void write();
+
     std::ofstream file;
     std::ostream* chosen = nullptr;
     std::string shownName;
     std::string pending;
 };
 
-// Both name the same file on disk, also by different paths.
-bool sameFile(const std::string& a, const std::string& b);
+// True, and a message, when the output names the same file on disk as one of the inputs.
+bool refuseOverwriting(const std::string& output, std::initializer_list<std::string> inputs,
+                       std::ostream& err);
+
+class Table;
+
+// Ends a run over a table: false, and a message, when the table could not be read to its end or the
+// output not be written.
+bool finishTable(const Table& table, const Input& input, Output& output, std::ostream& err);
 
 } // namespace kiv::host

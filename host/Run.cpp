@@ -1,9 +1,9 @@
 #include "host/Run.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <ostream>
-#include <vector>
 
 #include "host/Csv.h"
 #include "host/Files.h"
@@ -20,32 +20,33 @@ namespace {
 
 // Behind the carried columns. Angles are degrees; m<row><column> is the result matrix, code that of
 // ReadMatrix.
-const std::vector<std::string_view> resultColumns{"state",
-                                                  "azimuth_corrected_deg",
-                                                  "elevation_corrected_deg",
-                                                  "level_x_corrected_deg",
-                                                  "level_y_corrected_deg",
-                                                  "rx_deg",
-                                                  "ry_deg",
-                                                  "rz_deg",
-                                                  "qvc_x",
-                                                  "qvc_y",
-                                                  "qvc_z",
-                                                  "m00",
-                                                  "m01",
-                                                  "m02",
-                                                  "m10",
-                                                  "m11",
-                                                  "m12",
-                                                  "m20",
-                                                  "m21",
-                                                  "m22",
-                                                  "code"};
+constexpr std::array<std::string_view, 21> resultColumns{"state",
+                                                         "azimuth_corrected_deg",
+                                                         "elevation_corrected_deg",
+                                                         "level_x_corrected_deg",
+                                                         "level_y_corrected_deg",
+                                                         "rx_deg",
+                                                         "ry_deg",
+                                                         "rz_deg",
+                                                         "qvc_x",
+                                                         "qvc_y",
+                                                         "qvc_z",
+                                                         "m00",
+                                                         "m01",
+                                                         "m02",
+                                                         "m10",
+                                                         "m11",
+                                                         "m12",
+                                                         "m20",
+                                                         "m21",
+                                                         "m22",
+                                                         "code"};
 
 constexpr int firstThreeVectorMode = 7;
 
 struct Result {
     RowState state = RowState::refused;
+    UpdateOutcome outcome = UpdateOutcome::badStatus;
     KIV_INFO info{};
     double matrix[9] = {};
     int code = 0;
@@ -75,12 +76,46 @@ bool transformFinite(const CKiv& sensor) {
 
 Result computeRow(CKiv& sensor, const KIV_RAWINFO& raw) {
     Result result;
-    const UpdateOutcome outcome = SensorAccess::update(sensor, raw, result.info);
-    result.state = stateOf(outcome);
-    if (outcome > UpdateOutcome::modelFailed && !transformFinite(sensor))
+    result.outcome = SensorAccess::update(sensor, raw, result.info);
+    result.state = stateOf(result.outcome);
+    if (result.outcome > UpdateOutcome::modelFailed && !transformFinite(sensor))
         result.state = RowState::noOrientation;
     result.code = sensor.ReadMatrix(result.matrix);
     return result;
+}
+
+// How messages speak of a model and of readings that it has no orientation for.
+struct ModelWords {
+    std::string expected;
+    const char* whereItFails;
+    const char* whereNotFinite;
+};
+
+ModelWords wordsFor(int mode) {
+    constexpr const char* overflow = "values too large to compute with";
+    constexpr const char* alongVertical =
+        "a line of sight along the vertical or in a level's plane with it";
+    const auto words = [&](const char* name, const char* fails, const char* notFinite) {
+        return ModelWords{std::string("readings that the ") + name + " model solves (mount mode "
+                              + std::to_string(mode) + ")",
+                          fails, notFinite};
+    };
+    switch (mode) {
+    case 1:
+    case 2:
+        return words("dual-level", "no tilted vertical that both levels show", overflow);
+    case 5:
+    case 6:
+        return words("polarizer", overflow, overflow);
+    case 7:
+    case 8:
+        return words("three-vector", alongVertical, alongVertical);
+    case 9:
+    case 10:
+        return words("two-level", "both levels outside their tables", alongVertical);
+    default:
+        return words("pendulum", "no transverse axis that shows their inclination", overflow);
+    }
 }
 
 // What the update did not compute stays empty.
@@ -123,18 +158,13 @@ int runReadings(const RunOptions& options, const Streams& streams) {
                     << kivStatusText(code) << ")\n";
         return unusable;
     }
-    for (const std::string& input : {options.parameterFile, options.readings}) {
-        if (sameFile(options.results, input)) {
-            streams.err << options.results
-                        << ":1:1: expected an output of its own, found an input\n";
-            return unusable;
-        }
-    }
+    if (refuseOverwriting(options.results, {options.parameterFile, options.readings}, streams.err))
+        return unusable;
 
     Input input;
     if (!input.open(options.readings, streams))
         return unusable;
-    ReadingsTable table(input.stream(), input.name(), streams.err);
+    Table table(input.stream(), input.name(), streams.err, readingColumns);
     if (!table.readHeader(resultColumns))
         return unusable;
     Output output;
@@ -147,29 +177,25 @@ int runReadings(const RunOptions& options, const Streams& streams) {
         text.append(name).push_back(name == resultColumns.back() ? '\n' : ',');
 
     const int mode = SensorAccess::mountMode(sensor);
+    const ModelWords model = wordsFor(mode);
+    const Truth truth(table);
     Summary summary;
     KIV_RAWINFO raw{};
-    std::array<double, 3> truth{};
     while (table.nextRow()) {
-        const Result result = table.readings(raw) ? computeRow(sensor, raw) : Result{};
+        const Result result = readReadings(table, raw) ? computeRow(sensor, raw) : Result{};
         if (result.state == RowState::noOrientation)
-            table.report(0, "readings with an orientation in mount mode " + std::to_string(mode),
-                         "none");
+            table.reportRow(model.expected, result.outcome == UpdateOutcome::modelFailed
+                                                ? model.whereItFails
+                                                : model.whereNotFinite);
         table.appendCarriedCells(text);
         appendResult(text, result, mode);
         summary.count(result.state, table.lineNumber());
-        if (result.state == RowState::ok && table.truth(truth))
-            summary.compare({result.info.rx, result.info.ry, result.info.rz}, truth);
-        if (table.wouldWait())
-            output.flush();
-        else
-            output.writeWhenLarge();
+        if (result.state == RowState::ok)
+            if (const auto angles = truth.angles(table))
+                summary.compare({result.info.rx, result.info.ry, result.info.rz}, *angles);
+        output.endRow(table.wouldWait());
     }
-    const bool readAll = !table.failed();
-    if (!readAll)
-        streams.err << input.name() << ':' << table.lineNumber() + 1
-                    << ":1: expected to read on, found a read error\n";
-    if (!output.finish(streams.err) || !readAll)
+    if (!finishTable(table, input, output, streams.err))
         return unusable;
     summary.print(streams.err);
     return summary.allGood() ? allGood : someRowsBad;

@@ -63,11 +63,8 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
     CKivPrm record;
     if (!loadParameterFile(options.parameterFile, record, streams.err))
         return unusable;
-    if (sameFile(options.parameterFile, options.readings)) {
-        streams.err << options.readings
-                    << ":1:1: expected an output of its own, found the parameter file\n";
+    if (refuseOverwriting(options.readings, {options.parameterFile}, streams.err))
         return unusable;
-    }
     Output output;
     if (!output.open(options.readings, streams))
         return unusable;
@@ -102,7 +99,7 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
         calibration.rawReadings(pose, readings, temperatureAt(part), raw);
         appendRow(text, static_cast<double>(row) / rowsPerSecond, raw,
                   trueAngles(pose, mounting.mode, machineMatrix));
-        output.writeWhenLarge();
+        output.endRow(false);
     }
     return output.finish(streams.err) ? allGood : unusable;
 }

@@ -76,8 +76,11 @@ TEST(Tool, RunGivesEachRowItsState) {
     EXPECT_EQ(result.err.find("standard input:6:5: expected a measured vector that is not zero"),
               0U)
         << result.err;
-    EXPECT_NE(result.err.find("standard input:7:1: expected readings with an orientation"),
-              std::string::npos);
+    EXPECT_NE(
+        result.err.find(
+            "standard input:7:1: expected readings that the pendulum model solves (mount mode 4), "
+            "found no transverse axis that shows their inclination"),
+        std::string::npos);
     EXPECT_NE(result.err.find("6 rows: 1 ok, 1 status, 1 no_reference, 1 reference (line 4), "
                               "1 no_orientation, 1 refused"),
               std::string::npos)
@@ -266,6 +269,39 @@ TEST(Tool, SimulatedReadingsRunBackToTheirPoses) {
     EXPECT_NE(result.err.find("300 rows: 299 ok, 1 reference (line 2)"), std::string::npos)
         << result.err;
     EXPECT_NE(result.err.find("largest difference to the true angles: rx 0.00"), std::string::npos);
+}
+
+TEST(Tool, HomeSolvesOneOrATable) {
+    const std::vector<std::string> one{"home",     "--frame-x", "1,0,0",  "--direction", "1,0,0",
+                                       "--angles", "10,20",     "--tilt", "0,0"};
+    const ToolResult single = tool(one);
+    EXPECT_EQ(single.code, 0) << single.err;
+    EXPECT_EQ(single.out, "home_h_deg 9.999999999997707  home_v_deg 19.999999999995413\n");
+
+    const ToolResult table =
+        tool({"home", "-"},
+             "tilt_y_deg,tilt_x_deg,angle_v_deg,angle_h_deg,direction_z,direction_y,"
+             "direction_x,frame_z,frame_y,frame_x,name\n"
+             "0,0,20,10,0,0,1,0,0,1,a\n0,0,20,10,0,0,1,1,0,0,b\n0,0,20,10,0,0,z,0,0,1,c\n");
+    EXPECT_EQ(table.code, 1);
+    EXPECT_EQ(table.out,
+              "name,state,home_h_deg,home_v_deg\n"
+              "a,ok,9.999999999997707,19.999999999995413\nb,no_solution,,\nc,refused,,\n");
+    EXPECT_EQ(table.err,
+              "standard input:3:1: expected a frame axis and a direction that give home "
+              "angles, found a singular frame\n"
+              "standard input:4:15: expected a finite number in column direction_x, found "
+              "\"z\"\n");
+
+    for (const std::vector<std::string>& wrong : {std::vector<std::string>{"home"},
+                                                  {"home", "--frame-x", "1,0,0"},
+                                                  {"home", "--tilt", "1,2,3"},
+                                                  {"home", "-", "--tilt", "1,2"},
+                                                  {"home", "--angles", "1,x"}})
+        EXPECT_EQ(tool(wrong).code, 2) << wrong.back();
+    const ToolResult negative = tool({"home", "--frame-x", "-1,0,0", "--direction", "-1,0,0",
+                                      "--angles", "-10,20", "--tilt", "0,0"});
+    EXPECT_EQ(negative.code, 0) << negative.err;
 }
 
 } // namespace
