@@ -71,7 +71,7 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
 
     const simulator::Mounting mounting = simulator::mountingOf(record);
     simulator::InverseCalibration calibration(record);
-    const simulator::SlowTurn turn(options.seed, mostTilt);
+    const simulator::SlowTurn turn(options.seed, mostTilt, simulator::invertedIn(mounting.mode));
     double machineMatrix[9];
     record.getMachineMatrix(machineMatrix, 3);
 

@@ -20,6 +20,11 @@ struct Mounting {
 
 Mounting mountingOf(const CKivPrm& record);
 
+// Modes 7 and 9 take the sensor to hang upside down.
+inline bool invertedIn(int mode) {
+    return mode == 7 || mode == 9;
+}
+
 // Corrected readings, degrees. A level that the principle does not have reads 0.
 struct Readings {
     double levelX = 0;

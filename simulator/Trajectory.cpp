@@ -5,7 +5,8 @@
 
 namespace kiv::simulator {
 
-SlowTurn::SlowTurn(std::uint64_t seed, double tilt) : mostTilt(tilt) {
+SlowTurn::SlowTurn(std::uint64_t seed, double tilt, bool inverted)
+    : mostTilt(tilt), roll0(inverted ? 180 : 0) {
     std::mt19937_64 random(seed);
     for (double& p :
          phase) // the top 53 bits: the standard's distributions differ between platforms
@@ -21,7 +22,7 @@ Pose SlowTurn::at(double part) const {
     const double distance = 4000 + 1200 * wave(2, 1);       // mm
     const double yaw = azimuth + 15 * wave(3, 1.5);         // degrees
     const double pitch = mostTilt * wave(4, 4);
-    const double roll = mostTilt * wave(5, 5);
+    const double roll = roll0 + mostTilt * wave(5, 5);
 
     Pose pose;
     rotationFromYawPitchRoll(yaw, pitch, roll, pose.rotation);

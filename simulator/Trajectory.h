@@ -11,13 +11,14 @@ namespace kiv::simulator {
 // the same poses on every platform.
 class SlowTurn {
 public:
-    SlowTurn(std::uint64_t seed, double mostTilt);
+    SlowTurn(std::uint64_t seed, double mostTilt, bool inverted);
 
     // The pose at a part of the way, from 0 to 1.
     Pose at(double part) const;
 
 private:
     double mostTilt; // degrees
+    double roll0;    // degrees
     double phase[6]; // rad
 };
 

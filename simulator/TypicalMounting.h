@@ -30,9 +30,4 @@ inline Mounting typicalMounting(int mode) {
     return m;
 }
 
-// The two modes 7 and 9 of odd parity take the sensor to hang upside down.
-inline bool invertedIn(int mode) {
-    return mode == 7 || mode == 9;
-}
-
 } // namespace kiv::simulator
