@@ -15,6 +15,8 @@ CKivPrm::~CKivPrm() {
 }
 
 CKivPrm& CKivPrm::operator=(const CKivPrm& other) {
+    if (this == &other)
+        return *this;
     const std::size_t nX = other.levelXCount, nY = other.levelYCount;
     auto newLevelXTable = copyOf(other.levelXTable, nX + 3);
     auto newLevelXSpline = copyOf(other.levelXSpline, 4 * nX);
