@@ -19,6 +19,7 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
     CLI::App app{"Turns the raw readings of KIV sensors into orientations.", "kiv"};
     app.set_version_flag("--version", KIV_VERSION);
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // a path may begin with a slash
 
     RunOptions run;
     CLI::App* runCommand =
