@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/Check.h"
 #include "host/Home.h"
 #include "host/Run.h"
 #include "host/Simulate.h"
@@ -21,6 +22,16 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
     app.require_subcommand(1);
     app.allow_windows_style_options(false); // a path may begin with a slash
 
+    CheckOptions check;
+    CLI::App* checkCommand = app.add_subcommand("check", "Say what is wrong with parameter files");
+    checkCommand
+        ->add_option("files", check.files,
+                     "Parameter files; named Tg<ID>.prm, the serial number has to be that ID")
+        ->required();
+    checkCommand->add_flag("--strict", check.strict, "Let warnings count like errors");
+    checkCommand->footer("Exit code 0: no finding counts; 1: some do; 2: wrong usage, or a file "
+                         "that cannot be read.");
+
     RunOptions run;
     CLI::App* runCommand =
         app.add_subcommand("run", "Compute the orientations of recorded readings");
@@ -29,6 +40,15 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
         ->required();
     runCommand->add_option("-o,--output", run.results,
                            "CSV file of results, - for standard output");
+    std::string frame = "machine";
+    runCommand
+        ->add_option("--frame", frame,
+                     "Angles in machine coordinates, or against the reference in local")
+        ->check(CLI::IsMember({"machine", "local"}))
+        ->capture_default_str();
+    runCommand->add_flag("--stop-on-bad", run.stopOnBad,
+                         "End behind the first row that is refused or has no orientation");
+    runCommand->add_flag("-q,--quiet", run.quiet, "No progress and no summary on standard error");
     runCommand->footer(
         "Exit code 0: all rows good; 1: some rows refused or without an orientation; "
         "2: wrong usage, or a file that cannot be read or written.");
@@ -72,6 +92,9 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
     } catch (const CLI::ParseError& e) {
         return app.exit(e, streams.out, streams.err) == 0 ? allGood : unusable;
     }
+    if (checkCommand->parsed())
+        return checkFiles(check, streams);
+    run.localFrame = frame == "local";
     if (runCommand->parsed())
         return runReadings(run, streams);
     if (homeCommand->parsed())

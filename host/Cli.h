@@ -8,13 +8,16 @@ namespace kiv::host {
 enum ExitCode : int {
     allGood = 0,
     someRowsBad = 1, // some rows refused or without an orientation
-    unusable = 2     // wrong usage, or a file that cannot be read, used or written
+    fileFaulty = 1,  // a parameter file with findings that count
+    unusable = 2,    // wrong usage, or a file that cannot be read, used or written
+    interrupted = 130
 };
 
 struct Streams {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
+    bool errIsTerminal = false;
 };
 
 // The whole tool: arguments as main gets them, data to out, messages to err.

@@ -21,6 +21,7 @@ public:
     const std::vector<std::string_view>& cells() const { return row; }
     bool quotesClosed() const { return closed; } // false: the last cell's quote is never closed
     std::size_t lineNumber() const { return lines; }
+    std::size_t rowBytes() const { return line.size() + 1; } // with the line's end
     // Of a cell, or of the line's end for an index behind the last; from 1, in bytes.
     std::size_t column(std::size_t cell) const;
     bool failed() const;    // reading broke off before the end

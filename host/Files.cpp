@@ -11,6 +11,8 @@ namespace {
 
 constexpr std::size_t blockSize = 1 << 16;
 
+} // namespace
+
 void reportUnopened(std::ostream& err, const std::string& name, const char* expected) {
     std::error_code ignored;
     const auto status = std::filesystem::status(name, ignored);
@@ -19,8 +21,6 @@ void reportUnopened(std::ostream& err, const std::string& name, const char* expe
                                                               : "no such file";
     err << name << ":1:1: expected " << expected << ", found " << found << '\n';
 }
-
-} // namespace
 
 bool Input::open(const std::string& name, const Streams& streams) {
     if (name == "-") {
@@ -33,6 +33,8 @@ bool Input::open(const std::string& name, const Streams& streams) {
     std::error_code ignored;
     if (!std::filesystem::is_directory(name, ignored))
         file.open(name, std::ios::binary);
+    if (std::filesystem::is_regular_file(name, ignored))
+        bytes = std::filesystem::file_size(name, ignored);
     if (!file.is_open()) {
         reportUnopened(streams.err, name, "a file of readings");
         return false;
@@ -61,11 +63,12 @@ void Output::write() {
     pending.clear();
 }
 
-void Output::endRow(bool inputWouldWait) {
+bool Output::endRow(bool inputWouldWait) {
     if (inputWouldWait || pending.size() >= blockSize)
         write();
     if (inputWouldWait)
         chosen->flush();
+    return !chosen->fail();
 }
 
 bool Output::finish(std::ostream& err) {

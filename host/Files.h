@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <fstream>
 #include <initializer_list>
 #include <iosfwd>
@@ -16,8 +17,10 @@ public:
     bool open(const std::string& name, const Streams& streams);
     std::istream& stream() { return *chosen; }
     const std::string& name() const { return shownName; }
+    std::uintmax_t size() const { return bytes; } // 0 where unknown
 
 private:
+    std::uintmax_t bytes = 0;
     std::ifstream file;
     std::istream* chosen = nullptr;
     std::string shownName;
@@ -31,7 +34,8 @@ public:
     std::string& text() { return pending; }
     // Writes what has come together once it makes a block, or at once when the next input may take
     // time.
-    void endRow(bool inputWouldWait);
+    // False once something could not be written.
+    bool endRow(bool inputWouldWait);
     // False, and a message, when anything could not be written.
     bool finish(std::ostream& err);
 
@@ -43,6 +47,9 @@ private:
     std::string shownName;
     std::string pending;
 };
+
+// Says that a file cannot be opened, and why.
+void reportUnopened(std::ostream& err, const std::string& name, const char* expected);
 
 // True, and a message, when the output names the same file on disk as one of the inputs.
 bool refuseOverwriting(const std::string& output, std::initializer_list<std::string> inputs,

@@ -103,7 +103,8 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         if (home)
             appendNumber(text, home->vertical);
         text.push_back('\n');
-        output.endRow(table.wouldWait());
+        if (!output.endRow(table.wouldWait()))
+            break;
     }
     if (!finishTable(table, input, output, streams.err))
         return unusable;

@@ -4,20 +4,11 @@
 #include <filesystem>
 #include <ostream>
 
+#include "host/Findings.h"
+#include "module/ConfigureSensor.h"
 #include "params/CKivPrm.h"
-#include "params/Parser.h"
-#include "support/platform/File.h"
 
 namespace kiv::host {
-
-namespace {
-
-void report(std::ostream& err, const std::string& path, const Finding& finding) {
-    err << path << ':' << finding.line << ':' << finding.column << ": expected " << finding.expected
-        << ", found " << finding.found << '\n';
-}
-
-} // namespace
 
 std::optional<ParameterFileName> parseParameterFileName(const std::string& path) {
     const std::filesystem::path whole(path);
@@ -33,31 +24,38 @@ std::optional<ParameterFileName> parseParameterFileName(const std::string& path)
     return ParameterFileName{directory.empty() ? "." : directory, id};
 }
 
-bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err) {
-    const auto name = parseParameterFileName(path);
-    if (!name) {
+std::optional<ParameterFileName> requireParameterFileName(const std::string& path,
+                                                          std::ostream& err) {
+    auto name = parseParameterFileName(path);
+    if (!name)
         err << path << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found \""
             << std::filesystem::path(path).filename().string() << "\"\n";
+    return name;
+}
+
+bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err) {
+    const auto name = requireParameterFileName(path, err);
+    const auto examined = name ? examineFile(path, err) : std::nullopt;
+    if (!examined)
         return false;
-    }
-    platform::InputFile file;
-    if (!file.open(path.c_str())) {
-        err << path << ":1:1: expected a parameter file, found none that can be opened\n";
-        return false;
-    }
-    const ParseOutcome outcome = parseParameterFile(file, name->id).outcome;
-    file.close();
-    for (const Finding& finding : outcome.unread)
-        report(err, path, finding);
-    if (outcome.code == KIV_BAD_FORMAT)
-        report(err, path, outcome.failure);
-    if (outcome.code != KIV_OK || !outcome.unread.empty())
+    for (const FileFinding& finding : examined->findings)
+        if (finding.error)
+            report(err, path, finding);
+    if (examined->errors() > 0)
         return false;
 
     const int code =
         record.ReadCalibrationFile(name->directory.c_str(), static_cast<unsigned long>(name->id));
     if (code != KIV_OK)
         err << path << ":1:1: expected to load the file, found code " << code << " ("
+            << kivStatusText(code) << ")\n";
+    return code == KIV_OK;
+}
+
+bool configure(CKiv& sensor, CKivPrm& record, const std::string& path, std::ostream& err) {
+    const int code = configureSensor(sensor, record);
+    if (code != KIV_OK)
+        err << path << ":1:1: expected values that a sensor takes, found code " << code << " ("
             << kivStatusText(code) << ")\n";
     return code == KIV_OK;
 }

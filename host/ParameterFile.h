@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
 #include <optional>
 #include <string>
 
+class CKiv;
 class CKivPrm;
 
 namespace kiv::host {
@@ -17,8 +19,15 @@ struct ParameterFileName {
 // Nothing for a file name that is not Tg, a decimal 32-bit ID without leading zeros, .prm.
 std::optional<ParameterFileName> parseParameterFileName(const std::string& path);
 
+// The same, with a message for any other name.
+std::optional<ParameterFileName> requireParameterFileName(const std::string& path,
+                                                          std::ostream& err);
+
 // Loads a file for measuring: one that the library would refuse, or that holds a value which the
 // library would take for 0, is refused, with every reason on err.
 bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err);
+
+// Hands a loaded record to a sensor; false, and a message, when the sensor does not take it.
+bool configure(CKiv& sensor, CKivPrm& record, const std::string& path, std::ostream& err);
 
 } // namespace kiv::host

@@ -13,25 +13,21 @@ constexpr std::size_t at(Field field) {
 
 } // namespace
 
-bool readReadings(const Table& table, KIV_RAWINFO& raw) {
+Refusal readReadings(const Table& table, KIV_RAWINFO& raw) {
     if (!table.checkRow())
-        return false;
+        return Refusal::rowShape;
     raw = {};
     bool good = table.readNumber(at(Field::status), raw.status);
-
-    bool vectorGood = true;
-    for (std::size_t i = 0; i < 3; ++i)
-        vectorGood = table.readNumber(at(Field::x) + i, raw.vector[i]) && vectorGood;
-    if (vectorGood && raw.vector[0] == 0 && raw.vector[1] == 0 && raw.vector[2] == 0) {
-        table.report(at(Field::x), "a measured vector that is not zero", "0, 0, 0");
-        vectorGood = false;
-    }
-    good = good && vectorGood;
-
     const std::pair<Field, float&> numbers[] = {
-        {Field::azimuth, raw.azimuthRaw},      {Field::elevation, raw.elevationRaw},
-        {Field::levelX, raw.levelXRaw},        {Field::levelY, raw.levelYRaw},
-        {Field::temperature, raw.temperature}, {Field::refMetric, raw.refMetric},
+        {Field::x, raw.vector[0]},
+        {Field::y, raw.vector[1]},
+        {Field::z, raw.vector[2]},
+        {Field::azimuth, raw.azimuthRaw},
+        {Field::elevation, raw.elevationRaw},
+        {Field::levelX, raw.levelXRaw},
+        {Field::levelY, raw.levelYRaw},
+        {Field::temperature, raw.temperature},
+        {Field::refMetric, raw.refMetric},
     };
     for (const auto& [field, value] : numbers)
         good = table.readNumber(at(field), value) && good;
@@ -43,7 +39,13 @@ bool readReadings(const Table& table, KIV_RAWINFO& raw) {
                      quoted(blocked));
         good = false;
     }
-    return good;
+    if (!good)
+        return Refusal::notANumber;
+    if (raw.vector[0] == 0 && raw.vector[1] == 0 && raw.vector[2] == 0) {
+        table.report(at(Field::x), "a measured vector that is not zero", "0, 0, 0");
+        return Refusal::zeroVector;
+    }
+    return Refusal::none;
 }
 
 Truth::Truth(const Table& table) {

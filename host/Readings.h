@@ -28,8 +28,11 @@ inline constexpr std::array<std::string_view, 11> readingColumns{
     "status",  "x",       "y",           "z",          "azimuth_deg", "elevation_deg",
     "level_x", "level_y", "temperature", "ref_metric", "ref_blocked"};
 
-// The readings of a row of a table with these columns; false, and messages, when one is no use.
-bool readReadings(const Table& table, KIV_RAWINFO& raw);
+// Why the readings of a row are no use.
+enum class Refusal : unsigned char { none, rowShape, notANumber, zeroVector };
+
+// The readings of a row of a table with these columns, or why not; then also messages.
+Refusal readReadings(const Table& table, KIV_RAWINFO& raw);
 
 // True angles that a simulation adds as further columns, in the order rx, ry, rz.
 inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "true_ry_deg",

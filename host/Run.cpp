@@ -1,16 +1,15 @@
 #include "host/Run.h"
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <ostream>
 
 #include "host/Csv.h"
 #include "host/Files.h"
+#include "host/Interrupt.h"
 #include "host/ParameterFile.h"
-#include "host/Readings.h"
+#include "host/Progress.h"
+#include "host/RowResult.h"
 #include "host/Summary.h"
-#include "module/ConfigureSensor.h"
 #include "params/CKivPrm.h"
 #include "sensor/SensorAccess.h"
 
@@ -44,82 +43,8 @@ constexpr std::array<std::string_view, 21> resultColumns{"state",
 
 constexpr int firstThreeVectorMode = 7;
 
-struct Result {
-    RowState state = RowState::refused;
-    UpdateOutcome outcome = UpdateOutcome::badStatus;
-    KIV_INFO info{};
-    double matrix[9] = {};
-    int code = 0;
-};
-
-RowState stateOf(UpdateOutcome outcome) {
-    switch (outcome) {
-    case UpdateOutcome::badStatus:
-        return RowState::status;
-    case UpdateOutcome::modelFailed:
-        return RowState::noOrientation;
-    case UpdateOutcome::noReference:
-        return RowState::noReference;
-    case UpdateOutcome::reference:
-        return RowState::reference;
-    case UpdateOutcome::oriented:
-        break;
-    }
-    return RowState::ok;
-}
-
-// The models of modes 5 to 10 report a result also where its entries are no numbers.
-bool transformFinite(const CKiv& sensor) {
-    const double* t = SensorAccess::transform(sensor);
-    return std::all_of(t, t + 9, [](double v) { return std::isfinite(v); });
-}
-
-Result computeRow(CKiv& sensor, const KIV_RAWINFO& raw) {
-    Result result;
-    result.outcome = SensorAccess::update(sensor, raw, result.info);
-    result.state = stateOf(result.outcome);
-    if (result.outcome > UpdateOutcome::modelFailed && !transformFinite(sensor))
-        result.state = RowState::noOrientation;
-    result.code = sensor.ReadMatrix(result.matrix);
-    return result;
-}
-
-// How messages speak of a model and of readings that it has no orientation for.
-struct ModelWords {
-    std::string expected;
-    const char* whereItFails;
-    const char* whereNotFinite;
-};
-
-ModelWords wordsFor(int mode) {
-    constexpr const char* overflow = "values too large to compute with";
-    constexpr const char* alongVertical =
-        "a line of sight along the vertical or in a level's plane with it";
-    const auto words = [&](const char* name, const char* fails, const char* notFinite) {
-        return ModelWords{std::string("readings that the ") + name + " model solves (mount mode "
-                              + std::to_string(mode) + ")",
-                          fails, notFinite};
-    };
-    switch (mode) {
-    case 1:
-    case 2:
-        return words("dual-level", "no tilted vertical that both levels show", overflow);
-    case 5:
-    case 6:
-        return words("polarizer", overflow, overflow);
-    case 7:
-    case 8:
-        return words("three-vector", alongVertical, alongVertical);
-    case 9:
-    case 10:
-        return words("two-level", "both levels outside their tables", alongVertical);
-    default:
-        return words("pendulum", "no transverse axis that shows their inclination", overflow);
-    }
-}
-
 // What the update did not compute stays empty.
-void appendResult(std::string& text, const Result& result, int mode) {
+void appendResult(std::string& text, const RowResult& result, int mode) {
     const auto cells = [&](const auto* values, std::size_t count, bool computed) {
         for (std::size_t i = 0; i < count; ++i) {
             text.push_back(',');
@@ -149,17 +74,13 @@ void appendResult(std::string& text, const Result& result, int mode) {
 
 int runReadings(const RunOptions& options, const Streams& streams) {
     CKivPrm record;
-    if (!loadParameterFile(options.parameterFile, record, streams.err))
-        return unusable;
     CKiv sensor;
-    if (const int code = configureSensor(sensor, record); code != KIV_OK) {
-        streams.err << options.parameterFile
-                    << ":1:1: expected values that a sensor takes, found code " << code << " ("
-                    << kivStatusText(code) << ")\n";
+    if (!loadParameterFile(options.parameterFile, record, streams.err)
+        || !configure(sensor, record, options.parameterFile, streams.err)
+        || refuseOverwriting(options.results, {options.parameterFile, options.readings},
+                             streams.err))
         return unusable;
-    }
-    if (refuseOverwriting(options.results, {options.parameterFile, options.readings}, streams.err))
-        return unusable;
+    sensor.setMcsFlag(!options.localFrame);
 
     Input input;
     if (!input.open(options.readings, streams))
@@ -177,27 +98,33 @@ int runReadings(const RunOptions& options, const Streams& streams) {
         text.append(name).push_back(name == resultColumns.back() ? '\n' : ',');
 
     const int mode = SensorAccess::mountMode(sensor);
-    const ModelWords model = wordsFor(mode);
     const Truth truth(table);
     Summary summary;
-    KIV_RAWINFO raw{};
-    while (table.nextRow()) {
-        const Result result = readReadings(table, raw) ? computeRow(sensor, raw) : Result{};
-        if (result.state == RowState::noOrientation)
-            table.reportRow(model.expected, result.outcome == UpdateOutcome::modelFailed
-                                                ? model.whereItFails
-                                                : model.whereNotFinite);
-        table.appendCarriedCells(text);
-        appendResult(text, result, mode);
-        summary.count(result.state, table.lineNumber());
-        if (result.state == RowState::ok)
-            if (const auto angles = truth.angles(table))
-                summary.compare({result.info.rx, result.info.ry, result.info.rz}, *angles);
-        output.endRow(table.wouldWait());
+    RowRunner rows(sensor, table);
+    RowResult result;
+    {
+        Progress progress(streams.err, streams.errIsTerminal && !options.quiet, input.size());
+        bool wouldWait = false;
+        const auto nextRow = [&] {
+            const Interrupt::Waiting waiting(wouldWait);
+            return rows.next(result);
+        };
+        while (!Interrupt::requested() && nextRow()) {
+            table.appendCarriedCells(text);
+            appendResult(text, result, mode);
+            summary.add(result, table.lineNumber(), truth.angles(table));
+            wouldWait = table.wouldWait();
+            progress.row(table.rowBytes());
+            if (!output.endRow(wouldWait) || (options.stopOnBad && !summary.allGood()))
+                break;
+        }
     }
     if (!finishTable(table, input, output, streams.err))
         return unusable;
-    summary.print(streams.err);
+    if (!options.quiet)
+        summary.print(streams.err);
+    if (Interrupt::requested())
+        return interrupted;
     return summary.allGood() ? allGood : someRowsBad;
 }
 

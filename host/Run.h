@@ -10,6 +10,9 @@ struct RunOptions {
     std::string parameterFile;
     std::string readings;
     std::string results = "-";
+    bool localFrame = false; // angles of the motion since the reference, not in machine coordinates
+    bool stopOnBad = false;  // end behind the first row that is refused or has no orientation
+    bool quiet = false;      // no progress, no summary
 };
 
 // Computes a result row for every row of readings. An exit code.

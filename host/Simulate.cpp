@@ -99,7 +99,8 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
         calibration.rawReadings(pose, readings, temperatureAt(part), raw);
         appendRow(text, static_cast<double>(row) / rowsPerSecond, raw,
                   trueAngles(pose, mounting.mode, machineMatrix));
-        output.endRow(false);
+        if (!output.endRow(false))
+            break;
     }
     return output.finish(streams.err) ? allGood : unusable;
 }

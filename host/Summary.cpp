@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <ostream>
 #include <string>
 
@@ -9,45 +10,94 @@
 
 namespace kiv::host {
 
-void Summary::count(RowState state, std::size_t line) {
-    ++counts[static_cast<std::size_t>(state)];
-    if (state == RowState::reference)
-        referenceLine = line;
+namespace {
+
+std::string degrees(double value) {
+    char digits[64];
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 6);
+    return {digits, end.ptr};
 }
 
-void Summary::compare(const std::array<double, 3>& angles, const std::array<double, 3>& truth) {
-    ++compared;
+void printCell(std::ostream& out, const std::string& text) {
+    constexpr std::size_t width = 13;
+    out << std::string(width - std::min(width, text.size()), ' ') << text;
+}
+
+} // namespace
+
+// Source of the running moments: Welford, Technometrics 4 (1962), 419.
+void AngleStatistics::add(double angle) {
+    if (n == 0)
+        first = angle;
+    last += std::remainder(angle - first - last, 360.0);
+    ++n;
+    const double deviation = last - meanOffset;
+    meanOffset += deviation / static_cast<double>(n);
+    squares += deviation * (last - meanOffset);
+    leastOffset = std::min(leastOffset, last);
+    largestOffset = std::max(largestOffset, last);
+}
+
+double AngleStatistics::standardDeviation() const {
+    return n < 2 ? 0 : std::sqrt(squares / static_cast<double>(n - 1));
+}
+
+void Summary::add(const RowResult& result, std::size_t line,
+                  const std::optional<std::array<double, 3>>& truth) {
+    ++counts[static_cast<std::size_t>(result.state)];
+    ++refusals[static_cast<std::size_t>(result.refusal)];
+    if (result.state == RowState::reference)
+        reference = line;
+    if (result.state != RowState::ok)
+        return;
+    const std::array<double, 3> values{result.info.rx, result.info.ry, result.info.rz};
     for (std::size_t i = 0; i < 3; ++i)
-        largest[i] = std::max(largest[i], std::abs(std::remainder(angles[i] - truth[i], 360.0)));
+        angles[i].add(values[i]);
+    if (!truth)
+        return;
+    ++withTruth;
+    for (std::size_t i = 0; i < 3; ++i)
+        differences[i] =
+            std::max(differences[i], std::abs(std::remainder(values[i] - (*truth)[i], 360.0)));
+}
+
+std::size_t Summary::rows() const {
+    return std::accumulate(counts.begin(), counts.end(), std::size_t{0});
 }
 
 void Summary::print(std::ostream& out) const {
-    std::size_t rows = 0;
-    for (const std::size_t n : counts)
-        rows += n;
-    out << rows << (rows == 1 ? " row" : " rows");
+    out << rows() << (rows() == 1 ? " row" : " rows");
     const char* separator = ": ";
     for (std::size_t i = 0; i < counts.size(); ++i) {
         if (counts[i] == 0)
             continue;
         out << separator << counts[i] << ' ' << rowStateNames[i];
         if (i == static_cast<std::size_t>(RowState::reference))
-            out << " (line " << referenceLine << ')';
+            out << " (line " << reference << ')';
         separator = ", ";
     }
     out << '\n';
-    if (compared == 0)
-        return;
-    std::string text = "largest difference to the true angles:";
-    constexpr const char* names[] = {" rx ", ", ry ", ", rz "};
-    for (std::size_t i = 0; i < 3; ++i) {
-        text += names[i];
-        char digits[32];
-        const auto end =
-            std::to_chars(digits, digits + sizeof digits, largest[i], std::chars_format::fixed, 6);
-        text.append(digits, end.ptr);
+    for (std::size_t i = 1; i < refusals.size(); ++i)
+        if (refusals[i] > 0)
+            out << "refused: " << refusals[i] << ' ' << refusalNames[i] << '\n';
+
+    if (count(RowState::ok) > 0) {
+        out << "degrees";
+        for (const char* heading : {"mean", "deviation", "least", "largest"})
+            printCell(out, heading);
+        out << '\n';
+        for (std::size_t i = 0; i < 3; ++i) {
+            out << "     " << angleNames[i];
+            for (const double value : {angles[i].mean(), angles[i].standardDeviation(),
+                                       angles[i].least(), angles[i].largest()})
+                printCell(out, degrees(value));
+            out << '\n';
+        }
     }
-    out << text << " degrees\n";
+    if (withTruth > 0)
+        out << "largest difference to the true angles: rx " << degrees(differences[0]) << ", ry "
+            << degrees(differences[1]) << ", rz " << degrees(differences[2]) << " degrees\n";
 }
 
 } // namespace kiv::host

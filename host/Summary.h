@@ -3,37 +3,65 @@
 #include <array>
 #include <cstddef>
 #include <iosfwd>
+#include <optional>
+
+#include "host/RowResult.h"
 
 namespace kiv::host {
 
-// What became of a row of readings.
-enum class RowState : unsigned char {
-    ok,            // the angles are computed
-    status,        // the measurement status is not 2
-    noReference,   // no reference orientation has been captured yet
-    reference,     // this row became the reference
-    noOrientation, // the model has none for it
-    refused,       // the readings are no use and never reached the library
+// Mean, spread and range of an angle in degrees; an angle that crosses +-180 counts on.
+class AngleStatistics {
+public:
+    void add(double angle);
+
+    std::size_t count() const { return n; }
+    double mean() const { return first + meanOffset; }
+    double standardDeviation() const; // of the sample; 0 for one value
+    double least() const { return first + leastOffset; }
+    double largest() const { return first + largestOffset; }
+
+private:
+    std::size_t n = 0;
+    double first = 0;
+    double last = 0;       // offset of the last value
+    double meanOffset = 0; // from the first value, as are the next two
+    double leastOffset = 0;
+    double largestOffset = 0;
+    double squares = 0; // sum of squared deviations from the mean
 };
 
-inline constexpr std::array<const char*, 6> rowStateNames{
-    "ok", "status", "no_reference", "reference", "no_orientation", "refused"};
-
-// Counts the rows of a run.
+// What became of the rows of a run.
 class Summary {
 public:
-    void count(RowState state, std::size_t line);
-    // Angles in degrees, in the order rx, ry, rz.
-    void compare(const std::array<double, 3>& angles, const std::array<double, 3>& truth);
+    void add(const RowResult& result, std::size_t line,
+             const std::optional<std::array<double, 3>>& truth);
 
-    bool allGood() const { return counts[4] == 0 && counts[5] == 0; }
+    bool allGood() const {
+        return count(RowState::noOrientation) == 0 && count(RowState::refused) == 0;
+    }
+    std::size_t rows() const;
+    std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
+    std::size_t count(Refusal refusal) const { return refusals[static_cast<std::size_t>(refusal)]; }
+    std::size_t referenceLine() const { return reference; }                 // 0: none
+    const AngleStatistics& angle(std::size_t i) const { return angles[i]; } // rx, ry, rz
+    std::size_t compared() const { return withTruth; }
+    double largestDifference(std::size_t i) const {
+        return differences[i];
+    } // to the truth, degrees
+
     void print(std::ostream& out) const;
 
 private:
     std::array<std::size_t, rowStateNames.size()> counts{};
-    std::size_t referenceLine = 0;
-    std::size_t compared = 0;
-    std::array<double, 3> largest{}; // difference to the truth, degrees
+    std::array<std::size_t, 4> refusals{};
+    std::size_t reference = 0;
+    std::array<AngleStatistics, 3> angles;
+    std::size_t withTruth = 0;
+    std::array<double, 3> differences{};
 };
+
+inline constexpr std::array<const char*, 4> refusalNames{"", "of the wrong shape", "not a number",
+                                                         "with a zero vector"};
+inline constexpr std::array<const char*, 3> angleNames{"rx", "ry", "rz"};
 
 } // namespace kiv::host

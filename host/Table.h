@@ -55,6 +55,7 @@ public:
     bool failed() const { return csv.failed(); }
     bool wouldWait() const { return csv.wouldWait(); }
     std::size_t lineNumber() const { return csv.lineNumber(); }
+    std::size_t rowBytes() const { return csv.rowBytes(); }
 
 private:
     void reportAt(std::size_t place, std::string_view expected, std::string_view found) const;

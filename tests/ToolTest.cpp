@@ -182,7 +182,7 @@ TEST(Tool, RunRefusesWhatItCannotUse) {
         {"another sensor's file",
          {"run", folder.path() + "/Tg6.prm", readings},
          "",
-         "Tg6.prm:2:1: expected the sensor ID 6, found \"5\""},
+         "Tg6.prm:2:1: expected the sensor ID 6"},
         {"empty readings",
          {"run", example, "-"},
          "",
@@ -215,6 +215,40 @@ TEST(Tool, RunRefusesWhatItCannotUse) {
     EXPECT_GT(std::filesystem::file_size(readings), 0U);
     EXPECT_EQ(tool({"--help"}).code, 0);
     EXPECT_EQ(tool({"--version"}).code, 0);
+}
+
+TEST(Tool, RunOptions) {
+    const std::string moved = "2,4000,1500,450,27.5,3,1,-2,20,0.1,0\n";
+    const std::string rows = header + "a," + good + "b," + moved + "c,2\nd," + moved;
+    const ToolResult machine = tool({"run", example, "-"}, rows);
+    const ToolResult local = tool({"run", example, "-", "--frame", "local"}, rows);
+    EXPECT_NE(lines(machine.out)[2], lines(local.out)[2]);
+    EXPECT_NE(machine.err.find("refused: 1 of the wrong shape"), std::string::npos) << machine.err;
+    // Against the reference the sensor has turned back by the encoder's 15 degrees about its
+    // vertical.
+    EXPECT_NEAR(std::stod(cells(lines(local.out)[2])[8]), -15, 0.1) << local.out;
+
+    const ToolResult stopped = tool({"run", example, "-", "--stop-on-bad"}, rows);
+    EXPECT_EQ(stopped.code, 1);
+    EXPECT_EQ(lines(stopped.out).size(), 4U);
+    const ToolResult quiet = tool({"run", example, "-", "-q"}, rows);
+    EXPECT_EQ(quiet.out, machine.out);
+    EXPECT_EQ(lines(quiet.err).size(), 1U) << quiet.err; // the refusal alone
+    EXPECT_EQ(tool({"run", example, "-", "--frame", "sensor"}, rows).code, 2);
+}
+
+TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
+    if (!std::filesystem::exists("/dev/full"))
+        GTEST_SKIP() << "no device that is always full";
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"run", example, KIV_EXAMPLES "/readings.csv", "-o", "/dev/full"},
+          {"simulate", example, "-o", "/dev/full"}}) {
+        const ToolResult result = tool(arguments);
+        EXPECT_EQ(result.code, 2) << arguments[0];
+        EXPECT_NE(result.err.find("/dev/full: expected to write all of the output"),
+                  std::string::npos)
+            << result.err;
+    }
 }
 
 TEST(Tool, ParameterFileNamesGiveTheSensor) {

@@ -1,0 +1,11 @@
+#include <unistd.h>
+
+#include "support/platform/Terminal.h"
+
+namespace kiv::platform {
+
+bool errorIsTerminal() {
+    return isatty(STDERR_FILENO) == 1;
+}
+
+} // namespace kiv::platform

@@ -1,0 +1,12 @@
+#include <io.h>
+
+#include "support/platform/Terminal.h"
+
+namespace kiv::platform {
+
+bool errorIsTerminal() {
+    constexpr int standardError = 2;
+    return _isatty(standardError) != 0;
+}
+
+} // namespace kiv::platform
