@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # Sourced by the other scripts. need PACKAGE...: installs what is missing and stops when it cannot.
 
 step() {
