@@ -39,7 +39,7 @@ std::optional<HomeAngles> solve(CKiv& sensor, const Numbers& n) {
 }
 
 constexpr std::string_view expectedSolution = "a frame axis and a direction that give home angles";
-constexpr std::string_view foundSingular = "a singular frame";
+constexpr std::string_view foundSingular = "a singular frame or a direction without length";
 
 int solveOne(const HomeOptions& options, const Streams& streams) {
     Numbers numbers{};

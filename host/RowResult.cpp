@@ -1,9 +1,9 @@
 #include "host/RowResult.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 
+#include "models/Geometry.h"
 #include "sensor/SensorAccess.h"
 
 namespace kiv::host {
@@ -18,7 +18,7 @@ struct ModelWords {
 };
 
 ModelWords wordsFor(int mode) {
-    constexpr const char* overflow = "values too large to compute with";
+    constexpr const char* overflow = "angles that are no numbers";
     constexpr const char* alongVertical =
         "a line of sight along the vertical or in a level's plane with it";
     switch (mode) {
@@ -55,10 +55,11 @@ RowState stateOf(UpdateOutcome outcome) {
     return RowState::ok;
 }
 
-// The models of modes 5 to 10 report a result also where its entries are no numbers.
-bool transformFinite(const CKiv& sensor) {
-    const double* t = SensorAccess::transform(sensor);
-    return std::all_of(t, t + 9, [](double v) { return std::isfinite(v); });
+// The models of modes 5 to 10 report a result also where its entries are no numbers, and a machine
+// or local matrix can spoil any model's.
+bool allNumbers(const CKiv& sensor, const KIV_INFO& info) {
+    return allFinite(SensorAccess::transform(sensor), 9) && std::isfinite(info.rx)
+           && std::isfinite(info.ry) && std::isfinite(info.rz);
 }
 
 } // namespace
@@ -77,7 +78,7 @@ bool RowRunner::next(RowResult& result) {
     const UpdateOutcome outcome = SensorAccess::update(sensor, result.raw, result.info);
     result.code = sensor.ReadMatrix(result.matrix);
     result.state = stateOf(outcome);
-    if (outcome > UpdateOutcome::modelFailed && !transformFinite(sensor))
+    if (outcome > UpdateOutcome::modelFailed && !allNumbers(sensor, result.info))
         result.state = RowState::noOrientation;
     if (result.state == RowState::noOrientation) {
         const ModelWords words = wordsFor(mode);

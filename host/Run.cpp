@@ -1,6 +1,7 @@
 #include "host/Run.h"
 
 #include <array>
+#include <cmath>
 #include <ostream>
 
 #include "host/Csv.h"
@@ -41,14 +42,12 @@ constexpr std::array<std::string_view, 21> resultColumns{"state",
                                                          "m22",
                                                          "code"};
 
-constexpr int firstThreeVectorMode = 7;
-
-// What the update did not compute stays empty.
+// What the update did not compute, and what is no number, stays empty.
 void appendResult(std::string& text, const RowResult& result, int mode) {
     const auto cells = [&](const auto* values, std::size_t count, bool computed) {
         for (std::size_t i = 0; i < count; ++i) {
             text.push_back(',');
-            if (computed)
+            if (computed && std::isfinite(static_cast<double>(values[i])))
                 appendNumber(text, values[i]);
         }
     };
@@ -99,6 +98,8 @@ int runReadings(const RunOptions& options, const Streams& streams) {
 
     const int mode = SensorAccess::mountMode(sensor);
     const Truth truth(table);
+    // The truth is in machine coordinates.
+    const bool truthCounts = !options.localFrame || mode >= firstThreeVectorMode;
     Summary summary;
     RowRunner rows(sensor, table);
     RowResult result;
@@ -112,7 +113,8 @@ int runReadings(const RunOptions& options, const Streams& streams) {
         while (!Interrupt::requested() && nextRow()) {
             table.appendCarriedCells(text);
             appendResult(text, result, mode);
-            summary.add(result, table.lineNumber(), truth.angles(table));
+            summary.add(result, table.lineNumber(),
+                        truthCounts ? truth.angles(table) : std::nullopt);
             wouldWait = table.wouldWait();
             progress.row(table.rowBytes());
             if (!output.endRow(wouldWait) || (options.stopOnBad && !summary.allGood()))

@@ -7,6 +7,7 @@
 #include "host/ParameterFile.h"
 #include "host/Readings.h"
 #include "params/CKivPrm.h"
+#include "sensor/SensorAccess.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/Mounting.h"
 #include "simulator/Trajectory.h"
@@ -27,7 +28,7 @@ float temperatureAt(double part) {
 // The angles that an update reports: of the machine matrix times the pose, for the three-vector
 // modes of the pose itself.
 simulator::Angles trueAngles(const simulator::Pose& pose, int mode, const double* machineMatrix) {
-    if (mode >= 7)
+    if (mode >= firstThreeVectorMode)
         return simulator::anglesOf(pose.rotation);
     double inMachine[9];
     MatrixMultiply(machineMatrix, pose.rotation, 3, 3, 3, inMachine);

@@ -14,7 +14,8 @@
 //   M[7..8]  not read
 // and the two encoder offsets in radians; n is 3, any other order gives false and leaves M
 // unchanged. Returned: true, and M the rotation with (instrument vector) = M * (sensor vector). The
-// flags say that a level reading is not to be used; CKivThreeVec2Level alone reads them.
+// flags say that a level reading is not to be used; CKivThreeVec2Level alone reads them. CKivModel
+// itself does nothing and gives true.
 //
 // The Update operations copy count values into the front of a block and nothing for a count of 0 or
 // less; the caller passes at most the block's size (8, 6, 7, 7). A model has no lock and allocates

@@ -1,5 +1,6 @@
 #include "models/CKivPendulum.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "models/Blocks.h"

@@ -1,5 +1,7 @@
 #include "models/CKivThreeVec.h"
 
+#include <algorithm>
+
 #include "models/Blocks.h"
 #include "models/ThreeVectors.h"
 

@@ -1,5 +1,6 @@
 #include "models/CKivThreeVec2Level.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "models/Blocks.h"

@@ -55,6 +55,12 @@ int handOverVector(CKivPrm& record, int (CKivPrm::*get)(Vector&) const, CKiv& se
     return code != KIV_OK ? code : (sensor.*set)(v);
 }
 
+inline int handOverKnownVector(CKivPrm& record, CKiv& sensor) {
+    double v[3] = {};
+    const int code = record.getKnownVector(v);
+    return code != KIV_OK ? code : sensor.setKnownVector(v);
+}
+
 } // namespace detail
 
 // Hands every calibration value of a loaded record to a sensor, then chooses the model by the
@@ -63,7 +69,6 @@ int handOverVector(CKivPrm& record, int (CKivPrm::*get)(Vector&) const, CKiv& se
 // mode is then not set.
 inline int configureSensor(CKiv& sensor, CKivPrm& record) {
     using namespace detail;
-    double knownVector[3] = {};
     const int codes[] = {
         handOverEncoderTable(record, &CKivPrm::getAzimuthComp, sensor, &CKiv::setAzimuthComp),
         handOverEncoderTable(record, &CKivPrm::getElevationComp, sensor, &CKiv::setElevationComp),
@@ -75,8 +80,7 @@ inline int configureSensor(CKiv& sensor, CKivPrm& record) {
         handOverBlock(record, &CKivPrm::getScaleFactors, sensor, &CKiv::setScaleFactors),
         handOverMatrix(record, &CKivPrm::getLocalMatrix, sensor, &CKiv::setLocalMatrix),
         handOverMatrix(record, &CKivPrm::getMachineMatrix, sensor, &CKiv::setMachineMatrix),
-        record.getKnownVector(knownVector),
-        sensor.setKnownVector(knownVector),
+        handOverKnownVector(record, sensor),
         handOverVector(record, &CKivPrm::getEncoderOffset, sensor, &CKiv::setEncoderOffset),
         handOverVector(record, &CKivPrm::getTiltOffset, sensor, &CKiv::setTiltOffset),
         handOverVector(record, &CKivPrm::getThermalFactor, sensor, &CKiv::setThermalFactor),

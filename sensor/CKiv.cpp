@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 #include <typeinfo>
 
 #include "models/CKivDualLevel.h"
@@ -44,11 +45,11 @@ std::unique_ptr<CKivModel> createModel(int mode) {
 template <typename... Models>
 std::unique_ptr<CKivModel> copyAsOneOf(const CKivModel& model) {
     std::unique_ptr<CKivModel> copy;
-    const auto copyIf = [&]<typename Model>(const Model* candidate) {
+    const auto copyIf = [&]<typename Model>(std::type_identity<Model>) {
         if (typeid(model) == typeid(Model))
-            copy = std::make_unique<Model>(*candidate);
+            copy = std::make_unique<Model>(static_cast<const Model&>(model));
     };
-    (copyIf(static_cast<const Models*>(&model)), ...);
+    (copyIf(std::type_identity<Models>{}), ...);
     return copy;
 }
 

@@ -54,7 +54,8 @@ public:
 
     // Home angles in degrees from frameX (first axis of the tilt frame), a direction, two angles in
     // degrees (x enters homeH, y homeV) and two tilts in degrees (about x and about y; z is not
-    // read). False, and outputs without meaning, when the tilt frame is singular. Uses no member.
+    // read). False, and outputs (not null) without meaning, when the tilt frame is singular.
+    // Uses no member.
     bool Calc_HV0(D_VECTOR3 frameX, D_VECTOR3 direction, D_VECTOR2 angles, D_VECTOR3 tilt,
                   double* homeH, double* homeV);
 

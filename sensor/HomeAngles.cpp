@@ -13,7 +13,7 @@ using namespace kiv;
 void upVector(const D_VECTOR3& tilt, double azimuth, double* up) {
     const double x = tilt.y * degToRad;
     const double y = -(tilt.x * degToRad);
-    double theta = std::acos(arcArgument(std::cos(y) * std::cos(x)));
+    double theta = std::acos(std::cos(y) * std::cos(x));
     if (theta > halfPi)
         theta = pi - theta;
 

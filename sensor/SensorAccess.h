@@ -12,7 +12,10 @@ enum class UpdateOutcome {
     oriented,    // the angles are computed
 };
 
-// What the library's own tools and tests may know of a sensor beyond its public members.
+constexpr int firstThreeVectorMode = 7; // from here on an update reports the model's own matrix
+
+// What the library's own tools and tests may know of a sensor beyond its public members. No member
+// of CKiv itself: the class is exported whole, and this is not for hosts.
 struct SensorAccess {
     // The whole of CKiv::updateKIVData, and what came of it.
     static UpdateOutcome update(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info);
@@ -27,6 +30,7 @@ struct SensorAccess {
     static int levelXCount(const CKiv& sensor) { return sensor.levelXCount; }
     static const float* levelXTable(const CKiv& sensor) { return sensor.levelXTable.get(); }
     static const double* levelXSpline(const CKiv& sensor) { return sensor.levelXSpline.get(); }
+    static const float* levelYTable(const CKiv& sensor) { return sensor.levelYTable.get(); }
     static const float* azimuthComp(const CKiv& sensor) { return sensor.azimuthComp.get(); }
 };
 

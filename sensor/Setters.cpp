@@ -29,8 +29,11 @@ int setEncoderTable(std::mutex& lock, int& storedCount, std::unique_ptr<float[]>
         return KIV_BAD_ARGUMENT;
     const std::lock_guard<std::mutex> guard(lock);
     auto storage = storageFor(table, count > storedCount, 2 * count);
-    encoder.setCalTable(values, count);
-    copyInto(table, std::move(storage), values, 2 * count);
+    float* own = storage ? storage.get() : table.get();
+    std::copy_n(values, 2 * count, own);
+    encoder.setCalTable(own, count);
+    if (storage)
+        table = std::move(storage);
     storedCount = count;
     return KIV_OK;
 }

@@ -12,7 +12,6 @@ namespace {
 constexpr int orientationStatus = 2;
 constexpr float largestRefMetric = 0.4F;
 constexpr float leastRatioDenominator = 2000.0F; // of the tilt X ratio in modes 5 and 6
-constexpr int firstThreeVectorMode = 7;
 
 float tiltXArgument(int mountMode, const KIV_RAWINFO& raw) {
     if (mountMode != 5 && mountMode != 6)

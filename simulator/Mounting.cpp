@@ -9,8 +9,6 @@ namespace kiv::simulator {
 
 namespace {
 
-constexpr double rightAngle = 1.570796326795; // rad, the library's own truncated value
-
 struct Vector {
     double x, y, z;
 };
@@ -72,8 +70,8 @@ bool turnWithElevationAbout(const Vector& axis, const Vector& start, const Vecto
         return false;
     const double middle = std::atan2(b, a);
     const double half = std::acos((u.z - c) / reach);
-    const double g1 = std::remainder(middle + half, 4 * rightAngle);
-    const double g2 = std::remainder(middle - half, 4 * rightAngle);
+    const double g1 = std::remainder(middle + half, 4 * halfPi);
+    const double g2 = std::remainder(middle - half, 4 * halfPi);
     turn.elevation = std::abs(g1) < std::abs(g2) ? g1 : g2;
 
     double v[3] = {start.x, start.y, start.z};
@@ -102,7 +100,7 @@ bool dualLevel(const Mounting& m, const double* rotation, const Vector& u, Readi
 // axis, one inclination sensor along the axis that scale factors 2 and 3 give. An odd mode counts
 // all three angles the other way round.
 bool pendulum(const Mounting& m, const double* rotation, const Vector& u, Readings& readings) {
-    const double c0 = m.scaleFactors[0] * radians + rightAngle;
+    const double c0 = m.scaleFactors[0] * radians + halfPi;
     HeadTurn turn;
     if (!turnWithElevationAboutY(u, std::sin(c0), std::cos(c0), turn))
         return false;

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "support/AngleConstants.h"
+
 namespace kiv::simulator {
 
-constexpr double radians = 0.01745329251994; // per degree, the library's own truncated value
+constexpr double radians = degToRad; // per degree, the library's own truncated value
 
 // A sensor in space: rotation is row-major with (instrument vector) = rotation * (sensor vector);
 // the instrument measures the sensor at position, in its own frame with z up and its length unit.

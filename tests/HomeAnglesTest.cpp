@@ -72,9 +72,9 @@ TEST(HomeAngles, FollowTheUpVector) {
         1e-6; // degrees: the tilt's direction comes from an arc sine near 1
     CKiv sensor;
     int rows = 0;
-    for (const double a : {-40.0, -5.0, -0.001, 0.0, 1e-14, 5.0, 40.0})
-        for (const double b : {-30.0, -5.0, 0.0, 1e-12, 5.0, 30.0})
-            for (const double azimuth : {0.0, 30.0, 90.0, 135.0, 180.0, 270.0, 300.0}) {
+    for (const double a : {-40.0, -5.0, -0.001, -0.0001, 0.0, 1e-14, 5.0, 40.0})
+        for (const double b : {-30.0, -5.0, 0.0, 1e-9, 1e-12, 5.0, 30.0})
+            for (const double azimuth : {0.0, 1e-9, 30.0, 90.0, 135.0, 180.0, 270.0, 300.0}) {
                 const double c = std::cos(azimuth * k);
                 const double s = std::sin(azimuth * k);
                 const double tiltX = std::cos(a * k) * std::sin(b * k);
@@ -103,7 +103,7 @@ TEST(HomeAngles, FollowTheUpVector) {
                 EXPECT_NEAR(v, homeV, tolerance) << a << ' ' << b << ' ' << azimuth;
                 ++rows;
             }
-    EXPECT_EQ(rows, 7 * 6 * 7);
+    EXPECT_EQ(rows, 8 * 7 * 8);
 }
 
 TEST(HomeAngles, SingularTiltFrameFails) {

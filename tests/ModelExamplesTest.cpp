@@ -123,6 +123,70 @@ TEST(ModelExamples, PublishedMatrices) {
     EXPECT_TRUE(test::isNear(level.data(), expected.data(), printedDigits));
 }
 
+// Computed with 60 decimal digits from the formulas and the truncated constants: every branch of
+// the tilt's direction, on both sides, with large scale factors, and the dead band of the planar
+// azimuth.
+TEST(ModelExamples, DualLevelAgainstSixtyDigits) {
+    Mounting dual = simulator::typicalMounting(1);
+    dual.scaleFactors[0] = dual.scaleFactors[1] = 5;
+    const struct {
+        Matrix input, expected;
+    } rows[] = {
+        {{3000, 1000, 500, 12, 14, 10, 20, 0, 0},
+         {0.959387098860874, -0.272239502946716, 0.073905666728875, 0.282032184561566,
+          0.931111530659139, -0.231277245627465, -0.005851616079800, 0.242728182354091,
+          0.970076691854996}},
+        {{3000, 1000, 500, -12, 14, 10, 20, 0, 0},
+         {0.959452441831162, -0.272139963673888, 0.073422421887296, 0.281810858571641,
+          0.931495357391514, -0.229997911184364, -0.005801021921674, 0.241363293252373,
+          0.970417492018272}},
+        {{3000, 1000, 500, 12, -14, 10, 20, 0, 0},
+         {0.977365940204600, -0.194059834641536, -0.084241317100806, 0.209100166728970,
+          0.946624688716893, 0.245313715445270, 0.032139371523042, -0.257376143592496,
+          0.965776672687614}},
+        {{3000, 1000, 500, -12, -14, 10, 20, 0, 0},
+         {0.976594727116552, -0.201410440525424, -0.075475647830952, 0.213175726541738,
+          0.953049239177020, 0.215065704652105, 0.028615530425790, -0.226121609209422,
+          0.973678678654818}},
+        {{-2000, 1500, -800, 12, 14, 10, 20, 0, 0},
+         {-0.688442595739467, -0.692487836538813, -0.215655717794126, 0.565710655538571,
+          -0.698759726101262, 0.437842779304409, -0.453892329282646, 0.179430882026154,
+          0.872803707596210}},
+        {{-2000, 1500, -800, -12, 14, 10, 20, 0, 0},
+         {-0.694563235305752, -0.698568894098883, -0.171998291733000, 0.556364884703004,
+          -0.673128682231042, 0.487191843350557, -0.456114050683619, 0.242691733182992,
+          0.856189637529920}},
+        {{-2000, 1500, -800, 12, -14, 10, 20, 0, 0},
+         {-0.655380073467707, -0.569428115552801, -0.496214248605831, 0.628322890654409,
+          -0.775620321430152, 0.060195199678008, -0.419150694119848, -0.272332036680545,
+          0.866110822825968}},
+        {{-2000, 1500, -800, -12, -14, 10, 20, 0, 0},
+         {-0.655237253003296, -0.568256612369602, -0.497743472860186, 0.628679389694487,
+          -0.775515417784999, 0.057775961706630, -0.418839309580729, -0.275064100303881,
+          0.865397812265524}},
+        {{1000, -2500, 700, 0, -15, 10, 20, 0, 0},
+         {0.339935291038815, 0.897219573715165, -0.281852859571681, -0.936063399575461,
+          0.351706368661401, -0.009377751235849, 0.090715543770553, 0.267019974506380,
+          0.959411811128581}},
+        {{1000, -2500, 700, 0, 15, -40, 5, 0, 0},
+         {0.845471055528007, 0.378574863562570, -0.376642757720016, -0.312423541632220,
+          0.922650684316216, 0.226069116344534, 0.433093783028962, -0.073462830121083,
+          0.898350147599622}},
+        {{3000, 1e-05, 500, 6, 8, 10, 20, 0, 0},
+         {0.998579632068414, 0.051281990935291, -0.014452536933860, -0.052800644923946,
+          0.988789819470248, -0.139666691833129, 0.007128135361170, 0.140231417013833,
+          0.990093096313960}},
+        {{1e-05, -3000, 500, 6, -8, 10, 20, 0, 0},
+         {-0.095340259042753, 0.984864120956079, 0.144751159784890, -0.995040610712283,
+          -0.098431719500845, 0.014331072166257, 0.028362264348747, -0.142666954300977,
+          0.989364302019986}},
+    };
+    for (const auto& row : rows)
+        EXPECT_TRUE(test::isNear(computed(*modelOf(dual), row.input).data(), row.expected.data(),
+                                 secondComputation))
+            << row.input[3] << ' ' << row.input[4];
+}
+
 // The levels' dead band is closed: just inside it the vertical stays upright, just outside it
 // tilts.
 TEST(ModelExamples, DualLevelDeadBand) {
@@ -133,7 +197,7 @@ TEST(ModelExamples, DualLevelDeadBand) {
     };
     const Matrix level = withLevels(0, 0);
     for (const double sign : {1.0, -1.0}) {
-        EXPECT_EQ(withLevels(sign * band * (1 - 1e-12), -sign * band * (1 - 1e-12)), level);
+        EXPECT_EQ(withLevels(sign * 0.001, -sign * 0.001), level); // exactly the band
         EXPECT_NE(withLevels(sign * band * (1 + 1e-12), 0.5 * band), level);
         EXPECT_NE(withLevels(0, sign * band * (1 + 1e-12)), level);
     }
@@ -231,6 +295,19 @@ TEST(ModelExamples, ThreeVectorsAgainstATurnAboutTheLineOfSight) {
                 test::isNear(computed(*model, input).data(), matrixOf(r).data(), secondComputation))
                 << mode << ' ' << i << " both levels";
         }
+    }
+}
+
+// Parities beyond 1, which the model interface allows: not 1 for the pendulum, not 0 for the
+// others.
+TEST(ModelExamples, ParityTwo) {
+    const Matrix input{3000, 1000, 500, 0.5, 1, 10, 20, 0, 0};
+    for (const auto& [mode, sameAs] : {std::pair{4, 4}, {8, 7}, {10, 9}}) {
+        const auto parityTwo = modelOf(simulator::typicalMounting(mode));
+        parityTwo->set_iMMode(2);
+        EXPECT_EQ(computed(*parityTwo, input),
+                  computed(*modelOf(simulator::typicalMounting(sameAs)), input))
+            << mode;
     }
 }
 

@@ -57,7 +57,16 @@ const Law laws[] = {
 
 class ModelLaws : public ::testing::TestWithParam<Law> {
 protected:
-    ModelLaws() : mounting(simulator::typicalMounting(GetParam().mode)), model(modelOf(mounting)) {}
+    ModelLaws() : mounting(withGains(GetParam().mode)), model(modelOf(mounting)) {}
+
+    // Gains that differ from one another show which of them a model reads where.
+    static Mounting withGains(int mode) {
+        Mounting m = simulator::typicalMounting(mode);
+        m.scaleFactors[4] = 1.01F;
+        m.scaleFactors[5] = 0.98F;
+        m.scaleFactors[6] = 1.03F;
+        return m;
+    }
 
     bool compute(CKivModel& which, Matrix& m, bool outsideX = false, bool outsideY = false) const {
         return which.CalTranxMatrix(m.data(), mounting.encoderOffset[0], mounting.encoderOffset[1],

@@ -67,6 +67,21 @@ TEST(OrientationAngles, EachRuleFindsTheAnglesOfItsComposition) {
     }
 }
 
+// Half a turn has one sign, also where rounding puts it on the other side, and the band around the
+// axes is that of matrix entries.
+TEST(OrientationAngles, HalfTurnsAndDeadBand) {
+    for (const double turn : {180.0, -180.0}) {
+        EXPECT_FLOAT_EQ(machineAngles(about('z', turn).data()).rz, 180);
+        EXPECT_FLOAT_EQ(localAngles(about('z', turn).data()).rz, 180);
+        EXPECT_FLOAT_EQ(machineAngles(about('x', turn).data()).rx, 180);
+        EXPECT_FLOAT_EQ(localAngles(about('x', turn).data()).rx, 180);
+    }
+    const double small = 1e-9; // degrees: above the band
+    EXPECT_FLOAT_EQ(machineAngles(about('z', small).data()).rz, 1e-9F);
+    EXPECT_FLOAT_EQ(localAngles(about('y', small).data()).ry, 1e-9F);
+    EXPECT_EQ(machineAngles(about('z', 1e-11).data()).rz, 0); // inside
+}
+
 TEST(OrientationAngles, ScaledColumnsGiveTheSameAngles) {
     Matrix scaled = xyz(10, 20, 30);
     Matrix local = zyx(10, 20, 30);

@@ -81,12 +81,14 @@ TEST(Sensor, WorksAgainAfterDestroy) {
     const float table[] = {0, 1, 2, 3, 0, 0, 0};
     const double spline[16] = {};
     sensor.setLevelXComp(4, table, spline);
+    sensor.setLevelYComp(4, table, spline);
     sensor.setAzimuthComp(3, table);
     sensor.Destroy();
     KIV_INFO info;
     sensor.updateKIVData(KIV_RAWINFO{}, info);
     const CKiv copy(sensor);
     EXPECT_EQ(SensorAccess::levelXTable(copy), nullptr);
+    EXPECT_EQ(SensorAccess::levelYTable(sensor), nullptr);
     EXPECT_EQ(sensor.setLevelXComp(1, table, spline), KIV_OK);
     EXPECT_EQ(sensor.setAzimuthComp(2, table), KIV_OK);
     EXPECT_EQ(SensorAccess::azimuthComp(sensor)[3], 3);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "sensor/CKiv.h"
+#include "sensor/OrientationAngles.h"
 #include "sensor/SensorAccess.h"
 #include "tests/Allocations.h"
 #include "tests/Matchers.h"
@@ -141,9 +142,12 @@ TEST(Update, ComposesTheResultInMachineOrLocalCoordinates) {
     sensor.setLocalMatrix(local, 3);
     KIV_INFO info;
     sensor.updateKIVData(goodReading(), info);
+    std::array<double, 9> reference;
+    std::copy_n(SensorAccess::transform(sensor), 9, reference.begin());
 
     KIV_RAWINFO turned = goodReading();
     turned.azimuthRaw = 40;
+    turned.levelYRaw = 2;
     sensor.updateKIVData(turned, info);
     double result[9];
     double expected[9];
@@ -152,12 +156,30 @@ TEST(Update, ComposesTheResultInMachineOrLocalCoordinates) {
     sensor.ReadMatrix(result);
     EXPECT_TRUE(test::isNear(result, expected, 0));
 
-    // Against the reference the sensor has turned by 30 degrees about its own vertical, back.
+    // result = L T T0^-1 L^-1: the motion since the reference, for rotations the transposes invert.
+    const std::array<double, 9> t0 = reference;
     sensor.setMcsFlag(false);
     sensor.updateKIVData(turned, info);
     sensor.ReadMatrix(result);
-    EXPECT_TRUE(test::isRotation(result, 1e-13));
-    EXPECT_NEAR(result[0] + result[4] + result[8], 1 + 2 * std::cos(30 * 0.01745329251994), 1e-9);
+    const auto times = [](const std::array<double, 9>& a, const std::array<double, 9>& b) {
+        std::array<double, 9> c;
+        MatrixMultiply(a.data(), b.data(), 3, 3, 3, c.data());
+        return c;
+    };
+    const auto transposed = [](std::array<double, 9> a) {
+        MatrixTransform(a.data(), 3, 3);
+        return a;
+    };
+    std::array<double, 9> l;
+    std::array<double, 9> now;
+    std::copy_n(local, 9, l.begin());
+    std::copy_n(SensorAccess::transform(sensor), 9, now.begin());
+    const auto motion = times(times(l, now), times(transposed(t0), transposed(l)));
+    EXPECT_TRUE(test::isNear(result, motion.data(), 1e-13));
+    const OrientationAngles angles = localAngles(motion.data());
+    EXPECT_NEAR(info.rx, angles.rx, 1e-5);
+    EXPECT_NEAR(info.ry, angles.ry, 1e-5);
+    EXPECT_NEAR(info.rz, angles.rz, 1e-5);
 
     sensor.updateKIVData(goodReading(), info);
     sensor.ReadMatrix(result);
@@ -221,22 +243,30 @@ TEST(Update, ModeElevenReportsTheQvcParametersOfAPendulum) {
 }
 
 TEST(Update, WithoutModelOrTiltTableHasNoOrientation) {
+    const float knots[] = {0, 1, 0, 0, 0};
+    const double spline[8] = {};
     CKiv noModel;
     CKiv noTable;
-    noTable.setTiltOffset({0.5F, 0});
-    noTable.setThermalFactor({0, 2, 0, 1});
-    noTable.setMountMode(4);
-    for (CKiv* sensor : {&noModel, &noTable}) {
+    CKiv onlyX;
+    CKiv onlyY;
+    onlyX.setLevelXComp(2, knots, spline);
+    onlyY.setLevelYComp(2, knots, spline);
+    for (CKiv* sensor : {&noTable, &onlyX, &onlyY}) {
+        sensor->setTiltOffset({0.5F, 0.5F});
+        sensor->setThermalFactor({0, 2, 0, 2});
+        sensor->setMountMode(5); // a model that would not fail by itself
+    }
+    for (CKiv* sensor : {&noModel, &noTable, &onlyX, &onlyY}) {
         KIV_INFO info;
         EXPECT_EQ(SensorAccess::update(*sensor, goodReading(), info), UpdateOutcome::modelFailed);
         EXPECT_EQ(info.azimuth, 10);
+        // A missing curve counts as 0.
+        EXPECT_EQ(info.levelX, sensor == &noModel ? 0 : -1);
+        EXPECT_EQ(info.levelY, sensor == &noModel ? 0 : -1);
         double m[9];
         EXPECT_EQ(sensor->ReadMatrix(m), KIV_OK);
         EXPECT_TRUE(test::isNear(m, identity, 0));
     }
-    KIV_INFO info;
-    noTable.updateKIVData(goodReading(), info);
-    EXPECT_EQ(info.levelX, -1); // the missing curve counts as 0
 }
 
 TEST(Update, LevelsOutsideTheirTablesReachTheTwoLevelModel) {
@@ -259,25 +289,84 @@ TEST(Update, CopyComputesTheSameAndStandsAlone) {
     for (int mode = 1; mode <= 10; ++mode) {
         CKiv sensor;
         prepare(sensor, mode);
-        const float table[] = {0, 0.5F};
-        sensor.setAzimuthComp(1, table);
+        const float azimuth[] = {0, 0.5F};
+        const float elevation[] = {0, -0.25F};
+        double local[9];
+        rotation_x(local, 0.4);
+        sensor.setAzimuthComp(1, azimuth);
+        sensor.setElevationComp(1, elevation);
+        sensor.setEncoderOffset({0.1F, -0.2F});
+        sensor.setLocalMatrix(local, 3);
+        sensor.setMcsFlag(false);
+        KIV_RAWINFO raw = goodReading();
         KIV_INFO info;
-        sensor.updateKIVData(goodReading(), info);
+        sensor.updateKIVData(raw, info); // the reference goes along
+        raw.azimuthRaw = 25;
+        sensor.updateKIVData(raw, info);
 
         CKiv copy(sensor);
         KIV_INFO fromCopy;
-        sensor.updateKIVData(goodReading(), info);
-        copy.updateKIVData(goodReading(), fromCopy);
-        EXPECT_TRUE(sameBytes(info, fromCopy)) << mode;
-        EXPECT_NE(info.rz, 0) << mode; // the reference went along
+        double m[9];
+        double ofCopy[9];
+        sensor.ReadMatrix(m);
+        EXPECT_EQ(copy.ReadMatrix(ofCopy), KIV_OK) << mode;
+        EXPECT_TRUE(test::isNear(ofCopy, m, 0)) << mode;
+        for (const bool repushed : {false, true}) {
+            for (CKiv* each : {&sensor, &copy})
+                if (repushed) // scale factors, QVC and levels went along too
+                    each->setMountMode(mode);
+            sensor.updateKIVData(raw, info);
+            copy.updateKIVData(raw, fromCopy);
+            EXPECT_TRUE(sameBytes(info, fromCopy)) << mode << ' ' << repushed;
+            EXPECT_NE(info.rz, 0) << mode;
+        }
 
         EXPECT_NE(SensorAccess::levelXTable(copy), SensorAccess::levelXTable(sensor));
         EXPECT_NE(copy.prm, sensor.prm);
-        sensor.setMcsFlag(false);
+        sensor.setMcsFlag(true);
         sensor.Destroy();
-        copy.updateKIVData(goodReading(), fromCopy);
+        copy.updateKIVData(raw, fromCopy);
         EXPECT_TRUE(mode >= 7 || sameBytes(info, fromCopy)) << mode;
+        const CKiv ofDestroyed(sensor);
+        EXPECT_EQ(ofDestroyed.prm, nullptr);
     }
+}
+
+// Pairs of special readings through the whole update: no sanitizer report, no hang; modes 1 to 4
+// and the pendulum's others never succeed with entries that are no numbers.
+TEST(Update, SpecialReadings) {
+    constexpr float inf = std::numeric_limits<float>::infinity();
+    const float special[] = {0,      -0.0F, std::nanf(""), inf, -inf, 1e38F, -1e38F,
+                             1e-44F, 90,    -90,           360, 0.5F};
+    float KIV_RAWINFO::*const single[] = {&KIV_RAWINFO::azimuthRaw,  &KIV_RAWINFO::elevationRaw,
+                                          &KIV_RAWINFO::levelXRaw,   &KIV_RAWINFO::levelYRaw,
+                                          &KIV_RAWINFO::temperature, &KIV_RAWINFO::refMetric};
+    const auto field = [&](KIV_RAWINFO& raw, std::size_t i) -> float& {
+        return i < 3 ? raw.vector[i] : raw.*single[i - 3];
+    };
+    int updates = 0;
+    for (int mode = 0; mode <= 11; ++mode) {
+        CKiv sensor;
+        prepare(sensor, mode);
+        for (std::size_t i = 0; i < 9; ++i)
+            for (std::size_t j = i + 1; j < 9; ++j)
+                for (const float a : special)
+                    for (const float b : special) {
+                        KIV_RAWINFO raw = goodReading();
+                        field(raw, i) = a;
+                        field(raw, j) = b;
+                        KIV_INFO info;
+                        const UpdateOutcome outcome = SensorAccess::update(sensor, raw, info);
+                        const double* t = SensorAccess::transform(sensor);
+                        const bool finite =
+                            std::all_of(t, t + 9, [](double v) { return std::isfinite(v); });
+                        EXPECT_TRUE(outcome <= UpdateOutcome::modelFailed || finite
+                                    || (mode >= 5 && mode <= 10))
+                            << mode << ' ' << i << ' ' << a << ' ' << j << ' ' << b;
+                        ++updates;
+                    }
+    }
+    EXPECT_EQ(updates, 12 * 36 * 12 * 12);
 }
 
 TEST(Update, AllocatesNothing) {

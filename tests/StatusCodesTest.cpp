@@ -1,0 +1,18 @@
+#include "support/StatusCodes.h"
+
+#include <cstring>
+#include <iterator>
+
+#include <gtest/gtest.h>
+
+TEST(StatusCodes, TableIsOrderedAndEveryCodeHasAText) {
+    const int codes[] = {0, 20, 550, 551, 553, 554};
+    ASSERT_EQ(std::size(kivStatusTexts()), std::size(codes));
+    for (std::size_t i = 0; i < std::size(codes); ++i) {
+        EXPECT_EQ(kivStatusTexts()[i].code, codes[i]);
+        EXPECT_STREQ(kivStatusText(codes[i]), kivStatusTexts()[i].text);
+        EXPECT_EQ(std::strncmp(kivStatusTexts()[i].name, "KIV_", 4), 0);
+    }
+    for (const int unknown : {-1, 1, 552, 601})
+        EXPECT_STREQ(kivStatusText(unknown), "unknown status code");
+}
