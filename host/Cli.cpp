@@ -4,6 +4,8 @@
 
 #include "host/Check.h"
 #include "host/Home.h"
+#include "host/Info.h"
+#include "host/Rewrite.h"
 #include "host/Run.h"
 #include "host/Simulate.h"
 
@@ -31,6 +33,19 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
     checkCommand->add_flag("--strict", check.strict, "Let warnings count like errors");
     checkCommand->footer("Exit code 0: no finding counts; 1: some do; 2: wrong usage, or a file "
                          "that cannot be read.");
+
+    InfoOptions info;
+    CLI::App* infoCommand =
+        app.add_subcommand("info", "Show the values of a parameter file, in its own units");
+    infoCommand->add_option("file", info.file, "Parameter file of any name")->required();
+    infoCommand->add_flag("--json", info.json, "Every value, as JSON");
+
+    RewriteOptions rewrite;
+    CLI::App* rewriteCommand =
+        app.add_subcommand("rewrite", "Rewrite a parameter file in the writer's layout");
+    rewriteCommand->add_option("file", rewrite.file, parameterFileHelp)->required();
+    rewriteCommand->footer("Exit code 0: done; 1: refused, as the file does not follow its format; "
+                           "2: wrong usage, or a step that failed.");
 
     RunOptions run;
     CLI::App* runCommand =
@@ -94,6 +109,10 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
     }
     if (checkCommand->parsed())
         return checkFiles(check, streams);
+    if (infoCommand->parsed())
+        return showFile(info, streams);
+    if (rewriteCommand->parsed())
+        return rewriteFile(rewrite, streams);
     run.localFrame = frame == "local";
     if (runCommand->parsed())
         return runReadings(run, streams);

@@ -61,4 +61,12 @@ void appendNumber(std::string& text, Number value) {
     text.append(digits, end);
 }
 
+// With so many significant digits at most.
+inline void appendRounded(std::string& text, double value, int significant) {
+    char digits[64];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value,
+                                            std::chars_format::general, significant);
+    text.append(digits, end);
+}
+
 } // namespace kiv::host

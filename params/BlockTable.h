@@ -51,118 +51,72 @@ enum class BlockKind : std::uint8_t {
 // What a load does when the file has ended before the block.
 enum class AtEnd : std::uint8_t { fail, keep, useDefaults };
 
+// How a block's numbers stand in print: so many at a time with tabs between them, then end. The
+// last group of a block ends its line in any case.
+struct Groups {
+    std::size_t size = 1;
+    char end = '\n';
+};
+
+inline constexpr Groups tableRow{2, '\n'};
+inline constexpr Groups trailingRow{3, '\n'};
+inline constexpr Groups defaultGroups{1, '\t'}; // of numbers that are not from the file
+
 struct BlockLayout {
     Block block;
     std::string_view title;
     int titleWords;
     unsigned messageId;
     BlockKind kind;
-    int count;      // of numbers; 1 for an integer or a word, 0 for a table
-    double toField; // factor from the file's unit to the record's
-    AtEnd atEnd;
-    std::array<float, 8> defaults;
+    int count = 1;      // of numbers; 1 for an integer or a word, 0 for a table
+    Groups groups = {}; // of a fixed count of numbers
+    double toField = 1; // factor from the file's unit to the record's
+    AtEnd atEnd = AtEnd::fail;
+    std::array<float, 8> defaults = {};
 };
 
 inline constexpr unsigned wrongIdMessage = 602;
 
-inline constexpr std::array<BlockLayout, 24> blockTable{{
-    {Block::serialNumber, "Serial Number", 2, 601, BlockKind::sensorId, 1, 1, AtEnd::fail, {}},
-    {Block::deviceOwner, "Device Owner", 2, 603, BlockKind::word, 1, 1, AtEnd::fail, {}},
-    {Block::azPositionGain, "AZ Position Gain", 3, 604, BlockKind::numbers, 6, 1, AtEnd::fail, {}},
-    {Block::elPositionGain, "EL Position Gain", 3, 605, BlockKind::numbers, 6, 1, AtEnd::fail, {}},
-    {Block::azTrackingGain, "AZ Tracking Gain", 3, 606, BlockKind::numbers, 6, 1, AtEnd::fail, {}},
-    {Block::elTrackingGain, "EL Tracking Gain", 3, 607, BlockKind::numbers, 6, 1, AtEnd::fail, {}},
-    {Block::digitalDamping, "Digital Damping", 2, 608, BlockKind::numbers, 4, 1, AtEnd::fail, {}},
-    {Block::angleOffset, "Angle Offset", 2, 609, BlockKind::numbers, 2, degToRad, AtEnd::fail, {}},
-    {Block::transformVector, "Transform Vector", 2, 610, BlockKind::numbers, 3, 1, AtEnd::fail, {}},
-    {Block::localMatrix,
-     "Local Coordinate Tranform Matrix",
-     4,
-     611,
-     BlockKind::numbers,
-     9,
-     1,
-     AtEnd::fail,
-     {}},
-    {Block::machineMatrix,
-     "Machine Coordinate Tranform Matrix",
-     4,
-     612,
-     BlockKind::numbers,
-     9,
-     1,
-     AtEnd::fail,
-     {}},
-    {Block::thermalFactor,
-     "Thermal Compensation Factor",
-     3,
-     613,
-     BlockKind::numbers,
-     4,
-     1,
-     AtEnd::fail,
-     {}},
-    {Block::tiltOffset, "Tilt Sensor Offset", 3, 614, BlockKind::numbers, 2, 1, AtEnd::fail, {}},
-    {Block::admOffset, "ADM Offset", 2, 615, BlockKind::numbers, 1, 1, AtEnd::fail, {}},
-    {Block::azCalibration,
-     "AZ Calibration Table",
-     3,
-     616,
-     BlockKind::encoderTable,
-     0,
-     1,
-     AtEnd::fail,
-     {}},
-    {Block::elCalibration,
-     "EL Calibration Table",
-     3,
-     617,
-     BlockKind::encoderTable,
-     0,
-     1,
-     AtEnd::fail,
-     {}},
-    {Block::tiltXCalibration,
-     "Tilt X Calibration Table",
-     4,
-     618,
-     BlockKind::tiltTable,
-     0,
-     1,
-     AtEnd::fail,
-     {}},
-    {Block::tiltYCalibration,
-     "Tilt Y Calibration Table",
-     4,
-     619,
-     BlockKind::tiltTable,
-     0,
-     1,
-     AtEnd::keep,
-     {}},
-    {Block::scaleFactor,
-     "Scale Factor",
-     2,
-     621,
-     BlockKind::numbers,
-     8,
-     1,
-     AtEnd::useDefaults,
-     {0, 0, 0, 0, 1, 1, 1, 0}},
-    {Block::mountingMode,
-     "Mounting Mode",
-     2,
-     619,
-     BlockKind::integer,
-     1,
-     1,
-     AtEnd::useDefaults,
-     {}},
-    {Block::qvc, "QVC", 1, 622, BlockKind::numbers, 6, 1, AtEnd::useDefaults, {}},
-    {Block::levelX, "Level_X", 1, 623, BlockKind::numbers, 7, 1, AtEnd::useDefaults, {}},
-    {Block::levelY, "Level_Y", 1, 624, BlockKind::numbers, 7, 1, AtEnd::useDefaults, {}},
-    {Block::halfAngle, "Half Angle", 2, 609, BlockKind::numbers, 2, degToRad, AtEnd::fail, {}},
-}};
+inline constexpr std::array<BlockLayout, 24> blockTable = [] {
+    using enum Block;
+    using enum BlockKind;
+    using enum AtEnd;
+    return std::array<BlockLayout, 24>{{
+        {serialNumber, "Serial Number", 2, 601, sensorId},
+        {deviceOwner, "Device Owner", 2, 603, word},
+        {azPositionGain, "AZ Position Gain", 3, 604, numbers, 6, {6, '\n'}},
+        {elPositionGain, "EL Position Gain", 3, 605, numbers, 6, {6, '\n'}},
+        {azTrackingGain, "AZ Tracking Gain", 3, 606, numbers, 6, {6, '\n'}},
+        {elTrackingGain, "EL Tracking Gain", 3, 607, numbers, 6, {6, '\n'}},
+        {digitalDamping, "Digital Damping", 2, 608, numbers, 4, {4, '\n'}},
+        {angleOffset, "Angle Offset", 2, 609, numbers, 2, {2, '\n'}, degToRad},
+        {transformVector, "Transform Vector", 2, 610, numbers, 3, {3, '\n'}},
+        {localMatrix, "Local Coordinate Tranform Matrix", 4, 611, numbers, 9, {3, '\n'}},
+        {machineMatrix, "Machine Coordinate Tranform Matrix", 4, 612, numbers, 9, {3, '\n'}},
+        {thermalFactor, "Thermal Compensation Factor", 3, 613, numbers, 4, {4, '\n'}},
+        {tiltOffset, "Tilt Sensor Offset", 3, 614, numbers, 2, {2, '\n'}},
+        {admOffset, "ADM Offset", 2, 615, numbers, 1, {1, '\n'}},
+        {azCalibration, "AZ Calibration Table", 3, 616, encoderTable, 0},
+        {elCalibration, "EL Calibration Table", 3, 617, encoderTable, 0},
+        {tiltXCalibration, "Tilt X Calibration Table", 4, 618, tiltTable, 0},
+        {tiltYCalibration, "Tilt Y Calibration Table", 4, 619, tiltTable, 0, {}, 1, keep},
+        {scaleFactor,
+         "Scale Factor",
+         2,
+         621,
+         numbers,
+         8,
+         {1, '\n'},
+         1,
+         useDefaults,
+         {0, 0, 0, 0, 1, 1, 1, 0}},
+        {mountingMode, "Mounting Mode", 2, 619, integer, 1, {}, 1, useDefaults},
+        {qvc, "QVC", 1, 622, numbers, 6, {1, '\t'}, 1, useDefaults},
+        {levelX, "Level_X", 1, 623, numbers, 7, {1, '\t'}, 1, useDefaults},
+        {levelY, "Level_Y", 1, 624, numbers, 7, {1, '\t'}, 1, useDefaults},
+        {halfAngle, "Half Angle", 2, 609, numbers, 2, {2, '\n'}, degToRad},
+    }};
+}();
 
 constexpr const BlockLayout& layoutOf(Block block) {
     return blockTable[static_cast<std::size_t>(block)];

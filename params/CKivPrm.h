@@ -27,6 +27,17 @@ public:
     // a 32-bit signed value.
     int ReadCalibrationFile(const char* directory, unsigned long id);
 
+    // Copies the file that ReadCalibrationFile last tried into the layout of the writer, by way of
+    // $tmp.prm in the current directory: the titles as the format has them, every number in single
+    // precision and with six decimals. Nothing of the record but that path is used, and nothing
+    // changed. The file becomes writable; it is replaced only when the whole copy is on the disk.
+    // KIV_OK, also when there is no such file or no path yet (nothing is done) and when the old
+    // file could not be deleted (it stays, the copy in $tmp.prm) or the copy not be renamed (it is
+    // in $tmp.prm alone); KIV_CANNOT_OPEN when the file cannot be made writable or be read, or the
+    // copy not be written; KIV_BAD_FORMAT, with what was copied up to the fault in $tmp.prm. Takes
+    // a second; one at a time in a process.
+    int PrmFileCopy();
+
     // Called with the id (601 to 624) of every format error; shows nothing.
     void DisplayErrMsg(unsigned int id);
 
@@ -69,8 +80,8 @@ public:
     void SetVector(D_VECTOR3 v); // the known vector; also before a file is loaded
 
     // Rescales the intercept of one tilt channel (0: X, else Y) so that the thermal gain at the
-    // mean of the three temperatures t becomes factor times what it was; also before a file is
-    // loaded.
+    // mean of the three temperatures t (not null) becomes factor times what it was; also before a
+    // file is loaded.
     void TgUpdateThermal(float factor, float* t, int channel);
 
 private:

@@ -24,9 +24,19 @@ struct BlockValues {
     bool operator==(const BlockValues&) const = default;
 };
 
+// What was read of a block behind its title before its values broke off.
+struct BrokenBlock {
+    Block block{};
+    BlockValues values;
+    std::size_t groups = 0; // so many of its lines in print, or parts of a line, were complete
+
+    bool operator==(const BrokenBlock&) const = default;
+};
+
 // The blocks that were read completely, in file order; none behind a failing one.
 struct Document {
     std::array<std::optional<BlockValues>, blockTable.size()> blocks;
+    std::optional<BrokenBlock> broken; // for a rewrite, the failing one with its title read
 
     const BlockValues* find(Block block) const {
         const auto& values = blocks[static_cast<std::size_t>(block)];

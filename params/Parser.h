@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "params/Document.h"
+#include "params/Scanner.h"
 #include "support/StatusCodes.h"
 
 namespace kiv {
@@ -42,8 +43,28 @@ struct ParsedFile {
     bool operator==(const ParsedFile&) const = default;
 };
 
+// What a parse gathers for a report on the whole text. It then goes on behind a failure: with the
+// values when a title is only misspelt, else at the next title.
+struct Survey {
+    // What the text has of one block.
+    struct Extent {
+        std::vector<TextPlace> numbers; // the place of every number read, in the text's order
+        // Of what stands in place of the title, up to where the parse goes on.
+        std::size_t numbersBefore = 0;
+        std::size_t wordsBefore = 0;
+    };
+    std::array<Extent, blockTable.size()> extents;
+    std::vector<Finding> failures;     // the outcome's is the first
+    std::optional<Finding> textBehind; // the last block
+};
+
 // Reads a parameter file's text. With an id, the serial number has to equal it. Memory grows with
 // the rows that are there, never with the count that the text claims.
-ParsedFile parseParameterFile(ByteSource& source, std::optional<std::int32_t> id);
+ParsedFile parseParameterFile(ByteSource& source, std::optional<std::int32_t> id,
+                              Survey* survey = nullptr);
+
+// The same for a rewrite, which must not change a value: one that cannot be read is a failure of
+// its block, a count below 1 stands for no rows, and the serial number may be any.
+ParsedFile parseForRewrite(ByteSource& source);
 
 } // namespace kiv

@@ -86,7 +86,7 @@ Conversion convert(const char* first, const char* last, float& value) {
 } // namespace
 
 Scanner::Scanner(ByteSource& bytes)
-    : source(bytes), buffer(std::make_unique<char[]>(bufferSize)), next(buffer.get()),
+    : source(bytes), buffer(std::make_unique_for_overwrite<char[]>(bufferSize)), next(buffer.get()),
       end(buffer.get()) {}
 
 bool Scanner::atEnd() {
@@ -95,8 +95,9 @@ bool Scanner::atEnd() {
 }
 
 std::string_view Scanner::peekWord() {
-    const std::string_view text = lookAhead().substr(0, maxLength + 1);
-    return text.substr(0, text.find_first_of(" \t\n\v\f\r"));
+    seek();
+    const char* last = next + std::min<std::ptrdiff_t>(maxLength + 1, end - next);
+    return {next, std::find_if(next, last, isSpace)};
 }
 
 NumberResult Scanner::read(float& value) {
@@ -127,30 +128,31 @@ void Scanner::fill() {
 
 void Scanner::skipSpace() {
     do {
-        for (; next != end; ++next) {
-            if (!isSpace(*next))
-                return;
-            if (*next == '\n') {
+        const char* c = next;
+        for (; c != end && isSpace(*c); ++c)
+            if (*c == '\n') {
                 ++line;
-                lineOffset = bufferOffset + static_cast<std::size_t>(next - buffer.get()) + 1;
+                lineOffset = bufferOffset + static_cast<std::size_t>(c - buffer.get()) + 1;
             }
-        }
+        next = c;
+        if (next != end)
+            return;
         fill();
     } while (next != end);
 }
 
-// The text from the next word or number on.
-std::string_view Scanner::lookAhead() {
+// Goes to the next word or number, with lookAheadSize bytes of it in the buffer where there are as
+// many.
+void Scanner::seek() {
     skipSpace();
-    if (!exhausted && static_cast<std::size_t>(end - next) < lookAheadSize)
+    if (static_cast<std::size_t>(end - next) < lookAheadSize && !exhausted)
         fill();
-    return {next, std::min(lookAheadSize, static_cast<std::size_t>(end - next))};
 }
 
 template <typename Number>
 NumberResult Scanner::readNumber(Number& value) {
-    const std::string_view text = lookAhead();
-    const Conversion converted = convert(text.data(), text.data() + text.size(), value);
+    seek();
+    const Conversion converted = convert(next, end, value);
     if (converted.result == NumberResult::read)
         next = converted.end;
     return converted.result;

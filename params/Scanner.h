@@ -49,7 +49,7 @@ public:
 private:
     void fill();
     void skipSpace();
-    std::string_view lookAhead();
+    void seek();
     template <typename Number>
     NumberResult readNumber(Number& value);
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <clocale>
 #include <cstring>
 #include <filesystem>
 #include <new>
@@ -8,10 +7,8 @@
 
 #include "params/CKivPrm.h"
 #include "support/ZelUtil.h"
-#include "support/platform/File.h"
 #include "tests/Allocations.h"
-#include "tests/ParameterRecord.h"
-#include "tests/ParameterText.h"
+#include "tests/FileFaults.h"
 
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -173,46 +170,24 @@ TEST(Loading, TakesTheCurrentDirectoryForAnEmptyOne) {
     EXPECT_TRUE(sameValues(record, expected));
 }
 
-TEST(Loading, DoesNotDependOnTheLocale) {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    const char* found = nullptr;
-    for (const char* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "German_Germany"})
-        if (!found)
-            found = std::setlocale(LC_ALL, name);
-    if (!found)
-        GTEST_SKIP() << "no locale with a decimal comma";
-    LoadedRecord inThatLocale;
-    std::setlocale(LC_ALL, before.c_str());
-    LoadedRecord expected;
-    EXPECT_TRUE(sameValues(inThatLocale, expected));
-}
-
-int operationsLeft = 0; // until one fails
-kiv::platform::FileOperation failed{};
-
-bool failOne(kiv::platform::FileOperation operation) {
-    if (--operationsLeft == 0)
-        failed = operation;
-    return operationsLeft == 0;
-}
-
 TEST(Loading, SurvivesEveryFailingFileOperation) {
     using kiv::platform::FileOperation;
     const ParameterFolder folder;
     CKivPrm record;
     LoadedRecord old;
     const std::string text = parameterText({.shift = 0.5F});
+    const auto descriptors = openDescriptors();
     int k = 0;
     do {
         record = old;
-        operationsLeft = ++k;
-        kiv::platform::failFileOperation = failOne;
+        const FailingOperation failing(++k);
         const int status = folder.load(record, text);
-        kiv::platform::failFileOperation = nullptr;
-        const bool harmless = operationsLeft > 0 || failed == FileOperation::close;
+        const bool harmless =
+            FailingOperation::operation().value_or(FileOperation::close) == FileOperation::close;
         EXPECT_EQ(status, harmless ? KIV_OK : KIV_CANNOT_OPEN) << k;
         EXPECT_EQ(sameValues(record, old), !harmless) << k;
-    } while (operationsLeft <= 0);
+        EXPECT_EQ(openDescriptors(), descriptors) << k;
+    } while (FailingOperation::operation());
     EXPECT_GE(k, 4); // at least an open, a read and a close failed
 }
 
@@ -222,6 +197,7 @@ TEST(Loading, SurvivesEveryFailingAllocation) {
     LoadedRecord old;
     std::ofstream(folder.file()) << parameterText({.shift = 0.5F});
     const std::string path = folder.path();
+    const auto descriptors = openDescriptors();
     int status = KIV_CANNOT_OPEN;
     for (std::size_t n = 1; status != KIV_OK && n < 1000; ++n) {
         record = old;
@@ -232,6 +208,7 @@ TEST(Loading, SurvivesEveryFailingAllocation) {
             EXPECT_TRUE(sameValues(record, old)) << n;
         }
         failAllocation(0);
+        EXPECT_EQ(openDescriptors(), descriptors) << n;
     }
     EXPECT_EQ(status, KIV_OK);
 }

@@ -59,6 +59,8 @@ TEST(Scanner, ReadsNumbers) {
         {"0x10", read, 0, "x10"},
         {"-0", read, -0.0F, ""},
         {"3.4028235e38", read, std::numeric_limits<float>::max(), ""},
+        // Just below the middle between two floats, where the nearest double is.
+        {"1.00000017881393432617187499", read, 1.00000011920928955F, ""},
         {"-7.1e-46", read, -tiny, ""},
         {"7e-46", read, 0, ""},
         {"-1E-400", read, -0.0F, ""},
@@ -140,7 +142,8 @@ TEST(Parser, RequiresEveryTitle) {
         EXPECT_EQ(outcome.code, KIV_BAD_FORMAT);
         EXPECT_EQ(outcome.messageId, layout.messageId);
         EXPECT_EQ(outcome.failure.block, layout.block);
-        EXPECT_EQ(outcome.failure.found, '"' + lower + '"');
+        EXPECT_EQ(outcome.failure.found,
+                  '"' + lower + "\", which is close but has to match letter by letter");
         for (std::size_t j = 0; j < blockTable.size(); ++j)
             EXPECT_EQ(document.blocks[j].has_value(), j < i) << blockTable[j].title;
     }
@@ -190,18 +193,19 @@ TEST(Parser, SaysWhatIsWrong) {
         {"extra word", titled(admOffset, "ADM Offset mm"),
          R"(616 at 27:12: expected the title "AZ Calibration Table", found "mm 13 AZ")"
          "\n"
-         R"(27:12: expected a number (value 1 of 1 of "ADM Offset"), found "mm")"},
+         R"(27:12: expected a number (the value of "ADM Offset"), found "mm")"},
         {"wrong ID", valued(serialNumber, "6"), "602 at 2:1: expected the sensor ID 5"},
         {"no ID", valued(serialNumber, "five"),
-         R"(602 at 2:1: expected the sensor ID 5, found "five")"
+         R"(602 at 2:1: expected the sensor ID 5 as the value of "Serial Number", found "five")"
          "\n"
          R"(2:1: expected a whole number (the value of "Serial Number"), found "five")"},
         {"count 0", valued(azCalibration, "0"),
-         R"(616 at 30:1: expected a count of at least 1, found "0")"},
+         R"(616 at 30:1: expected a row count of at least 1 in "AZ Calibration Table", found "0")"},
         {"count -1", valued(tiltYCalibration, "-1 1 2 3 w"), "619 at 41:1"},
         {"no count", valued(tiltXCalibration, "many"), "618 at 36:1"},
         {"large count", valued(elCalibration, "3000000000"),
-         R"(617 at 33:1: expected a count of at least 1, found "3000000000", which is out of)"},
+         R"(617 at 33:1: expected a row count of at least 1 in "EL Calibration Table", found )"
+         R"("3000000000", which is out of)"},
         {"few values", valued(qvc, "1 2 3 4"),
          R"(51:1: expected a number (value 5 of 6 of "QVC"), found "Level_X")"
          "\n"
@@ -211,16 +215,18 @@ TEST(Parser, SaysWhatIsWrong) {
          R"(rows), found "EL")"},
         {"no closing word",
          {.values = {{Block::tiltXCalibration, "1 1 2 1 2 3"}}, .blocks = 17},
-         R"(609 at 37:1: expected the title "Half Angle", found end of file)"
+         R"(609 at 37:1: expected the blocks from "Tilt Y Calibration Table" to "Half Angle", found )"
+         R"(end of file)"
          "\n"
          R"(37:1: expected a word (closing "Tilt X Calibration Table"), found end of file)"},
         {"long word", valued(deviceOwner, x300),
-         "603 at 4:1: expected a word of at most 255 characters, found \"" + x300.substr(0, 40)
-             + "..."},
+         "603 at 4:1: expected a word of at most 255 characters (the value of \"Device Owner\"), "
+         "found \""
+             + x300.substr(0, 40) + "..."},
         {"long closing word", valued(tiltXCalibration, "1 1 2 1 2 3 " + x300), "618 at 36:13"},
         {"long title word", titled(qvc, x300 + "QVC"), "622 at 49:1: expected a word of"},
         {"long title", titled(elTrackingGain, x100 + "EL Tracking Gain" + x100 + x100),
-         "607 at 11:1: expected a title of at most 255 characters"},
+         "607 at 11:1: expected the title \"EL Tracking Gain\" in at most 255 characters"},
     };
     for (const auto& row : rows) {
         const std::string text = textOf(parse(parameterText(row.changes)).outcome);

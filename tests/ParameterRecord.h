@@ -16,10 +16,11 @@ namespace kiv::test {
 // A folder for parameter files that lasts as long as the object.
 class ParameterFolder {
 public:
-    ParameterFolder() {
+    explicit ParameterFolder(
+        const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
         std::random_device random;
         do
-            folder = std::filesystem::temp_directory_path() / ("kiv" + std::to_string(random()));
+            folder = parent / ("kiv" + std::to_string(random()));
         while (!std::filesystem::create_directory(folder));
     }
     ~ParameterFolder() {

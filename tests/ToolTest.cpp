@@ -9,38 +9,16 @@
 
 #include <gtest/gtest.h>
 
-#include "host/Cli.h"
 #include "host/ParameterFile.h"
 #include "tests/ParameterRecord.h"
+#include "tests/ToolRunner.h"
 
 namespace {
 
 using namespace kiv;
-
-struct ToolResult {
-    int code = 0;
-    std::string out;
-    std::string err;
-};
-
-ToolResult tool(const std::vector<std::string>& arguments, const std::string& input = "") {
-    std::vector<const char*> argv{"kiv"};
-    for (const std::string& argument : arguments)
-        argv.push_back(argument.c_str());
-    std::istringstream in(input);
-    std::ostringstream out;
-    std::ostringstream err;
-    const int code = host::runTool(static_cast<int>(argv.size()), argv.data(), {in, out, err});
-    return {code, out.str(), err.str()};
-}
-
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> result;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        result.push_back(line);
-    return result;
-}
+using test::lines;
+using test::tool;
+using test::ToolResult;
 
 std::vector<std::string> cells(const std::string& line) {
     std::vector<std::string> result;
@@ -349,7 +327,7 @@ TEST(Tool, HomeSolvesOneOrATable) {
               "a,ok,9.999999999997707,19.999999999995413\nb,no_solution,,\nc,refused,,\n");
     EXPECT_EQ(table.err,
               "standard input:3:1: expected a frame axis and a direction that give home "
-              "angles, found a singular frame\n"
+              "angles, found a singular frame or a direction without length\n"
               "standard input:4:15: expected a finite number in column direction_x, found "
               "\"z\"\n");
 

@@ -1,11 +1,33 @@
 #include "support/platform/File.h"
 
+#include <algorithm>
+
 namespace kiv::platform {
 
 bool (*failFileOperation)(FileOperation) = nullptr;
 
 InputFile::~InputFile() {
     close();
+}
+
+OutputFile::~OutputFile() {
+    close();
+}
+
+void OutputFile::append(std::string_view text) {
+    while (!text.empty()) {
+        if (size == sizeof buffer)
+            drain();
+        const std::size_t n = text.copy(buffer + size, sizeof buffer - size);
+        size += n;
+        text.remove_prefix(n);
+    }
+}
+
+bool OutputFile::flush() {
+    drain();
+    writeFailed = mustFail(FileOperation::flush) || writeFailed;
+    return !writeFailed;
 }
 
 } // namespace kiv::platform

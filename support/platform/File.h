@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
+#include "support/platform/ByteSink.h"
 #include "support/platform/ByteSource.h"
 
 // Files by path. A backslash in a path separates folders on every platform. All that can fail is
@@ -36,6 +38,49 @@ private:
     std::intptr_t handle = -1;
     bool readFailed = false;
 };
+
+// A text file that is written once from front to back, with the platform's line ends.
+class OutputFile final : public ByteSink {
+public:
+    OutputFile() = default;
+    ~OutputFile() override;
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    // A new file in place of one of that name, which is removed, never written to: it may have a
+    // second name. False when there is none.
+    bool create(const char* path);
+    // A failure shows in flush, sync and close.
+    void write(std::string_view text) override;
+    bool flush();
+    // What was flushed, and the file's name in its folder, are on the disk.
+    bool sync();
+    // True when all that was written has reached the file.
+    bool close();
+
+private:
+    void append(std::string_view text);
+    void drain();
+
+    std::intptr_t handle = -1;
+    bool writeFailed = false;
+    std::size_t size = 0;
+    char buffer[16 * 1024]; // within the object: nothing here allocates
+};
+
+enum class PathKind { missing, file, other }; // a file is a regular one
+
+PathKind kindOf(const char* path);
+
+// Clears the read-only attribute; all other attributes and the times stay.
+bool makeWritable(const char* path);
+
+// Not a folder.
+bool removeFile(const char* path);
+
+// Never replaces a file; goes from one volume to another, too. After a failure the file is where it
+// was, and nothing at the other path that was not there before.
+bool renameFile(const char* from, const char* to);
 
 // The current directory as the platform spells it (a separator ends it only at a root), through a
 // buffer of 255 characters; empty when it does not fit.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,15 +13,90 @@ namespace kiv::platform {
 
 namespace {
 
-std::string nativePath(const char* path) {
-    std::string native = path;
-    std::replace(native.begin(), native.end(), '\\', '/');
-    return native;
-}
+// A path with this platform's separators; too long a path becomes empty, which names no file.
+// Nothing here allocates, so that no exception comes between a file's removal and its replacement.
+class NativePath {
+public:
+    explicit NativePath(const char* path, const char* suffix = "") {
+        const std::size_t length = std::strlen(path), more = std::strlen(suffix);
+        if (length + more >= sizeof text)
+            return;
+        std::replace_copy(path, path + length, text, '\\', '/');
+        std::copy_n(suffix, more, text + length);
+    }
+
+    // Without the last name.
+    NativePath folder() const {
+        NativePath path(text);
+        if (char* separator = std::strrchr(path.text, '/'))
+            separator[1] = '\0';
+        else
+            std::strcpy(path.text, ".");
+        return path;
+    }
+
+    operator const char*() const { return text; }
+
+private:
+    char text[4096] = {};
+};
 
 bool isRegularFile(int descriptor) {
     struct stat status {};
     return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool exists(const char* path) {
+    struct stat status {};
+    return lstat(path, &status) == 0;
+}
+
+// The names in the folder of path are on the disk, where the file system can see to that.
+void syncFolder(const NativePath& path) {
+    const int descriptor = ::open(path.folder(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    fsync(descriptor);
+    ::close(descriptor);
+}
+
+bool renameWithinVolume(const char* from, const char* to) {
+#ifdef RENAME_NOREPLACE
+    if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS) // other than not having that call
+        return false;
+#endif
+    if (link(from, to) == 0) {
+        unlink(from);
+        return true;
+    }
+    // Without second names either, only looking first is left.
+    return errno != EEXIST && errno != EXDEV && !exists(to) && rename(from, to) == 0;
+}
+
+bool copyFile(const char* from, const char* to) {
+    InputFile source;
+    OutputFile copy;
+    if (!source.open(from) || !copy.create(to))
+        return false;
+    char buffer[16 * 1024];
+    while (const std::size_t n = source.read(buffer, sizeof buffer))
+        copy.write({buffer, n});
+    const bool written = !source.failed() && copy.flush() && copy.sync();
+    return copy.close() && written;
+}
+
+// By way of a file beside the target: half a file never has its name.
+bool moveAcrossVolumes(const NativePath& from, const NativePath& to) {
+    const NativePath copy(to, "$tmp");
+    if (!copyFile(from, copy) || !renameWithinVolume(copy, to)) {
+        unlink(copy);
+        return false;
+    }
+    syncFolder(to);
+    unlink(from);
+    return true;
 }
 
 } // namespace
@@ -31,7 +108,7 @@ bool InputFile::open(const char* path) {
         return false;
     // Without O_NONBLOCK, opening a pipe would wait for its writer.
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    const int descriptor = ::open(nativePath(path).c_str(), flags);
+    const int descriptor = ::open(NativePath(path), flags);
     if (descriptor < 0)
         return false;
     handle = descriptor;
@@ -57,6 +134,84 @@ void InputFile::close() {
     mustFail(FileOperation::close);
     ::close(static_cast<int>(handle));
     handle = -1;
+}
+
+bool OutputFile::create(const char* path) {
+    close();
+    size = 0;
+    writeFailed = false;
+    if (mustFail(FileOperation::open))
+        return false;
+    const NativePath native(path);
+    unlink(native);
+    handle = ::open(native, O_WRONLY | O_CREAT | O_EXCL | O_NOCTTY | O_CLOEXEC, 0666);
+    if (handle < 0)
+        return false;
+    syncFolder(native);
+    return true;
+}
+
+void OutputFile::write(std::string_view text) {
+    append(text);
+}
+
+void OutputFile::drain() {
+    const char* next = buffer;
+    const char* const end = buffer + size;
+    writeFailed = writeFailed || (size > 0 && mustFail(FileOperation::write));
+    size = 0;
+    while (next != end && !writeFailed) {
+        const auto left = static_cast<std::size_t>(end - next);
+        const ssize_t n = ::write(static_cast<int>(handle), next, left);
+        if (n > 0)
+            next += n;
+        else
+            writeFailed = n == 0 || errno != EINTR;
+    }
+}
+
+bool OutputFile::sync() {
+    writeFailed =
+        mustFail(FileOperation::sync) || fsync(static_cast<int>(handle)) != 0 || writeFailed;
+    return !writeFailed;
+}
+
+bool OutputFile::close() {
+    if (handle < 0)
+        return false;
+    drain();
+    writeFailed = mustFail(FileOperation::close) || writeFailed;
+    writeFailed = ::close(static_cast<int>(handle)) != 0 || writeFailed;
+    handle = -1;
+    return !writeFailed;
+}
+
+PathKind kindOf(const char* path) {
+    struct stat status {};
+    if (mustFail(FileOperation::status) || stat(NativePath(path), &status) != 0)
+        return PathKind::missing;
+    return S_ISREG(status.st_mode) ? PathKind::file : PathKind::other;
+}
+
+bool makeWritable(const char* path) {
+    const NativePath native(path);
+    struct stat status {};
+    if (mustFail(FileOperation::status) || stat(native, &status) != 0)
+        return false;
+    const mode_t mode = status.st_mode & 07777;
+    return mode & S_IWUSR || chmod(native, mode | S_IWUSR) == 0;
+}
+
+bool removeFile(const char* path) {
+    return !mustFail(FileOperation::remove) && unlink(NativePath(path)) == 0;
+}
+
+bool renameFile(const char* from, const char* to) {
+    if (mustFail(FileOperation::rename))
+        return false;
+    const NativePath source(from), target(to);
+    return renameWithinVolume(source, target)
+           || (errno == EXDEV && moveAcrossVolumes(source, target));
 }
 
 std::string currentDirectory() {

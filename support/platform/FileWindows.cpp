@@ -17,6 +17,13 @@ HANDLE native(std::intptr_t handle) {
     return reinterpret_cast<HANDLE>(handle);
 }
 
+// Of a path; without any when there is no such file.
+constexpr DWORD noFile = INVALID_FILE_ATTRIBUTES;
+
+DWORD attributesOf(const char* path) {
+    return mustFail(FileOperation::status) ? noFile : GetFileAttributesA(path);
+}
+
 bool isRegularFile(HANDLE file) {
     BY_HANDLE_FILE_INFORMATION information;
     return GetFileType(file) == FILE_TYPE_DISK && GetFileInformationByHandle(file, &information)
@@ -57,6 +64,80 @@ void InputFile::close() {
     mustFail(FileOperation::close);
     CloseHandle(native(handle));
     handle = -1;
+}
+
+bool OutputFile::create(const char* path) {
+    close();
+    size = 0;
+    writeFailed = false;
+    if (mustFail(FileOperation::open))
+        return false;
+    DeleteFileA(path);
+    const HANDLE file = CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    handle = reinterpret_cast<std::intptr_t>(file);
+    return file != INVALID_HANDLE_VALUE;
+}
+
+void OutputFile::write(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t lineEnd = std::min(text.find('\n'), text.size());
+        append(text.substr(0, lineEnd));
+        text.remove_prefix(lineEnd);
+        if (!text.empty()) {
+            append("\r\n");
+            text.remove_prefix(1);
+        }
+    }
+}
+
+void OutputFile::drain() {
+    DWORD n = 0;
+    if (size > 0 && !writeFailed)
+        writeFailed = mustFail(FileOperation::write)
+                      || !WriteFile(native(handle), buffer, static_cast<DWORD>(size), &n, nullptr)
+                      || n != size;
+    size = 0;
+}
+
+bool OutputFile::sync() {
+    writeFailed = mustFail(FileOperation::sync) || !FlushFileBuffers(native(handle)) || writeFailed;
+    return !writeFailed;
+}
+
+bool OutputFile::close() {
+    if (native(handle) == INVALID_HANDLE_VALUE)
+        return false;
+    drain();
+    writeFailed = mustFail(FileOperation::close) || writeFailed;
+    writeFailed = !CloseHandle(native(handle)) || writeFailed;
+    handle = -1;
+    return !writeFailed;
+}
+
+PathKind kindOf(const char* path) {
+    const DWORD attributes = attributesOf(path);
+    if (attributes == noFile)
+        return PathKind::missing;
+    const bool other = attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE);
+    return other ? PathKind::other : PathKind::file;
+}
+
+bool makeWritable(const char* path) {
+    const DWORD attributes = attributesOf(path);
+    if (attributes == noFile || !(attributes & FILE_ATTRIBUTE_READONLY))
+        return attributes != noFile;
+    const DWORD others = attributes & ~DWORD{FILE_ATTRIBUTE_READONLY};
+    return SetFileAttributesA(path, others ? others : FILE_ATTRIBUTE_NORMAL) != 0;
+}
+
+bool removeFile(const char* path) {
+    return !mustFail(FileOperation::remove) && DeleteFileA(path);
+}
+
+bool renameFile(const char* from, const char* to) {
+    return !mustFail(FileOperation::rename)
+           && MoveFileExA(from, to, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH);
 }
 
 std::string currentDirectory() {

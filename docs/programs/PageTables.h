@@ -1,0 +1,22 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+// Markdown tables on a page of the documentation.
+namespace kiv::docs {
+
+// The lines of every table on a page.
+std::vector<std::string> tableLines(std::istream& page);
+
+// In front of a number of which only the size is known.
+inline const std::string about = "about ";
+
+// Whether a page's table lines are those computed: words equal, numbers within a tenth or within
+// 1e-10, below which rounding and the platform's mathematical functions decide, numbers with about
+// in front within a factor of 3. Says on err where they differ.
+bool sameTables(const std::vector<std::string>& page, const std::vector<std::string>& computed,
+                std::ostream& err);
+
+} // namespace kiv::docs

@@ -1,0 +1,196 @@
+#include "docs/programs/PoseErrors.h"
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include "module/ConfigureSensor.h"
+#include "sensor/SensorAccess.h"
+#include "simulator/InverseCalibration.h"
+#include "simulator/TypicalMounting.h"
+#include "support/ZelUtil.h"
+#include "tests/ModelCases.h"
+
+namespace kiv::docs {
+
+namespace {
+
+using simulator::Mounting;
+using simulator::Pose;
+using simulator::radians;
+using simulator::RandomPoses;
+using simulator::Readings;
+
+constexpr std::size_t posesEach = 4000;
+constexpr std::uint64_t seed = 20;
+
+// The error in degrees of what is computed from a pose's readings.
+using Computation = std::function<double(const Pose&, const Readings&)>;
+
+std::runtime_error noOrientation(int mode) {
+    return std::runtime_error("no orientation in mode " + std::to_string(mode));
+}
+
+RandomPoses posesFor(int mode, const Range& range) {
+    return {seed, {range.mostTilt, -range.steepest, range.steepest, simulator::invertedIn(mode)}};
+}
+
+// Errors of poses drawn until this many are admitted.
+std::vector<double> errorsIn(const Case& which, const Mounting& mounting, const Range& range,
+                             std::size_t count, const Computation& errorOf) {
+    std::vector<double> errors;
+    RandomPoses poses = posesFor(mounting.mode, range);
+    while (errors.size() < count) {
+        Pose pose = poses.next();
+        if (which.place)
+            which.place(pose, poses);
+        Readings readings;
+        if (!simulator::readingsOf(mounting, pose, readings))
+            throw std::runtime_error("a pose out of the sensor's reach");
+        if (which.admit && !which.admit(pose, readings))
+            continue;
+        if (which.disturb)
+            which.disturb(readings);
+        errors.push_back(errorOf(pose, readings));
+    }
+    return errors;
+}
+
+Computation modelError(const Mounting& mounting) {
+    const std::shared_ptr<CKivModel> model = test::modelOf(mounting);
+    return [=](const Pose& pose, const Readings& readings) {
+        test::Matrix m = test::measurementOf(pose, readings);
+        if (!model->CalTranxMatrix(m.data(), mounting.encoderOffset[0], mounting.encoderOffset[1],
+                                   3, false, false))
+            throw noOrientation(mounting.mode);
+        return test::degreesApart(m.data(), pose.rotation);
+    };
+}
+
+// The example sensor in another mount mode, from a raw reading to the reported angles.
+struct ExampleSensor {
+    explicit ExampleSensor(int mode) {
+        const std::string folder = std::string(KIV_SENSORS "/mode") + std::to_string(mode);
+        if (record.ReadCalibrationFile(folder.c_str(), 5) != KIV_OK
+            || configureSensor(sensor, record) != KIV_OK)
+            throw std::runtime_error("cannot use the parameter file in " + folder);
+        record.getMachineMatrix(machine, 3);
+    }
+
+    // The first measurement becomes the reference and has no angles: it is repeated.
+    KIV_INFO update(const KIV_RAWINFO& raw) {
+        KIV_INFO info;
+        UpdateOutcome outcome = SensorAccess::update(sensor, raw, info);
+        if (outcome == UpdateOutcome::reference)
+            outcome = SensorAccess::update(sensor, raw, info);
+        if (outcome != UpdateOutcome::oriented)
+            throw noOrientation(SensorAccess::mountMode(sensor));
+        return info;
+    }
+
+    CKivPrm record;
+    CKiv sensor;
+    double machine[9];
+};
+
+void rotationOf(const KIV_INFO& info, double* out) {
+    double rx[9];
+    double ry[9];
+    double rz[9];
+    double product[9];
+    rotation_x(rx, info.rx * radians);
+    rotation_y(ry, info.ry * radians);
+    rotation_z(rz, info.rz * radians);
+    MatrixMultiply(rx, ry, 3, 3, 3, product);
+    MatrixMultiply(product, rz, 3, 3, 3, out);
+}
+
+Computation updateError(const std::shared_ptr<ExampleSensor>& example, int mode) {
+    const auto calibration = std::make_shared<simulator::InverseCalibration>(example->record);
+    return [=](const Pose& pose, const Readings& readings) {
+        KIV_RAWINFO raw{};
+        raw.status = 2;
+        calibration->rawReadings(pose, readings, 21, raw);
+        double reported[9];
+        rotationOf(example->update(raw), reported);
+        double inMachine[9];
+        MatrixMultiply(example->machine, pose.rotation, 3, 3, 3, inMachine);
+        return test::degreesApart(reported, mode >= 7 ? pose.rotation : inMachine);
+    };
+}
+
+template <typename PerMode>
+Errors errorsOverModes(const Case& which, PerMode perMode) {
+    std::vector<double> errors;
+    for (const int mode : which.modes) {
+        const std::vector<double> more = perMode(mode, posesEach / which.modes.size());
+        errors.insert(errors.end(), more.begin(), more.end());
+    }
+    return errorsOf(std::move(errors));
+}
+
+} // namespace
+
+Errors errorsOf(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return {values.at(values.size() / 2), values.back()};
+}
+
+Errors modelErrors(const Case& which, const Range& range) {
+    return errorsOverModes(which, [&](int mode, std::size_t count) {
+        Mounting mounting = simulator::typicalMounting(mode);
+        if (which.mount)
+            which.mount(mounting);
+        return errorsIn(which, mounting, range, count, modelError(mounting));
+    });
+}
+
+Errors updateErrors(const Case& which, const Range& range) {
+    return errorsOverModes(which, [&](int mode, std::size_t count) {
+        const auto example = std::make_shared<ExampleSensor>(mode);
+        const Mounting mounting = simulator::mountingOf(example->record);
+        return errorsIn(which, mounting, range, count, updateError(example, mode));
+    });
+}
+
+HomeErrors homeErrors(const Range& range) {
+    std::vector<double> horizontal;
+    std::vector<double> vertical;
+    RandomPoses random(seed, {});
+    CKiv sensor;
+    while (horizontal.size() < posesEach) {
+        const double tiltX = random.uniform(-range.mostTilt, range.mostTilt);
+        const double tiltY = random.uniform(-range.mostTilt, range.mostTilt);
+        const double h = random.uniform(-180, 180);
+        const double azimuth = random.uniform(-180, 180) * radians;
+        const double elevation = random.uniform(-range.steepest, range.steepest) * radians;
+        double direction[3] = {std::cos(elevation) * std::cos(azimuth),
+                               std::cos(elevation) * std::sin(azimuth), std::sin(elevation)};
+
+        // The vertical of Rz(azimuth) * Ry(tiltY) * Rx(tiltX), and the first axis h to the right of
+        // the direction about it.
+        double sensorFrame[9];
+        simulator::rotationFromYawPitchRoll(azimuth / radians, tiltY, tiltX, sensorFrame);
+        double up[3] = {sensorFrame[2], sensorFrame[5], sensorFrame[8]};
+        double left[3];
+        double forward[3];
+        double frameX[3];
+        CrossMultiply(up, direction, left);
+        CrossMultiply(left, up, forward);
+        mlaRotateAroundAxis(forward, -h, up, frameX);
+        const double rise = direction[0] * up[0] + direction[1] * up[1] + direction[2] * up[2];
+        const double v = std::atan2(rise, std::hypot(left[0], left[1], left[2])) / radians;
+
+        double homeH = 0;
+        double homeV = 0;
+        if (!sensor.Calc_HV0({frameX[0], frameX[1], frameX[2]},
+                             {direction[0], direction[1], direction[2]}, {30, 40},
+                             {tiltX, tiltY, 0}, &homeH, &homeV))
+            throw std::runtime_error("no home angles");
+        horizontal.push_back(std::abs(std::remainder(homeH + h - 30, 360)));
+        vertical.push_back(std::abs(homeV + v - 40));
+    }
+    return {errorsOf(std::move(horizontal)), errorsOf(std::move(vertical))};
+}
+
+} // namespace kiv::docs

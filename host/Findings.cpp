@@ -1,0 +1,74 @@
+#include "host/Findings.h"
+
+#include <algorithm>
+#include <ostream>
+#include <tuple>
+
+#include "host/Files.h"
+#include "host/ParameterFile.h"
+#include "host/ValueWarnings.h"
+#include "support/platform/File.h"
+
+namespace kiv::host {
+
+namespace {
+
+auto placeOf(const FileFinding& f) {
+    return std::tie(f.finding.line, f.finding.column);
+}
+
+// What else is wrong at the place of an error follows from it.
+std::vector<FileFinding> inOrder(std::vector<FileFinding> findings) {
+    std::stable_sort(findings.begin(), findings.end(),
+                     [](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
+    const auto follows = [](const FileFinding& a, const FileFinding& b) {
+        return a.error && b.error && placeOf(a) == placeOf(b);
+    };
+    findings.erase(std::unique(findings.begin(), findings.end(), follows), findings.end());
+    return findings;
+}
+
+} // namespace
+
+std::size_t ExaminedFile::errors() const {
+    return static_cast<std::size_t>(std::count_if(findings.begin(), findings.end(),
+                                                  [](const FileFinding& f) { return f.error; }));
+}
+
+ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id) {
+    Survey survey;
+    ExaminedFile examined;
+    examined.parsed = parseParameterFile(source, id, &survey);
+    std::vector<FileFinding> findings;
+    for (const Finding& finding : examined.parsed.outcome.unread)
+        findings.push_back({finding, true});
+    for (const Finding& finding : survey.failures)
+        findings.push_back({finding, true});
+    for (Finding& finding : valueWarnings(examined.parsed, survey))
+        findings.push_back({std::move(finding), false});
+    if (survey.textBehind)
+        findings.push_back({*survey.textBehind, false});
+    examined.findings = inOrder(std::move(findings));
+    return examined;
+}
+
+std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err) {
+    platform::InputFile file;
+    if (!file.open(path.c_str())) {
+        reportUnopened(err, path, "a parameter file");
+        return std::nullopt;
+    }
+    const auto name = parseParameterFileName(path);
+    ExaminedFile examined = examine(file, name ? std::optional(name->id) : std::nullopt);
+    if (!file.failed())
+        return examined;
+    err << path << ":1:1: expected to read all of the file, found a read error\n";
+    return std::nullopt;
+}
+
+void report(std::ostream& err, const std::string& path, const FileFinding& f) {
+    err << path << ':' << f.finding.line << ':' << f.finding.column << ": expected "
+        << f.finding.expected << ", found " << f.finding.found << (f.error ? "\n" : " (warning)\n");
+}
+
+} // namespace kiv::host

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "params/Parser.h"
+
+namespace kiv::host {
+
+// What is to be said of a parameter file. Errors are what the library refuses and every value that
+// it cannot read; the rest are warnings.
+struct FileFinding {
+    Finding finding;
+    bool error = false;
+};
+
+struct ExaminedFile {
+    ParsedFile parsed;
+    std::vector<FileFinding> findings; // in the text's order, one error at a place
+
+    std::size_t errors() const;
+    std::size_t warnings() const { return findings.size() - errors(); }
+};
+
+// With an id, the serial number is tested.
+ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id);
+
+// Reads any file; where its name tells the sensor's ID, the serial number is tested. Nothing, and a
+// message, when the file cannot be read.
+std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err);
+
+// As path:line:column: expected ..., found ...
+void report(std::ostream& err, const std::string& path, const FileFinding& finding);
+
+} // namespace kiv::host

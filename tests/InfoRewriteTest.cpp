@@ -1,0 +1,319 @@
+// kiv info and kiv rewrite, and that docs/parameter-file.md says what they and the library do.
+
+#include <bit>
+#include <fstream>
+#include <set>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "params/Messages.h"
+#include "params/Parser.h"
+#include "params/Printer.h"
+#include "support/platform/ByteSink.h"
+#include "support/platform/ByteSource.h"
+#include "tests/FileFaults.h"
+#include "tests/ToolRunner.h"
+
+namespace {
+
+using namespace kiv;
+using namespace kiv::test;
+namespace fs = std::filesystem;
+using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
+                                  std::int64_t, std::uint64_t, float>;
+
+Document documentOf(const std::string& text) {
+    TextSource source(text);
+    return parseForRewrite(source).document;
+}
+
+std::string printed(const Document& document) {
+    TextSink sink;
+    print(document, sink);
+    return sink.text;
+}
+
+// Numbers and words in the order of the text.
+void flatten(const Json& json, std::vector<std::string>& leaves, std::set<std::string>& names) {
+    if (!json.is_structured()) {
+        const std::uint32_t bits =
+            json.is_number_float() ? std::bit_cast<std::uint32_t>(json.get<float>()) : 0;
+        leaves.push_back(bits ? std::to_string(bits) : json.dump());
+        return;
+    }
+    for (const auto& [name, value] : json.items()) {
+        if (json.is_object())
+            names.insert(name);
+        flatten(value, leaves, names);
+    }
+}
+
+std::vector<std::string> leavesOf(const Document& document) {
+    std::vector<std::string> leaves;
+    const auto add = [&](float value) {
+        const auto bits = std::bit_cast<std::uint32_t>(value);
+        leaves.push_back(bits ? std::to_string(bits) : "0.0");
+    };
+    for (const BlockLayout& layout : blockTable) {
+        const BlockValues& values = *document.find(layout.block);
+        if (layout.kind == BlockKind::sensorId || layout.kind == BlockKind::integer)
+            leaves.push_back(std::to_string(values.integer));
+        std::for_each(values.numbers.begin(), values.numbers.end(), add);
+        if (layout.kind == BlockKind::tiltTable)
+            std::for_each(values.trailing.begin(), values.trailing.end(), add);
+        if (!values.word.empty())
+            leaves.push_back('"' + values.word + '"');
+    }
+    return leaves;
+}
+
+std::string contentOfDocs() {
+    return contentOf(KIV_DOCS "/parameter-file.md").value_or("");
+}
+
+TEST(Info, GivesEveryValueInJson) {
+    const ParameterFolder folder;
+    const std::string text = parameterText(
+        {.values = {{Block::qvc, "0.1 1e-40 3.4028235e38 -0 16777217 -1.17549435e-38"}},
+         .shift = 0.1F});
+    std::ofstream(folder.file(), std::ios::binary) << text;
+    const ToolResult result = tool({"info", "--json", folder.file()});
+    EXPECT_EQ(result.code, 0) << result.err;
+    const Json json = Json::parse(result.out);
+    std::vector<std::string> leaves;
+    std::set<std::string> names;
+    flatten(json, leaves, names);
+    EXPECT_EQ(leaves, leavesOf(documentOf(text)));
+    EXPECT_EQ(json["angle_offset"]["elevation_deg"].dump(), "7.35");
+    EXPECT_EQ(json["tilt_x_calibration_table"]["rows_deg"][3][0].dump(), "25.1");
+    EXPECT_EQ(json["tilt_x_calibration_table"]["limit_low_deg"].dump(), "-29.9");
+    EXPECT_EQ(json["local_coordinate_tranform_matrix"][1][2].dump(), "15.35");
+    const std::string docs = contentOfDocs();
+    for (const std::string& name : names)
+        EXPECT_NE(docs.find('`' + name + '`'), docs.npos) << name;
+    EXPECT_EQ(names.size(), 24U + 25U);
+}
+
+TEST(Info, ShowsOneScreen) {
+    const ToolResult result = tool({"info", KIV_EXAMPLES "/Tg5.prm"});
+    EXPECT_EQ(result.code, 0);
+    const auto shown = lines(result.out);
+    EXPECT_LE(shown.size(), 40U);
+    for (const std::string& line : shown)
+        EXPECT_LE(line.size(), 100U) << line;
+    for (const char* line :
+         {"Angle Offset                        azimuth_deg 12.5  elevation_deg -3.25",
+          "AZ Calibration Table                360 rows, 0 to 359 deg, values -0.016151246 to "
+          "0.011882429",
+          "                                    limits -9 to 9 deg, further value 0, closing word "
+          "end",
+          "Mounting Mode                       4, pendulum model"})
+        EXPECT_NE(result.out.find(std::string(line) + '\n'), result.out.npos) << line;
+}
+
+TEST(Info, ShowsWhatCouldBeRead) {
+    const ParameterFolder folder;
+    const std::string path = folder.path() + "/x";
+    std::ofstream(path, std::ios::binary) << parameterText(
+        {.values = {{Block::deviceOwner, "M\xFCller\""}, {Block::azCalibration, "none"}},
+         .titles = {{Block::qvc, "CVQ"}}});
+    const ToolResult text = tool({"info", path}), json = tool({"info", path, "--json"});
+    EXPECT_EQ(text.code, 1);
+    EXPECT_EQ(json.code, 1);
+    EXPECT_EQ(lines(text.err).size(), 2U) << text.err;
+    EXPECT_NE(text.out.find("QVC                                 not read\n"), text.out.npos);
+    const Json values = Json::parse(json.out);
+    EXPECT_TRUE(values["qvc"].is_null());
+    EXPECT_TRUE(values["az_calibration_table"].is_null());
+    EXPECT_EQ(values["device_owner"], "M\xEF\xBF\xBDller\"");
+    EXPECT_EQ(values["half_angle"]["azimuth_deg"], 23);
+    EXPECT_EQ(tool({"info", folder.path()}).code, 2);
+}
+
+// Nothing waits meanwhile.
+class RewriteTool : public testing::Test {
+protected:
+    RewriteTool() {
+        platform::waitInstead = [](std::chrono::milliseconds) {};
+    }
+    ~RewriteTool() override { platform::waitInstead = nullptr; }
+
+    void write(const std::string& text) const {
+        std::ofstream(folder.file(), std::ios::binary) << text;
+    }
+    ToolResult run() const { return tool({"rewrite", folder.file()}); }
+    std::string shown(std::string text) const { // with the folder as its name
+        for (auto at = text.find(folder.path()); at != text.npos; at = text.find(folder.path()))
+            text.replace(at, folder.path().size(), "DIR");
+        return text;
+    }
+    std::optional<std::string> file() const { return contentOf(folder.file()); }
+    std::optional<std::string> copy() const { return contentOf(folder.path() + "/$tmp.prm"); }
+
+    const ParameterFolder folder;
+    const fs::path home = fs::current_path();
+};
+
+TEST_F(RewriteTool, SaysWhatItHasDoneAndCost) {
+    using enum Block;
+    const std::string text = parameterText({.values = {{serialNumber, "6"}, // not this file's
+                                                       {qvc, "1e-7 2 0 -4e-7 5.0000001 6"},
+                                                       {admOffset, "0.0123456"},
+                                                       {tiltOffset, "123.45671 0"}}});
+    write(text);
+    const ToolResult first = run();
+    EXPECT_EQ(first.code, 0);
+    EXPECT_EQ(shown(first.out),
+              "DIR/Tg5.prm: rewritten\n"
+              "largest relative change of a value: 3.2e-05, from 0.0123456 to 0.012346 in "
+              "\"ADM Offset\", line 32, column 1\n");
+    EXPECT_EQ(shown(first.err),
+              "DIR/Tg5.prm:71:1: expected the value 1e-07 in \"QVC\", found 0, all that six "
+              "decimals keep of it (warning)\n"
+              "DIR/Tg5.prm:71:28: expected the value -4e-07 in \"QVC\", found 0, all that six "
+              "decimals keep of it (warning)\n");
+    EXPECT_EQ(file(), printed(documentOf(text)));
+    EXPECT_EQ(copy(), std::nullopt);
+    EXPECT_EQ(fs::current_path(), home);
+    const ToolResult second = run();
+    EXPECT_EQ(shown(second.out), "DIR/Tg5.prm: rewritten\nno value has changed\n");
+    EXPECT_EQ(second.err, "");
+}
+
+TEST_F(RewriteTool, SaysWhyItRefuses) {
+    using enum Block;
+    const struct {
+        const char* name;
+        std::string file;
+        std::string copy; // from an earlier rewrite
+        int code;
+        std::string expected; // contained in standard error
+    } rows[] = {
+        {"value that cannot be read", parameterText({.values = {{tiltOffset, "1 x"}}}), "", 1,
+         "DIR/Tg5.prm:26:3: expected a number (value 2 of 2 of \"Tilt Sensor Offset\"), found "
+         "\"x\"\nDIR/Tg5.prm is as before, the copy in DIR/$tmp.prm is incomplete\n"},
+        {"title", parameterText({.titles = {{qvc, "qvc"}}}), "the rest of another", 1,
+         "DIR/Tg5.prm:49:1: expected the title \"QVC\""},
+        {"another sensor's only file", parameterText(),
+         parameterText({.values = {{serialNumber, "7"}}}), 2,
+         "DIR/$tmp.prm:1:1: expected nothing that is needed, found the only file of sensor 7; name "
+         "it Tg7.prm or delete it"},
+    };
+    for (const auto& row : rows) {
+        write(row.file);
+        const fs::path copyPath = fs::path(folder.path()) / "$tmp.prm";
+        fs::remove(copyPath);
+        if (!row.copy.empty())
+            std::ofstream(copyPath, std::ios::binary) << row.copy;
+        const ToolResult result = run();
+        EXPECT_EQ(result.code, row.code) << row.name;
+        EXPECT_EQ(result.out, "") << row.name;
+        EXPECT_NE(shown(result.err).find(row.expected), std::string::npos) << row.name << '\n'
+                                                                           << result.err;
+        EXPECT_EQ(file(), row.file) << row.name;
+        if (row.code == 2) {
+            EXPECT_EQ(copy(), row.copy) << row.name;
+        }
+    }
+    fs::create_directory(folder.path() + "/Tg8.prm");
+    for (const char* name : {"Tg8.prm", "Tg9.prm", "some.prm"})
+        EXPECT_EQ(tool({"rewrite", folder.path() + '/' + name}).code, 2) << name;
+    const fs::path copyPath = fs::path(folder.path()) / "$tmp.prm";
+    fs::remove(copyPath);
+    fs::create_directory(copyPath);
+    write(parameterText());
+    const ToolResult result = run();
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(shown(result.err).find("DIR/Tg5.prm:1:1: expected to create the copy, found"), 0U)
+        << result.err;
+}
+
+// Whatever fails, the last line tells where the contents are.
+TEST_F(RewriteTool, TellsTheTruthWhenAnOperationFails) {
+    const std::string text = parameterText();
+    const std::string rewritten = printed(documentOf(text));
+    std::set<std::string> steps;
+    bool failed = true;
+    for (int k = 1; failed; ++k) {
+        write(text);
+        fs::remove(folder.path() + "/$tmp.prm");
+        const FailingOperation failing(k);
+        const ToolResult result = run();
+        failed = FailingOperation::operation().has_value();
+        const std::string err = shown(result.err);
+        SCOPED_TRACE("operation " + std::to_string(k) + '\n' + err);
+        ASSERT_TRUE(file() == text || file() == rewritten || copy() == rewritten);
+        if (result.code == 0) {
+            EXPECT_EQ(file(), rewritten);
+            EXPECT_EQ(copy(), std::nullopt);
+            continue;
+        }
+        EXPECT_TRUE(failed);
+        EXPECT_EQ(result.code, 2);
+        const auto says = [&](const char* part) { return err.find(part) != err.npos; };
+        if (!says("the copy in")) { // it has not begun
+            EXPECT_EQ(file(), text);
+            EXPECT_EQ(copy(), std::nullopt);
+            continue;
+        }
+        steps.insert(err.substr(0, err.find('\n')));
+        EXPECT_TRUE(says("prm is not to be read") || says("prm is gone") == !file());
+        EXPECT_TRUE(says("prm is not to be read")
+                    || says("Tg5.prm is as before") == (file() == text));
+        EXPECT_TRUE(says("prm is not to be read")
+                    || says("prm is complete") == (copy() == rewritten));
+    }
+    for (const char* step :
+         {"read the file's status", "make the file writable, open it or create the copy",
+          "copy all of the file", "delete the old file", "rename the copy", "look at the result"})
+        EXPECT_EQ(steps.erase("DIR/Tg5.prm:1:1: expected to " + std::string(step)
+                              + ", found that this failed"),
+                  1U)
+            << step;
+    EXPECT_TRUE(steps.empty()) << *steps.begin();
+}
+
+std::string valuesInDocs(const BlockLayout& layout) {
+    switch (layout.kind) {
+    case BlockKind::sensorId:
+    case BlockKind::integer:
+        return "whole number";
+    case BlockKind::word:
+        return "word";
+    case BlockKind::numbers:
+        return std::to_string(layout.count) + (layout.count == 1 ? " number" : " numbers");
+    case BlockKind::encoderTable:
+        return "encoder table";
+    case BlockKind::tiltTable:
+        return "tilt table";
+    }
+    return "";
+}
+
+std::string atEndInDocs(const BlockLayout& layout) {
+    if (layout.atEnd != AtEnd::useDefaults)
+        return layout.atEnd == AtEnd::keep ? "kept" : "refused";
+    std::ostringstream text;
+    for (int i = 0; i < layout.count; ++i)
+        text << (i > 0 ? " " : "") << layout.defaults[static_cast<std::size_t>(i)];
+    return text.str();
+}
+
+TEST(Docs, HaveTheTablesOfTheCode) {
+    const std::string docs = contentOfDocs();
+    for (std::size_t i = 0; i < blockTable.size(); ++i) {
+        const BlockLayout& layout = blockTable[i];
+        std::ostringstream row;
+        row << "\n| " << i + 1 << " | " << layout.title << " | " << layout.titleWords << " | "
+            << valuesInDocs(layout) << " | " << atEndInDocs(layout) << " | " << layout.messageId
+            << " | ";
+        EXPECT_NE(docs.find(row.str()), docs.npos) << row.str();
+    }
+    for (unsigned id = 601; messageText(id); ++id) {
+        const std::string row = "\n| " + std::to_string(id) + " | `" + messageText(id) + "` |\n";
+        EXPECT_NE(docs.find(row), docs.npos) << row;
+    }
+}
+
+} // namespace

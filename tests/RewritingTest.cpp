@@ -1,0 +1,345 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <random>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "params/Parser.h"
+#include "support/platform/ByteSource.h"
+#include "tests/Allocations.h"
+#include "tests/FileFaults.h"
+
+namespace {
+
+using kiv::Block;
+using namespace kiv::test;
+namespace fs = std::filesystem;
+
+// The layout of a rewritten file, as the formats of the C library print it.
+struct PrintedBlock {
+    const char* title;
+    const char* values;       // a table's: its count
+    const char* row = "";     // of a table
+    const char* closing = ""; // behind its rows
+};
+
+constexpr const char* encoderRow = "%f\t%f\n";
+constexpr const char* closingRow = "%f\t%f\t%f\n%s\n";
+constexpr const char* sixValues = "%f\t%f\t%f\t%f\t%f\t%f\n";
+constexpr const char* matrix = "%f\t%f\t%f\n%f\t%f\t%f\n%f\t%f\t%f\n";
+
+constexpr PrintedBlock printedBlocks[] = {
+    {"Serial Number", "%d\n"},
+    {"Device Owner", "%s\n"},
+    {"AZ Position Gain", sixValues},
+    {"EL Position Gain", sixValues},
+    {"AZ Tracking Gain", sixValues},
+    {"EL Tracking Gain", sixValues},
+    {"Digital Damping", "%f\t%f\t%f\t%f\n"},
+    {"Angle Offset", "%f\t%f\n"},
+    {"Transform Vector", "%f\t%f\t%f\n"},
+    {"Local Coordinate Tranform Matrix", matrix},
+    {"Machine Coordinate Tranform Matrix", matrix},
+    {"Thermal Compensation Factor", "%f\t%f\t%f\t%f\n"},
+    {"Tilt Sensor Offset", "%f\t%f\n"},
+    {"ADM Offset", "%f\n"},
+    {"AZ Calibration Table", "%d\n", encoderRow},
+    {"EL Calibration Table", "%d\n", encoderRow},
+    {"Tilt X Calibration Table", "%d\n", encoderRow, closingRow},
+    {"Tilt Y Calibration Table", "%d\n", encoderRow, closingRow},
+    {"Scale Factor", "%f\n%f\n%f\n%f\n%f\n%f\n%f\n%f\n"},
+    {"Mounting Mode", "%d\n"},
+    {"QVC", "%f\t%f\t%f\t%f\t%f\t%f\t\n"},
+    {"Level_X", "%f\t%f\t%f\t%f\t%f\t%f\t%f\t\n"},
+    {"Level_Y", "%f\t%f\t%f\t%f\t%f\t%f\t%f\t\n"},
+    {"Half Angle", "%f\t%f\n"},
+};
+
+// Takes a word of the text for each conversion; the last one as it was read.
+std::string printed(std::istream& text, std::string_view format, std::string& word) {
+    std::string result;
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        if (format[i] != '%') {
+            result += format[i];
+            continue;
+        }
+        text >> word;
+        char digits[64];
+        const char kind = format[++i];
+        if (kind == 'd')
+            std::snprintf(digits, sizeof digits, "%d", std::atoi(word.c_str()));
+        else if (kind == 'f')
+            std::snprintf(digits, sizeof digits, "%f", double{std::strtof(word.c_str(), nullptr)});
+        result += kind == 's' ? word : digits;
+    }
+    return result;
+}
+
+// What a rewrite makes of a text, or of its first blocks.
+std::string rewritten(const std::string& original) {
+    std::istringstream text(original);
+    std::string result, word;
+    for (const PrintedBlock& block : printedBlocks) {
+        std::istringstream title(block.title);
+        for (std::string titleWord; title >> titleWord;)
+            text >> word;
+        if (!text)
+            break;
+        result += std::string(block.title) + '\n' + printed(text, block.values, word);
+        if (*block.row)
+            for (int rows = std::atoi(word.c_str()); rows > 0; --rows)
+                result += printed(text, block.row, word);
+        result += printed(text, block.closing, word);
+    }
+    return result;
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    for (auto at = text.find(from); at != text.npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+    return text;
+}
+
+std::string randomTable(std::size_t rows) {
+    std::mt19937 random(5);
+    std::string text = std::to_string(rows);
+    for (std::size_t i = 0; i < 2 * rows; ++i) {
+        const double mantissa = std::uniform_real_distribution(-10.0, 10.0)(random);
+        char number[40];
+        std::snprintf(number, sizeof number, "%c%.*g", i % 2 ? '\n' : ' ', 1 + int(i % 12),
+                      std::ldexp(mantissa, std::uniform_int_distribution(-40, 60)(random)));
+        text += number;
+    }
+    return text;
+}
+
+TEST(Rewriting, PrintsEveryBlockAndDoesSoTwice) {
+    using enum Block;
+    const std::string usual = parameterText();
+    const struct {
+        const char* name;
+        std::string text;
+    } rows[] = {
+        {"usual", usual},
+        {"line ends of Windows", replaced(usual, "\n", "\r\n")},
+        {"one line", replaced(usual, "\n", " ")},
+        {"a word a line", replaced(replaced(usual, "\t", "\n"), " ", "\n")},
+        {"number forms",
+         parameterText({.values = {{azPositionGain, "+.5 -5. 1.5E-3 -0 0.1234567 1e-46"},
+                                   {digitalDamping, "3.4028235e38 -3.4028235E+38 8388608.5 0"},
+                                   {angleOffset, "-1e-7 0.0000005"},
+                                   {serialNumber, "+0017"}}})},
+        {"a tie", parameterText({.values = {{tiltOffset, "0.0000005 0.00000762939453125"}}})},
+        {"counts below 1", parameterText({.values = {{azCalibration, "0"},
+                                                     {elCalibration, "-2147483648"},
+                                                     {tiltXCalibration, "-1 1 2 3 end"},
+                                                     {tiltYCalibration, "0\n-1 1 2 end"}}})},
+        {"titles with more", parameterText({.titles = {{tiltOffset, "Tilt Sensor Offset:"},
+                                                       {scaleFactor, "[Scale Factors]"}}})},
+        {"words", parameterText({.values = {{deviceOwner, "\xC4\x80\xFF%d"}}})},
+        {"random numbers", parameterText({.values = {{elCalibration, randomTable(3000)}}})},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Rewrite rewrite(row.text);
+        EXPECT_EQ(rewrite.run(), KIV_OK);
+        EXPECT_EQ(rewrite.file(), rewritten(row.text));
+        EXPECT_EQ(rewrite.temporary(), std::nullopt);
+        const auto first = rewrite.file();
+        EXPECT_EQ(rewrite.run(), KIV_OK);
+        EXPECT_EQ(rewrite.file(), first);
+    }
+}
+
+// Where there is a fault, the parameter file stays and the temporary one holds what came before.
+void expectBroken(const std::string& text, unsigned messageId, const std::string& copied) {
+    kiv::TextSource source(text);
+    EXPECT_EQ(kiv::parseForRewrite(source).outcome.messageId, messageId);
+    Rewrite rewrite(text);
+    EXPECT_EQ(rewrite.run(), KIV_BAD_FORMAT);
+    EXPECT_EQ(rewrite.file(), text);
+    EXPECT_EQ(rewrite.temporary(), copied);
+}
+
+TEST(Rewriting, StopsAtATitleThatDoesNotMatch) {
+    for (std::size_t i = 0; i < kiv::blockTable.size(); ++i) {
+        const kiv::BlockLayout& layout = kiv::blockTable[i];
+        SCOPED_TRACE(layout.title);
+        expectBroken(parameterText({.titles = {{layout.block, "some other title"}}}),
+                     layout.messageId, rewritten(parameterText({.blocks = i})));
+    }
+}
+
+TEST(Rewriting, GoesOnWithDefaultsWhereTheFileEnds) {
+    const std::string defaults[] = {
+        "Scale Factor\n0.000000\t0.000000\t0.000000\t0.000000\t"
+        "1.000000\t1.000000\t1.000000\t0.000000\t\n",
+        "Mounting Mode\n0\n",
+        "QVC\n0.000000\t0.000000\t0.000000\t0.000000\t0.000000\t0.000000\t\n",
+        "Level_X\n0.000000\t0.000000\t0.000000\t0.000000\t0.000000\t0.000000\t0.000000\t\n",
+        "Level_Y\n0.000000\t0.000000\t0.000000\t0.000000\t0.000000\t0.000000\t0.000000\t\n",
+    };
+    for (std::size_t i = 0; i < kiv::blockTable.size(); ++i) {
+        SCOPED_TRACE(i);
+        std::string copied = rewritten(parameterText({.blocks = i}));
+        for (std::size_t block = std::max<std::size_t>(i, 18); i >= 17 && block < 23; ++block)
+            copied += defaults[block - 18];
+        const unsigned id = i < 17 ? kiv::blockTable[i].messageId : 609;
+        expectBroken(parameterText({.blocks = i}) + " \n", id, copied);
+    }
+}
+
+TEST(Rewriting, NeverInventsOrDropsAValue) {
+    using enum Block;
+    const std::string x300(300, 'x');
+    const struct {
+        const char* name;
+        Block block;
+        std::string values;
+        std::string copied; // behind the title
+        unsigned messageId;
+    } rows[] = {
+        {"serial number", serialNumber, "five", "", 601},
+        {"long owner", deviceOwner, x300, "", 603},
+        {"one value too few", azPositionGain, "1 2 3 4 5", "", 604},
+        {"last of a matrix", localMatrix, "1 2 3 4 5 6 7 8 x",
+         "1.000000\t2.000000\t3.000000\n4.000000\t5.000000\t6.000000\n", 611},
+        {"beyond single precision", admOffset, "3.5e38", "", 615},
+        {"one value too many", angleOffset, "1 2 3", "1.000000\t2.000000\n", 610},
+        {"count", azCalibration, "2147483648", "", 616},
+        {"rows", elCalibration, "3 1 2 3 4 5", "3\n1.000000\t2.000000\n3.000000\t4.000000\n", 617},
+        {"last row", tiltXCalibration, "1 1 2 3 4 w", "1\n1.000000\t2.000000\n", 618},
+        {"closing word", tiltYCalibration, "0 3 4 5 " + x300, "0\n3.000000\t4.000000\t5.000000\n",
+         619},
+        {"scale factor", scaleFactor, "1 2 3 x", "1.000000\n2.000000\n3.000000\n", 621},
+        {"mounting mode", mountingMode, ".5", "", 619},
+        {"QVC", qvc, "1 2 x", "1.000000\t2.000000\t", 622},
+        {"end of file", halfAngle, "1", "", 609},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto before = static_cast<std::size_t>(row.block);
+        const std::string title(kiv::layoutOf(row.block).title);
+        expectBroken(parameterText({.values = {{row.block, row.values}}}), row.messageId,
+                     rewritten(parameterText({.blocks = before})) + title + '\n' + row.copied);
+    }
+    SCOPED_TRACE("no closing word");
+    const std::string before = parameterText({.blocks = 16}), title = "Tilt X Calibration Table\n";
+    expectBroken(before + title + "0 1 2 3 \n", 618,
+                 rewritten(before) + title + "0\n1.000000\t2.000000\t3.000000\n");
+}
+
+TEST(Rewriting, LeavesTheRecordAsItIs) {
+    Rewrite rewrite(parameterText());
+    LoadedRecord before;
+    EXPECT_EQ(rewrite.run(), KIV_OK);
+    EXPECT_TRUE(sameValues(rewrite.record, before));
+    rewrite.record.setTiltOffset({123, 456});
+    EXPECT_EQ(rewrite.run(), KIV_OK);
+    EXPECT_EQ(rewrite.file(), rewritten(parameterText()));
+    F_VECTOR2 offset{};
+    rewrite.record.getTiltOffset(offset);
+    EXPECT_EQ(offset.x, 123);
+}
+
+TEST(Rewriting, DoesNothingWithoutAFile) {
+    Rewrite rewrite(parameterText());
+    fs::remove(rewrite.path());
+    EXPECT_EQ(rewrite.run(), KIV_OK);
+    EXPECT_EQ(CKivPrm().PrmFileCopy(), KIV_OK); // no path yet
+    EXPECT_TRUE(fs::is_empty(rewrite.current.path()));
+    EXPECT_TRUE(fs::is_empty(rewrite.folder.path()));
+}
+
+TEST(Rewriting, ClearsTheReadOnlyAttribute) {
+    constexpr auto writable = fs::perms::owner_write;
+    for (const bool complete : {true, false}) {
+        SCOPED_TRACE(complete);
+        Rewrite rewrite(parameterText({.blocks = complete ? 24U : 3U}));
+        fs::permissions(rewrite.path(), writable, fs::perm_options::remove);
+        fs::last_write_time(rewrite.path(),
+                            fs::file_time_type::clock::now() - std::chrono::years(2));
+        const auto time = fs::last_write_time(rewrite.path());
+        const auto permissions = fs::status(rewrite.path()).permissions();
+        EXPECT_EQ(rewrite.run(), complete ? KIV_OK : KIV_BAD_FORMAT);
+        EXPECT_EQ(rewrite.file(),
+                  complete ? rewritten(parameterText()) : parameterText({.blocks = 3}));
+        EXPECT_NE(fs::status(rewrite.path()).permissions() & writable, fs::perms::none);
+        if (!complete) {
+            EXPECT_EQ(fs::status(rewrite.path()).permissions(), permissions | writable);
+            EXPECT_EQ(fs::last_write_time(rewrite.path()), time);
+        }
+    }
+}
+
+TEST(Rewriting, WaitsBeforeAndBehindTheDeletion) {
+    struct Moment {
+        std::chrono::milliseconds wait;
+        bool fileThere;
+        std::optional<std::string> temporary;
+    };
+    static std::vector<Moment> moments;
+    static std::string path;
+    Rewrite rewrite(parameterText());
+    path = rewrite.path();
+    kiv::platform::waitInstead = [](std::chrono::milliseconds wait) {
+        moments.push_back({wait, fs::exists(path), contentOf("$tmp.prm")});
+    };
+    EXPECT_EQ(rewrite.run(), KIV_OK);
+    ASSERT_EQ(moments.size(), 2U);
+    for (const bool second : {false, true}) {
+        EXPECT_EQ(moments[second].wait, std::chrono::milliseconds(500));
+        EXPECT_EQ(moments[second].fileThere, !second);
+        EXPECT_EQ(moments[second].temporary, rewritten(parameterText()));
+    }
+}
+
+TEST(Rewriting, NeverReplacesAFileThatHasJustAppeared) {
+    expectNoFileReplaced(fs::temp_directory_path());
+}
+
+TEST(Rewriting, ReplacesAnEarlierTemporaryFile) {
+    Rewrite rewrite(parameterText());
+    std::ofstream("$tmp.prm") << std::string(100000, 'x');
+    EXPECT_EQ(rewrite.run(), KIV_OK);
+    EXPECT_EQ(rewrite.file(), rewritten(parameterText()));
+    // A second name of the file itself: nothing is written through it.
+    fs::create_hard_link(rewrite.path(), "$tmp.prm");
+    FailingOperation last(5); // the read
+    EXPECT_EQ(rewrite.run(), KIV_CANNOT_OPEN);
+    EXPECT_EQ(FailingOperation::operation(), kiv::platform::FileOperation::read);
+    EXPECT_EQ(rewrite.file(), rewritten(parameterText()));
+    fs::remove("$tmp.prm");
+    fs::create_directory("$tmp.prm");
+    EXPECT_EQ(rewrite.run(), KIV_CANNOT_OPEN);
+    EXPECT_EQ(rewrite.file(), rewritten(parameterText()));
+}
+
+TEST(Rewriting, LosesNoFileWhateverOperationFails) {
+    expectNoFileLost(fs::temp_directory_path());
+}
+
+TEST(Rewriting, LosesNoFileWhateverAllocationFails) {
+    int status = KIV_CANNOT_OPEN;
+    for (std::size_t n = 1; status != KIV_OK && n < 1000; ++n) {
+        SCOPED_TRACE(n);
+        Rewrite rewrite(parameterText());
+        const auto descriptors = openDescriptors();
+        failAllocation(n);
+        try {
+            status = rewrite.run();
+        } catch (const std::bad_alloc&) {
+            status = KIV_CANNOT_OPEN;
+        }
+        failAllocation(0);
+        EXPECT_EQ(openDescriptors(), descriptors);
+        EXPECT_EQ(rewrite.file(), status == KIV_OK ? rewritten(parameterText()) : parameterText());
+    }
+    EXPECT_EQ(status, KIV_OK);
+}
+
+} // namespace
