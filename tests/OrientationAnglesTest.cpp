@@ -107,9 +107,13 @@ TEST(OrientationAngles, LaterAnglesUseTheSineOfTheRoundedAngle) {
         const double wide = std::atan2(t[2], std::cos(static_cast<double>(rx)) * t[8]
                                                  - std::sin(static_cast<double>(rx)) * t[5]);
         const auto degrees = [](double angle) {
-            return static_cast<float>(static_cast<float>(angle) * radToDeg);
+            const volatile float rounded = static_cast<float>(angle);
+            return static_cast<float>(rounded * radToDeg);
         };
-        EXPECT_EQ(threeVectorAngles(t.data()).ry, degrees(single)) << i;
+        const OrientationAngles angles = threeVectorAngles(t.data());
+        EXPECT_EQ(angles.rx, degrees(std::atan2(-t[5], t[8]))) << i;
+        EXPECT_EQ(angles.rz, degrees(std::atan2(-t[1], t[0]))) << i;
+        EXPECT_EQ(angles.ry, degrees(single)) << i;
         differences += degrees(single) != degrees(wide);
     }
     EXPECT_GT(differences, 0);

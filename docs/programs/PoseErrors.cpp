@@ -24,6 +24,11 @@ using simulator::Readings;
 constexpr std::size_t posesEach = 4000;
 constexpr std::uint64_t seed = 20;
 
+Errors errorsOf(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return {values.at(values.size() / 2), values.back()};
+}
+
 // The error in degrees of what is computed from a pose's readings.
 using Computation = std::function<double(const Pose&, const Readings&)>;
 
@@ -130,11 +135,6 @@ Errors errorsOverModes(const Case& which, PerMode perMode) {
 }
 
 } // namespace
-
-Errors errorsOf(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return {values.at(values.size() / 2), values.back()};
-}
 
 Errors modelErrors(const Case& which, const Range& range) {
     return errorsOverModes(which, [&](int mode, std::size_t count) {

@@ -11,12 +11,9 @@
 namespace kiv::docs {
 
 struct Errors {
-    double median;  // degrees
+    double median;  // degrees; of an even number of errors the upper one
     double largest; // degrees
 };
-
-// The median of an even number of values is the upper one.
-Errors errorsOf(std::vector<double> values);
 
 // What is measured: poses for one or several mount modes in turn, as they come or changed, and the
 // readings that they give.
