@@ -51,7 +51,14 @@ std::string nthOf(std::string_view noun, std::size_t index, std::size_t count) {
     return std::string(noun) + " " + std::to_string(index + 1) + " of " + std::to_string(count);
 }
 
+// As every word of every title.
+bool hasCapital(std::string_view word) {
+    return std::any_of(word.begin(), word.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
 bool isNumber(std::string_view word) {
+    if (word.empty() || word.front() > '9')
+        return false;
     float ignored = 0;
     const char* last = word.data() + word.size();
     const char* first = word.data() + word.starts_with('+');
@@ -187,7 +194,12 @@ bool FileParser::seekTitle(Block first) {
         const std::string_view word = scanner.peekWord();
         if (word.empty())
             return false;
+        const bool mayBeOfTitle = hasCapital(word);
         takeTitleWord(word);
+        if (!mayBeOfTitle) {
+            titleWords.clear();
+            continue;
+        }
         if (titleWords.size() > longestTitle)
             titleWords.erase(0, titleWords.size() - longestTitle);
         for (const BlockLayout& other : blockTable)

@@ -31,7 +31,7 @@ public:
     void printBlock(const BlockLayout& layout, const BlockValues& values);
 
 private:
-    bool nextGroup() { return groupsLeft > 0 && groupsLeft-- > 0; }
+    bool nextGroup();
     void printValues(const BlockLayout& layout, const BlockValues& values);
     void printInteger(std::int32_t value);
     void printWord(std::string_view word);
@@ -46,6 +46,13 @@ void BlockPrinter::printBlock(const BlockLayout& layout, const BlockValues& valu
     sink.write(layout.title);
     sink.write("\n");
     printValues(layout, values);
+}
+
+bool BlockPrinter::nextGroup() {
+    if (groupsLeft == 0)
+        return false;
+    --groupsLeft;
+    return true;
 }
 
 void BlockPrinter::printValues(const BlockLayout& layout, const BlockValues& values) {

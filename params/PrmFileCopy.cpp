@@ -23,8 +23,10 @@ kiv::ParseOutcome copyToTemporaryFile(const char* path) {
     const auto [document, outcome] = kiv::parseForRewrite(file);
     file.close();
     kiv::print(document, copy);
-    const bool written = copy.flush() && (outcome.code != KIV_OK || copy.sync());
-    return copy.close() && written ? outcome : failed;
+    copy.flush();
+    if (outcome.code == KIV_OK)
+        copy.sync();
+    return copy.close() ? outcome : failed;
 }
 
 } // namespace

@@ -28,6 +28,15 @@ void* operator new[](std::size_t size) {
     return allocate(size);
 }
 
+// A sanitizer's own would not match the operators delete below.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* p) noexcept {
     std::free(p);
 }

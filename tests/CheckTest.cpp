@@ -181,11 +181,11 @@ TEST(Check, SaysAllThatIsWrong) {
 
 TEST(Check, TakesManyFilesAndTestsTheIdByTheName) {
     const test::ParameterFolder folder;
-    const std::string other = folder.path() + "/Tg6.prm", none = folder.path() + "/none";
-    for (const std::string& path : {folder.file(), other, folder.path() + "/Tg06.prm"})
+    const auto named = [&](const char* name) { return folder.path() + '/' + name; };
+    const std::string good = named("Tg5.prm"), other = named("Tg6.prm"), any = named("Tg06.prm");
+    for (const std::string& path : {good, other, any})
         std::ofstream(path, std::ios::binary) << parameterText(sound());
-    const ToolResult result =
-        tool({"check", none, other, folder.file(), folder.path() + "/Tg06.prm", folder.path()});
+    const ToolResult result = tool({"check", named("none"), other, good, any, folder.path()});
     EXPECT_EQ(result.code, 2);
     EXPECT_EQ(without(result.err, folder.path()),
               "/none:1:1: expected a parameter file, found no such file\n"
@@ -195,7 +195,7 @@ TEST(Check, TakesManyFilesAndTestsTheIdByTheName) {
     EXPECT_EQ(without(result.out, folder.path()), "/Tg6.prm: 1 error, 0 warnings\n"
                                                   "/Tg5.prm: 0 errors, 0 warnings\n"
                                                   "/Tg06.prm: 0 errors, 0 warnings\n");
-    EXPECT_EQ(tool({"check", other, folder.file()}).code, 1);
+    EXPECT_EQ(tool({"check", other, good}).code, 1);
     EXPECT_EQ(tool({"check"}).code, 2);
 }
 

@@ -145,7 +145,7 @@ protected:
     ToolResult run() const { return tool({"rewrite", folder.file()}); }
     std::string shown(std::string text) const { // with the folder as its name
         for (auto at = text.find(folder.path()); at != text.npos; at = text.find(folder.path()))
-            text.replace(at, folder.path().size(), "DIR");
+            text.replace(at, folder.path().size() + 1, "DIR/");
         return text;
     }
     std::optional<std::string> file() const { return contentOf(folder.file()); }

@@ -256,7 +256,12 @@ TEST(Rewriting, DoesNothingWithoutAFile) {
 }
 
 TEST(Rewriting, ClearsTheReadOnlyAttribute) {
+#ifdef _WIN32 // which has but one such attribute
+    constexpr auto writable =
+        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+#else
     constexpr auto writable = fs::perms::owner_write;
+#endif
     for (const bool complete : {true, false}) {
         SCOPED_TRACE(complete);
         Rewrite rewrite(parameterText({.blocks = complete ? 24U : 3U}));
@@ -268,7 +273,7 @@ TEST(Rewriting, ClearsTheReadOnlyAttribute) {
         EXPECT_EQ(rewrite.run(), complete ? KIV_OK : KIV_BAD_FORMAT);
         EXPECT_EQ(rewrite.file(),
                   complete ? rewritten(parameterText()) : parameterText({.blocks = 3}));
-        EXPECT_NE(fs::status(rewrite.path()).permissions() & writable, fs::perms::none);
+        EXPECT_EQ(fs::status(rewrite.path()).permissions() & writable, writable);
         if (!complete) {
             EXPECT_EQ(fs::status(rewrite.path()).permissions(), permissions | writable);
             EXPECT_EQ(fs::last_write_time(rewrite.path()), time);
@@ -307,16 +312,15 @@ TEST(Rewriting, ReplacesAnEarlierTemporaryFile) {
     std::ofstream("$tmp.prm") << std::string(100000, 'x');
     EXPECT_EQ(rewrite.run(), KIV_OK);
     EXPECT_EQ(rewrite.file(), rewritten(parameterText()));
-    // A second name of the file itself: nothing is written through it.
-    fs::create_hard_link(rewrite.path(), "$tmp.prm");
-    FailingOperation last(5); // the read
-    EXPECT_EQ(rewrite.run(), KIV_CANNOT_OPEN);
-    EXPECT_EQ(FailingOperation::operation(), kiv::platform::FileOperation::read);
-    EXPECT_EQ(rewrite.file(), rewritten(parameterText()));
-    fs::remove("$tmp.prm");
     fs::create_directory("$tmp.prm");
     EXPECT_EQ(rewrite.run(), KIV_CANNOT_OPEN);
     EXPECT_EQ(rewrite.file(), rewritten(parameterText()));
+
+    const std::string incomplete = parameterText({.blocks = 3});
+    Rewrite failing(incomplete);
+    fs::create_hard_link(failing.path(), "$tmp.prm"); // nothing is written through it
+    EXPECT_NE(failing.run(), KIV_OK);
+    EXPECT_EQ(failing.file(), incomplete);
 }
 
 TEST(Rewriting, LosesNoFileWhateverOperationFails) {

@@ -24,10 +24,9 @@ void OutputFile::append(std::string_view text) {
     }
 }
 
-bool OutputFile::flush() {
+void OutputFile::flush() {
     drain();
     writeFailed = mustFail(FileOperation::flush) || writeFailed;
-    return !writeFailed;
 }
 
 } // namespace kiv::platform

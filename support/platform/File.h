@@ -50,12 +50,12 @@ public:
     // A new file in place of one of that name, which is removed, never written to: it may have a
     // second name. False when there is none.
     bool create(const char* path);
-    // A failure shows in flush, sync and close.
+    // What fails here shows in close.
     void write(std::string_view text) override;
-    bool flush();
+    void flush();
     // What was flushed, and the file's name in its folder, are on the disk.
-    bool sync();
-    // True when all that was written has reached the file.
+    void sync();
+    // True when nothing has failed since create: all that was written is in the file.
     bool close();
 
 private:
@@ -63,6 +63,7 @@ private:
     void drain();
 
     std::intptr_t handle = -1;
+    std::intptr_t folder = -1; // the file's, where a sync of the file alone leaves its name out
     bool writeFailed = false;
     std::size_t size = 0;
     char buffer[16 * 1024]; // within the object: nothing here allocates

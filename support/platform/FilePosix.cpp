@@ -51,13 +51,16 @@ bool exists(const char* path) {
     return lstat(path, &status) == 0;
 }
 
-// The names in the folder of path are on the disk, where the file system can see to that.
-void syncFolder(const NativePath& path) {
-    const int descriptor = ::open(path.folder(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
+int openFolder(const NativePath& path) {
+    return ::open(path.folder(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+// The names in a folder are on the disk, as far as its file system can see to that.
+void syncAndCloseFolder(std::intptr_t folder) {
+    if (folder < 0)
         return;
-    fsync(descriptor);
-    ::close(descriptor);
+    fsync(static_cast<int>(folder));
+    ::close(static_cast<int>(folder));
 }
 
 bool renameWithinVolume(const char* from, const char* to) {
@@ -83,8 +86,9 @@ bool copyFile(const char* from, const char* to) {
     char buffer[16 * 1024];
     while (const std::size_t n = source.read(buffer, sizeof buffer))
         copy.write({buffer, n});
-    const bool written = !source.failed() && copy.flush() && copy.sync();
-    return copy.close() && written;
+    copy.flush();
+    copy.sync();
+    return copy.close() && !source.failed();
 }
 
 // By way of a file beside the target: half a file never has its name.
@@ -94,7 +98,7 @@ bool moveAcrossVolumes(const NativePath& from, const NativePath& to) {
         unlink(copy);
         return false;
     }
-    syncFolder(to);
+    syncAndCloseFolder(openFolder(to));
     unlink(from);
     return true;
 }
@@ -147,7 +151,7 @@ bool OutputFile::create(const char* path) {
     handle = ::open(native, O_WRONLY | O_CREAT | O_EXCL | O_NOCTTY | O_CLOEXEC, 0666);
     if (handle < 0)
         return false;
-    syncFolder(native);
+    folder = openFolder(native);
     return true;
 }
 
@@ -170,10 +174,11 @@ void OutputFile::drain() {
     }
 }
 
-bool OutputFile::sync() {
+void OutputFile::sync() {
     writeFailed =
         mustFail(FileOperation::sync) || fsync(static_cast<int>(handle)) != 0 || writeFailed;
-    return !writeFailed;
+    syncAndCloseFolder(folder);
+    folder = -1;
 }
 
 bool OutputFile::close() {
@@ -182,7 +187,9 @@ bool OutputFile::close() {
     drain();
     writeFailed = mustFail(FileOperation::close) || writeFailed;
     writeFailed = ::close(static_cast<int>(handle)) != 0 || writeFailed;
-    handle = -1;
+    if (folder >= 0)
+        ::close(static_cast<int>(folder));
+    handle = folder = -1;
     return !writeFailed;
 }
 

@@ -100,9 +100,8 @@ void OutputFile::drain() {
     size = 0;
 }
 
-bool OutputFile::sync() {
+void OutputFile::sync() {
     writeFailed = mustFail(FileOperation::sync) || !FlushFileBuffers(native(handle)) || writeFailed;
-    return !writeFailed;
 }
 
 bool OutputFile::close() {
