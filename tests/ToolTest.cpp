@@ -33,6 +33,7 @@ std::vector<std::string> cells(const std::string& line) {
 }
 
 const std::string example = KIV_EXAMPLES "/Tg5.prm";
+
 TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
     if (!std::filesystem::exists("/dev/full"))
         GTEST_SKIP() << "no device that is always full";
