@@ -40,4 +40,5 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KIVInterface.pc
 
 if(TARGET kiv)
     install(TARGETS kiv)
+    install(FILES ${PROJECT_BINARY_DIR}/kiv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()

@@ -36,7 +36,7 @@ bool Input::open(const std::string& name, const Streams& streams) {
     if (std::filesystem::is_regular_file(name, ignored))
         bytes = std::filesystem::file_size(name, ignored);
     if (!file.is_open()) {
-        reportUnopened(streams.err, name, "a file of readings");
+        reportUnopened(streams.err, name, "a file that can be read");
         return false;
     }
     return true;

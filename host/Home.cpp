@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "host/Files.h"
+#include "host/Interrupt.h"
 #include "host/Table.h"
 #include "sensor/CKiv.h"
 
@@ -85,7 +86,12 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
     text += "state,home_h_deg,home_v_deg\n";
     CKiv sensor;
     bool allSolved = true;
-    while (table.nextRow()) {
+    bool wouldWait = false;
+    const auto nextRow = [&] {
+        const Interrupt::Waiting waiting(wouldWait);
+        return table.nextRow();
+    };
+    while (!Interrupt::requested() && nextRow()) {
         Numbers numbers{};
         bool good = table.checkRow();
         for (std::size_t i = 0; good && i < numbers.size(); ++i)
@@ -103,11 +109,14 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         if (home)
             appendNumber(text, home->vertical);
         text.push_back('\n');
-        if (!output.endRow(table.wouldWait()))
+        wouldWait = table.wouldWait();
+        if (!output.endRow(wouldWait))
             break;
     }
     if (!finishTable(table, input, output, streams.err))
         return unusable;
+    if (Interrupt::requested())
+        return interrupted;
     return allSolved ? allGood : someRowsBad;
 }
 

@@ -1,47 +1,124 @@
 #include "host/Simulate.h"
 
+#include <memory>
 #include <ostream>
 
 #include "host/Csv.h"
 #include "host/Files.h"
+#include "host/Interrupt.h"
 #include "host/ParameterFile.h"
+#include "host/Poses.h"
 #include "host/Readings.h"
 #include "params/CKivPrm.h"
 #include "sensor/SensorAccess.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/Mounting.h"
-#include "simulator/Trajectory.h"
+#include "simulator/Random.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::host {
 
 namespace {
 
-constexpr double mostTilt = 5;        // degrees
-constexpr double rowsPerSecond = 100; // of the time stamp
-constexpr float goodRefMetric = 0.1F;
+// So that noise and bad rows leave the trajectory as it is without them.
+constexpr std::uint64_t noiseStream = 0x6e6f697365;
+constexpr std::uint64_t faultStream = 0x6661756c74;
 
-float temperatureAt(double part) {
-    return static_cast<float>(20 + 4 * part); // degrees Celsius
+enum class Fault : unsigned char { none, badStatus, text, zeroVector, shortRow };
+
+// Spoils a share of the rows, in every way in turn.
+class Faults {
+public:
+    Faults(double shareOfRows, std::uint64_t seed) : share(shareOfRows), random(seed) {}
+
+    void next() {
+        now = Fault::none;
+        if (random.uniform(0, 1) >= share)
+            return;
+        now = last = last == Fault::shortRow ? Fault::badStatus
+                                             : static_cast<Fault>(static_cast<int>(last) + 1);
+        spoiled = static_cast<std::size_t>(random.uniform(0, readingColumns.size()));
+    }
+
+    Fault fault() const { return now; }          // of this row
+    std::size_t cell() const { return spoiled; } // with text, or the first that is missing
+
+private:
+    double share;
+    simulator::Random random;
+    Fault now = Fault::none;
+    Fault last = Fault::none;
+    std::size_t spoiled = 0;
+};
+
+// A sensor with a record's values.
+class SimulatedSensor {
+public:
+    explicit SimulatedSensor(CKivPrm& record)
+        : mounting(simulator::mountingOf(record)), calibration(record) {
+        record.getMachineMatrix(machineMatrix, 3);
+    }
+
+    int mode() const { return mounting.mode; }
+
+    // Good readings; false when the line of sight does not reach the pose.
+    bool read(const SimulatedPose& pose, KIV_RAWINFO& raw) {
+        simulator::Readings readings;
+        if (!simulator::readingsOf(mounting, pose, readings))
+            return false;
+        raw = {};
+        raw.status = 2;
+        raw.refMetric = 0.1F;
+        calibration.rawReadings(pose, readings, pose.temperature, raw);
+        return true;
+    }
+
+    // The angles that an update reports: of the machine matrix times the pose, for the three-vector
+    // modes of the pose itself.
+    simulator::Angles trueAngles(const simulator::Pose& pose) const {
+        if (mounting.mode >= firstThreeVectorMode)
+            return simulator::anglesOf(pose.rotation);
+        double inMachine[9];
+        MatrixMultiply(machineMatrix, pose.rotation, 3, 3, 3, inMachine);
+        return simulator::anglesOf(inMachine);
+    }
+
+private:
+    simulator::Mounting mounting;
+    simulator::InverseCalibration calibration;
+    double machineMatrix[9];
+};
+
+void appendNames(std::string& text, const PoseSource& poses) {
+    poses.appendCarriedNames(text);
+    if (!poses.carriesTime())
+        text.append(timeColumn).push_back(',');
+    for (const std::string_view name : readingColumns)
+        text.append(name).push_back(',');
+    for (const std::string_view name : truthColumns)
+        text.append(name).push_back(',');
+    text.back() = '\n';
 }
 
-// The angles that an update reports: of the machine matrix times the pose, for the three-vector
-// modes of the pose itself.
-simulator::Angles trueAngles(const simulator::Pose& pose, int mode, const double* machineMatrix) {
-    if (mode >= firstThreeVectorMode)
-        return simulator::anglesOf(pose.rotation);
-    double inMachine[9];
-    MatrixMultiply(machineMatrix, pose.rotation, 3, 3, 3, inMachine);
-    return simulator::anglesOf(inMachine);
-}
-
-void appendRow(std::string& text, double time, const KIV_RAWINFO& raw,
-               const simulator::Angles& angles) {
+// Behind what stands in front of the readings.
+void appendReadings(std::string& text, KIV_RAWINFO raw, const simulator::Angles& angles,
+                    const Faults& faults) {
+    const Fault fault = faults.fault();
+    if (fault == Fault::badStatus)
+        raw.status = 1;
+    if (fault == Fault::zeroVector)
+        raw.vector[0] = raw.vector[1] = raw.vector[2] = 0;
+    std::size_t count = 0;
     const auto cell = [&](auto value) {
-        appendNumber(text, value);
+        const std::size_t place = count++;
+        if (fault == Fault::shortRow && place >= faults.cell())
+            return;
+        if (fault == Fault::text && place == faults.cell())
+            text += "n/a";
+        else
+            appendNumber(text, value);
         text.push_back(',');
     };
-    cell(time);
     cell(raw.status);
     for (const float v : raw.vector)
         cell(v);
@@ -54,56 +131,74 @@ void appendRow(std::string& text, double time, const KIV_RAWINFO& raw,
     cell(raw.refBlocked ? 1 : 0);
     cell(angles.rx);
     cell(angles.ry);
-    appendNumber(text, angles.rz);
-    text.push_back('\n');
+    cell(angles.rz);
+    text.back() = '\n';
+}
+
+std::unique_ptr<PoseSource> posesFor(const SimulateOptions& options, int mode,
+                                     const Streams& streams) {
+    if (!options.poses.empty())
+        return PoseTable::open(options.poses, streams);
+    using simulator::Motion;
+    const Motion motion = options.trajectory == "still"    ? Motion::still
+                          : options.trajectory == "swing"  ? Motion::swing
+                          : options.trajectory == "random" ? Motion::random
+                                                           : Motion::turn;
+    return std::make_unique<TrajectoryPoses>(
+        simulator::Trajectory(motion, options.seed, options.tilt, simulator::invertedIn(mode)),
+        options.rows, options.parameterFile, streams.err);
 }
 
 } // namespace
 
 int simulateReadings(const SimulateOptions& options, const Streams& streams) {
     CKivPrm record;
-    if (!loadParameterFile(options.parameterFile, record, streams.err))
+    if (!loadParameterFile(options.parameterFile, record, streams.err)
+        || refuseOverwriting(options.readings, {options.parameterFile, options.poses}, streams.err))
         return unusable;
-    if (refuseOverwriting(options.readings, {options.parameterFile}, streams.err))
-        return unusable;
+    SimulatedSensor sensor(record);
+    const std::unique_ptr<PoseSource> poses = posesFor(options, sensor.mode(), streams);
     Output output;
-    if (!output.open(options.readings, streams))
+    if (!poses || !output.open(options.readings, streams))
         return unusable;
-
-    const simulator::Mounting mounting = simulator::mountingOf(record);
-    simulator::InverseCalibration calibration(record);
-    const simulator::SlowTurn turn(options.seed, mostTilt, simulator::invertedIn(mounting.mode));
-    double machineMatrix[9];
-    record.getMachineMatrix(machineMatrix, 3);
+    simulator::Random random(options.seed ^ noiseStream);
+    Faults faults(options.badShare, options.seed ^ faultStream);
 
     std::string& text = output.text();
-    text += "time_s,";
-    for (const std::string_view name : readingColumns)
-        text.append(name).push_back(',');
-    text.append(truthColumns[0]).append(",").append(truthColumns[1]).append(",");
-    text.append(truthColumns[2]).append("\n");
-
-    for (long row = 0; row < options.rows; ++row) {
-        const double part = static_cast<double>(row) / static_cast<double>(options.rows);
-        const simulator::Pose pose = turn.at(part);
-        simulator::Readings readings;
-        if (!simulator::readingsOf(mounting, pose, readings)) {
-            streams.err << options.parameterFile
-                        << ": expected a sensor that reaches every pose of the "
-                        << "turn, found that its line of sight cannot reach row " << row + 2
-                        << '\n';
-            return unusable;
+    appendNames(text, *poses);
+    bool allReached = true;
+    bool wouldWait = false;
+    SimulatedPose pose;
+    const auto nextPose = [&] {
+        const Interrupt::Waiting waiting(wouldWait);
+        return Interrupt::requested() ? NextPose::end : poses->next(pose);
+    };
+    double row = 0;
+    for (NextPose next = nextPose(); next != NextPose::end; next = nextPose(), ++row) {
+        KIV_RAWINFO raw;
+        const bool reached = next == NextPose::pose && sensor.read(pose, raw);
+        if (reached) {
+            options.noise.addTo(raw, random);
+            faults.next();
+            poses->appendCarriedCells(text);
+            if (!poses->carriesTime()) {
+                appendNumber(text, row / options.rate);
+                text.push_back(',');
+            }
+            appendReadings(text, raw, sensor.trueAngles(pose), faults);
+        } else if (next == NextPose::pose) {
+            poses->reportUnreachable();
         }
-        KIV_RAWINFO raw{};
-        raw.status = 2;
-        raw.refMetric = goodRefMetric;
-        calibration.rawReadings(pose, readings, temperatureAt(part), raw);
-        appendRow(text, static_cast<double>(row) / rowsPerSecond, raw,
-                  trueAngles(pose, mounting.mode, machineMatrix));
-        if (!output.endRow(false))
+        allReached = allReached && reached;
+        wouldWait = poses->wouldWait();
+        if (!output.endRow(wouldWait))
             break;
     }
-    return output.finish(streams.err) ? allGood : unusable;
+    if (!poses->finish(output, streams.err))
+        return unusable;
+    if (Interrupt::requested())
+        return interrupted;
+    return allReached ? allGood : someRowsBad;
 }
 
 } // namespace kiv::host

@@ -60,7 +60,7 @@ InverseCalibration::InverseCalibration(CKivPrm& record) {
 }
 
 // Bisection on the calibration curve, which has to be monotonic; beyond the table it goes on
-// straight, up to one table length on either side.
+// straight, taken as far as a whole turn on either side.
 float InverseCalibration::TiltCurve::rawOf(double tilt, float temperature) {
     if (knots < 1)
         return 0;
@@ -75,6 +75,11 @@ float InverseCalibration::TiltCurve::rawOf(double tilt, float temperature) {
     const double length = table[n - 1] - table[0];
     double low = table[0] - length;
     double high = table[n - 1] + length;
+    while ((curve(low) < target) == (curve(high) < target) && length != 0
+           && std::abs(high - low) < 720) {
+        low -= length;
+        high += length;
+    }
     const bool rising = curve(high) > curve(low);
     for (int i = 0; i < 64; ++i) {
         const double middle = 0.5 * (low + high);

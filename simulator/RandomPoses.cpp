@@ -4,11 +4,6 @@
 
 namespace kiv::simulator {
 
-// From the top 53 bits: the standard's distributions differ between platforms.
-double RandomPoses::uniform(double low, double high) {
-    return low + (high - low) * (static_cast<double>(random() >> 11) * 0x1p-53);
-}
-
 Pose RandomPoses::next() {
     Pose pose;
     const double yaw = uniform(-180, 180);

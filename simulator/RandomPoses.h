@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <random>
 
 #include "simulator/Pose.h"
+#include "simulator/Random.h"
 
 namespace kiv::simulator {
 
@@ -23,10 +23,10 @@ public:
     RandomPoses(std::uint64_t seed, const Range& poseRange) : random(seed), range(poseRange) {}
 
     Pose next();
-    double uniform(double low, double high);
+    double uniform(double low, double high) { return random.uniform(low, high); }
 
 private:
-    std::mt19937_64 random;
+    Random random;
     Range range;
 };
 

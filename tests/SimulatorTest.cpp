@@ -31,7 +31,7 @@ TEST(Simulator, ExampleReadingsGiveTheTrueAnglesBack) {
     double machine[9];
     record.getMachineMatrix(machine, 3);
 
-    const simulator::SlowTurn turn(3, 5, false);
+    simulator::Trajectory turn(simulator::Motion::turn, 3, 5, false);
     KIV_INFO info;
     int oriented = 0;
     for (int i = 0; i < 500; ++i) {

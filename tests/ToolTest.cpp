@@ -1,8 +1,11 @@
 // The command-line host as its users see it: arguments and files in; output, messages, exit code
 // out.
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -10,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "host/ParameterFile.h"
+#include "simulator/Pose.h"
 #include "tests/ParameterRecord.h"
 #include "tests/ToolRunner.h"
 
@@ -29,191 +33,6 @@ std::vector<std::string> cells(const std::string& line) {
 }
 
 const std::string example = KIV_EXAMPLES "/Tg5.prm";
-const std::string header = "time,status,x,y,z,azimuth_deg,elevation_deg,level_x,level_y,"
-                           "temperature,ref_metric,ref_blocked\n";
-const std::string good = "2,4000,1500,450,12.5,3,1,-2,20,0.1,0\n";
-
-TEST(Tool, RunGivesEachRowItsState) {
-    const ToolResult result =
-        tool({"run", example, "-"}, header + "a,1,4000,1500,450,12.5,3,1,-2,20,0.1,0\n"
-                                        + "b,2,4000,1500,450,12.5,3,1,-2,20,0.9,0\n" + "c," + good
-                                        + "\"d, e\"," + good + "f,2,0,0,0,12.5,3,1,-2,20,0.1,0\n"
-                                        + "g,2,4000,1500,0,12.5,3,1,-2,20,0.1,0\n");
-    EXPECT_EQ(result.code, 1);
-    const auto rows = lines(result.out);
-    ASSERT_EQ(rows.size(), 7U);
-    EXPECT_EQ(rows[0].substr(0, 33), "time,state,azimuth_corrected_deg,");
-    EXPECT_EQ(rows[1].substr(0, 9), "a,status,");
-    EXPECT_EQ(rows[1].substr(rows[1].find(",,")), ",,,,,,,,,,,,,,,,554");
-    EXPECT_EQ(rows[2].substr(0, 15), "b,no_reference,");
-    EXPECT_EQ(rows[2].substr(rows[2].find(",,")), ",,,,,,,,,,,,,,,,0");
-    EXPECT_EQ(rows[3].substr(0, 12), "c,reference,");
-    EXPECT_EQ(rows[4].substr(0, 12), "\"d, e\",ok,12");
-    EXPECT_EQ(rows[5], "f,refused,,,,,,,,,,,,,,,,,,,,");
-    EXPECT_EQ(rows[6].substr(0, 17), "g,no_orientation,");
-    EXPECT_EQ(result.err.find("standard input:6:5: expected a measured vector that is not zero"),
-              0U)
-        << result.err;
-    EXPECT_NE(
-        result.err.find(
-            "standard input:7:1: expected readings that the pendulum model solves (mount mode 4), "
-            "found no transverse axis that shows their inclination"),
-        std::string::npos);
-    EXPECT_NE(result.err.find("6 rows: 1 ok, 1 status, 1 no_reference, 1 reference (line 4), "
-                              "1 no_orientation, 1 refused"),
-              std::string::npos)
-        << result.err;
-}
-
-// Each row's message names its place, and the row stays in the output with empty cells.
-TEST(Tool, RunRefusesBadRowsAndGoesOn) {
-    const struct {
-        const char* row;
-        const char* message;
-    } rows[] = {
-        {"1,2,3", "2:6: expected 12 cells as in the row of names, found 3 cells"},
-        {"1,2,4000,1500,450,12.5,3,1,-2,20,0.1,0,9", "2:40: expected 12 cells"},
-        {"", "2:1: expected 12 cells as in the row of names, found 1 cell"},
-        {"1,2,4000,1500,450,12.5,3,1,-2,20,0.1,\"0", "2:40: expected a closing quote"},
-        {"1,2.5,4000,1500,450,12.5,3,1,-2,20,0.1,0",
-         "2:3: expected a whole number in column status"},
-        {"1,2,40x,1500,450,12.5,3,1,-2,20,0.1,0",
-         "2:5: expected a finite number within single precision in column x, found \"40x\""},
-        {"1,2,,1500,450,12.5,3,1,-2,20,0.1,0", "2:5: expected a finite number"},
-        {"1,2,1e39,1500,450,12.5,3,1,-2,20,0.1,0", "2:5: expected a finite number"},
-        {"1,2,4000,nan,450,12.5,3,1,-2,20,0.1,0", "2:10: expected a finite number"},
-        {"1,2,4000,1500,450,12.5,inf,1,-2,20,0.1,0", "2:24: expected a finite number"},
-        {"1,2,4000,1500,450,0x10,3,1,-2,20,0.1,0", "2:19: expected a finite number"},
-        {"1,2,4000,1500,450,12.5,3,1,-2,20,0.1,yes", "2:38: expected 0, 1, false or true"},
-        {"1,2,0,-0,0,12.5,3,1,-2,20,0.1,0", "2:5: expected a measured vector that is not zero"},
-    };
-    for (const auto& row : rows) {
-        const ToolResult result =
-            tool({"run", example, "-"}, header + row.row + "\n" + "7," + good + "8," + good);
-        EXPECT_EQ(result.code, 1) << row.row;
-        EXPECT_EQ(result.err.find(std::string("standard input:") + row.message), 0U)
-            << row.row << '\n'
-            << result.err;
-        const auto output = lines(result.out);
-        ASSERT_EQ(output.size(), 4U) << row.row;
-        EXPECT_NE(output[1].find(",refused,,,,,,,,,,,,,,,,,,,,"), std::string::npos) << output[1];
-        EXPECT_EQ(output[3].substr(0, 5), "8,ok,") << row.row;
-    }
-}
-
-TEST(Tool, RunTakesColumnsInAnyOrderAndForm) {
-    const std::string plain = header + "1," + good + "2," + good;
-    const std::string moved = "\xEF\xBB\xBF"
-                              "ref_blocked, temperature ,\"x\",y,z,status,level_y,level_x,time,"
-                              "elevation_deg,azimuth_deg,ref_metric\r\n"
-                              "false,+20,4000, 1500 ,\"450\",2,-2.0,1e0,1,3.0,12.50,.1\r\n"
-                              "0,20,4000,1500,450,2,-2,1,2,3,12.5,0.1\r\n";
-    const ToolResult a = tool({"run", example, "-"}, plain);
-    const ToolResult b = tool({"run", example, "-"}, moved);
-    EXPECT_EQ(a.code, 0) << a.err;
-    EXPECT_EQ(b.code, 0) << b.err;
-    EXPECT_EQ(a.out, b.out);
-}
-
-TEST(Tool, RunRefusesWhatItCannotUse) {
-    const test::ParameterFolder folder;
-    const std::string readings = folder.path() + "/readings.csv";
-    std::ofstream(readings, std::ios::binary) << header << "1," << good;
-    std::ofstream(folder.file(), std::ios::binary)
-        << test::parameterText({.values = {{Block::tiltOffset, "1 x"}}});
-    std::ofstream(folder.path() + "/Tg05.prm") << "";
-    std::ofstream(folder.path() + "/Tg6.prm", std::ios::binary) << test::parameterText();
-    const std::string missing = folder.path() + "/none.csv";
-    const struct {
-        const char* name;
-        std::vector<std::string> arguments;
-        std::string input;
-        std::string message; // contained in standard error
-    } rows[] = {
-        {"no subcommand", {}, "", "subcommand"},
-        {"unknown option", {"run", example, readings, "--no"}, "", "--no"},
-        {"missing readings",
-         {"run", example, missing},
-         "",
-         missing + ":1:1: expected a file of readings, found no such file"},
-        {"a folder of readings",
-         {"run", example, folder.path()},
-         "",
-         ":1:1: expected a file of readings, found a folder"},
-        {"missing parameter file",
-         {"run", folder.path() + "/Tg7.prm", readings},
-         "",
-         "/Tg7.prm:1:1: expected a parameter file"},
-        {"name of another kind",
-         {"run", readings, readings},
-         "",
-         "expected a file name Tg<sensor ID>.prm with a decimal ID, found \"readings.csv\""},
-        {"leading zero",
-         {"run", folder.path() + "/Tg05.prm", readings},
-         "",
-         "expected a file name"},
-        {"unreadable value",
-         {"run", folder.file(), readings},
-         "",
-         folder.file()
-             + ":26:3: expected a number (value 2 of 2 of \"Tilt Sensor Offset\"), found \"x\""},
-        {"another sensor's file",
-         {"run", folder.path() + "/Tg6.prm", readings},
-         "",
-         "Tg6.prm:2:1: expected the sensor ID 6"},
-        {"empty readings",
-         {"run", example, "-"},
-         "",
-         "standard input:1:1: expected a row of column names, found end of file"},
-        {"missing columns",
-         {"run", example, "-"},
-         "status,x,y,z\n1,2,3,4\n",
-         "standard input:1:13: expected a column \"azimuth_deg\", found end of line"},
-        {"column twice", {"run", example, "-"}, "x," + header, "expected each column name once"},
-        {"column of results",
-         {"run", example, "-"},
-         "rx_deg," + header,
-         "expected a name that no column of results has, found \"rx_deg\""},
-        {"output in no folder",
-         {"run", example, readings, "-o", folder.path() + "/no/out.csv"},
-         "",
-         "expected a file that can be written"},
-        {"output over the readings",
-         {"run", example, readings, "-o", folder.path() + "/./readings.csv"},
-         "",
-         "expected an output of its own"},
-    };
-    for (const auto& row : rows) {
-        const ToolResult result = tool(row.arguments, row.input);
-        EXPECT_EQ(result.code, 2) << row.name;
-        EXPECT_EQ(result.out, "") << row.name;
-        EXPECT_NE(result.err.find(row.message), std::string::npos) << row.name << '\n'
-                                                                   << result.err;
-    }
-    EXPECT_GT(std::filesystem::file_size(readings), 0U);
-    EXPECT_EQ(tool({"--help"}).code, 0);
-    EXPECT_EQ(tool({"--version"}).code, 0);
-}
-
-TEST(Tool, RunOptions) {
-    const std::string moved = "2,4000,1500,450,27.5,3,1,-2,20,0.1,0\n";
-    const std::string rows = header + "a," + good + "b," + moved + "c,2\nd," + moved;
-    const ToolResult machine = tool({"run", example, "-"}, rows);
-    const ToolResult local = tool({"run", example, "-", "--frame", "local"}, rows);
-    EXPECT_NE(lines(machine.out)[2], lines(local.out)[2]);
-    EXPECT_NE(machine.err.find("refused: 1 of the wrong shape"), std::string::npos) << machine.err;
-    // Against the reference the sensor has turned back by the encoder's 15 degrees about its
-    // vertical.
-    EXPECT_NEAR(std::stod(cells(lines(local.out)[2])[8]), -15, 0.1) << local.out;
-
-    const ToolResult stopped = tool({"run", example, "-", "--stop-on-bad"}, rows);
-    EXPECT_EQ(stopped.code, 1);
-    EXPECT_EQ(lines(stopped.out).size(), 4U);
-    const ToolResult quiet = tool({"run", example, "-", "-q"}, rows);
-    EXPECT_EQ(quiet.out, machine.out);
-    EXPECT_EQ(lines(quiet.err).size(), 1U) << quiet.err; // the refusal alone
-    EXPECT_EQ(tool({"run", example, "-", "--frame", "sensor"}, rows).code, 2);
-}
 
 TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
     if (!std::filesystem::exists("/dev/full"))
@@ -267,6 +86,31 @@ std::string exampleInMode(int mode) {
     return changed;
 }
 
+// A table of results by column name.
+class Results {
+public:
+    explicit Results(const std::string& text) : rows(lines(text)), names(cells(rows.at(0))) {}
+
+    std::size_t count() const { return rows.size() - 1; }
+    double operator()(std::size_t row, const std::string& name) const {
+        const auto at = std::find(names.begin(), names.end(), name) - names.begin();
+        return std::stod(cells(rows.at(row + 1)).at(static_cast<std::size_t>(at)));
+    }
+    double error(std::size_t row, const std::string& angle) const { // degrees
+        const double difference =
+            (*this)(row, angle + "_deg") - (*this)(row, "true_" + angle + "_deg");
+        return std::remainder(difference, 360);
+    }
+
+private:
+    std::vector<std::string> rows;
+    std::vector<std::string> names;
+};
+
+const char* const poses = "x,y,z,yaw_deg,pitch_deg,roll_deg,point\n"
+                          "4000,1500,450,20,0.5,ROLL,a\n4000,-1500,700,-30,-3,ROLL,b\n"
+                          "-900,5000,400,170,2,ROLL,c\n-3000,-4000,300,-100,1,ROLL,d\n";
+
 TEST(Tool, SimulatedReadingsRunBackToTheirPosesInEveryMode) {
     // Degrees: twice the tilt times the level's tangent times the slope of the line of sight; the
     // stop test; single precision.
@@ -275,71 +119,81 @@ TEST(Tool, SimulatedReadingsRunBackToTheirPosesInEveryMode) {
     const std::string readings = folder.path() + "/readings.csv";
     for (int mode = 1; mode <= 10; ++mode) {
         std::ofstream(folder.file(), std::ios::binary) << exampleInMode(mode);
-        const ToolResult made =
-            tool({"simulate", folder.file(), "-o", readings, "--rows", "300", "--seed", "9"});
-        ASSERT_EQ(made.code, 0) << made.err;
-        const ToolResult result = tool({"run", folder.file(), readings});
-        EXPECT_EQ(result.code, 0) << mode << result.err;
-        EXPECT_NE(result.err.find("300 rows: 299 ok, 1 reference (line 2)"), std::string::npos)
-            << mode << result.err;
-
-        const auto rows = lines(result.out);
-        ASSERT_EQ(rows.size(), 301U);
-        const auto names = cells(rows[0]);
-        const auto column = [&](const std::vector<std::string>& row, const std::string& name) {
-            const auto at = std::find(names.begin(), names.end(), name) - names.begin();
-            return std::stod(row.at(static_cast<std::size_t>(at)));
-        };
-        for (std::size_t i = 2; i < rows.size(); ++i) {
-            const auto row = cells(rows[i]);
-            for (const std::string axis : {"rx_deg", "ry_deg", "rz_deg"})
-                EXPECT_NEAR(std::remainder(column(row, axis) - column(row, "true_" + axis), 360), 0,
-                            allowed[mode - 1])
-                    << "mode " << mode << " row " << i << ' ' << axis;
+        for (const std::string source : {"still", "turn", "swing", "random", "poses"}) {
+            SCOPED_TRACE("mode " + std::to_string(mode) + ' ' + source);
+            std::vector<std::string> arguments{"simulate", folder.file(), "-o", readings};
+            std::string input;
+            if (source == "poses") {
+                arguments.insert(arguments.end(), {"--poses", "-"});
+                input = std::regex_replace(std::string(poses), std::regex("ROLL"),
+                                           mode == 7 || mode == 9 ? "179" : "-1");
+            } else {
+                arguments.insert(arguments.end(), {"--trajectory", source, "--rows", "300"});
+            }
+            const ToolResult made = tool(arguments, input);
+            ASSERT_EQ(made.code, 0) << made.err;
+            const ToolResult result = tool({"run", folder.file(), readings});
+            EXPECT_EQ(result.code, 0) << result.err;
+            const Results results(result.out);
+            ASSERT_EQ(results.count(), source == "poses" ? 4U : 300U);
+            for (std::size_t row = 1; row < results.count(); ++row)
+                for (const char* angle : {"rx", "ry", "rz"})
+                    EXPECT_NEAR(results.error(row, angle), 0, allowed[mode - 1])
+                        << "row " << row << ' ' << angle;
         }
     }
 }
 
-TEST(Tool, SimulateDependsOnTheSeedAlone) {
-    const auto made = [](const char* seed) {
-        return tool({"simulate", example, "--rows", "20", "--seed", seed}).out;
+// Of an upright sensor each channel moves either the heading or the tilt of the result.
+TEST(Tool, SimulatedNoiseSpreadsTheResults) {
+    constexpr double allowed = 0.065; // of the deviation: four times what 2000 rows leave open
+    const auto simulated = [](const std::vector<std::string>& noise) {
+        std::vector<std::string> arguments{"simulate", example, "--trajectory", "still",
+                                           "--tilt",   "0",     "--rows",       "2000"};
+        arguments.insert(arguments.end(), noise.begin(), noise.end());
+        return tool(arguments).out;
     };
-    EXPECT_EQ(made("9"), made("9"));
-    EXPECT_NE(made("9"), made("8"));
-    EXPECT_EQ(lines(made("1")).size(), 21U);
+    const Results exact(simulated({}));
+    const double horizontal = std::hypot(exact(0, "x"), exact(0, "y"));
+    const double distance = std::hypot(horizontal, exact(0, "z"));
+    const double levelSlope = 0.936; // of the example's tilt Y curve at 0
+    const struct {
+        const char* option;
+        const char* deviation;
+        double heading; // expected, degrees
+        double tilt;
+    } rows[] = {
+        {"--noise-encoder", "0.01", 0.01, 0.01},
+        {"--noise-vector", "0.5", 0.5 / horizontal / simulator::radians,
+         0.5 / distance / simulator::radians},
+        {"--noise-level", "0.02", 0.02 * levelSlope * exact(0, "z") / horizontal,
+         0.02 * levelSlope},
+    };
+    for (const auto& row : rows) {
+        const Results results(
+            tool({"run", example, "-"}, simulated({row.option, row.deviation})).out);
+        ASSERT_EQ(results.count(), 2000U);
+        double heading = 0;
+        double tilt = 0;
+        for (std::size_t i = 1; i < results.count(); ++i) {
+            heading += std::pow(results.error(i, "rz"), 2) / 1999;
+            tilt +=
+                (std::pow(results.error(i, "rx"), 2) + std::pow(results.error(i, "ry"), 2)) / 1999;
+        }
+        EXPECT_NEAR(std::sqrt(tilt), row.tilt, allowed * row.tilt) << row.option;
+        EXPECT_NEAR(std::sqrt(heading), row.heading, allowed * row.heading) << row.option;
+    }
 }
 
-TEST(Tool, HomeSolvesOneOrATable) {
-    const std::vector<std::string> one{"home",     "--frame-x", "1,0,0",  "--direction", "1,0,0",
-                                       "--angles", "10,20",     "--tilt", "0,0"};
-    const ToolResult single = tool(one);
-    EXPECT_EQ(single.code, 0) << single.err;
-    EXPECT_EQ(single.out, "home_h_deg 9.999999999997707  home_v_deg 19.999999999995413\n");
-
-    const ToolResult table =
-        tool({"home", "-"},
-             "tilt_y_deg,tilt_x_deg,angle_v_deg,angle_h_deg,direction_z,direction_y,"
-             "direction_x,frame_z,frame_y,frame_x,name\n"
-             "0,0,20,10,0,0,1,0,0,1,a\n0,0,20,10,0,0,1,1,0,0,b\n0,0,20,10,0,0,z,0,0,1,c\n");
-    EXPECT_EQ(table.code, 1);
-    EXPECT_EQ(table.out,
-              "name,state,home_h_deg,home_v_deg\n"
-              "a,ok,9.999999999997707,19.999999999995413\nb,no_solution,,\nc,refused,,\n");
-    EXPECT_EQ(table.err,
-              "standard input:3:1: expected a frame axis and a direction that give home "
-              "angles, found a singular frame or a direction without length\n"
-              "standard input:4:15: expected a finite number in column direction_x, found "
-              "\"z\"\n");
-
-    for (const std::vector<std::string>& wrong : {std::vector<std::string>{"home"},
-                                                  {"home", "--frame-x", "1,0,0"},
-                                                  {"home", "--tilt", "1,2,3"},
-                                                  {"home", "-", "--tilt", "1,2"},
-                                                  {"home", "--angles", "1,x"}})
-        EXPECT_EQ(tool(wrong).code, 2) << wrong.back();
-    const ToolResult negative = tool({"home", "--frame-x", "-1,0,0", "--direction", "-1,0,0",
-                                      "--angles", "-10,20", "--tilt", "0,0"});
-    EXPECT_EQ(negative.code, 0) << negative.err;
+TEST(Tool, SimulateDependsOnTheSeedAlone) {
+    const auto made = [](const char* seed, const char* noise = "0") {
+        return tool({"simulate", example, "--rows", "20", "--seed", seed, "--bad-share", "0.3",
+                     "--noise-level", noise})
+            .out;
+    };
+    EXPECT_EQ(made("9", "0.1"), made("9", "0.1"));
+    EXPECT_NE(made("9"), made("8"));
+    EXPECT_EQ(lines(made("1")).size(), 21U);
 }
 
 } // namespace

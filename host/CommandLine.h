@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "host/Check.h"
+#include "host/Home.h"
+#include "host/Info.h"
+#include "host/Rewrite.h"
+#include "host/Run.h"
+#include "host/Simulate.h"
+
+namespace kiv::host {
+
+// The tool's arguments. What each option means stands in docs/kiv.md, from which --help is made.
+class CommandLine {
+public:
+    CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+
+    CLI::App app;
+    // Of the subcommand that was parsed. An exit code.
+    std::function<int(const Streams&)> action;
+
+private:
+    CLI::App& add(const char* name, std::function<int(const Streams&)> whenParsed);
+    void addRun();
+    void addSimulate();
+    void addHome();
+    void addCheck();
+    void addInfo();
+    void addRewrite();
+
+    RunOptions run;
+    std::string frame = "machine";
+    SimulateOptions simulate;
+    HomeOptions home;
+    CheckOptions check;
+    InfoOptions info;
+    RewriteOptions rewrite;
+};
+
+} // namespace kiv::host

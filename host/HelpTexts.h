@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string_view>
+
+namespace kiv::host {
+
+// What --help prints for the tool, kiv, or one of its subcommands; made from docs/kiv.md.
+std::string_view helpText(std::string_view command);
+
+} // namespace kiv::host

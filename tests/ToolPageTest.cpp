@@ -1,0 +1,119 @@
+// docs/kiv.md, from which --help and the man page are made, names what the tool knows.
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "host/CommandLine.h"
+#include "host/HelpTexts.h"
+
+namespace {
+
+using namespace kiv::host;
+
+struct Section {
+    std::string text;
+    std::map<std::string, std::string> options; // a value is called VALUE; description
+};
+
+// By subcommand; what stands before the first, by kiv.
+std::map<std::string, Section> sectionsOfPage() {
+    std::map<std::string, Section> sections;
+    std::ifstream page(KIV_DOCS "/kiv.md");
+    Section* section = &sections["kiv"];
+    std::string* item = nullptr;
+    bool options = false;
+    const std::regex term("- `([^`]+?)( [A-Z,]+)?`:(.*)");
+    std::smatch match;
+    for (std::string line; std::getline(page, line);) {
+        if (line.starts_with("## kiv "))
+            section = &sections[line.substr(7)];
+        if (line.starts_with("##"))
+            options = line.ends_with(" Options");
+        if (options && std::regex_match(line, match, term)) {
+            item = &section->options[match.str(1) + (match[2].matched ? " VALUE" : "")];
+            *item = match.str(3);
+        } else if (options && item && line.starts_with("  ")) {
+            *item += line.substr(1);
+        }
+        section->text += line + '\n';
+    }
+    return sections;
+}
+
+std::string termFor(const CLI::Option& option) {
+    std::string term;
+    if (option.get_positional()) {
+        for (const char c : option.get_name())
+            term += static_cast<char>(std::toupper(c));
+        return term;
+    }
+    for (const std::string& name : option.get_snames())
+        term += (term.empty() ? "-" : ", -") + name;
+    for (const std::string& name : option.get_lnames())
+        term += (term.empty() ? "--" : ", --") + name;
+    return term + (option.get_items_expected_max() > 0 ? " VALUE" : "");
+}
+
+TEST(ToolPage, NamesEverySubcommandAndOption) {
+    const auto sections = sectionsOfPage();
+    CommandLine line;
+    std::vector<CLI::App*> commands = line.app.get_subcommands({});
+    commands.push_back(&line.app);
+    EXPECT_EQ(sections.size(), commands.size());
+    for (const CLI::App* command : commands) {
+        SCOPED_TRACE(command->get_name());
+        ASSERT_TRUE(sections.count(command->get_name()));
+        const Section& section = sections.at(command->get_name());
+        EXPECT_FALSE(helpText(command->get_name()).empty());
+        EXPECT_NE(sections.at("kiv").text.find('`' + command->get_name() + "`: "),
+                  command == &line.app ? 0 : std::string::npos);
+
+        std::set<std::string> known;
+        for (const CLI::Option* option : command->get_options({})) {
+            const std::string term = termFor(*option);
+            known.insert(term);
+            const auto described = section.options.find(term);
+            if (described == section.options.end()) {
+                ADD_FAILURE() << "not on the page: " << term;
+                continue;
+            }
+            const std::string standard = option->get_default_str();
+            EXPECT_TRUE(standard.empty()
+                        || described->second.ends_with("(default " + standard + ')'))
+                << term << described->second;
+        }
+        for (const auto& [term, description] : section.options)
+            EXPECT_TRUE(known.count(term)) << "on the page alone: " << term;
+    }
+}
+
+TEST(ToolPage, NamesEveryColumn) {
+    const auto sections = sectionsOfPage();
+    const std::string example = KIV_EXAMPLES "/Tg5.prm";
+    std::stringstream readings;
+    std::stringstream results;
+    std::stringstream ignored;
+    const auto tool = [&](std::initializer_list<const char*> arguments, std::ostream& out) {
+        return runTool(static_cast<int>(arguments.size()), std::data(arguments),
+                       {readings, out, ignored});
+    };
+    ASSERT_EQ(tool({"kiv", "simulate", example.c_str(), "--rows", "2"}, readings), 0);
+    ASSERT_EQ(tool({"kiv", "run", example.c_str(), "-"}, results), 0);
+    const std::string page = sections.at("simulate").text + sections.at("run").text;
+    std::size_t columns = 0;
+    for (const std::string& table : {readings.str(), results.str()}) {
+        std::istringstream names(table.substr(0, table.find('\n')));
+        for (std::string name; std::getline(names, name, ','); ++columns)
+            EXPECT_NE(page.find('`' + name + '`'), std::string::npos) << name;
+    }
+    EXPECT_EQ(columns, 15U + 25U);
+}
+
+} // namespace
