@@ -5,6 +5,7 @@
 #include "host/Check.h"
 #include "host/Home.h"
 #include "host/Info.h"
+#include "host/Report.h"
 #include "host/Rewrite.h"
 #include "host/Run.h"
 #include "host/Simulate.h"
@@ -56,17 +57,36 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
     runCommand->add_option("-o,--output", run.results,
                            "CSV file of results, - for standard output");
     std::string frame = "machine";
-    runCommand
-        ->add_option("--frame", frame,
-                     "Angles in machine coordinates, or against the reference in local")
-        ->check(CLI::IsMember({"machine", "local"}))
-        ->capture_default_str();
+    const auto frameOption = [&](CLI::App* command) {
+        command
+            ->add_option("--frame", frame,
+                         "Angles in machine coordinates, or against the reference in local")
+            ->check(CLI::IsMember({"machine", "local"}))
+            ->capture_default_str();
+    };
+    frameOption(runCommand);
     runCommand->add_flag("--stop-on-bad", run.stopOnBad,
                          "End behind the first row that is refused or has no orientation");
     runCommand->add_flag("-q,--quiet", run.quiet, "No progress and no summary on standard error");
     runCommand->footer(
         "Exit code 0: all rows good; 1: some rows refused or without an orientation; "
         "2: wrong usage, or a file that cannot be read or written.");
+
+    ReportOptions report;
+    CLI::App* reportCommand = app.add_subcommand(
+        "report", "Run recorded readings and show what came of them on one HTML page");
+    reportCommand->add_option("parameter_file", report.parameterFile, parameterFileHelp)
+        ->required();
+    reportCommand
+        ->add_option("readings", report.readings, "CSV file of readings, - for standard input")
+        ->required();
+    reportCommand->add_option("-o,--output", report.page, "HTML file, - for standard output");
+    frameOption(reportCommand);
+    reportCommand->add_flag("-q,--quiet", report.quiet,
+                            "No progress and no summary on standard error");
+    reportCommand->footer(
+        "The charts run over the column time_s where there is one, else over the row number. "
+        "Exit code as of run.");
 
     SimulateOptions simulate;
     CLI::App* simulateCommand =
@@ -113,9 +133,11 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
         return showFile(info, streams);
     if (rewriteCommand->parsed())
         return rewriteFile(rewrite, streams);
-    run.localFrame = frame == "local";
+    run.localFrame = report.localFrame = frame == "local";
     if (runCommand->parsed())
         return runReadings(run, streams);
+    if (reportCommand->parsed())
+        return reportReadings(report, streams);
     if (homeCommand->parsed())
         return solveHomeAngles(home, streams);
     return simulateReadings(simulate, streams);

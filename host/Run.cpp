@@ -96,9 +96,7 @@ int runReadings(const RunOptions& options, const Streams& streams) {
         text.append(name).push_back(name == resultColumns.back() ? '\n' : ',');
 
     const int mode = SensorAccess::mountMode(sensor);
-    const Truth truth(table);
-    // The truth is in machine coordinates.
-    const bool truthCounts = !options.localFrame || mode >= firstThreeVectorMode;
+    const Truth truth(table, !options.localFrame || mode >= firstThreeVectorMode);
     Summary summary;
     RowRunner rows(sensor, table);
     {
@@ -106,8 +104,7 @@ int runReadings(const RunOptions& options, const Streams& streams) {
         forEachRow(rows, table, progress, [&](const RowResult& result, bool inputWouldWait) {
             table.appendCarriedCells(text);
             appendResult(text, result, mode);
-            summary.add(result, table.lineNumber(),
-                        truthCounts ? truth.angles(table) : std::nullopt);
+            summary.add(result, table.lineNumber(), truth.angles(table));
             return output.endRow(inputWouldWait) && (!options.stopOnBad || summary.allGood());
         });
     }

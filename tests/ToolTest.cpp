@@ -16,6 +16,9 @@
 namespace {
 
 using namespace kiv;
+using test::example;
+using test::good;
+using test::header;
 using test::lines;
 using test::tool;
 using test::ToolResult;
@@ -27,11 +30,6 @@ std::vector<std::string> cells(const std::string& line) {
         result.push_back(cell);
     return result;
 }
-
-const std::string example = KIV_EXAMPLES "/Tg5.prm";
-const std::string header = "time,status,x,y,z,azimuth_deg,elevation_deg,level_x,level_y,"
-                           "temperature,ref_metric,ref_blocked\n";
-const std::string good = "2,4000,1500,450,12.5,3,1,-2,20,0.1,0\n";
 
 TEST(Tool, RunGivesEachRowItsState) {
     const ToolResult result =
