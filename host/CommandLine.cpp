@@ -39,6 +39,7 @@ CommandLine::CommandLine() : app("", "kiv") {
     app.require_subcommand(1);
     app.allow_windows_style_options(false); // a path may begin with a slash
     addRun();
+    addReport();
     addSimulate();
     addHome();
     addCheck();
@@ -65,6 +66,20 @@ void CommandLine::addRun() {
         ->capture_default_str();
     command.add_flag("--stop-on-bad", run.stopOnBad);
     command.add_flag("-q,--quiet", run.quiet);
+}
+
+void CommandLine::addReport() {
+    CLI::App& command = add("report", [this](const Streams& s) {
+        report.localFrame = frame == "local";
+        return reportReadings(report, s);
+    });
+    command.add_option("parameter_file", report.parameterFile)->required();
+    command.add_option("readings", report.readings)->required();
+    command.add_option("-o,--output", report.page)->capture_default_str();
+    command.add_option("--frame", frame)
+        ->check(CLI::IsMember({"machine", "local"}))
+        ->capture_default_str();
+    command.add_flag("-q,--quiet", report.quiet);
 }
 
 void CommandLine::addSimulate() {

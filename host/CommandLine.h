@@ -8,6 +8,7 @@
 #include "host/Check.h"
 #include "host/Home.h"
 #include "host/Info.h"
+#include "host/Report.h"
 #include "host/Rewrite.h"
 #include "host/Run.h"
 #include "host/Simulate.h"
@@ -28,6 +29,7 @@ public:
 private:
     CLI::App& add(const char* name, std::function<int(const Streams&)> whenParsed);
     void addRun();
+    void addReport();
     void addSimulate();
     void addHome();
     void addCheck();
@@ -35,7 +37,8 @@ private:
     void addRewrite();
 
     RunOptions run;
-    std::string frame = "machine";
+    std::string frame = "machine"; // of run and report
+    ReportOptions report;
     SimulateOptions simulate;
     HomeOptions home;
     CheckOptions check;

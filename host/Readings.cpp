@@ -48,8 +48,8 @@ Refusal readReadings(const Table& table, KIV_RAWINFO& raw) {
     return Refusal::none;
 }
 
-Truth::Truth(const Table& table) {
-    for (std::size_t i = 0; i < truthColumns.size(); ++i)
+Truth::Truth(const Table& table, bool comparable) {
+    for (std::size_t i = 0; comparable && i < truthColumns.size(); ++i)
         places[i] = table.find(truthColumns[i]);
 }
 

@@ -40,7 +40,8 @@ inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "tr
 
 class Truth {
 public:
-    explicit Truth(const Table& table);
+    // Not comparable where the results are not in machine coordinates; then no row has angles.
+    Truth(const Table& table, bool comparable);
 
     // Degrees, where the row has all three.
     std::optional<std::array<double, 3>> angles(const Table& table) const;

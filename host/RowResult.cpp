@@ -64,6 +64,10 @@ bool allNumbers(const CKiv& sensor, const KIV_INFO& info) {
 
 } // namespace
 
+const char* modelName(int mode) {
+    return wordsFor(mode).name;
+}
+
 RowRunner::RowRunner(CKiv& kiv, Table& readings)
     : sensor(kiv), table(readings), mode(SensorAccess::mountMode(kiv)) {}
 

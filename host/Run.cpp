@@ -8,8 +8,7 @@
 #include "host/Files.h"
 #include "host/Interrupt.h"
 #include "host/ParameterFile.h"
-#include "host/Progress.h"
-#include "host/RowResult.h"
+#include "host/RowLoop.h"
 #include "host/Summary.h"
 #include "params/CKivPrm.h"
 #include "sensor/SensorAccess.h"
@@ -97,29 +96,17 @@ int runReadings(const RunOptions& options, const Streams& streams) {
         text.append(name).push_back(name == resultColumns.back() ? '\n' : ',');
 
     const int mode = SensorAccess::mountMode(sensor);
-    const Truth truth(table);
-    // The truth is in machine coordinates.
-    const bool truthCounts = !options.localFrame || mode >= firstThreeVectorMode;
+    const Truth truth(table, !options.localFrame || mode >= firstThreeVectorMode);
     Summary summary;
     RowRunner rows(sensor, table);
-    RowResult result;
     {
         Progress progress(streams.err, streams.errIsTerminal && !options.quiet, input.size());
-        bool wouldWait = false;
-        const auto nextRow = [&] {
-            const Interrupt::Waiting waiting(wouldWait);
-            return rows.next(result);
-        };
-        while (!Interrupt::requested() && nextRow()) {
+        forEachRow(rows, table, progress, [&](const RowResult& result, bool inputWouldWait) {
             table.appendCarriedCells(text);
             appendResult(text, result, mode);
-            summary.add(result, table.lineNumber(),
-                        truthCounts ? truth.angles(table) : std::nullopt);
-            wouldWait = table.wouldWait();
-            progress.row(table.rowBytes());
-            if (!output.endRow(wouldWait) || (options.stopOnBad && !summary.allGood()))
-                break;
-        }
+            summary.add(result, table.lineNumber(), truth.angles(table));
+            return output.endRow(inputWouldWait) && (!options.stopOnBad || summary.allGood());
+        });
     }
     if (!finishTable(table, input, output, streams.err))
         return unusable;

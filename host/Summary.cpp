@@ -12,13 +12,6 @@ namespace kiv::host {
 
 namespace {
 
-std::string degrees(double value) {
-    char digits[64];
-    const auto end =
-        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 6);
-    return {digits, end.ptr};
-}
-
 void printCell(std::ostream& out, const std::string& text) {
     constexpr std::size_t width = 13;
     out << std::string(width - std::min(width, text.size()), ' ') << text;
@@ -26,17 +19,25 @@ void printCell(std::ostream& out, const std::string& text) {
 
 } // namespace
 
+std::string degreesText(double value) {
+    char digits[64];
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 6);
+    return {digits, end.ptr};
+}
+
 // Source of the running moments: Welford, Technometrics 4 (1962), 419.
-void AngleStatistics::add(double angle) {
+double AngleStatistics::add(double angle) {
     if (n == 0)
         first = angle;
-    last += std::remainder(angle - first - last, 360.0);
+    last += std::remainder(angle - first - last, turn);
     ++n;
     const double deviation = last - meanOffset;
     meanOffset += deviation / static_cast<double>(n);
     squares += deviation * (last - meanOffset);
     leastOffset = std::min(leastOffset, last);
     largestOffset = std::max(largestOffset, last);
+    return first + last;
 }
 
 double AngleStatistics::standardDeviation() const {
@@ -91,13 +92,14 @@ void Summary::print(std::ostream& out) const {
             out << "     " << angleNames[i];
             for (const double value : {angles[i].mean(), angles[i].standardDeviation(),
                                        angles[i].least(), angles[i].largest()})
-                printCell(out, degrees(value));
+                printCell(out, degreesText(value));
             out << '\n';
         }
     }
     if (withTruth > 0)
-        out << "largest difference to the true angles: rx " << degrees(differences[0]) << ", ry "
-            << degrees(differences[1]) << ", rz " << degrees(differences[2]) << " degrees\n";
+        out << "largest difference to the true angles: rx " << degreesText(differences[0])
+            << ", ry " << degreesText(differences[1]) << ", rz " << degreesText(differences[2])
+            << " degrees\n";
 }
 
 } // namespace kiv::host

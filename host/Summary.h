@@ -4,15 +4,20 @@
 #include <cstddef>
 #include <iosfwd>
 #include <optional>
+#include <string>
 
 #include "host/RowResult.h"
 
 namespace kiv::host {
 
-// Mean, spread and range of an angle in degrees; an angle that crosses +-180 counts on.
+// Mean, spread and range of an angle in degrees. An angle that wraps around counts on beyond its
+// turn; one that does not is given an infinite turn.
 class AngleStatistics {
 public:
-    void add(double angle);
+    explicit AngleStatistics(double turnAround = 360.0) : turn(turnAround) {}
+
+    // Gives the angle back as it counts.
+    double add(double angle);
 
     std::size_t count() const { return n; }
     double mean() const { return first + meanOffset; }
@@ -21,6 +26,7 @@ public:
     double largest() const { return first + largestOffset; }
 
 private:
+    double turn;
     std::size_t n = 0;
     double first = 0;
     double last = 0;       // offset of the last value
@@ -59,6 +65,9 @@ private:
     std::size_t withTruth = 0;
     std::array<double, 3> differences{};
 };
+
+// With six decimals.
+std::string degreesText(double value);
 
 inline constexpr std::array<const char*, 4> refusalNames{"", "of the wrong shape", "not a number",
                                                          "with a zero vector"};

@@ -36,9 +36,11 @@ public:
     template <typename Number>
     bool readNumber(std::size_t i, Number& value) const;
 
-    // Where a carried column stands in a row's cells.
+    // Where a carried column stands in a row's cells; the cell there is empty in a row too short.
     std::optional<std::size_t> find(std::string_view columnName) const;
-    std::string_view cell(std::size_t place) const { return cellText(csv.cells()[place]); }
+    std::string_view cell(std::size_t place) const {
+        return place < csv.cells().size() ? cellText(csv.cells()[place]) : std::string_view{};
+    }
 
     void appendCarriedNames(std::string& out) const; // each with a comma behind it
     void appendCarriedCells(std::string& out) const;

@@ -33,4 +33,10 @@ inline std::vector<std::string> lines(const std::string& text) {
     return result;
 }
 
+// The example sensor, and a table of readings that it can use.
+inline const std::string example = KIV_EXAMPLES "/Tg5.prm";
+inline const std::string header = "time,status,x,y,z,azimuth_deg,elevation_deg,level_x,level_y,"
+                                  "temperature,ref_metric,ref_blocked\n";
+inline const std::string good = "2,4000,1500,450,12.5,3,1,-2,20,0.1,0\n";
+
 } // namespace kiv::test

@@ -20,6 +20,7 @@
 namespace {
 
 using namespace kiv;
+using test::example;
 using test::lines;
 using test::tool;
 using test::ToolResult;
@@ -31,8 +32,6 @@ std::vector<std::string> cells(const std::string& line) {
         result.push_back(cell);
     return result;
 }
-
-const std::string example = KIV_EXAMPLES "/Tg5.prm";
 
 TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
     if (!std::filesystem::exists("/dev/full"))

@@ -1,0 +1,27 @@
+# Turns a text file into a C++ source with a function that gives its bytes.
+#   cmake -DFILE=... -DFUNCTION=... -DOUTPUT=... -P EmbedFile.cmake
+# An array of numbers, as some compilers take no string literal beyond 64 kB. The reference to a source map
+# goes, as there is no map beside the page.
+file(READ ${FILE} text)
+string(REGEX REPLACE "//# sourceMappingURL=[^\n]*|/[*]# sourceMappingURL=[^\n]*[*]/" "" text "${text}")
+string(TOLOWER "${text}" lower)
+if(lower MATCHES "</(script|style)|<!--")
+    message(FATAL_ERROR "${FILE}: expected text that can stand in a script or style element, found ${CMAKE_MATCH_0}")
+endif()
+string(HEX "${text}" digits)
+string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," numbers "${digits}")
+string(REGEX REPLACE "(0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,)" "\\1\n"
+    numbers "${numbers}")
+file(WRITE ${OUTPUT} "#include \"host/Embedded.h\"
+
+namespace {
+const unsigned char bytes[] = {
+${numbers}};
+} // namespace
+
+namespace kiv::host::embedded {
+std::string_view ${FUNCTION}() {
+    return {reinterpret_cast<const char*>(bytes), sizeof bytes};
+}
+} // namespace kiv::host::embedded
+")

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+// Files that the build puts into the tool.
+namespace kiv::host::embedded {
+
+std::string_view dygraphsScript();
+std::string_view dygraphsStyle();
+std::string_view dygraphsLicence();
+std::string_view pageScript();
+std::string_view pageStyle();
+
+} // namespace kiv::host::embedded

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace kiv::host {
+
+// Several series over the rows of a run, thinned for a chart: bins of equally many rows, each with
+// the least, the largest and the mean value of every series. When the bins are full, neighbours
+// merge and a bin takes twice as many rows, so that memory is bounded and no extreme is lost.
+class Envelope {
+public:
+    enum class Mark : unsigned char { none, noOrientation, refused };
+
+    struct Bin {
+        double firstX; // of its rows
+        double lastX;
+        std::size_t noOrientation = 0; // rows with this mark
+        std::size_t refused = 0;
+    };
+
+    struct Range {
+        double least = 0;
+        double largest = 0;
+        double sum = 0;
+        std::size_t count = 0; // 0: the bin has no value of the series
+
+        double mean() const { return sum / static_cast<double>(count); }
+    };
+
+    Envelope(std::size_t seriesCount, std::size_t mostBins); // at least 2 bins, an even number
+
+    // One value for each series; one that is not finite counts as none.
+    void addRow(double x, std::span<const double> values, Mark mark = Mark::none);
+
+    std::size_t rows() const { return rowCount; }
+    std::size_t rowsPerBin() const { return binRows; } // the last bin may have fewer
+    std::size_t series() const { return width; }
+    std::span<const Bin> bins() const { return all; }
+    const Range& range(std::size_t bin, std::size_t ofSeries) const {
+        return ranges[bin * width + ofSeries];
+    }
+
+private:
+    void mergeNeighbours();
+
+    std::size_t width;
+    std::size_t most;
+    std::size_t binRows = 1;
+    std::size_t rowCount = 0;
+    std::vector<Bin> all;
+    std::vector<Range> ranges; // bin by bin
+};
+
+} // namespace kiv::host

@@ -1,0 +1,83 @@
+#include "host/Envelope.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using kiv::host::Envelope;
+using Mark = Envelope::Mark;
+
+TEST(Envelope, BinsDoubleWhenFull) {
+    const struct {
+        std::size_t rows;
+        std::size_t rowsPerBin;
+        std::size_t bins;
+    } cases[] = {{0, 1, 0}, {1, 1, 1}, {8, 1, 8}, {9, 2, 5}, {16, 2, 8}, {17, 4, 5}, {100, 16, 7}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.rows);
+        Envelope envelope(1, 8);
+        for (std::size_t row = 0; row < c.rows; ++row)
+            envelope.addRow(10.0 * static_cast<double>(row),
+                            std::array{static_cast<double>(row * row)});
+        EXPECT_EQ(envelope.rowsPerBin(), c.rowsPerBin);
+        ASSERT_EQ(envelope.bins().size(), c.bins);
+        for (std::size_t bin = 0; bin < c.bins; ++bin) {
+            const std::size_t first = bin * c.rowsPerBin;
+            const std::size_t last = std::min(first + c.rowsPerBin, c.rows) - 1;
+            double sum = 0;
+            for (std::size_t row = first; row <= last; ++row)
+                sum += static_cast<double>(row * row);
+            const Envelope::Range& range = envelope.range(bin, 0);
+            EXPECT_EQ(envelope.bins()[bin].firstX, 10.0 * static_cast<double>(first)) << bin;
+            EXPECT_EQ(envelope.bins()[bin].lastX, 10.0 * static_cast<double>(last)) << bin;
+            EXPECT_EQ(range.least, static_cast<double>(first * first)) << bin;
+            EXPECT_EQ(range.largest, static_cast<double>(last * last)) << bin;
+            EXPECT_EQ(range.mean(), sum / static_cast<double>(last - first + 1)) << bin;
+        }
+    }
+}
+
+TEST(Envelope, ASingleRowOfAMillionSurvives) {
+    constexpr std::size_t rows = 1000000;
+    const std::size_t spikes[] = {0, 1, 333333, 524287, 524288, 654321, rows - 1};
+    for (const std::size_t spike : spikes) {
+        SCOPED_TRACE(spike);
+        Envelope envelope(2, 4096);
+        for (std::size_t row = 0; row < rows; ++row) {
+            const double value = static_cast<double>(row % 7);
+            envelope.addRow(static_cast<double>(row),
+                            std::array{row == spike ? -1e6 : value, row == spike ? 1e6 : value},
+                            row == spike ? Mark::refused : Mark::none);
+        }
+        ASSERT_LE(envelope.bins().size(), 4096U);
+        const std::size_t at = spike / envelope.rowsPerBin();
+        for (std::size_t bin = 0; bin < envelope.bins().size(); ++bin) {
+            EXPECT_EQ(envelope.range(bin, 0).least == -1e6, bin == at) << bin;
+            EXPECT_EQ(envelope.range(bin, 1).largest == 1e6, bin == at) << bin;
+            EXPECT_EQ(envelope.bins()[bin].refused, bin == at ? 1U : 0U) << bin;
+        }
+    }
+}
+
+TEST(Envelope, WhatIsNotFiniteCountsAsNone) {
+    Envelope envelope(2, 2);
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    const double infinite = std::numeric_limits<double>::infinity();
+    envelope.addRow(0, std::array{none, none}, Mark::noOrientation);
+    envelope.addRow(1, std::array{5.0, none}, Mark::refused);
+    envelope.addRow(2, std::array{infinite, none}, Mark::noOrientation);
+    ASSERT_EQ(envelope.bins().size(), 2U);
+    EXPECT_EQ(envelope.bins()[0].noOrientation, 1U);
+    EXPECT_EQ(envelope.bins()[0].refused, 1U);
+    EXPECT_EQ(envelope.range(0, 0).count, 1U);
+    EXPECT_EQ(envelope.range(0, 0).least, 5);
+    EXPECT_EQ(envelope.range(0, 0).largest, 5);
+    EXPECT_EQ(envelope.range(0, 1).count, 0U);
+    EXPECT_EQ(envelope.range(1, 0).count, 0U);
+}
+
+} // namespace
