@@ -3,6 +3,7 @@ include(CMakePackageConfigHelpers)
 set(kiv_headers
     module/ConfigureSensor.h
     module/Export.h
+    module/InstrumentClasses.h
     module/KIVInterface.h
     models/CKivDualLevel.h
     models/CKivModel.h
@@ -37,6 +38,12 @@ file(RELATIVE_PATH kiv_prefix_from_pc
 configure_file(cmake/KIVInterface.pc.in KIVInterface.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KIVInterface.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# Where the links between them hold.
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN programs EXCLUDE)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE)
 
 if(TARGET kiv)
     install(TARGETS kiv)
