@@ -16,5 +16,24 @@ function(kiv_compile_options target)
         if(KIV_WARNINGS_AS_ERRORS)
             target_compile_options(${target} PRIVATE -Werror)
         endif()
+        kiv_harden(${target})
     endif()
+endfunction()
+
+# Checked buffers, stack and jump targets, and addresses that are read-only once bound. The checks of
+# buffers need optimisation and hide from the sanitizers what those would find: release builds alone.
+include(CheckCXXCompilerFlag)
+if(NOT WIN32 AND NOT MSVC)
+    check_cxx_compiler_flag(-fcf-protection=full KIV_HAS_CF_PROTECTION)
+endif()
+function(kiv_harden target)
+    if(WIN32)
+        target_link_options(${target} PRIVATE -Wl,--dynamicbase,--high-entropy-va,--nxcompat)
+        return()
+    endif()
+    target_compile_options(${target} PRIVATE
+        -fstack-protector-strong
+        $<$<BOOL:${KIV_HAS_CF_PROTECTION}>:-fcf-protection=full>
+        $<$<CONFIG:Release>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3>)
+    target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now,-z,noexecstack)
 endfunction()

@@ -3,6 +3,7 @@ include(CMakePackageConfigHelpers)
 set(kiv_headers
     module/ConfigureSensor.h
     module/Export.h
+    module/InstrumentClasses.h
     module/KIVInterface.h
     models/CKivDualLevel.h
     models/CKivModel.h
@@ -26,7 +27,12 @@ set(kiv_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KIVInterface)
 install(EXPORT KIVInterfaceTargets NAMESPACE KIVInterface:: DESTINATION ${kiv_package_dir})
 configure_package_config_file(cmake/KIVInterfaceConfig.cmake.in KIVInterfaceConfig.cmake
     INSTALL_DESTINATION ${kiv_package_dir})
-write_basic_package_version_file(KIVInterfaceConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    set(kiv_compatible SameMinorVersion)
+else()
+    set(kiv_compatible SameMajorVersion)
+endif()
+write_basic_package_version_file(KIVInterfaceConfigVersion.cmake COMPATIBILITY ${kiv_compatible})
 install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/KIVInterfaceConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/KIVInterfaceConfigVersion.cmake
@@ -37,6 +43,12 @@ file(RELATIVE_PATH kiv_prefix_from_pc
 configure_file(cmake/KIVInterface.pc.in KIVInterface.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KIVInterface.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# Where the links between them hold.
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN programs EXCLUDE)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE)
 
 if(TARGET kiv)
     install(TARGETS kiv)

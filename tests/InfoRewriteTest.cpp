@@ -143,9 +143,10 @@ protected:
         std::ofstream(folder.file(), std::ios::binary) << text;
     }
     ToolResult run() const { return tool({"rewrite", folder.file()}); }
-    std::string shown(std::string text) const { // with the folder as its name
+    std::string shown(std::string text) const { // the folder as DIR, separated by slashes
         for (auto at = text.find(folder.path()); at != text.npos; at = text.find(folder.path()))
-            text.replace(at, folder.path().size() + 1, "DIR/");
+            text.replace(at, folder.path().size(), "DIR");
+        std::replace(text.begin(), text.end(), '\\', '/');
         return text;
     }
     std::optional<std::string> file() const { return contentOf(folder.file()); }

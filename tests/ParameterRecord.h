@@ -31,7 +31,7 @@ public:
     ParameterFolder& operator=(const ParameterFolder&) = delete;
 
     std::string path() const { return folder.string(); }
-    std::string file() const { return (folder / "Tg5.prm").string(); }
+    std::string file() const { return path() + "/Tg5.prm"; }
 
     int load(CKivPrm& record, const std::string& text) const {
         std::ofstream(file(), std::ios::binary) << text;

@@ -1,12 +1,12 @@
 # Runs the example host and compares its second line with kiv's result for the same reading. The host links
 # the shared library, the tool has the sources built in.
-#   cmake -DHOST=... -DTOOL=... -DEXAMPLES=... -DREADME=... -P check_minimal_host.cmake
-execute_process(COMMAND ${HOST} ${EXAMPLES} OUTPUT_VARIABLE host COMMAND_ERROR_IS_FATAL ANY)
+#   cmake -DRUN=[wine] -DHOST=... -DTOOL=... -DEXAMPLES=... -DREADME=... -P check_minimal_host.cmake
+execute_process(COMMAND ${RUN} ${HOST} ${EXAMPLES} OUTPUT_VARIABLE host COMMAND_ERROR_IS_FATAL ANY)
 
 set(columns time,status,x,y,z,azimuth_deg,elevation_deg,level_x,level_y,temperature,ref_metric,ref_blocked)
 file(WRITE minimal_host_readings.csv "${columns}\n"
     "1,2,4000,1500,450,12.5,3,1,-2,20,0.1,0\n2,2,4000,1500,450,27.5,3,1,-2,20,0.1,0\n")
-execute_process(COMMAND ${TOOL} run ${EXAMPLES}/Tg5.prm minimal_host_readings.csv
+execute_process(COMMAND ${RUN} ${TOOL} run ${EXAMPLES}/Tg5.prm minimal_host_readings.csv
     OUTPUT_VARIABLE tool ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
 
 string(REGEX MATCHALL "[^\n]+" host_lines "${host}")

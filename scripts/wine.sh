@@ -1,0 +1,8 @@
+# shellcheck shell=sh
+# Sourced by the scripts that run Windows programs, from the project's folder: Wine with a prefix of the
+# build tree, without a display, its server kept while the script runs.
+export WINEPREFIX="$PWD/build/windows/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+mkdir -p "$WINEPREFIX"
+wineserver -p
+trap 'wineserver -k || true' EXIT
+wine wineboot >/dev/null 2>&1
