@@ -123,11 +123,12 @@ bool ValueCheck::checkCount() {
     const std::size_t words = next.wordsBefore + (tilt && !wordIsNumber);
     const std::size_t numbers =
         own.numbers.size() - 1 + next.numbersBefore + (tilt && wordIsNumber);
-    const std::size_t trailing = tilt ? values.trailing.size() : 0;
+    const std::size_t behindRows = tilt ? values.trailing.size() + (words == 0) : 0;
     const auto& following = file.document.blocks[index + 1];
-    if (!following || following->defaulted || words > (tilt ? 1 : 0) || numbers < trailing)
+    if (!following || following->defaulted || words > (tilt ? 1 : 0) || numbers < behindRows
+        || (numbers - behindRows) % 2 != 0)
         return true;
-    const std::size_t rows = (numbers - trailing) / 2;
+    const std::size_t rows = (numbers - behindRows) / 2;
     if (rows == static_cast<std::size_t>(values.integer))
         return true;
     warn(0, "a count of " + std::to_string(rows) + ", as " + title() + " has so many rows",

@@ -44,7 +44,8 @@ struct ParsedFile {
 };
 
 // What a parse gathers for a report on the whole text. It then goes on behind a failure: with the
-// values when a title is only misspelt, else at the next title.
+// values when a title is only misspelt, else at the next title, and the document has blocks behind
+// the failing one, too.
 struct Survey {
     // What the text has of one block.
     struct Extent {

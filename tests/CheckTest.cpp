@@ -107,6 +107,9 @@ TEST(Check, SaysAllThatIsWrong) {
 42:1: expected a count of 3, as "Tilt X Calibration Table" has so many rows, found 4 (warning)
 47:1: expected a number (trailing value 2 of 3 of "Tilt X Calibration Table"), found "end"
 )"},
+        {"half a row", parameterText(valued(azCalibration, "3\n1 1\n2 2\n3")),
+         R"(38:1: expected a number (row 3 of "AZ Calibration Table", which claims 3 rows), found "EL"
+)"},
         {"a table cut off",
          parameterText(sound({.values = {{azCalibration, "3\n1 1\n2"}}, .blocks = 15})),
          R"(37:1: expected a number (row 2 of "AZ Calibration Table", which claims 3 rows), found )"
