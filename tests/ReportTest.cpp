@@ -44,7 +44,13 @@ TEST(Report, SaysTheSameAsARun) {
           "found no transverse axis that shows their inclination</td>",
           "\"refused\":[[2,1],[3,1]],\"noOrientation\":[[4,1]]", "\"reference\":1,"})
         EXPECT_TRUE(contains(page.out, part)) << part;
-    EXPECT_FALSE(contains(page.out, "\"residuals\"")) << "there are no true angles";
+
+    const std::string simulated = KIV_EXAMPLES "/readings.csv";
+    for (const std::string frame : {"machine", "local"}) {
+        const test::ToolResult framed = tool({"report", example, simulated, "--frame", frame});
+        EXPECT_EQ(framed.err, tool({"run", example, simulated, "--frame", frame}).err) << frame;
+        EXPECT_EQ(contains(framed.out, "figure id=\"residuals\""), frame == "machine") << frame;
+    }
 }
 
 TEST(Report, NothingFromOutsideIsMarkup) {
