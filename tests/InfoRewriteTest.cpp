@@ -1,5 +1,6 @@
 // kiv info and kiv rewrite, and that docs/parameter-file.md says what they and the library do.
 
+#include <algorithm>
 #include <bit>
 #include <fstream>
 #include <set>

@@ -1,7 +1,9 @@
 #include "support/StatusCodes.h"
 
 #include <cstring>
+#include <fstream>
 #include <iterator>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -15,4 +17,13 @@ TEST(StatusCodes, TableIsOrderedAndEveryCodeHasAText) {
     }
     for (const int unknown : {-1, 1, 552, 601})
         EXPECT_STREQ(kivStatusText(unknown), "unknown status code");
+}
+
+TEST(StatusCodes, AreAllInTheHostGuide) {
+    std::ifstream file(KIV_DOCS "/host-guide.md");
+    const std::string guide{std::istreambuf_iterator<char>(file), {}};
+    for (const KIV_STATUS_TEXT& row : kivStatusTexts()) {
+        const std::string start = "\n| " + std::to_string(row.code) + " | `" + row.name + "` | ";
+        EXPECT_NE(guide.find(start), guide.npos) << start;
+    }
 }
