@@ -153,7 +153,9 @@ TEST(Report, RefusesWhatItCannotUse) {
         {"no folder",
          {readings, "-o", folder.path() + "/no/x.html"},
          "expected a file that can be"},
-        {"no readings", {folder.path() + "/no.csv"}, "/no.csv:1:1: expected a file that can be read"},
+        {"no readings",
+         {folder.path() + "/no.csv"},
+         "/no.csv:1:1: expected a file that can be read"},
         {"no columns", {example}, "Tg5.prm:1:14: expected a column \"status\", found end of line"},
     };
     for (const auto& row : rows) {
