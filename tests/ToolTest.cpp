@@ -38,6 +38,7 @@ TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
         GTEST_SKIP() << "no device that is always full";
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"run", example, KIV_EXAMPLES "/readings.csv", "-o", "/dev/full"},
+          {"report", example, KIV_EXAMPLES "/readings.csv", "-o", "/dev/full"},
           {"simulate", example, "-o", "/dev/full"}}) {
         const ToolResult result = tool(arguments);
         EXPECT_EQ(result.code, 2) << arguments[0];
