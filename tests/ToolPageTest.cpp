@@ -12,9 +12,11 @@
 
 #include "host/CommandLine.h"
 #include "host/HelpTexts.h"
+#include "tests/ToolRunner.h"
 
 namespace {
 
+using namespace kiv;
 using namespace kiv::host;
 
 struct Section {
@@ -97,19 +99,12 @@ TEST(ToolPage, NamesEverySubcommandAndOption) {
 TEST(ToolPage, NamesEveryColumn) {
     const auto sections = sectionsOfPage();
     const std::string example = KIV_EXAMPLES "/Tg5.prm";
-    std::stringstream readings;
-    std::stringstream results;
-    std::stringstream ignored;
-    const auto tool = [&](std::initializer_list<const char*> arguments, std::ostream& out) {
-        return runTool(static_cast<int>(arguments.size()), std::data(arguments),
-                       {readings, out, ignored});
-    };
-    ASSERT_EQ(tool({"kiv", "simulate", example.c_str(), "--rows", "2"}, readings), 0);
-    ASSERT_EQ(tool({"kiv", "run", example.c_str(), "-"}, results), 0);
+    const std::string readings = test::tool({"simulate", example, "--rows", "2"}).out;
+    const std::string results = test::tool({"run", example, "-"}, readings).out;
     const std::string page = sections.at("simulate").text + sections.at("run").text;
     std::size_t columns = 0;
-    for (const std::string& table : {readings.str(), results.str()}) {
-        std::istringstream names(table.substr(0, table.find('\n')));
+    for (const std::string& table : {readings, results}) {
+        std::istringstream names(test::lines(table).at(0));
         for (std::string name; std::getline(names, name, ','); ++columns)
             EXPECT_NE(page.find('`' + name + '`'), std::string::npos) << name;
     }

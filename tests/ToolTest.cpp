@@ -185,15 +185,4 @@ TEST(Tool, SimulatedNoiseSpreadsTheResults) {
     }
 }
 
-TEST(Tool, SimulateDependsOnTheSeedAlone) {
-    const auto made = [](const char* seed, const char* noise = "0") {
-        return tool({"simulate", example, "--rows", "20", "--seed", seed, "--bad-share", "0.3",
-                     "--noise-level", noise})
-            .out;
-    };
-    EXPECT_EQ(made("9", "0.1"), made("9", "0.1"));
-    EXPECT_NE(made("9"), made("8"));
-    EXPECT_EQ(lines(made("1")).size(), 21U);
-}
-
 } // namespace

@@ -41,20 +41,14 @@ struct Transcript {
 // Results are single precision, and C libraries differ in the last digit.
 constexpr double computedNumber = 2e-6; // of a value, at least of 1
 
-Lines linesOf(std::istream& in) {
-    Lines lines;
-    for (std::string line; std::getline(in, line);) {
-        if (line.ends_with('\r'))
-            line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
-}
-
 Lines linesIn(const std::string& file) {
     std::ifstream in(file, std::ios::binary);
     EXPECT_TRUE(in) << file;
-    return linesOf(in);
+    Lines lines;
+    for (std::string line; std::getline(in, line); lines.push_back(line))
+        if (line.ends_with('\r'))
+            line.pop_back();
+    return lines;
 }
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
@@ -71,17 +65,17 @@ std::vector<Transcript> casesIn(const std::string& file) {
         for (const auto& [name, text] : names)
             line = replaced(line, name, text);
         const char kind = line.empty() ? ' ' : line[0];
-        const std::string rest = line.size() > 2 ? line.substr(2) : "";
+        const std::size_t blank = line.find(' ');
+        const std::string rest = blank < line.size() ? line.substr(blank + 1) : "";
         if (kind == '%')
             names.emplace_back('{' + rest.substr(0, rest.find(' ')) + '}',
                                rest.substr(rest.find(' ') + 1));
         else if (line.starts_with("## "))
-            cases.push_back({rest.substr(1), {}, {}});
+            cases.push_back({rest, {}, {}});
         else if (kind == '@')
             cases.back().copies.push_back(rest);
         else if (kind == '$')
-            cases.back().commands.push_back(
-                {line.substr(line.find(' ') + 1), {}, {}, {}, line[1] == ' ' ? 0 : line[1] - '0'});
+            cases.back().commands.push_back({rest, {}, {}, {}, blank == 1 ? 0 : line[1] - '0'});
         else if (kind == '<')
             cases.back().commands.back().input.push_back(rest);
         else if (kind == '>')
