@@ -3,6 +3,6 @@
 # build tree, without a display, its server kept while the script runs.
 export WINEPREFIX="$PWD/build/windows/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 mkdir -p "$WINEPREFIX"
-wineserver -p
+wineserver -p || true # one may be running already
 trap 'wineserver -k || true' EXIT
 wine wineboot >/dev/null 2>&1
