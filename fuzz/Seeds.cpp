@@ -1,12 +1,15 @@
-// fuzz_seeds FOLDER DICTIONARY: writes texts for the fuzzers to start from into the folder, and a
-// dictionary of what means something in a parameter file; all from the block table.
+// fuzz_seeds FOLDER DICTIONARY: writes what the fuzzers start from, texts into FOLDER/text and
+// readings into FOLDER/models, and a dictionary of what means something in a parameter file. Texts
+// and dictionary come from the block table.
 
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
 
+#include "fuzz/ModelInput.h"
 #include "tests/ParameterText.h"
+#include "tests/PreparedSensor.h"
 
 namespace {
 
@@ -34,7 +37,7 @@ private:
     int count = 0;
 };
 
-void addSeeds(Folder& folder) {
+void addTexts(Folder folder) {
     folder.add(parameterText());
     for (const BlockLayout& layout : blockTable) {
         const auto block = static_cast<std::size_t>(layout.block);
@@ -55,6 +58,21 @@ void addSeeds(Folder& folder) {
     }
 }
 
+// One for each mount mode.
+void addReadings(Folder folder) {
+    for (int mode = 1; mode <= 10; ++mode) {
+        fuzz::ModelInput input{.M = {3000, 1000, 500, 1.5, -0.75, 10, -12, 0, 0},
+                               .encoderOffset = {0.01, 0.02},
+                               .scaleFactors = {0, 0, 0, 0, 1, 1, 1, 0},
+                               .qvcParameters = {10, 20, 30, 0, 0, 0},
+                               .level1Parameters = {0, 0, 0, -30, 0, 0, 1},
+                               .level2Parameters = {0, 0, 0, -65, 0, 0, 1},
+                               .mode = mode,
+                               .raw = test::goodReading()};
+        folder.add({reinterpret_cast<const char*>(&input), fuzz::modelInputSize});
+    }
+}
+
 void writeDictionary(const std::string& path) {
     std::ofstream file(path);
     for (const BlockLayout& layout : blockTable)
@@ -71,8 +89,9 @@ int main(int argc, char** argv) {
         std::cerr << "usage: fuzz_seeds FOLDER DICTIONARY\n";
         return 2;
     }
-    Folder folder(argv[1]);
-    addSeeds(folder);
+    const std::filesystem::path folder(argv[1]);
+    addTexts(Folder(folder / "text"));
+    addReadings(Folder(folder / "models"));
     writeDictionary(argv[2]);
     return 0;
 }
