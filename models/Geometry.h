@@ -50,9 +50,7 @@ inline double fullTurnAngle(double m, double n, double deadBand) {
 inline double signedAngle(double m, double n, double deadBand) {
     return axisAngle(m, n, deadBand, pi, -halfPi, [=] {
         const double a = std::atan(n / m);
-        if (m < 0)
-            return n > 0 ? a + pi : a - pi;
-        return a;
+        return m < 0 ? a + std::copysign(pi, n) : a;
     });
 }
 

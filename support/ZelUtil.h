@@ -5,26 +5,26 @@
 // input unless the function says in place.
 
 // c (m x p) = a (m x n) * b (n x p).
-inline void MatrixMultiply(const double* a, const double* b, int m, int n, int p, double* c);
+void MatrixMultiply(const double* a, const double* b, int m, int n, int p, double* c);
 
 // In place: the n x n matrix a becomes its inverse. False, and a left as it was, when a is singular
 // (its determinant, or a pivot, vanishes against the size of its rows) or not finite, or n < 1.
 bool MatrixInverse(double* a, int n);
 
 // The n x n matrix a becomes the identity.
-inline void EyeMatrix(double* a, int n);
+void EyeMatrix(double* a, int n);
 
 // c = a x b.
-inline void CrossMultiply(double* const a, double* const b, double* const c);
+void CrossMultiply(double* const a, double* const b, double* const c);
 
 // In place: the rows x cols matrix a becomes its transpose (cols x rows).
-inline void MatrixTransform(double* const a, int rows, int cols);
+void MatrixTransform(double* const a, int rows, int cols);
 
 // r becomes the right-handed rotation about one axis by an angle in radians:
 // rotation_z has rows (cos, -sin, 0), (sin, cos, 0), (0, 0, 1). Always 0.
-inline int rotation_x(double* r, double angle);
-inline int rotation_y(double* r, double angle);
-inline int rotation_z(double* r, double angle);
+int rotation_x(double* r, double angle);
+int rotation_y(double* r, double angle);
+int rotation_z(double* r, double angle);
 
 // out = v turned about the unit axis by an angle in degrees, right-handed (Rodrigues' formula).
 void mlaRotateAroundAxis(double* const v, double angle, double* const axis, double* const out);
@@ -52,4 +52,4 @@ void CubicSplines(float* x, float* y, int n, double* coef);
 // between the first and the last knot (both included), or is not a number. n < 0 gives 0, outside.
 float CalcSpline(bool, float* x, double* coef, int n, float v, bool* outside);
 
-#include "support/zelutil/Inline.h"
+#include "support/zelutil/Inline.h" // the short ones

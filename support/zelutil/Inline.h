@@ -1,6 +1,7 @@
 #pragma once
 
 // The functions of ZelUtil.h that are shorter than a call of them, for their callers to take in.
+// Empty where another library stands behind ZelUtil.h.
 
 #include <algorithm>
 #include <cmath>
