@@ -13,12 +13,19 @@ bool split(std::string_view line, std::vector<std::string_view>& cells) {
     cells.clear();
     bool quoted = false;
     std::size_t start = 0;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '"') {
-            quoted = !quoted;
-        } else if (line[i] == ',' && !quoted) {
-            cells.push_back(line.substr(start, i - start));
-            start = i + 1;
+    const auto endCell = [&](std::size_t comma) {
+        cells.push_back(line.substr(start, comma - start));
+        start = comma + 1;
+    };
+    if (line.find('"') == line.npos) {
+        for (auto comma = line.find(','); comma != line.npos; comma = line.find(',', start))
+            endCell(comma);
+    } else {
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            if (line[i] == '"')
+                quoted = !quoted;
+            else if (line[i] == ',' && !quoted)
+                endCell(i);
         }
     }
     cells.push_back(line.substr(start));

@@ -17,6 +17,11 @@ void printCell(std::ostream& out, const std::string& text) {
     out << std::string(width - std::min(width, text.size()), ' ') << text;
 }
 
+// The remainder, which is slow, of a difference that seldom needs it.
+double withinHalfTurn(double difference, double turn) {
+    return std::abs(difference) <= turn / 2 ? difference : std::remainder(difference, turn);
+}
+
 } // namespace
 
 std::string degreesText(double value) {
@@ -30,7 +35,7 @@ std::string degreesText(double value) {
 double AngleStatistics::add(double angle) {
     if (n == 0)
         first = angle;
-    last += std::remainder(angle - first - last, turn);
+    last += withinHalfTurn(angle - first - last, turn);
     ++n;
     const double deviation = last - meanOffset;
     meanOffset += deviation / static_cast<double>(n);
@@ -60,7 +65,7 @@ void Summary::add(const RowResult& result, std::size_t line,
     ++withTruth;
     for (std::size_t i = 0; i < 3; ++i)
         differences[i] =
-            std::max(differences[i], std::abs(std::remainder(values[i] - (*truth)[i], 360.0)));
+            std::max(differences[i], std::abs(withinHalfTurn(values[i] - (*truth)[i], 360.0)));
 }
 
 std::size_t Summary::rows() const {

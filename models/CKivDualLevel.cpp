@@ -25,10 +25,11 @@ void tiltedVertical(double lx, double ly, double phi, double z, double rho, doub
     const double sinLy = std::sin(ly);
     const double tau = std::asin(arcArgument(
         std::sqrt(sinLx * sinLx + sinLy * sinLy - std::cos(c) * 2 * sinLx * sinLy) / std::sin(c)));
-    const double sinTau = std::sin(tau);
+    const double sinTau = std::sin(tau); // tau, from an arc sine, has the sign of its sine
 
     // The dip g of the line of sight's plane, from the direction p of the tilt.
-    const double p = std::acos(arcArgument(std::sin(std::abs(ly)) / std::sin(std::abs(tau)))) + s1;
+    const double sinAbsLy = ly < 0 ? -sinLy : sinLy;
+    const double p = std::acos(arcArgument(sinAbsLy / std::abs(sinTau))) + s1;
     double g = p < halfPi ? std::asin(arcArgument(std::cos(p) * sinTau))
                           : -std::asin(arcArgument(std::cos(pi - p) * sinTau));
     if (ly < 0)

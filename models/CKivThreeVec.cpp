@@ -37,9 +37,9 @@ bool CKivThreeVec::CalTranxMatrix(double* const M, double azimuthOffset, double 
         return false;
 
     MeasuringDirection direction = measuringDirection(M, qvcParameters, elevationOffset);
+    InstrumentSide instrument = instrumentSide(iMMode, direction.azimuth, direction.elevation);
     double k[9];
-    rotationFromLevel(level1Parameters, -M[4], iMMode, direction.w1, direction.azimuth,
-                      direction.elevation, k);
+    rotationFromLevel(level1Parameters, -M[4], direction.w1, instrument, k);
     storeQvcOutput(k, qvcParameters, qvcMatrix);
     rotateBackByAzimuth(k, M[5], azimuthOffset, M);
     return true;

@@ -68,8 +68,10 @@ void CKivThreeVec2Level::GetQVCMatrix(float* out, int count) {
 
 void CKivThreeVec2Level::GetF1(const float* levelParameters, double levelReading, double* w1,
                                double azimuth, double elevation, int n, double* out) {
-    if (n == 3)
-        kiv::rotationFromLevel(levelParameters, levelReading, iMMode, w1, azimuth, elevation, out);
+    if (n != 3)
+        return;
+    kiv::InstrumentSide instrument = kiv::instrumentSide(iMMode, azimuth, elevation);
+    kiv::rotationFromLevel(levelParameters, levelReading, w1, instrument, out);
 }
 
 bool CKivThreeVec2Level::CalTranxMatrix(double* const M, double azimuthOffset,
@@ -80,9 +82,9 @@ bool CKivThreeVec2Level::CalTranxMatrix(double* const M, double azimuthOffset,
         return false;
 
     MeasuringDirection direction = measuringDirection(M, qvcParameters, elevationOffset);
+    InstrumentSide instrument = instrumentSide(iMMode, direction.azimuth, direction.elevation);
     const auto fromLevel = [&](const float* levelParameters, double levelReading, double* out) {
-        GetF1(levelParameters, levelReading, direction.w1, direction.azimuth, direction.elevation,
-              n, out);
+        rotationFromLevel(levelParameters, levelReading, direction.w1, instrument, out);
     };
     double k[9];
     if (levelYOutside) {

@@ -6,21 +6,6 @@
 
 namespace kiv {
 
-void normalize(double* v) {
-    const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-    v[0] /= length;
-    v[1] /= length;
-    v[2] /= length;
-}
-
-void frameFromColumns(const double* a, const double* b, const double* c, double* m) {
-    for (int row = 0; row < 3; ++row) {
-        m[3 * row] = a[row];
-        m[3 * row + 1] = b[row];
-        m[3 * row + 2] = c[row];
-    }
-}
-
 bool rotateBackByEncoders(double* m, double alpha, double gamma) {
     double rz[9];
     double ry[9];

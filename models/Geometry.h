@@ -50,9 +50,7 @@ inline double fullTurnAngle(double m, double n, double deadBand) {
 inline double signedAngle(double m, double n, double deadBand) {
     return axisAngle(m, n, deadBand, pi, -halfPi, [=] {
         const double a = std::atan(n / m);
-        if (m < 0)
-            return n > 0 ? a + pi : a - pi;
-        return a;
+        return m < 0 ? a + std::copysign(pi, n) : a;
     });
 }
 
@@ -62,10 +60,21 @@ inline double halfPlaneAngle(double m, double n, double deadBand) {
 }
 
 // v divided by its length, which is not tested: the zero vector gives entries that are not numbers.
-void normalize(double* v);
+inline void normalize(double* v) {
+    const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    v[0] /= length;
+    v[1] /= length;
+    v[2] /= length;
+}
 
 // m's columns are a, b, c.
-void frameFromColumns(const double* a, const double* b, const double* c, double* m);
+inline void frameFromColumns(const double* a, const double* b, const double* c, double* m) {
+    for (int row = 0; row < 3; ++row) {
+        m[3 * row] = a[row];
+        m[3 * row + 1] = b[row];
+        m[3 * row + 2] = c[row];
+    }
+}
 
 // In place: m becomes m * (Rz(alpha) * Ry(gamma))^-1. False when that product has no inverse (an
 // angle that is not finite).

@@ -24,12 +24,18 @@ double angleBetweenSides(double a2PlusB2, double opposite2, double a, double b) 
     return std::acos(arcArgument((a2PlusB2 - opposite2) / (2 * a * b)));
 }
 
-// The transverse vector t, not normalised, that rises at beta and stands at the angle c0 to the
+// The cosines of the angle between the measured vector and the transverse vector, and between the
+// measured vector and its opposite.
+struct AngleBetween {
+    double cosine, opposite;
+};
+
+// The transverse vector t, not normalised, that rises at beta and stands at the given angle to the
 // measured vector.
-void transverseVector(const MeasuredPoint& p, double beta, double c0, double* t) {
+void transverseVector(const MeasuredPoint& p, double beta, const AngleBetween& c0, double* t) {
     if (std::abs(beta) < modelDeadBand) {
         const double d =
-            std::sqrt(p.r * p.r + armLength * armLength - std::cos(c0) * (2 * armLength) * p.r);
+            std::sqrt(p.r * p.r + armLength * armLength - c0.cosine * (2 * armLength) * p.r);
         const double e = std::sqrt(d * d - p.z * p.z);
         const double psi =
             p.phi - angleBetweenSides(e * e + p.rho2, armLength * armLength, p.rho, e);
@@ -51,8 +57,8 @@ void transverseVector(const MeasuredPoint& p, double beta, double c0, double* t)
     const double rise = std::abs(beta);
     const double l = height / std::sin(rise);
     const double m = height / std::tan(rise);
-    const double angle = behind ? c0 : pi - c0;
-    const double d = std::sqrt(l * l + p.r * p.r - std::cos(angle) * 2 * l * p.r);
+    const double cosine = behind ? c0.cosine : c0.opposite;
+    const double d = std::sqrt(l * l + p.r * p.r - cosine * 2 * l * p.r);
     const double turn = angleBetweenSides(p.rho2 + d * d, m * m, p.rho, d);
     const double psi = behind ? p.phi - turn : p.phi + turn;
     if (behind) {
@@ -94,13 +100,14 @@ PendulumSolution solvePendulum(const PendulumProblem& problem) {
     rotation_y(headToYoke, problem.gamma);
     MatrixInverse(headToYoke, 3);
 
+    const AngleBetween c0{std::cos(problem.c0), std::cos(pi - problem.c0)};
     PendulumSolution solution;
     solution.beta = problem.beta0;
     while (true) {
         double t[3];
         double c1[3];
         double c2[3];
-        transverseVector(point, solution.beta, problem.c0, t);
+        transverseVector(point, solution.beta, c0, t);
         normalize(t);
         CrossMultiply(u, t, c1);
         normalize(c1);

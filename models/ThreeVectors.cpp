@@ -26,18 +26,32 @@ MeasuringDirection measuringDirection(const double* M, const float* qvcParameter
     return direction;
 }
 
-void rotationFromLevel(const float* levelParameters, double levelReading, int parity, double* w1,
-                       double azimuth, double elevation, double* out) {
+InstrumentSide instrumentSide(int parity, double azimuth, double elevation) {
+    InstrumentSide side{{0, 0, parity == 0 ? -1.0 : 1.0}, elevation, {}};
+    const double az = azimuth * degToRad;
+    const double el = elevation * degToRad;
+    const double cosEl = std::cos(el);
+    double b0[3] = {-std::sin(az) * cosEl, std::cos(az) * cosEl, std::sin(el)};
+    double e[3];
+    double f[3];
+    CrossMultiply(side.w2, b0, e);
+    normalize(e);
+    CrossMultiply(e, b0, f);
+    frameFromColumns(e, b0, f, side.frame);
+    return side;
+}
+
+void rotationFromLevel(const float* levelParameters, double levelReading, double* w1,
+                       InstrumentSide& instrument, double* out) {
     const double t3 = std::tan(levelParameters[3] * degToRad);
     const double t4 = std::tan(levelParameters[4] * degToRad);
     const double length = std::sqrt(t3 * t3 + 1 + t4 * t4);
     double axis[3] = {1 / length, t3 / length, t4 / length};
     const double lambda = (levelReading - levelParameters[5]) * levelParameters[6] + 90.0;
 
-    // The vertical, in the instrument's frame and as the sensor sees it.
-    double w2[3] = {0, 0, parity == 0 ? -1.0 : 1.0};
+    // The vertical as the sensor sees it.
     double x[3];
-    solveVectorsRelAng(w2, w1, axis, elevation + 90.0, lambda, x);
+    solveVectorsRelAng(instrument.w2, w1, axis, instrument.elevation + 90.0, lambda, x);
 
     double c[3];
     double d[3];
@@ -47,20 +61,8 @@ void rotationFromLevel(const float* levelParameters, double levelReading, int pa
     CrossMultiply(c, w1, d);
     frameFromColumns(c, w1, d, sensorSide);
 
-    const double az = azimuth * degToRad;
-    const double el = elevation * degToRad;
-    const double cosEl = std::cos(el);
-    double b0[3] = {-std::sin(az) * cosEl, std::cos(az) * cosEl, std::sin(el)};
-    double e[3];
-    double f[3];
-    double instrumentSide[9];
-    CrossMultiply(w2, b0, e);
-    normalize(e);
-    CrossMultiply(e, b0, f);
-    frameFromColumns(e, b0, f, instrumentSide);
-
     MatrixTransform(sensorSide, 3, 3);
-    MatrixMultiply(instrumentSide, sensorSide, 3, 3, 3, out);
+    MatrixMultiply(instrument.frame, sensorSide, 3, 3, 3, out);
 }
 
 void storeQvcOutput(const double* k, const float* qvcParameters, float* qvcMatrix) {

@@ -16,11 +16,21 @@ struct MeasuringDirection {
 MeasuringDirection measuringDirection(const double* M, const float* qvcParameters,
                                       double elevationOffset);
 
+// The measured direction and the vertical as the instrument has them.
+struct InstrumentSide {
+    double w2[3];     // the vertical: down in a mount mode of parity 0, else up
+    double elevation; // of the measured direction, degrees
+    double frame[9];  // columns e, b0, f: b0 the measured direction, e and f across it
+};
+
+// From the measured direction's azimuth and elevation in degrees and the mount mode's parity.
+InstrumentSide instrumentSide(int parity, double azimuth, double elevation);
+
 // The head's rotation, out row-major, from one level: its block (tilts 3, 4 of the axis, zero
-// offset 5 in degrees, gain 6), its reading in degrees with the sign reversed, and the mount mode's
-// parity.
-void rotationFromLevel(const float* levelParameters, double levelReading, int parity, double* w1,
-                       double azimuth, double elevation, double* out);
+// offset 5 in degrees, gain 6), its reading in degrees with the sign reversed, and the measuring
+// direction w1 in the sensor's frame.
+void rotationFromLevel(const float* levelParameters, double levelReading, double* w1,
+                       InstrumentSide& instrument, double* out);
 
 // qvcMatrix[0..2] = the QVC vector carried into the instrument frame by k.
 void storeQvcOutput(const double* k, const float* qvcParameters, float* qvcMatrix);

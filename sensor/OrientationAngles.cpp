@@ -44,10 +44,10 @@ OrientationAngles inDegrees(float rx, float rz, float ry) {
 } // namespace
 
 OrientationAngles machineAngles(const double* r) {
+    Column cz = unitColumn(r, 2); // first, since all waits for it
+    cz.y = -cz.y;
     const Column cx = unitColumn(r, 0);
     const Column cy = unitColumn(r, 1);
-    Column cz = unitColumn(r, 2);
-    cz.y = -cz.y;
 
     const auto rx = static_cast<float>(quadrantAngle(cz.z, cz.y));
     const auto [s, c] = sineCosine(rx);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 // Corrects the raw readings of one angle encoder through a calibration table: corrected = raw +
@@ -25,7 +26,12 @@ private:
         double angle;      // degrees
         double correction; // degrees
         double slope;      // of the correction up to the next row
+        // One turn is divided into as many equal sectors as the table has rows: the last row
+        // before the sector whose number is this row's index.
+        std::size_t lastBeforeSector;
     };
+
+    std::size_t sectorOf(double angle) const; // never falls where the angle rises
 
     std::vector<Row> rows; // ascending; begins and ends outside one turn, so that no look-up wraps
     float rawReading = 0.0F;

@@ -51,3 +51,5 @@ void CubicSplines(float* x, float* y, int n, double* coef);
 // end knots the curve goes on as the straight line with the end slope. *outside: v does not lie
 // between the first and the last knot (both included), or is not a number. n < 0 gives 0, outside.
 float CalcSpline(bool, float* x, double* coef, int n, float v, bool* outside);
+
+#include "support/zelutil/Inline.h" // the short ones

@@ -68,17 +68,15 @@ float CalcSpline(bool, float* x, double* coef, int n, float v, bool* outside) {
         *outside = true;
         return 0.0F;
     }
-    const float sense = x[n] >= x[0] ? 1.0F : -1.0F; // of the knots; times it, they rise
-    const float position = sense * v;
-    const float first = sense * x[0];
-    const float last = sense * x[n];
-    *outside = !(position >= first && position <= last);
+    const bool rising = x[n] >= x[0];
+    const auto reached = [&](int knot) { return rising ? v >= x[knot] : v <= x[knot]; };
+    const bool notBeyond = rising ? v <= x[n] : v >= x[n];
+    *outside = !(reached(0) && notBeyond);
 
-    const int i = position >= last
-                      ? n
-                      : lastNotAbove(n, [&](int knot) { return sense * x[knot] <= position; });
+    const int i = reached(n) ? n : lastNotAbove(n, reached);
     const Row row = rowOf(coef, i);
     const double t = static_cast<double>(v) - static_cast<double>(x[i]);
-    const double bend = position < first ? 0.0 : (row.d * t + row.c) * t;
+    const bool before = rising ? v < x[0] : v > x[0];
+    const double bend = before ? 0.0 : (row.d * t + row.c) * t;
     return static_cast<float>((bend + row.slope) * t + row.value);
 }

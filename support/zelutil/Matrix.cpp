@@ -18,17 +18,6 @@ constexpr double singular = 8 * std::numeric_limits<double>::epsilon();
 constexpr double smallestSquaredBound = 1e-200;
 constexpr double largestSquaredBound = 1e200;
 
-void multiply3(const double* a, const double* b, double* c) {
-    for (int row = 0; row < 3; ++row) {
-        const double a0 = a[3 * row];
-        const double a1 = a[3 * row + 1];
-        const double a2 = a[3 * row + 2];
-        c[3 * row] = a0 * b[0] + a1 * b[3] + a2 * b[6];
-        c[3 * row + 1] = a0 * b[1] + a1 * b[4] + a2 * b[7];
-        c[3 * row + 2] = a0 * b[2] + a1 * b[5] + a2 * b[8];
-    }
-}
-
 double squaredLength(const double* v) {
     return v[0] * v[0] + v[1] * v[1] + v[2] * v[2];
 }
@@ -120,11 +109,9 @@ bool invertByElimination(double* a, std::size_t n) {
 
 } // namespace
 
-void MatrixMultiply(const double* a, const double* b, int m, int n, int p, double* c) {
-    if (m == 3 && n == 3 && p == 3) {
-        multiply3(a, b, c);
-        return;
-    }
+namespace kiv::zelutil {
+
+void multiplyAny(const double* a, const double* b, int m, int n, int p, double* c) {
     for (int row = 0; row < m; ++row) {
         for (int column = 0; column < p; ++column) {
             double sum = -0.0; // keeps the sign of a first product that is zero
@@ -135,6 +122,20 @@ void MatrixMultiply(const double* a, const double* b, int m, int n, int p, doubl
     }
 }
 
+// Fills the places in order. A source before its target has been swapped away already, to the place
+// that was its own source.
+void transposeOblong(double* a, int rows, int cols) {
+    for (int target = 0; target < rows * cols; ++target) {
+        int source = target;
+        do
+            source = source % rows * cols + source / rows;
+        while (source < target);
+        std::swap(a[target], a[source]);
+    }
+}
+
+} // namespace kiv::zelutil
+
 bool MatrixInverse(double* a, int n) {
     if (n < 1)
         return false;
@@ -144,34 +145,4 @@ bool MatrixInverse(double* a, int n) {
             return invert3(a, squaredBound);
     }
     return invertByElimination(a, static_cast<std::size_t>(n));
-}
-
-void EyeMatrix(double* a, int n) {
-    for (int row = 0; row < n; ++row)
-        for (int column = 0; column < n; ++column)
-            a[row * n + column] = row == column ? 1.0 : 0.0;
-}
-
-void CrossMultiply(double* const a, double* const b, double* const c) {
-    c[0] = a[1] * b[2] - a[2] * b[1];
-    c[1] = a[2] * b[0] - a[0] * b[2];
-    c[2] = a[0] * b[1] - a[1] * b[0];
-}
-
-void MatrixTransform(double* const a, int rows, int cols) {
-    if (rows == cols) {
-        for (int row = 0; row < rows; ++row)
-            for (int column = row + 1; column < cols; ++column)
-                std::swap(a[row * cols + column], a[column * cols + row]);
-        return;
-    }
-    // Fills the places in order. A source before its target has been swapped away already, to the
-    // place that was its own source.
-    for (int target = 0; target < rows * cols; ++target) {
-        int source = target;
-        do
-            source = source % rows * cols + source / rows;
-        while (source < target);
-        std::swap(a[target], a[source]);
-    }
 }
