@@ -38,6 +38,11 @@ bool isRotation(const double* m) {
     return true;
 }
 
+// Squares of smaller numbers lose their digits, so that a normalised vector is not of length 1.
+bool hasOrdinaryVector(const double* M) {
+    return std::all_of(M, M + 3, [](double v) { return v == 0 || std::abs(v) > 1e-100; });
+}
+
 bool isAngle(float degrees) {
     return std::isnan(degrees) || std::abs(degrees) <= 180.001F;
 }
@@ -64,7 +69,7 @@ void runModel(const ModelInput& input) {
     const bool finite = std::all_of(M, M + 9, [](double v) { return std::isfinite(v); });
     if (mounting.mode <= 4)
         require(!ok || finite);
-    if (ok && finite)
+    if (ok && finite && hasOrdinaryVector(input.M))
         require(isRotation(M));
 }
 

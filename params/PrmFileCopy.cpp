@@ -15,12 +15,12 @@ constexpr std::chrono::milliseconds settlingTime{500}; // before and after the o
 
 // The temporary file's content is on the disk when the outcome's code is KIV_OK.
 kiv::ParseOutcome copyToTemporaryFile(const char* path) {
-    const kiv::ParseOutcome failed{KIV_CANNOT_OPEN, 0, {}, {}};
+    kiv::ParseOutcome failed{KIV_CANNOT_OPEN, 0, {}, {}};
     platform::InputFile file;
     platform::OutputFile copy;
     if (!file.open(path) || !copy.create(temporaryFile))
         return failed;
-    const auto [document, outcome] = kiv::parseForRewrite(file);
+    auto [document, outcome] = kiv::parseForRewrite(file);
     file.close();
     kiv::print(document, copy);
     copy.flush();
