@@ -47,7 +47,8 @@ void transverseVector(const MeasuredPoint& p, double beta, const AngleBetween& c
     // The line along t from the measured point meets the horizontal plane of the origin at the
     // length l, the horizontal distance m from the point; d is that intersection's distance from
     // the origin. Where z and beta agree in sign it lies behind the point, else ahead of it.
-    // At z = 0 both lengths vanish: no transverse vector, not one made of rounding errors.
+    // At z = 0 both lengths vanish, and t with them. Close to it rounding decides:
+    // docs/accuracy.md.
     if (p.z == 0) {
         t[0] = t[1] = t[2] = 0;
         return;

@@ -107,6 +107,19 @@ TEST(HomeAngles, FollowTheUpVector) {
     EXPECT_EQ(rows, 8 * 7 * 8);
 }
 
+// Beyond a right angle a tilt counts as its supplement: the up vector never points down.
+TEST(HomeAngles, LargeTiltCountsAsItsSupplement) {
+    CKiv sensor;
+    const D_VECTOR3 frameX{1, 0.2, -0.1}, direction{1, 1, 0.3};
+    double h[2] = {};
+    double v[2] = {};
+    EXPECT_TRUE(sensor.Calc_HV0(frameX, direction, {0, 0}, {60, 0, 0}, &h[0], &v[0]));
+    EXPECT_TRUE(sensor.Calc_HV0(frameX, direction, {0, 0}, {120, 0, 0}, &h[1], &v[1]));
+    EXPECT_GT(std::abs(v[0]), 1);
+    EXPECT_NEAR(h[0], h[1], 1e-9);
+    EXPECT_NEAR(v[0], v[1], 1e-9);
+}
+
 TEST(HomeAngles, SingularTiltFrameFails) {
     CKiv sensor;
     double h = 0;

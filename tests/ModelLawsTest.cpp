@@ -281,6 +281,14 @@ INSTANTIATE_TEST_SUITE_P(AllModes, ModelLaws, ::testing::ValuesIn(laws), [](cons
 
 TEST(ModelInterface, BaseClassDoesNothing) {
     CKivModel model;
+    float values[8] = {5};
+    model.UpdateSFactors(values, 8);
+    model.UpdateQVCParameters(values, 6);
+    model.UpdateLevel1Parameters(values, 7);
+    model.UpdateLevel2Parameters(values, 7);
+    values[0] = 6;
+    model.GetQVCMatrix(values, 6);
+    EXPECT_EQ(values[0], 6);
     const Matrix input{1, 2, 3, 4, 5, 6, 7, 8, 9};
     Matrix m = input;
     EXPECT_TRUE(model.CalTranxMatrix(m.data(), 1, 2, 3, true, true));
@@ -321,9 +329,11 @@ TEST(ModelInterface, UpdatesChangeTheFrontOfABlock) {
     model->UpdateLevel1Parameters(values, 4);
     EXPECT_NE(result(), before);
 
-    float untouched[6] = {5};
-    modelOf(simulator::typicalMounting(4))->GetQVCMatrix(untouched, 6);
-    EXPECT_EQ(untouched[0], 5);
+    for (const int mode : {2, 4, 6}) {
+        float untouched[6] = {5};
+        modelOf(simulator::typicalMounting(mode))->GetQVCMatrix(untouched, 6);
+        EXPECT_EQ(untouched[0], 5) << mode;
+    }
 }
 
 } // namespace
