@@ -395,8 +395,8 @@ ParsedFile parseParameterFile(ByteSource& source, std::optional<std::int32_t> id
     return parse(source, Purpose::load, id, survey);
 }
 
-ParsedFile parseForRewrite(ByteSource& source) {
-    return parse(source, Purpose::rewrite, std::nullopt, nullptr);
+ParsedFile parseForRewrite(ByteSource& source, Survey* survey) {
+    return parse(source, Purpose::rewrite, std::nullopt, survey);
 }
 
 } // namespace kiv

@@ -162,6 +162,7 @@ TEST_F(RewriteTool, SaysWhatItHasDoneAndCost) {
     const std::string text = parameterText({.values = {{serialNumber, "6"}, // not this file's
                                                        {qvc, "1e-7 2 0 -4e-7 5.0000001 6"},
                                                        {admOffset, "0.0123456"},
+                                                       {tiltXCalibration, "-1 -8.7654321 3e-7 1 x"},
                                                        {tiltOffset, "123.45671 0"}}});
     write(text);
     const ToolResult first = run();
@@ -170,11 +171,14 @@ TEST_F(RewriteTool, SaysWhatItHasDoneAndCost) {
               "DIR/Tg5.prm: rewritten\n"
               "largest relative change of a value: 3.2e-05, from 0.0123456 to 0.012346 in "
               "\"ADM Offset\", line 32, column 1\n");
-    EXPECT_EQ(shown(first.err),
-              "DIR/Tg5.prm:71:1: expected the value 1e-07 in \"QVC\", found 0, all that six "
-              "decimals keep of it (warning)\n"
-              "DIR/Tg5.prm:71:28: expected the value -4e-07 in \"QVC\", found 0, all that six "
-              "decimals keep of it (warning)\n");
+    EXPECT_EQ(
+        shown(first.err),
+        "DIR/Tg5.prm:45:11: expected the value 3e-07 in \"Tilt X Calibration Table\", found 0, "
+        "all that six decimals keep of it (warning)\n"
+        "DIR/Tg5.prm:67:1: expected the value 1e-07 in \"QVC\", found 0, all that six "
+        "decimals keep of it (warning)\n"
+        "DIR/Tg5.prm:67:28: expected the value -4e-07 in \"QVC\", found 0, all that six "
+        "decimals keep of it (warning)\n");
     EXPECT_EQ(file(), printed(documentOf(text)));
     EXPECT_EQ(copy(), std::nullopt);
     EXPECT_EQ(fs::current_path(), home);
