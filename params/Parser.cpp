@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "params/CloseTitle.h"
+#include "params/Quoted.h"
 #include "support/platform/ByteSource.h"
 
 namespace kiv {
@@ -16,22 +17,6 @@ namespace {
 
 constexpr const char* endOfFile = "end of file";
 constexpr const char* longWord = "a word of at most 255 characters";
-
-std::string quoted(std::string_view text) {
-    constexpr std::size_t maxShown = 40;
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string shown = "\"";
-    for (const char c : text.substr(0, maxShown)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte > 0x7E)
-            shown.append({'\\', 'x', digits[byte >> 4], digits[byte & 0xF]});
-        else if (c == '"' || c == '\\')
-            shown.append({'\\', c});
-        else
-            shown += c;
-    }
-    return shown + (text.size() > maxShown ? "...\"" : "\"");
-}
 
 std::string_view remarkOn(NumberResult result) {
     switch (result) {
