@@ -138,7 +138,7 @@ bool FileParser::readTitle() {
     for (int i = 0; i < layout->titleWords && complete && !hasPassed(layout->block); ++i) {
         const std::string_view word = scanner.peekWord();
         if (word.size() > Scanner::maxLength)
-            return fail(findingAtWord(longWord + (" of the title " + title)));
+            return fail(findingAtWord(longWord + (" in the title " + title)));
         complete = !word.empty();
         takeTitleWord(word);
         if (survey) // another title may have fewer words; its values stay
