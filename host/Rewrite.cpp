@@ -62,6 +62,12 @@ ParsedFile valuesIn(const std::string& path) {
     return parseForRewrite(file);
 }
 
+std::string printed(const Document& document) {
+    TextSink sink;
+    print(document, sink);
+    return std::move(sink.text);
+}
+
 // What the disk shows of the file and of its copy.
 enum class State { gone, asBefore, rewritten, another, missing, incomplete, complete, unreadable };
 
@@ -76,13 +82,11 @@ std::string_view shown(State state) {
 class Rewriting {
 public:
     Rewriting(std::string fileName, ParsedFile parsed)
-        : file(std::move(fileName)), before(std::move(parsed)) {
-        TextSink sink;
-        print(before.document, sink);
-        expected = std::move(sink.text);
+        : file(std::move(fileName)), before(std::move(parsed)), expected(printed(before.document)) {
     }
 
-    // What a temporary file of an earlier rewrite is, where it must not be replaced; else empty.
+    // What a temporary file of an earlier rewrite is, where it must not be replaced, as its values
+    // may be nowhere else; else empty.
     std::string obstacle() const;
     int run(std::int32_t id);
 
@@ -101,19 +105,17 @@ private:
 std::string Rewriting::obstacle() const {
     if (!fs::is_regular_file(temporaryName))
         return "";
-    platform::InputFile copy;
-    if (!copy.open(temporaryName))
+    if (fs::equivalent(temporaryName, file))
+        return "a second name of " + file + "; keep it under its own name alone";
+    const auto [document, outcome] = valuesIn(temporaryName);
+    if (outcome.code == KIV_CANNOT_OPEN)
         return "a file that cannot be read";
-    const ParsedFile parsed = parseParameterFile(copy, std::nullopt);
-    if (parsed.outcome.code == KIV_CANNOT_OPEN)
-        return "a file that cannot be read";
-    if (parsed.outcome.code != KIV_OK)
+    if (outcome.code != KIV_OK || printed(document) == expected)
         return "";
-    const std::string id = std::to_string(parsed.document.find(Block::serialNumber)->integer);
-    const std::string name = "Tg" + id + ".prm";
-    return fs::exists(name)
-               ? ""
-               : "the only file of sensor " + id + "; name it " + name + " or delete it";
+    return "a whole parameter file, of sensor "
+           + std::to_string(document.find(Block::serialNumber)->integer)
+           + ", with other values than " + file
+           + "; give it the name that it is to have or delete it";
 }
 
 int Rewriting::run(std::int32_t id) {

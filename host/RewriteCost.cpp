@@ -41,7 +41,7 @@ void reportCost(const Document& before, const std::string& rewritten, const std:
                 std::ostream& out, std::ostream& err) {
     TextSource source(rewritten);
     Survey survey;
-    const Document after = parseParameterFile(source, std::nullopt, &survey).document;
+    const Document after = parseForRewrite(source, &survey).document;
     Change largest;
     bool lost = false;
     for (const BlockLayout& layout : blockTable) {

@@ -18,14 +18,6 @@ std::string cellCount(std::size_t count) {
 
 } // namespace
 
-std::string quoted(std::string_view text) {
-    constexpr std::size_t most = 40;
-    std::string shown = "\"";
-    shown += text.substr(0, most);
-    shown += text.size() > most ? "...\"" : "\"";
-    return shown;
-}
-
 Table::Table(std::istream& in, std::string shownName, std::ostream& messages,
              std::span<const std::string_view> columnNames)
     : csv(in), name(std::move(shownName)), err(messages), wanted(columnNames) {}

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/Csv.h"
+#include "params/Quoted.h"
 
 namespace kiv::host {
 
@@ -70,9 +71,6 @@ private:
     std::vector<std::string> names;   // raw text of all
     std::vector<std::size_t> carried;
 };
-
-// A cell's text as messages show it.
-std::string quoted(std::string_view text);
 
 template <typename Number>
 bool Table::readNumber(std::size_t i, Number& value) const {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "params/CloseTitle.h"
+#include "params/Quoted.h"
 #include "support/platform/ByteSource.h"
 
 namespace kiv {
@@ -16,22 +17,6 @@ namespace {
 
 constexpr const char* endOfFile = "end of file";
 constexpr const char* longWord = "a word of at most 255 characters";
-
-std::string quoted(std::string_view text) {
-    constexpr std::size_t maxShown = 40;
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string shown = "\"";
-    for (const char c : text.substr(0, maxShown)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte > 0x7E)
-            shown.append({'\\', 'x', digits[byte >> 4], digits[byte & 0xF]});
-        else if (c == '"' || c == '\\')
-            shown.append({'\\', c});
-        else
-            shown += c;
-    }
-    return shown + (text.size() > maxShown ? "...\"" : "\"");
-}
 
 std::string_view remarkOn(NumberResult result) {
     switch (result) {
@@ -153,7 +138,7 @@ bool FileParser::readTitle() {
     for (int i = 0; i < layout->titleWords && complete && !hasPassed(layout->block); ++i) {
         const std::string_view word = scanner.peekWord();
         if (word.size() > Scanner::maxLength)
-            return fail(findingAtWord(longWord + (" of the title " + title)));
+            return fail(findingAtWord(longWord + (" in the title " + title)));
         complete = !word.empty();
         takeTitleWord(word);
         if (survey) // another title may have fewer words; its values stay
@@ -395,8 +380,8 @@ ParsedFile parseParameterFile(ByteSource& source, std::optional<std::int32_t> id
     return parse(source, Purpose::load, id, survey);
 }
 
-ParsedFile parseForRewrite(ByteSource& source) {
-    return parse(source, Purpose::rewrite, std::nullopt, nullptr);
+ParsedFile parseForRewrite(ByteSource& source, Survey* survey) {
+    return parse(source, Purpose::rewrite, std::nullopt, survey);
 }
 
 } // namespace kiv

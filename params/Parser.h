@@ -66,6 +66,6 @@ ParsedFile parseParameterFile(ByteSource& source, std::optional<std::int32_t> id
 
 // The same for a rewrite, which must not change a value: one that cannot be read is a failure of
 // its block, a count below 1 stands for no rows, and the serial number may be any.
-ParsedFile parseForRewrite(ByteSource& source);
+ParsedFile parseForRewrite(ByteSource& source, Survey* survey = nullptr);
 
 } // namespace kiv

@@ -79,7 +79,7 @@ TEST(Check, SaysAllThatIsWrong) {
          R"(5:1: expected the title "AZ Position Gain", found "some 7 words"
 )"},
         {"nothing of it", "junk " + std::string(300, 'x'),
-         R"(1:6: expected a word of at most 255 characters of the title "Serial Number", found )"
+         R"(1:6: expected a word of at most 255 characters in the title "Serial Number", found )"
          R"("xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx..."
 1:306: expected the title "Device Owner", found end of file
 )"},

@@ -162,6 +162,7 @@ TEST_F(RewriteTool, SaysWhatItHasDoneAndCost) {
     const std::string text = parameterText({.values = {{serialNumber, "6"}, // not this file's
                                                        {qvc, "1e-7 2 0 -4e-7 5.0000001 6"},
                                                        {admOffset, "0.0123456"},
+                                                       {tiltXCalibration, "-1 -8.7654321 3e-7 1 x"},
                                                        {tiltOffset, "123.45671 0"}}});
     write(text);
     const ToolResult first = run();
@@ -170,17 +171,22 @@ TEST_F(RewriteTool, SaysWhatItHasDoneAndCost) {
               "DIR/Tg5.prm: rewritten\n"
               "largest relative change of a value: 3.2e-05, from 0.0123456 to 0.012346 in "
               "\"ADM Offset\", line 32, column 1\n");
-    EXPECT_EQ(shown(first.err),
-              "DIR/Tg5.prm:71:1: expected the value 1e-07 in \"QVC\", found 0, all that six "
-              "decimals keep of it (warning)\n"
-              "DIR/Tg5.prm:71:28: expected the value -4e-07 in \"QVC\", found 0, all that six "
-              "decimals keep of it (warning)\n");
+    EXPECT_EQ(
+        shown(first.err),
+        "DIR/Tg5.prm:45:11: expected the value 3e-07 in \"Tilt X Calibration Table\", found 0, "
+        "all that six decimals keep of it (warning)\n"
+        "DIR/Tg5.prm:67:1: expected the value 1e-07 in \"QVC\", found 0, all that six "
+        "decimals keep of it (warning)\n"
+        "DIR/Tg5.prm:67:28: expected the value -4e-07 in \"QVC\", found 0, all that six "
+        "decimals keep of it (warning)\n");
     EXPECT_EQ(file(), printed(documentOf(text)));
     EXPECT_EQ(copy(), std::nullopt);
     EXPECT_EQ(fs::current_path(), home);
+    std::ofstream(folder.path() + "/$tmp.prm") << *file(); // as when the old file was not deleted
     const ToolResult second = run();
     EXPECT_EQ(shown(second.out), "DIR/Tg5.prm: rewritten\nno value has changed\n");
     EXPECT_EQ(second.err, "");
+    EXPECT_EQ(copy(), std::nullopt);
 }
 
 TEST_F(RewriteTool, SaysWhyItRefuses) {
@@ -197,16 +203,28 @@ TEST_F(RewriteTool, SaysWhyItRefuses) {
          "\"x\"\nDIR/Tg5.prm is as before, the copy in DIR/$tmp.prm is incomplete\n"},
         {"title", parameterText({.titles = {{qvc, "qvc"}}}), "the rest of another", 1,
          "DIR/Tg5.prm:49:1: expected the title \"QVC\""},
-        {"another sensor's only file", parameterText(),
+        {"another sensor's whole copy", parameterText(),
          parameterText({.values = {{serialNumber, "7"}}}), 2,
-         "DIR/$tmp.prm:1:1: expected nothing that is needed, found the only file of sensor 7; name "
-         "it Tg7.prm or delete it"},
+         "DIR/$tmp.prm:1:1: expected nothing that is needed, found a whole parameter file, of "
+         "sensor 7, with other values than Tg5.prm; give it the name that it is to have or delete "
+         "it\n"},
+        {"the same sensor's, with other values", parameterText(), parameterText({.shift = 0.5F}), 2,
+         "of sensor 5, with other values"},
+        {"one with a table that has no rows", parameterText(),
+         parameterText({.values = {{azCalibration, "0"}}}), 2, "of sensor 5, with other values"},
+        {"one beside a faulty file", parameterText({.values = {{tiltOffset, "1 x"}}}),
+         parameterText(), 2, "of sensor 5, with other values"},
+        {"the file itself", parameterText(), "a second name", 2,
+         "DIR/$tmp.prm:1:1: expected nothing that is needed, found a second name of Tg5.prm; keep "
+         "it under its own name alone\n"},
     };
     for (const auto& row : rows) {
         write(row.file);
         const fs::path copyPath = fs::path(folder.path()) / "$tmp.prm";
         fs::remove(copyPath);
-        if (!row.copy.empty())
+        if (row.copy == "a second name")
+            fs::create_hard_link(folder.file(), copyPath);
+        else if (!row.copy.empty())
             std::ofstream(copyPath, std::ios::binary) << row.copy;
         const ToolResult result = run();
         EXPECT_EQ(result.code, row.code) << row.name;
@@ -215,7 +233,7 @@ TEST_F(RewriteTool, SaysWhyItRefuses) {
                                                                            << result.err;
         EXPECT_EQ(file(), row.file) << row.name;
         if (row.code == 2) {
-            EXPECT_EQ(copy(), row.copy) << row.name;
+            EXPECT_EQ(copy(), row.copy == "a second name" ? row.file : row.copy) << row.name;
         }
     }
     fs::create_directory(folder.path() + "/Tg8.prm");

@@ -282,6 +282,7 @@ TEST(Messages, HaveTheirTexts) {
         EXPECT_TRUE(messageText(id)) << id;
     for (const unsigned id : {0U, 600U, 625U})
         EXPECT_FALSE(messageText(id)) << id;
+    EXPECT_STREQ(messageCaption, "Zel Error Message for KIV");
     EXPECT_STREQ(messageText(615), "Block title \"ADM Offset\" is not foun.");
     EXPECT_STREQ(messageText(619), "Block title \"Tilt YCalibration Table\" is not found.");
     EXPECT_STREQ(messageText(620), "PRM File Format Error");

@@ -29,8 +29,36 @@ inline std::string refusalOf(const TextChanges& changes) {
     return shown.str();
 }
 
-// Every kind of fault in every block, one at a time.
+// Every kind of fault in every block that can have it, one at a time; those that read alike
+// wherever they are, in one block.
 inline std::string refusals() {
+    using enum Block;
+    const std::string longWord(256, 'o');
+    const struct {
+        const char* name;
+        Block block;
+        TextChanges changes;
+    } faultsOfOneBlock[] = {
+        {"the ID of another sensor", serialNumber, {.values = {{serialNumber, "6"}}}},
+        {"an ID out of range", serialNumber, {.values = {{serialNumber, "2147483648"}}}},
+        {"a word over 255 characters", deviceOwner, {.values = {{deviceOwner, longWord}}}},
+        {"a number out of range", admOffset, {.values = {{admOffset, "1e39"}}}},
+        {"a number over 255 characters",
+         admOffset,
+         {.values = {{admOffset, "0." + std::string(254, '1')}}}},
+        {"a title's word over 255 characters",
+         admOffset,
+         {.titles = {{admOffset, "ADM " + longWord}}}},
+        {"a title over 255 characters in all",
+         admOffset,
+         {.titles = {{admOffset, longWord.substr(10) + "ADM Offset"}}}},
+        {"a row count out of range",
+         azCalibration,
+         {.values = {{azCalibration, "3000000000 1 2"}}}},
+        {"a closing word over 255 characters",
+         tiltXCalibration,
+         {.values = {{tiltXCalibration, "1 1 1 -30 30 0 " + longWord}}}},
+    };
     std::string all;
     const auto add = [&all](const std::string& fault, const TextChanges& changes) {
         all += "\n  " + fault + '\n' + refusalOf(changes);
@@ -55,7 +83,13 @@ inline std::string refusals() {
             add("a word for a number",
                 {.values = {{block, values.substr(0, number) + 'x' + values.substr(number)}}});
         if (table)
-            add("a row count of 0", {.values = {{block, '0' + values.substr(1)}}});
+            for (const auto& [fault, count] : {std::pair{"a word for the row count", "x3"},
+                                               {"a row count of 0", "0"},
+                                               {"a negative row count", "-3"}})
+                add(fault, {.values = {{block, count + values.substr(1)}}});
+        for (const auto& fault : faultsOfOneBlock)
+            if (fault.block == block)
+                add(fault.name, fault.changes);
         add("the file ending before it", {.blocks = i});
     }
     return all;
