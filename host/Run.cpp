@@ -1,7 +1,9 @@
 #include "host/Run.h"
 
 #include <array>
+#include <charconv>
 #include <cmath>
+#include <iterator>
 #include <ostream>
 
 #include "host/Csv.h"
@@ -43,11 +45,13 @@ constexpr std::array<std::string_view, 21> resultColumns{"state",
 
 // What the update did not compute, and what is no number, stays empty.
 void appendResult(std::string& text, const RowResult& result, int mode) {
+    char row[32 * resultColumns.size()]; // no number takes more
+    char* end = row;
     const auto cells = [&](const auto* values, std::size_t count, bool computed) {
         for (std::size_t i = 0; i < count; ++i) {
-            text.push_back(',');
+            *end++ = ',';
             if (computed && std::isfinite(static_cast<double>(values[i])))
-                appendNumber(text, values[i]);
+                end = std::to_chars(end, std::end(row), values[i]).ptr; // shortest
         }
     };
     const KIV_INFO& info = result.info;
@@ -59,13 +63,14 @@ void appendResult(std::string& text, const RowResult& result, int mode) {
 
     const float corrected[] = {info.azimuth, info.elevation, info.levelX, info.levelY};
     const float angles[] = {info.rx, info.ry, info.rz};
-    text += rowStateNames[static_cast<std::size_t>(result.state)];
     cells(corrected, 4, reached);
     cells(angles, 3, oriented);
     cells(info.qvc, 3, modelled && threeVector);
     cells(result.matrix, 9, oriented && !threeVector);
     cells(&result.code, 1, reached);
-    text.push_back('\n');
+    *end++ = '\n';
+    text += rowStateNames[static_cast<std::size_t>(result.state)];
+    text.append(row, end);
 }
 
 } // namespace

@@ -63,6 +63,23 @@ void CubicSplines(float* x, float* y, int n, double* coef) {
     }
 }
 
+namespace {
+
+// The last of the knots 0 to n - 1 that v has reached. Knots mostly stand at even steps: then the
+// first look is enough.
+template <class Reached>
+int segmentOf(const float* x, int n, float v, Reached reached) {
+    const float part = (v - x[0]) / (x[n] - x[0]);
+    if (part > 0.0F && part < 1.0F) {
+        const auto even = static_cast<int>(part * static_cast<float>(n));
+        if (even < n && reached(even) && !reached(even + 1))
+            return even;
+    }
+    return lastNotAbove(n, reached);
+}
+
+} // namespace
+
 float CalcSpline(bool, float* x, double* coef, int n, float v, bool* outside) {
     if (n < 0) {
         *outside = true;
@@ -73,7 +90,7 @@ float CalcSpline(bool, float* x, double* coef, int n, float v, bool* outside) {
     const bool notBeyond = rising ? v <= x[n] : v >= x[n];
     *outside = !(reached(0) && notBeyond);
 
-    const int i = reached(n) ? n : lastNotAbove(n, reached);
+    const int i = reached(n) ? n : segmentOf(x, n, v, reached);
     const Row row = rowOf(coef, i);
     const double t = static_cast<double>(v) - static_cast<double>(x[i]);
     const bool before = rising ? v < x[0] : v > x[0];
