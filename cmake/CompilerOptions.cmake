@@ -1,6 +1,7 @@
 # Options that every target of the project is compiled with. Contraction off: the same input gives the
-# same bits on every build of one toolchain. g++ 12's vectorizing of neighbouring statements leaves out
-# the rounding of a double to single precision that is widened again at once (OrientationAngles.cpp).
+# same bits on every build of one toolchain. Nothing reads the errno of a mathematical function. g++ 12's
+# vectorizing of neighbouring statements leaves out the rounding of a double to single precision that is
+# widened again at once (OrientationAngles.cpp).
 function(kiv_compile_options target)
     if(MSVC)
         target_compile_options(${target} PRIVATE /W4 /fp:precise)
@@ -9,7 +10,8 @@ function(kiv_compile_options target)
         endif()
     else()
         target_compile_options(${target} PRIVATE
-            -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -ffp-contract=off)
+            -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+            -ffp-contract=off -fno-math-errno)
         if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
             target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize)
         endif()

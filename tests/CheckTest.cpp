@@ -48,6 +48,9 @@ std::string without(std::string text, const std::string& part) {
 // The messages, without the path.
 TEST(Check, SaysAllThatIsWrong) {
     using enum Block;
+    std::string longJunk;
+    for (int i = 0; i < 20; ++i)
+        longJunk += "Junk ";
     const struct {
         const char* name;
         std::string text;
@@ -75,7 +78,8 @@ TEST(Check, SaysAllThatIsWrong) {
          R"(3:1: expected the title "Device Owner", found "AZ Position"
 54:1: expected the title "Mounting Mode", found "QVC"
 )"},
-        {"junk", parameterText(titled(azPositionGain, "some 7 words AZ Position Gain")),
+        {"junk",
+         parameterText(titled(azPositionGain, "some 7 words " + longJunk + "AZ Position Gain")),
          R"(5:1: expected the title "AZ Position Gain", found "some 7 words"
 )"},
         {"nothing of it", "junk " + std::string(300, 'x'),
