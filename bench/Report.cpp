@@ -139,7 +139,7 @@ void printGrowth(const Costs& costs) {
         {"load by tokens, each", "load", {1800, 2400000}},
         {"rewrite by tokens, each", "rewrite", {1800, 2400000}},
     };
-    std::printf("\ncost by size, ns\n");
+    const char* title = "\ncost by size, ns\n";
     for (const auto& row : rows) {
         std::string line;
         for (const int size : row.sizes) {
@@ -151,8 +151,10 @@ void printGrowth(const Costs& costs) {
                 line += cell;
             }
         }
-        if (!line.empty())
-            std::printf("%-26s%s\n", row.text, line.c_str());
+        if (line.empty())
+            continue;
+        std::printf("%s%-26s%s\n", title, row.text, line.c_str());
+        title = "";
     }
 }
 
