@@ -3,15 +3,19 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <regex>
 #include <sstream>
+#include <streambuf>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "host/Interrupt.h"
 #include "host/ParameterFile.h"
 #include "simulator/Pose.h"
 #include "tests/ParameterRecord.h"
@@ -46,6 +50,63 @@ TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
                   std::string::npos)
             << result.err;
     }
+}
+
+// Three rows; then the user presses Ctrl-C, and three more rows are read.
+class InterruptedReadings final : public std::streambuf {
+public:
+    explicit InterruptedReadings(bool moreAtHand) : more(moreAtHand) {
+        give(test::header + row() + row() + row());
+    }
+
+protected:
+    int_type underflow() override {
+        if (interrupted)
+            return traits_type::eof();
+        interrupted = true;
+        std::raise(SIGINT);
+        give(row() + row() + row());
+        return traits_type::to_int_type(*gptr());
+    }
+    std::streamsize showmanyc() override { return more ? 1 : 0; }
+
+private:
+    static std::string row() { return "0," + test::good; }
+    void give(const std::string& next) {
+        text = next;
+        setg(text.data(), text.data(), text.data() + text.size());
+    }
+
+    bool more;
+    bool interrupted = false;
+    std::string text;
+};
+
+// With input at hand the row that is being read is the last one; else the tool ends where it waits.
+TEST(Tool, InterruptLeavesCompleteRows) {
+#ifndef GTEST_HAS_DEATH_TEST
+    GTEST_SKIP() << "no test in a process of its own";
+#else
+    const std::string path = ::testing::TempDir() + "kiv_interrupted.csv";
+    for (const bool moreAtHand : {true, false}) {
+        SCOPED_TRACE(moreAtHand);
+        const char* const arguments[] = {"kiv", "run", example.c_str(), "-", "-o", path.c_str()};
+        const auto run = [&] {
+            host::Interrupt::install();
+            InterruptedReadings readings(moreAtHand);
+            std::istream in(&readings);
+            std::ostringstream ignored;
+            std::exit(host::runTool(6, arguments, {in, ignored, ignored}));
+        };
+        EXPECT_EXIT(run(), ::testing::ExitedWithCode(130), "");
+        std::ifstream file(path, std::ios::binary);
+        const std::string results{std::istreambuf_iterator<char>(file), {}};
+        EXPECT_EQ(lines(results).size(), moreAtHand ? 5U : 4U);
+        EXPECT_TRUE(results.ends_with(",0\n"))
+            << results; // the last cell of a row, ReadMatrix's code
+    }
+    std::filesystem::remove(path);
+#endif
 }
 
 TEST(Tool, ParameterFileNamesGiveTheSensor) {
