@@ -55,48 +55,26 @@ std::vector<MathCall> unavoidableCalls(const SensorCases& cases) {
 // The linker leads the models' calls of f to __wrap_f, and those of __real_f to f.
 extern "C" {
 
-double __real_sin(double x);
-double __real_cos(double x);
+#define RECORDED(name, function)                                                                   \
+    double __real_##name(double x);                                                                \
+    double __wrap_##name(double x) {                                                               \
+        note({MathFunction::function, x, 0});                                                      \
+        return __real_##name(x);                                                                   \
+    }
+RECORDED(sin, sine)
+RECORDED(cos, cosine)
+RECORDED(tan, tangent)
+RECORDED(asin, arcSine)
+RECORDED(acos, arcCosine)
+RECORDED(atan, arcTangent)
+#undef RECORDED
+
 void __real_sincos(double x, double* s, double* c);
-double __real_tan(double x);
-double __real_asin(double x);
-double __real_acos(double x);
-double __real_atan(double x);
 double __real_atan2(double y, double x);
-
-double __wrap_sin(double x) {
-    note({MathFunction::sine, x, 0});
-    return __real_sin(x);
-}
-
-double __wrap_cos(double x) {
-    note({MathFunction::cosine, x, 0});
-    return __real_cos(x);
-}
 
 void __wrap_sincos(double x, double* s, double* c) {
     note({MathFunction::sineAndCosine, x, 0});
     __real_sincos(x, s, c);
-}
-
-double __wrap_tan(double x) {
-    note({MathFunction::tangent, x, 0});
-    return __real_tan(x);
-}
-
-double __wrap_asin(double x) {
-    note({MathFunction::arcSine, x, 0});
-    return __real_asin(x);
-}
-
-double __wrap_acos(double x) {
-    note({MathFunction::arcCosine, x, 0});
-    return __real_acos(x);
-}
-
-double __wrap_atan(double x) {
-    note({MathFunction::arcTangent, x, 0});
-    return __real_atan(x);
 }
 
 double __wrap_atan2(double y, double x) {

@@ -6,7 +6,7 @@
 #include <ostream>
 
 #include "host/Files.h"
-#include "host/Interrupt.h"
+#include "host/RowLoop.h"
 #include "host/Table.h"
 #include "sensor/CKiv.h"
 
@@ -86,12 +86,8 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
     text += "state,home_h_deg,home_v_deg\n";
     CKiv sensor;
     bool allSolved = true;
-    bool wouldWait = false;
-    const auto nextRow = [&] {
-        const Interrupt::Waiting waiting(wouldWait);
-        return table.nextRow();
-    };
-    while (!Interrupt::requested() && nextRow()) {
+    const auto next = [&] { return table.nextRow(); };
+    forEachRow(table, next, [&](bool inputWouldWait) {
         Numbers numbers{};
         bool good = table.checkRow();
         for (std::size_t i = 0; good && i < numbers.size(); ++i)
@@ -109,10 +105,8 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         if (home)
             appendNumber(text, home->vertical);
         text.push_back('\n');
-        wouldWait = table.wouldWait();
-        if (!output.endRow(wouldWait))
-            break;
-    }
+        return output.endRow(inputWouldWait);
+    });
     if (!finishTable(table, input, output, streams.err))
         return unusable;
     if (Interrupt::requested())

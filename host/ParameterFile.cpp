@@ -52,7 +52,9 @@ bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& e
     return code == KIV_OK;
 }
 
-bool configure(CKiv& sensor, CKivPrm& record, const std::string& path, std::ostream& err) {
+bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err) {
+    if (!loadParameterFile(path, record, err))
+        return false;
     const int code = configureSensor(sensor, record);
     if (code != KIV_OK)
         err << path << ":1:1: expected values that a sensor takes, found code " << code << " ("

@@ -27,7 +27,7 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
 // library would take for 0, is refused, with every reason on err.
 bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err);
 
-// Hands a loaded record to a sensor; false, and a message, when the sensor does not take it.
-bool configure(CKiv& sensor, CKivPrm& record, const std::string& path, std::ostream& err);
+// The same, and hands the record to a sensor; false, and a message, when that does not take it.
+bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err);
 
 } // namespace kiv::host

@@ -8,6 +8,7 @@
 #include "host/Files.h"
 #include "host/Interrupt.h"
 #include "host/ParameterFile.h"
+#include "host/Progress.h"
 #include "host/ReportPage.h"
 #include "host/RowLoop.h"
 #include "params/CKivPrm.h"
@@ -105,8 +106,7 @@ void addRow(ReportContent& content, const RowResult& result, double time,
 int reportReadings(const ReportOptions& options, const Streams& streams) {
     CKivPrm record;
     CKiv sensor;
-    if (!loadParameterFile(options.parameterFile, record, streams.err)
-        || !configure(sensor, record, options.parameterFile, streams.err)
+    if (!loadSensor(options.parameterFile, record, sensor, streams.err)
         || refuseOverwriting(options.page, {options.parameterFile, options.readings}, streams.err))
         return unusable;
     sensor.setMcsFlag(!options.localFrame);
@@ -137,9 +137,12 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     TimeColumn time(table);
     const Truth truth(table, !options.localFrame || content.mountMode >= firstThreeVectorMode);
     RowRunner rows(sensor, table);
+    RowResult result;
     {
         Progress progress(streams.err, streams.errIsTerminal && !options.quiet, input.size());
-        forEachRow(rows, table, progress, [&](const RowResult& result, bool) {
+        const auto next = [&] { return rows.next(result); };
+        forEachRow(table, next, [&](bool) {
+            progress.row(table.rowBytes());
             const double t = time.at(table, result.refusal);
             const auto trueAngles = truth.angles(table);
             content.summary.add(result, table.lineNumber(), trueAngles);
@@ -161,11 +164,7 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     output.text() = reportPage(content);
     if (!finishTable(table, input, output, streams.err))
         return unusable;
-    if (!options.quiet)
-        content.summary.print(streams.err);
-    if (Interrupt::requested())
-        return interrupted;
-    return content.summary.allGood() ? allGood : someRowsBad;
+    return finishRun(content.summary, options.quiet, streams.err);
 }
 
 } // namespace kiv::host

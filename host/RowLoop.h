@@ -1,26 +1,21 @@
 #pragma once
 
 #include "host/Interrupt.h"
-#include "host/Progress.h"
-#include "host/RowResult.h"
-#include "host/Table.h"
 
 namespace kiv::host {
 
-// Takes the rows of a table through a sensor until the table ends, the user interrupts, or
-// each(result, inputWouldWait) gives false.
-template <typename Each>
-void forEachRow(RowRunner& rows, const Table& table, Progress& progress, Each&& each) {
-    RowResult result;
+// Takes rows of a source through next(), false at its end, to each(inputWouldWait), until there is
+// none left, the user interrupts, or each gives false.
+template <typename Source, typename Next, typename Each>
+void forEachRow(const Source& source, Next next, Each each) {
     bool wouldWait = false;
     const auto nextRow = [&] {
         const Interrupt::Waiting waiting(wouldWait);
-        return rows.next(result);
+        return !Interrupt::requested() && next();
     };
-    while (!Interrupt::requested() && nextRow()) {
-        wouldWait = table.wouldWait();
-        progress.row(table.rowBytes());
-        if (!each(result, wouldWait))
+    while (nextRow()) {
+        wouldWait = source.wouldWait();
+        if (!each(wouldWait))
             break;
     }
 }

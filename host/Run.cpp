@@ -8,8 +8,8 @@
 
 #include "host/Csv.h"
 #include "host/Files.h"
-#include "host/Interrupt.h"
 #include "host/ParameterFile.h"
+#include "host/Progress.h"
 #include "host/RowLoop.h"
 #include "host/Summary.h"
 #include "params/CKivPrm.h"
@@ -78,8 +78,7 @@ void appendResult(std::string& text, const RowResult& result, int mode) {
 int runReadings(const RunOptions& options, const Streams& streams) {
     CKivPrm record;
     CKiv sensor;
-    if (!loadParameterFile(options.parameterFile, record, streams.err)
-        || !configure(sensor, record, options.parameterFile, streams.err)
+    if (!loadSensor(options.parameterFile, record, sensor, streams.err)
         || refuseOverwriting(options.results, {options.parameterFile, options.readings},
                              streams.err))
         return unusable;
@@ -104,9 +103,12 @@ int runReadings(const RunOptions& options, const Streams& streams) {
     const Truth truth(table, !options.localFrame || mode >= firstThreeVectorMode);
     Summary summary;
     RowRunner rows(sensor, table);
+    RowResult result;
     {
         Progress progress(streams.err, streams.errIsTerminal && !options.quiet, input.size());
-        forEachRow(rows, table, progress, [&](const RowResult& result, bool inputWouldWait) {
+        const auto next = [&] { return rows.next(result); };
+        forEachRow(table, next, [&](bool inputWouldWait) {
+            progress.row(table.rowBytes());
             table.appendCarriedCells(text);
             appendResult(text, result, mode);
             summary.add(result, table.lineNumber(), truth.angles(table));
@@ -115,11 +117,7 @@ int runReadings(const RunOptions& options, const Streams& streams) {
     }
     if (!finishTable(table, input, output, streams.err))
         return unusable;
-    if (!options.quiet)
-        summary.print(streams.err);
-    if (Interrupt::requested())
-        return interrupted;
-    return summary.allGood() ? allGood : someRowsBad;
+    return finishRun(summary, options.quiet, streams.err);
 }
 
 } // namespace kiv::host

@@ -5,10 +5,10 @@
 
 #include "host/Csv.h"
 #include "host/Files.h"
-#include "host/Interrupt.h"
 #include "host/ParameterFile.h"
 #include "host/Poses.h"
 #include "host/Readings.h"
+#include "host/RowLoop.h"
 #include "params/CKivPrm.h"
 #include "sensor/SensorAccess.h"
 #include "simulator/InverseCalibration.h"
@@ -167,16 +167,16 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
     std::string& text = output.text();
     appendNames(text, *poses);
     bool allReached = true;
-    bool wouldWait = false;
     SimulatedPose pose;
-    const auto nextPose = [&] {
-        const Interrupt::Waiting waiting(wouldWait);
-        return Interrupt::requested() ? NextPose::end : poses->next(pose);
+    NextPose found = NextPose::end;
+    const auto next = [&] {
+        found = poses->next(pose);
+        return found != NextPose::end;
     };
     double row = 0;
-    for (NextPose next = nextPose(); next != NextPose::end; next = nextPose(), ++row) {
+    forEachRow(*poses, next, [&](bool inputWouldWait) {
         KIV_RAWINFO raw;
-        const bool reached = next == NextPose::pose && sensor.read(pose, raw);
+        const bool reached = found == NextPose::pose && sensor.read(pose, raw);
         if (reached) {
             options.noise.addTo(raw, random);
             faults.next();
@@ -186,14 +186,13 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
                 text.push_back(',');
             }
             appendReadings(text, raw, sensor.trueAngles(pose), faults);
-        } else if (next == NextPose::pose) {
+        } else if (found == NextPose::pose) {
             poses->reportUnreachable();
         }
         allReached = allReached && reached;
-        wouldWait = poses->wouldWait();
-        if (!output.endRow(wouldWait))
-            break;
-    }
+        ++row;
+        return output.endRow(inputWouldWait);
+    });
     if (!poses->finish(output, streams.err))
         return unusable;
     if (Interrupt::requested())

@@ -6,7 +6,9 @@
 #include <ostream>
 #include <string>
 
+#include "host/Cli.h"
 #include "host/Csv.h"
+#include "host/Interrupt.h"
 
 namespace kiv::host {
 
@@ -105,6 +107,14 @@ void Summary::print(std::ostream& out) const {
         out << "largest difference to the true angles: rx " << degreesText(differences[0])
             << ", ry " << degreesText(differences[1]) << ", rz " << degreesText(differences[2])
             << " degrees\n";
+}
+
+int finishRun(const Summary& summary, bool quiet, std::ostream& err) {
+    if (!quiet)
+        summary.print(err);
+    if (Interrupt::requested())
+        return interrupted;
+    return summary.allGood() ? allGood : someRowsBad;
 }
 
 } // namespace kiv::host

@@ -51,9 +51,8 @@ public:
     std::size_t referenceLine() const { return reference; }                 // 0: none
     const AngleStatistics& angle(std::size_t i) const { return angles[i]; } // rx, ry, rz
     std::size_t compared() const { return withTruth; }
-    double largestDifference(std::size_t i) const {
-        return differences[i];
-    } // to the truth, degrees
+    // To the truth, degrees.
+    double largestDifference(std::size_t i) const { return differences[i]; }
 
     void print(std::ostream& out) const;
 
@@ -65,6 +64,9 @@ private:
     std::size_t withTruth = 0;
     std::array<double, 3> differences{};
 };
+
+// Ends a run whose results are written: shows the summary, gives the exit code.
+int finishRun(const Summary& summary, bool quiet, std::ostream& err);
 
 // With six decimals.
 std::string degreesText(double value);
