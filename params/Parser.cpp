@@ -69,7 +69,7 @@ public:
             firstPassed = &blockLayout;
     }
 
-    // A survey has gone on with a later block.
+    // The title of a later block has come.
     bool hasPassed(Block block) const { return resumedAt > block; }
 
     // What stands where something else is expected.
@@ -108,7 +108,7 @@ private:
     std::string titleWords; // taken in search of a title
     std::size_t numbersAmongThem = 0;
     std::size_t wordsAmongThem = 0;
-    std::optional<Block> resumedAt; // the block whose title a survey has found behind a failure
+    std::optional<Block> resumedAt; // the block whose title has come in place of an earlier one
 };
 
 std::optional<BlockValues> FileParser::readBlock(const BlockLayout& blockLayout) {
@@ -141,10 +141,10 @@ bool FileParser::readTitle() {
             return fail(findingAtWord(longWord + (" in the title " + title)));
         complete = !word.empty();
         takeTitleWord(word);
-        if (survey) // another title may have fewer words; its values stay
-            for (const BlockLayout& other : blockTable)
-                if (other.block > layout->block && other.title == titleWords)
-                    resumedAt = other.block;
+        // Another title may have fewer words; its values are no part of what was found.
+        for (const BlockLayout& other : blockTable)
+            if (other.block > layout->block && other.title == titleWords)
+                resumedAt = other.block;
     }
     if (titleWords.find(layout->title) != titleWords.npos
         && titleWords.size() <= Scanner::maxLength)
