@@ -8,9 +8,9 @@
 #include <erfa.h>
 #include <gsl/gsl_spline.h>
 
+#include "KIVInterface/Encoder.h"
 #include "bench/Benchmark.h"
 #include "simulator/RandomPoses.h"
-#include "support/Encoder.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::bench {

@@ -13,7 +13,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "params/CKivPrm.h"
+#include "KIVInterface/CKivPrm.h"
 #include "support/ZelUtil.h"
 #include "support/platform/Clock.h"
 #include "tests/ParameterText.h"

@@ -3,7 +3,7 @@
 #include <map>
 #include <stdexcept>
 
-#include "module/ConfigureSensor.h"
+#include "KIVInterface/ConfigureSensor.h"
 #include "sensor/SensorAccess.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/RandomPoses.h"

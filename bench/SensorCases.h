@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "models/CKivModel.h"
-#include "sensor/CKiv.h"
-#include "sensor/Records.h"
+#include "KIVInterface/CKiv.h"
+#include "KIVInterface/CKivModel.h"
+#include "KIVInterface/Records.h"
 #include "simulator/Mounting.h"
 
 namespace kiv::bench {

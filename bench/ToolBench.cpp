@@ -6,9 +6,9 @@
 #include <stdexcept>
 
 #include "bench/Benchmark.h"
-#include "host/Csv.h"
-#include "host/Run.h"
-#include "host/Simulate.h"
+#include "host/commands/Run.h"
+#include "host/commands/Simulate.h"
+#include "host/tables/Csv.h"
 
 namespace kiv::bench {
 

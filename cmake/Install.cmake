@@ -1,27 +1,7 @@
 include(CMakePackageConfigHelpers)
 
-set(kiv_headers
-    module/ConfigureSensor.h
-    module/Export.h
-    module/InstrumentClasses.h
-    module/KIVInterface.h
-    models/CKivDualLevel.h
-    models/CKivModel.h
-    models/CKivPendulum.h
-    models/CKivPolarizer.h
-    models/CKivThreeVec.h
-    models/CKivThreeVec2Level.h
-    params/CKivPrm.h
-    sensor/CKiv.h
-    sensor/Records.h
-    support/Encoder.h
-    support/StatusCodes.h)
-
 install(TARGETS KIVInterface EXPORT KIVInterfaceTargets)
-foreach(header IN LISTS kiv_headers)
-    cmake_path(GET header PARENT_PATH folder)
-    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KIVInterface/${folder})
-endforeach()
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 set(kiv_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KIVInterface)
 install(EXPORT KIVInterfaceTargets NAMESPACE KIVInterface:: DESTINATION ${kiv_package_dir})
@@ -44,14 +24,17 @@ configure_file(cmake/KIVInterface.pc.in KIVInterface.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KIVInterface.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# Where the links between them hold.
-install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN programs EXCLUDE)
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS
-    PATTERN CMakeLists.txt EXCLUDE)
-
-if(TARGET kiv)
+if(KIV_BUILD_TOOL)
     install(TARGETS kiv)
     install(FILES ${PROJECT_BINARY_DIR}/kiv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${KIV_DYGRAPHS_LICENCE} DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME dygraphs-licence.txt)
+endif()
+
+if(PROJECT_IS_TOP_LEVEL)
+    # Where the links between them hold.
+    install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+    install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN programs EXCLUDE)
+    install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS
+        PATTERN CMakeLists.txt EXCLUDE)
 endif()

@@ -1,24 +1,20 @@
 # The shared library: the core's objects behind the module's frame, exporting its classes alone.
-add_library(KIVInterface SHARED $<TARGET_OBJECTS:kiv_core> module/CKIVInterfaceApp.cpp)
+add_library(KIVInterface SHARED $<TARGET_OBJECTS:kiv_core> src/module/CKIVInterfaceApp.cpp)
 add_library(KIVInterface::KIVInterface ALIAS KIVInterface)
 target_include_directories(KIVInterface
-    PRIVATE ${PROJECT_SOURCE_DIR}
-    INTERFACE
-        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
-        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/module>
-        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/KIVInterface>
-        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/KIVInterface/module>)
+    PRIVATE src
+    PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_compile_features(KIVInterface INTERFACE cxx_std_14)
 set_target_properties(KIVInterface PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1)
 kiv_compile_options(KIVInterface)
 
 if(WIN32)
     enable_language(RC)
-    configure_file(module/version.rc.in version.rc @ONLY)
+    configure_file(src/module/version.rc.in version.rc @ONLY)
     target_sources(KIVInterface PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
     set_target_properties(KIVInterface PROPERTIES PREFIX "")
 else()
-    set(exports ${PROJECT_SOURCE_DIR}/module/exports.map)
+    set(exports ${PROJECT_SOURCE_DIR}/src/module/exports.map)
     target_link_options(KIVInterface PRIVATE -Wl,--version-script=${exports})
     set_target_properties(KIVInterface PROPERTIES LINK_DEPENDS ${exports})
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "sensor/Records.h"
+#include "KIVInterface/Records.h"
 
 namespace kiv::fuzz {
 

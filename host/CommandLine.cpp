@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "host/Csv.h"
 #include "host/HelpTexts.h"
+#include "host/tables/Csv.h"
 
 namespace kiv::host {
 

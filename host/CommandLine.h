@@ -5,13 +5,13 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/Check.h"
-#include "host/Home.h"
-#include "host/Info.h"
-#include "host/Report.h"
-#include "host/Rewrite.h"
-#include "host/Run.h"
-#include "host/Simulate.h"
+#include "host/commands/Check.h"
+#include "host/commands/Home.h"
+#include "host/commands/Info.h"
+#include "host/commands/Report.h"
+#include "host/commands/Rewrite.h"
+#include "host/commands/Run.h"
+#include "host/commands/Simulate.h"
 
 namespace kiv::host {
 

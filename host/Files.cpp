@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <ostream>
 
-#include "host/Table.h"
+#include "host/tables/Table.h"
 
 namespace kiv::host {
 

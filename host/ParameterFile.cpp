@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <ostream>
 
+#include "KIVInterface/CKivPrm.h"
+#include "KIVInterface/ConfigureSensor.h"
 #include "host/Findings.h"
-#include "module/ConfigureSensor.h"
-#include "params/CKivPrm.h"
 
 namespace kiv::host {
 

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "host/Cli.h"
-#include "host/Csv.h"
 #include "host/Interrupt.h"
+#include "host/tables/Csv.h"
 
 namespace kiv::host {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "host/RowResult.h"
+#include "host/tables/RowResult.h"
 
 namespace kiv::host {
 

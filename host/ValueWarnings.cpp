@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "host/Csv.h"
+#include "host/tables/Csv.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::host {

@@ -32,3 +32,7 @@ need() {
     fi
     rm -f "$log"
 }
+
+project_version() {
+    awk '/^#define KIV_VERSION_/ { printf "%s%s", dot, $3; dot = "." }' include/KIVInterface/Version.h
+}

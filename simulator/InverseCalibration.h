@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "sensor/Records.h"
+#include "KIVInterface/Encoder.h"
+#include "KIVInterface/Records.h"
 #include "simulator/Mounting.h"
-#include "support/Encoder.h"
 
 class CKivPrm;
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "params/CKivPrm.h"
+#include "KIVInterface/CKivPrm.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::simulator {

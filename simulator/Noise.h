@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sensor/Records.h"
+#include "KIVInterface/Records.h"
 #include "simulator/Random.h"
 
 namespace kiv::simulator {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "module/KIVInterface.h"
+#include "KIVInterface.h"
 
 namespace {
 

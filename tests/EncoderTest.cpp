@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Encoder.h"
+#include "KIVInterface/Encoder.h"
 
 namespace {
 

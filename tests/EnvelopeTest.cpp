@@ -1,4 +1,4 @@
-#include "host/Envelope.h"
+#include "host/report/Envelope.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "sensor/CKiv.h"
+#include "KIVInterface/CKiv.h"
 
 namespace {
 

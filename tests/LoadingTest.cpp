@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "params/CKivPrm.h"
+#include "KIVInterface/CKivPrm.h"
 #include "support/ZelUtil.h"
 #include "tests/Allocations.h"
 #include "tests/FileFaults.h"

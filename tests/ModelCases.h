@@ -6,11 +6,11 @@
 #include <memory>
 #include <string>
 
-#include "models/CKivDualLevel.h"
-#include "models/CKivPendulum.h"
-#include "models/CKivPolarizer.h"
-#include "models/CKivThreeVec.h"
-#include "models/CKivThreeVec2Level.h"
+#include "KIVInterface/CKivDualLevel.h"
+#include "KIVInterface/CKivPendulum.h"
+#include "KIVInterface/CKivPolarizer.h"
+#include "KIVInterface/CKivThreeVec.h"
+#include "KIVInterface/CKivThreeVec2Level.h"
 #include "simulator/Mounting.h"
 
 namespace kiv::test {

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "params/CKivPrm.h"
+#include "KIVInterface/CKivPrm.h"
 #include "tests/ParameterText.h"
 
 namespace kiv::test {

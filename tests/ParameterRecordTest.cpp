@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "params/CKivPrm.h"
+#include "KIVInterface/CKivPrm.h"
 #include "tests/Allocations.h"
 #include "tests/ParameterRecord.h"
 #include "tests/ParameterText.h"

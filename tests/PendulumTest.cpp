@@ -1,4 +1,4 @@
-#include "models/CKivPendulum.h"
+#include "KIVInterface/CKivPendulum.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sensor/CKiv.h"
+#include "KIVInterface/CKiv.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::test {

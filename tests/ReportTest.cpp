@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/ReportPage.h"
+#include "host/report/ReportPage.h"
 #include "tests/ParameterRecord.h"
 #include "tests/ToolRunner.h"
 

@@ -1,15 +1,15 @@
-#include "sensor/CKiv.h"
+#include "KIVInterface/CKiv.h"
 
 #include <array>
 #include <typeinfo>
 
 #include <gtest/gtest.h>
 
-#include "models/CKivDualLevel.h"
-#include "models/CKivPendulum.h"
-#include "models/CKivPolarizer.h"
-#include "models/CKivThreeVec.h"
-#include "models/CKivThreeVec2Level.h"
+#include "KIVInterface/CKivDualLevel.h"
+#include "KIVInterface/CKivPendulum.h"
+#include "KIVInterface/CKivPolarizer.h"
+#include "KIVInterface/CKivThreeVec.h"
+#include "KIVInterface/CKivThreeVec2Level.h"
 #include "sensor/SensorAccess.h"
 #include "tests/Matchers.h"
 

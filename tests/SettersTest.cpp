@@ -1,4 +1,4 @@
-#include "sensor/CKiv.h"
+#include "KIVInterface/CKiv.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "module/ConfigureSensor.h"
+#include "KIVInterface/ConfigureSensor.h"
 #include "sensor/SensorAccess.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/Trajectory.h"

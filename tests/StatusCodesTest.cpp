@@ -1,4 +1,4 @@
-#include "support/StatusCodes.h"
+#include "KIVInterface/StatusCodes.h"
 
 #include <cstring>
 #include <fstream>

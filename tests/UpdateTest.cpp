@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "sensor/CKiv.h"
+#include "KIVInterface/CKiv.h"
 #include "sensor/OrientationAngles.h"
 #include "sensor/SensorAccess.h"
 #include "tests/Allocations.h"

@@ -5,7 +5,7 @@
 #include <istream>
 #include <ostream>
 
-#include "host/Csv.h"
+#include "host/tables/Csv.h"
 
 namespace kiv::docs {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "module/ConfigureSensor.h"
+#include "KIVInterface/ConfigureSensor.h"
 #include "sensor/SensorAccess.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/TypicalMounting.h"

@@ -1,8 +1,8 @@
 // A module with the library's frame that tells the host what becomes of it. TEST_MODULE_INITIALISES
 // says whether its initialisation succeeds.
 
+#include "KIVInterface/Export.h"
 #include "Record.h"
-#include "module/Export.h"
 #include "support/platform/Framework.h"
 
 namespace {

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "sensor/CKiv.h"
+#include "KIVInterface/CKiv.h"
 #include "support/ZelUtil.h"
 #include "tests/PreparedSensor.h"
 

@@ -1,0 +1,123 @@
+#include "host/commands/Home.h"
+
+#include <array>
+#include <cmath>
+#include <optional>
+#include <ostream>
+
+#include "KIVInterface/CKiv.h"
+#include "host/Files.h"
+#include "host/tables/RowLoop.h"
+#include "host/tables/Table.h"
+
+namespace kiv::host {
+
+namespace {
+
+// The numbers of a row: first axis of the tilt frame, direction, two angles and two tilts in
+// degrees.
+constexpr std::array<std::string_view, 10> homeColumns{
+    "frame_x",     "frame_y",     "frame_z",     "direction_x", "direction_y",
+    "direction_z", "angle_h_deg", "angle_v_deg", "tilt_x_deg",  "tilt_y_deg"};
+
+constexpr std::array<std::string_view, 3> homeResultColumns{"state", "home_h_deg", "home_v_deg"};
+
+using Numbers = std::array<double, homeColumns.size()>;
+
+struct HomeAngles {
+    double horizontal = 0; // degrees
+    double vertical = 0;
+};
+
+// Nothing where the tilt frame is singular or the angles are no numbers.
+std::optional<HomeAngles> solve(CKiv& sensor, const Numbers& n) {
+    HomeAngles home;
+    const bool solved = sensor.Calc_HV0({n[0], n[1], n[2]}, {n[3], n[4], n[5]}, {n[6], n[7]},
+                                        {n[8], n[9], 0}, &home.horizontal, &home.vertical);
+    if (!solved || !std::isfinite(home.horizontal) || !std::isfinite(home.vertical))
+        return std::nullopt;
+    return home;
+}
+
+constexpr std::string_view expectedSolution = "a frame axis and a direction that give home angles";
+constexpr std::string_view foundSingular = "a singular frame or a direction without length";
+
+int solveOne(const HomeOptions& options, const Streams& streams) {
+    Numbers numbers{};
+    std::size_t i = 0;
+    for (const auto* values : {&options.frameX, &options.direction, &options.angles, &options.tilt})
+        for (const double value : *values)
+            numbers[i++] = value;
+    if (i != numbers.size()) {
+        streams.err << "kiv home: expected a table, or all of --frame-x, --direction, --angles and "
+                       "--tilt, found neither\n";
+        return unusable;
+    }
+    CKiv sensor;
+    const auto home = solve(sensor, numbers);
+    if (!home) {
+        streams.err << "kiv home: expected " << expectedSolution << ", found " << foundSingular
+                    << '\n';
+        return someRowsBad;
+    }
+    std::string text = "home_h_deg ";
+    appendNumber(text, home->horizontal);
+    text += "  home_v_deg ";
+    appendNumber(text, home->vertical);
+    streams.out << text << '\n';
+    return allGood;
+}
+
+int solveTable(const HomeOptions& options, const Streams& streams) {
+    if (refuseOverwriting(options.results, {options.table}, streams.err))
+        return unusable;
+    Input input;
+    if (!input.open(options.table, streams))
+        return unusable;
+    Table table(input.stream(), input.name(), streams.err, homeColumns);
+    if (!table.readHeader(homeResultColumns))
+        return unusable;
+    Output output;
+    if (!output.open(options.results, streams))
+        return unusable;
+
+    std::string& text = output.text();
+    table.appendCarriedNames(text);
+    text += "state,home_h_deg,home_v_deg\n";
+    CKiv sensor;
+    bool allSolved = true;
+    const auto next = [&] { return table.nextRow(); };
+    forEachRow(table, next, [&](bool inputWouldWait) {
+        Numbers numbers{};
+        bool good = table.checkRow();
+        for (std::size_t i = 0; good && i < numbers.size(); ++i)
+            good = table.readNumber(i, numbers[i]);
+        const auto home = good ? solve(sensor, numbers) : std::nullopt;
+        if (good && !home)
+            table.reportRow(expectedSolution, foundSingular);
+        allSolved = allSolved && home;
+
+        table.appendCarriedCells(text);
+        text += home ? "ok," : good ? "no_solution," : "refused,";
+        if (home)
+            appendNumber(text, home->horizontal);
+        text.push_back(',');
+        if (home)
+            appendNumber(text, home->vertical);
+        text.push_back('\n');
+        return output.endRow(inputWouldWait);
+    });
+    if (!finishTable(table, input, output, streams.err))
+        return unusable;
+    if (Interrupt::requested())
+        return interrupted;
+    return allSolved ? allGood : someRowsBad;
+}
+
+} // namespace
+
+int solveHomeAngles(const HomeOptions& options, const Streams& streams) {
+    return options.table.empty() ? solveOne(options, streams) : solveTable(options, streams);
+}
+
+} // namespace kiv::host

@@ -1,0 +1,201 @@
+#include "host/commands/Info.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <ostream>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+#include "host/Findings.h"
+#include "host/tables/Csv.h"
+
+namespace kiv::host {
+
+namespace {
+
+// Keeps the order of the file; numbers in print are the shortest that read back to the same float.
+using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
+                                  std::int64_t, std::uint64_t, float>;
+
+// In print and in JSON; a name ends with the unit. Values of other blocks have none.
+struct ValueNames {
+    Block block;
+    std::initializer_list<const char*> names;
+};
+
+const ValueNames valueNames[] = {
+    {Block::angleOffset, {"azimuth_deg", "elevation_deg"}},
+    {Block::transformVector, {"x", "y", "z"}},
+    {Block::thermalFactor, {"x_slope", "x_intercept", "y_slope", "y_intercept"}},
+    {Block::tiltOffset, {"x_deg", "y_deg"}},
+    {Block::qvc, {"x", "z", "y", "axis_x_deg", "axis_z_deg", "start_deg"}},
+    {Block::levelX,
+     {"value_1", "value_2", "value_3", "axis_y_deg", "axis_z_deg", "zero_offset_deg", "gain"}},
+    {Block::levelY,
+     {"value_1", "value_2", "value_3", "axis_y_deg", "axis_z_deg", "zero_offset_deg", "gain"}},
+    {Block::halfAngle, {"azimuth_deg", "elevation_deg"}},
+};
+
+std::span<const char* const> namesOf(Block block) {
+    for (const ValueNames& row : valueNames)
+        if (row.block == block)
+            return {row.names.begin(), row.names.size()};
+    return {};
+}
+
+bool isMatrix(Block block) {
+    return block == Block::localMatrix || block == Block::machineMatrix;
+}
+
+// The title in lower case, with underscores.
+std::string keyOf(const BlockLayout& layout) {
+    std::string key(layout.title);
+    for (char& c : key)
+        c = c == ' ' ? '_' : c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return key;
+}
+
+Json rowsOf(const BlockValues& values, std::size_t columns) {
+    Json rows = Json::array();
+    for (auto row = values.numbers.begin(); row != values.numbers.end();
+         row += static_cast<std::ptrdiff_t>(columns))
+        rows.push_back(std::vector<float>(row, row + static_cast<std::ptrdiff_t>(columns)));
+    return rows;
+}
+
+Json numbersOf(const BlockLayout& layout, const BlockValues& values) {
+    const auto names = namesOf(layout.block);
+    if (isMatrix(layout.block))
+        return rowsOf(values, 3);
+    if (values.numbers.size() == 1)
+        return values.numbers.front();
+    if (names.empty())
+        return values.numbers;
+    Json named;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        named[names[i]] = values.numbers[i];
+    return named;
+}
+
+Json jsonOf(const BlockLayout& layout, const BlockValues& values) {
+    switch (layout.kind) {
+    case BlockKind::sensorId:
+    case BlockKind::integer:
+        return values.integer;
+    case BlockKind::word:
+        return values.word;
+    case BlockKind::numbers:
+        return numbersOf(layout, values);
+    case BlockKind::encoderTable:
+        return {{"rows_deg", rowsOf(values, 2)}};
+    case BlockKind::tiltTable:
+        return {{"rows_deg", rowsOf(values, 2)},
+                {"limit_low_deg", values.trailing[0]},
+                {"limit_high_deg", values.trailing[1]},
+                {"further_value", values.trailing[2]},
+                {"closing_word", values.word}};
+    }
+    return nullptr;
+}
+
+std::string shown(float value) {
+    std::string text;
+    appendNumber(text, value);
+    return text;
+}
+
+// Least and largest number of a table's column.
+std::string rangeOf(const BlockValues& values, std::size_t column) {
+    float least = values.numbers[column];
+    float most = least;
+    for (std::size_t i = column; i < values.numbers.size(); i += 2) {
+        least = std::min(least, values.numbers[i]);
+        most = std::max(most, values.numbers[i]);
+    }
+    return shown(least) + " to " + shown(most);
+}
+
+std::string modelOf(std::int32_t mountMode) {
+    constexpr const char* models[] = {"dual-level", "pendulum", "polarizer", "three-vector",
+                                      "three-vector with two levels"};
+    return models[mountMode >= 1 && mountMode <= 10 ? (mountMode - 1) / 2 : 1];
+}
+
+// One line each.
+std::vector<std::string> linesOf(const BlockLayout& layout, const BlockValues& values) {
+    constexpr std::size_t width = 60;
+    const auto names = namesOf(layout.block);
+    std::vector<std::string> lines(1);
+    switch (layout.kind) {
+    case BlockKind::sensorId:
+        return {std::to_string(values.integer)};
+    case BlockKind::integer:
+        return {std::to_string(values.integer) + ", " + modelOf(values.integer) + " model"};
+    case BlockKind::word:
+        return {values.word};
+    case BlockKind::numbers:
+        for (std::size_t i = 0; i < values.numbers.size(); ++i) {
+            std::string text = names.empty() ? "" : std::string(names[i]) + ' ';
+            appendNumber(text, values.numbers[i]);
+            const bool newRow = isMatrix(layout.block) && i % 3 == 0;
+            if (!lines.back().empty() && (newRow || lines.back().size() + text.size() > width))
+                lines.emplace_back();
+            lines.back() += (lines.back().empty() ? "" : "  ") + text;
+        }
+        return lines;
+    case BlockKind::encoderTable:
+    case BlockKind::tiltTable:
+        lines[0] = std::to_string(values.rows()) + (values.rows() == 1 ? " row" : " rows");
+        if (values.rows() > 0)
+            lines[0] += ", " + rangeOf(values, 0) + " deg, values " + rangeOf(values, 1);
+        if (layout.kind == BlockKind::tiltTable)
+            lines.push_back("limits " + shown(values.trailing[0]) + " to "
+                            + shown(values.trailing[1]) + " deg, further value "
+                            + shown(values.trailing[2]) + ", closing word " + values.word);
+        return lines;
+    }
+    return {};
+}
+
+void print(const Document& document, std::ostream& out) {
+    constexpr std::size_t titleWidth = 36;
+    for (const BlockLayout& layout : blockTable) {
+        const BlockValues* values = document.find(layout.block);
+        std::string title(layout.title);
+        for (const std::string& line :
+             values ? linesOf(layout, *values) : std::vector<std::string>{"not read"}) {
+            title.resize(titleWidth, ' ');
+            out << title << line << '\n';
+            title.clear();
+        }
+    }
+}
+
+void printJson(const Document& document, std::ostream& out) {
+    Json all;
+    for (const BlockLayout& layout : blockTable) {
+        const BlockValues* values = document.find(layout.block);
+        all[keyOf(layout)] = values ? jsonOf(layout, *values) : Json();
+    }
+    // Words may hold bytes that are no UTF-8.
+    out << all.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+} // namespace
+
+int showFile(const InfoOptions& options, const Streams& streams) {
+    const auto examined = examineFile(options.file, streams.err);
+    if (!examined)
+        return unusable;
+    for (const FileFinding& finding : examined->findings)
+        if (finding.error)
+            report(streams.err, options.file, finding);
+    if (options.json)
+        printJson(examined->parsed.document, streams.out);
+    else
+        print(examined->parsed.document, streams.out);
+    return examined->errors() > 0 ? fileFaulty : allGood;
+}
+
+} // namespace kiv::host

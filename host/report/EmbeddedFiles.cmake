@@ -1,0 +1,20 @@
+# Puts the charts' library and the report's own style and script into the tool.
+find_path(KIV_DYGRAPHS_DIR dygraph.min.js PATHS /usr/share/javascript/dygraphs
+    NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+find_file(KIV_DYGRAPHS_LICENCE copyright PATHS /usr/share/doc/libjs-dygraphs
+    NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+
+function(kiv_embed function file)
+    set(output ${CMAKE_CURRENT_BINARY_DIR}/embedded/${function}.cpp)
+    set(script ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake)
+    add_custom_command(OUTPUT ${output}
+        COMMAND ${CMAKE_COMMAND} -DFILE=${file} -DFUNCTION=${function} -DOUTPUT=${output} -P ${script}
+        DEPENDS ${file} ${script}
+        VERBATIM)
+    target_sources(kiv_host PRIVATE ${output})
+endfunction()
+kiv_embed(dygraphsScript ${KIV_DYGRAPHS_DIR}/dygraph.min.js)
+kiv_embed(dygraphsStyle ${KIV_DYGRAPHS_DIR}/dygraph.min.css)
+kiv_embed(dygraphsLicence ${KIV_DYGRAPHS_LICENCE})
+kiv_embed(pageScript ${CMAKE_CURRENT_SOURCE_DIR}/report/page.js)
+kiv_embed(pageStyle ${CMAKE_CURRENT_SOURCE_DIR}/report/page.css)

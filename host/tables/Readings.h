@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+#include "KIVInterface/Records.h"
+#include "host/tables/Table.h"
+
+namespace kiv::host {
+
+enum class Field : unsigned char {
+    status,
+    x,
+    y,
+    z,
+    azimuth,
+    elevation,
+    levelX,
+    levelY,
+    temperature,
+    refMetric,
+    refBlocked,
+};
+
+// Columns of a table of readings, in the order in which they are written. Angles are degrees.
+inline constexpr std::array<std::string_view, 11> readingColumns{
+    "status",  "x",       "y",           "z",          "azimuth_deg", "elevation_deg",
+    "level_x", "level_y", "temperature", "ref_metric", "ref_blocked"};
+
+// Why the readings of a row are no use.
+enum class Refusal : unsigned char { none, rowShape, notANumber, zeroVector };
+
+// The readings of a row of a table with these columns, or why not; then also messages.
+Refusal readReadings(const Table& table, KIV_RAWINFO& raw);
+
+// True angles that a simulation adds as further columns, in the order rx, ry, rz.
+inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "true_ry_deg",
+                                                              "true_rz_deg"};
+
+class Truth {
+public:
+    // Not comparable where the results are not in machine coordinates; then no row has angles.
+    Truth(const Table& table, bool comparable);
+
+    // Degrees, where the row has all three.
+    std::optional<std::array<double, 3>> angles(const Table& table) const;
+
+private:
+    std::array<std::optional<std::size_t>, 3> places;
+};
+
+} // namespace kiv::host

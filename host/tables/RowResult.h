@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+
+#include "KIVInterface/Records.h"
+#include "host/tables/Readings.h"
+
+class CKiv;
+
+namespace kiv::host {
+
+// What became of a row of readings.
+enum class RowState : unsigned char {
+    ok,            // the angles are computed
+    status,        // the measurement status is not 2
+    noReference,   // no reference orientation has been captured yet
+    reference,     // this row became the reference
+    noOrientation, // the model has none for it
+    refused,       // the readings are no use and never reached the library
+};
+
+inline constexpr std::array<const char*, 6> rowStateNames{
+    "ok", "status", "no_reference", "reference", "no_orientation", "refused"};
+
+// The orientation model of a mount mode.
+const char* modelName(int mode);
+
+struct RowResult {
+    RowState state = RowState::refused;
+    Refusal refusal = Refusal::none;
+    const char* reason = nullptr; // with noOrientation
+    KIV_RAWINFO raw{};
+    KIV_INFO info{};
+    double matrix[9] = {};
+    int code = 0; // of ReadMatrix
+};
+
+// Takes the rows of a table of readings through a sensor.
+class RowRunner {
+public:
+    RowRunner(CKiv& sensor, Table& table);
+
+    // The next row's result, whatever is wrong with it reported; false at the end of the table.
+    bool next(RowResult& result);
+
+private:
+    CKiv& sensor;
+    Table& table;
+    int mode;
+};
+
+} // namespace kiv::host

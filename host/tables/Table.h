@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cmath>
+#include <iosfwd>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "host/tables/Csv.h"
+#include "params/Quoted.h"
+
+namespace kiv::host {
+
+// A CSV table with a row of names: the columns that are asked for are found by name in any order,
+// all others are carried along as they stand. Everything that is wrong is reported with its place.
+class Table {
+public:
+    Table(std::istream& in, std::string shownName, std::ostream& messages,
+          std::span<const std::string_view> columnNames);
+
+    // False, and messages, when a column is missing, stands twice, or has a name in reserved.
+    bool readHeader(std::span<const std::string_view> reserved);
+
+    // False at the end of the table, or when reading broke off (see failed).
+    bool nextRow() { return csv.nextRow(); }
+
+    // The row has a cell for each name and closes its quotes; else a message.
+    bool checkRow() const;
+
+    // The text of the i-th column that was asked for, in a row that checkRow has passed.
+    std::string_view text(std::size_t i) const { return cellText(csv.cells()[columns[i]]); }
+
+    // False, and a message, when the cell is no finite number that the type holds.
+    template <typename Number>
+    bool readNumber(std::size_t i, Number& value) const;
+
+    // Where a carried column stands in a row's cells; the cell there is empty in a row too short.
+    std::optional<std::size_t> find(std::string_view columnName) const;
+    std::string_view cell(std::size_t place) const {
+        return place < csv.cells().size() ? cellText(csv.cells()[place]) : std::string_view{};
+    }
+
+    void appendCarriedNames(std::string& out) const; // each with a comma behind it
+    void appendCarriedCells(std::string& out) const;
+
+    // At the i-th column that was asked for.
+    void report(std::size_t i, std::string_view expected, std::string_view found) const {
+        reportAt(columns[i], expected, found);
+    }
+    // At the start of the row.
+    void reportRow(std::string_view expected, std::string_view found) const {
+        reportAt(0, expected, found);
+    }
+
+    bool failed() const { return csv.failed(); }
+    bool wouldWait() const { return csv.wouldWait(); }
+    std::size_t lineNumber() const { return csv.lineNumber(); }
+    std::size_t rowBytes() const { return csv.rowBytes(); }
+
+private:
+    void reportAt(std::size_t place, std::string_view expected, std::string_view found) const;
+
+    CsvReader csv;
+    std::string name;
+    std::ostream& err;
+    std::span<const std::string_view> wanted;
+    std::vector<std::size_t> columns; // where each wanted column stands
+    std::vector<std::string> names;   // raw text of all
+    std::vector<std::size_t> carried;
+};
+
+template <typename Number>
+bool Table::readNumber(std::size_t i, Number& value) const {
+    const std::optional<Number> number = numberIn<Number>(text(i));
+    if (number && std::isfinite(static_cast<double>(*number))) {
+        value = *number;
+        return true;
+    }
+    std::string expected = std::is_integral_v<Number> ? "a whole number" : "a finite number";
+    if (std::is_same_v<Number, float>)
+        expected += " within single precision";
+    report(i, expected.append(" in column ").append(wanted[i]), quoted(text(i)));
+    return false;
+}
+
+} // namespace kiv::host
