@@ -8,7 +8,7 @@
 #include "bench/Benchmark.h"
 #include "host/commands/Run.h"
 #include "host/commands/Simulate.h"
-#include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 
 namespace kiv::bench {
 
@@ -33,7 +33,7 @@ struct ReadingsFile {
 
 void run(benchmark::State& state, int mode) {
     const ReadingsFile readings(mode);
-    host::RunOptions options{parameterFile(mode), readings.path, "/dev/null"};
+    host::RunOptions options{{parameterFile(mode), readings.path, "/dev/null"}};
     options.quiet = true;
     std::ostringstream messages;
     for (auto _ : state)

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/HelpTexts.h"
-#include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 
 namespace kiv::host {
 
@@ -53,33 +53,27 @@ CLI::App& CommandLine::add(const char* name, std::function<int(const Streams&)> 
     return *command;
 }
 
-void CommandLine::addRun() {
-    CLI::App& command = add("run", [this](const Streams& s) {
-        run.localFrame = frame == "local";
-        return runReadings(run, s);
-    });
-    command.add_option("parameter_file", run.parameterFile)->required();
-    command.add_option("readings", run.readings)->required();
-    command.add_option("-o,--output", run.results)->capture_default_str();
-    command.add_option("--frame", frame)
+void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
+    command.add_option("parameter_file", options.parameterFile)->required();
+    command.add_option("readings", options.readings)->required();
+    command.add_option("-o,--output", options.output)->capture_default_str();
+    command
+        .add_option_function<std::string>(
+            "--frame", [&](const std::string& frame) { options.localFrame = frame == "local"; })
         ->check(CLI::IsMember({"machine", "local"}))
-        ->capture_default_str();
+        ->default_str("machine");
+    command.add_flag("-q,--quiet", options.quiet);
+}
+
+void CommandLine::addRun() {
+    CLI::App& command = add("run", [this](const Streams& s) { return runReadings(run, s); });
+    addReadings(command, run);
     command.add_flag("--stop-on-bad", run.stopOnBad);
-    command.add_flag("-q,--quiet", run.quiet);
 }
 
 void CommandLine::addReport() {
-    CLI::App& command = add("report", [this](const Streams& s) {
-        report.localFrame = frame == "local";
-        return reportReadings(report, s);
-    });
-    command.add_option("parameter_file", report.parameterFile)->required();
-    command.add_option("readings", report.readings)->required();
-    command.add_option("-o,--output", report.page)->capture_default_str();
-    command.add_option("--frame", frame)
-        ->check(CLI::IsMember({"machine", "local"}))
-        ->capture_default_str();
-    command.add_flag("-q,--quiet", report.quiet);
+    addReadings(add("report", [this](const Streams& s) { return reportReadings(report, s); }),
+                report);
 }
 
 void CommandLine::addSimulate() {
@@ -150,6 +144,16 @@ void CommandLine::addRewrite() {
     CLI::App& command =
         add("rewrite", [this](const Streams& s) { return rewriteFile(rewrite, s); });
     command.add_option("parameter_file", rewrite.file)->required();
+}
+
+int runTool(int argc, const char* const* argv, const Streams& streams) {
+    CommandLine line;
+    try {
+        line.app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return line.app.exit(e, streams.out, streams.err) == 0 ? allGood : unusable;
+    }
+    return line.action(streams);
 }
 
 } // namespace kiv::host

@@ -28,6 +28,7 @@ public:
 
 private:
     CLI::App& add(const char* name, std::function<int(const Streams&)> whenParsed);
+    void addReadings(CLI::App& command, ReadingsOptions& options);
     void addRun();
     void addReport();
     void addSimulate();
@@ -37,8 +38,7 @@ private:
     void addRewrite();
 
     RunOptions run;
-    std::string frame = "machine"; // of run and report
-    ReportOptions report;
+    ReadingsOptions report;
     SimulateOptions simulate;
     HomeOptions home;
     CheckOptions check;

@@ -3,8 +3,6 @@
 #include <filesystem>
 #include <ostream>
 
-#include "host/tables/Table.h"
-
 namespace kiv::host {
 
 namespace {
@@ -94,14 +92,6 @@ bool refuseOverwriting(const std::string& output, std::initializer_list<std::str
         }
     }
     return false;
-}
-
-bool finishTable(const Table& table, const Input& input, Output& output, std::ostream& err) {
-    const bool readAll = !table.failed();
-    if (!readAll)
-        err << input.name() << ':' << table.lineNumber() + 1
-            << ":1: expected to read on, found a read error\n";
-    return output.finish(err) && readAll;
 }
 
 } // namespace kiv::host

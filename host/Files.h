@@ -55,10 +55,4 @@ void reportUnopened(std::ostream& err, const std::string& name, const char* expe
 bool refuseOverwriting(const std::string& output, std::initializer_list<std::string> inputs,
                        std::ostream& err);
 
-class Table;
-
-// Ends a run over a table: false, and a message, when the table could not be read to its end or the
-// output not be written.
-bool finishTable(const Table& table, const Input& input, Output& output, std::ostream& err);
-
 } // namespace kiv::host

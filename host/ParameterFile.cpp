@@ -7,6 +7,7 @@
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/ConfigureSensor.h"
 #include "host/Findings.h"
+#include "params/RecordLoading.h"
 
 namespace kiv::host {
 
@@ -44,12 +45,8 @@ bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& e
     if (examined->errors() > 0)
         return false;
 
-    const int code =
-        record.ReadCalibrationFile(name->directory.c_str(), static_cast<unsigned long>(name->id));
-    if (code != KIV_OK)
-        err << path << ":1:1: expected to load the file, found code " << code << " ("
-            << kivStatusText(code) << ")\n";
-    return code == KIV_OK;
+    RecordLoading::store(record, examined->parsed);
+    return true;
 }
 
 bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err) {

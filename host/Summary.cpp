@@ -6,9 +6,7 @@
 #include <ostream>
 #include <string>
 
-#include "host/Cli.h"
-#include "host/Interrupt.h"
-#include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 
 namespace kiv::host {
 
@@ -25,13 +23,6 @@ double withinHalfTurn(double difference, double turn) {
 }
 
 } // namespace
-
-std::string degreesText(double value) {
-    char digits[64];
-    const auto end =
-        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 6);
-    return {digits, end.ptr};
-}
 
 // Source of the running moments: Welford, Technometrics 4 (1962), 419.
 double AngleStatistics::add(double angle) {
@@ -107,14 +98,6 @@ void Summary::print(std::ostream& out) const {
         out << "largest difference to the true angles: rx " << degreesText(differences[0])
             << ", ry " << degreesText(differences[1]) << ", rz " << degreesText(differences[2])
             << " degrees\n";
-}
-
-int finishRun(const Summary& summary, bool quiet, std::ostream& err) {
-    if (!quiet)
-        summary.print(err);
-    if (Interrupt::requested())
-        return interrupted;
-    return summary.allGood() ? allGood : someRowsBad;
 }
 
 } // namespace kiv::host

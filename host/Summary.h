@@ -65,12 +65,6 @@ private:
     std::array<double, 3> differences{};
 };
 
-// Ends a run whose results are written: shows the summary, gives the exit code.
-int finishRun(const Summary& summary, bool quiet, std::ostream& err);
-
-// With six decimals.
-std::string degreesText(double value);
-
 inline constexpr std::array<const char*, 4> refusalNames{"", "of the wrong shape", "not a number",
                                                          "with a zero vector"};
 inline constexpr std::array<const char*, 3> angleNames{"rx", "ry", "rz"};

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::host {
@@ -19,12 +19,6 @@ constexpr float mostAngle = 360; // degrees, of an encoder table, either way
 
 // Of M times its transpose from the identity: entries in print have six decimals.
 constexpr double rotationTolerance = 1e-5;
-
-std::string shown(float value) {
-    std::string text;
-    appendNumber(text, value);
-    return text;
-}
 
 std::string inRow(float value, std::size_t row) {
     return shown(value) + " in row " + std::to_string(row + 1);

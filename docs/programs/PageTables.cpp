@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 
 namespace kiv::docs {
 

@@ -6,9 +6,8 @@
 #include <ostream>
 
 #include "KIVInterface/CKiv.h"
-#include "host/Files.h"
 #include "host/tables/RowLoop.h"
-#include "host/tables/Table.h"
+#include "host/tables/TableInput.h"
 
 namespace kiv::host {
 
@@ -71,16 +70,13 @@ int solveOne(const HomeOptions& options, const Streams& streams) {
 int solveTable(const HomeOptions& options, const Streams& streams) {
     if (refuseOverwriting(options.results, {options.table}, streams.err))
         return unusable;
-    Input input;
-    if (!input.open(options.table, streams))
-        return unusable;
-    Table table(input.stream(), input.name(), streams.err, homeColumns);
-    if (!table.readHeader(homeResultColumns))
-        return unusable;
+    TableInput input;
     Output output;
-    if (!output.open(options.results, streams))
+    if (!input.open(options.table, homeColumns, homeResultColumns, streams, streams.err)
+        || !output.open(options.results, streams))
         return unusable;
 
+    Table& table = input.table();
     std::string& text = output.text();
     table.appendCarriedNames(text);
     text += "state,home_h_deg,home_v_deg\n";
@@ -107,7 +103,7 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         text.push_back('\n');
         return output.endRow(inputWouldWait);
     });
-    if (!finishTable(table, input, output, streams.err))
+    if (!input.finish(output, streams.err))
         return unusable;
     if (Interrupt::requested())
         return interrupted;

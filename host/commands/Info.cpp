@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/Findings.h"
-#include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 
 namespace kiv::host {
 
@@ -97,12 +97,6 @@ Json jsonOf(const BlockLayout& layout, const BlockValues& values) {
                 {"closing_word", values.word}};
     }
     return nullptr;
-}
-
-std::string shown(float value) {
-    std::string text;
-    appendNumber(text, value);
-    return text;
 }
 
 // Least and largest number of a table's column.

@@ -4,15 +4,10 @@
 #include <ostream>
 #include <sstream>
 
-#include "KIVInterface/CKivPrm.h"
-#include "host/Files.h"
 #include "host/Interrupt.h"
 #include "host/ParameterFile.h"
-#include "host/Progress.h"
 #include "host/report/ReportPage.h"
-#include "host/tables/Csv.h"
-#include "host/tables/RowLoop.h"
-#include "sensor/SensorAccess.h"
+#include "host/tables/Numbers.h"
 
 namespace kiv::host {
 
@@ -103,68 +98,47 @@ void addRow(ReportContent& content, const RowResult& result, double time,
 
 } // namespace
 
-int reportReadings(const ReportOptions& options, const Streams& streams) {
-    CKivPrm record;
-    CKiv sensor;
-    if (!loadSensor(options.parameterFile, record, sensor, streams.err)
-        || refuseOverwriting(options.page, {options.parameterFile, options.readings}, streams.err))
-        return unusable;
-    sensor.setMcsFlag(!options.localFrame);
-
-    Input input;
-    if (!input.open(options.readings, streams))
-        return unusable;
+int reportReadings(const ReadingsOptions& options, const Streams& streams) {
     std::ostringstream messages; // of a row
     const auto passOn = [&] {
         streams.err << messages.str();
         messages.str("");
     };
-    Table table(input.stream(), input.name(), messages, readingColumns);
-    const bool usable = table.readHeader({});
+    ReadingsRun run(options, streams, messages);
+    const bool usable = run.open({});
     passOn();
-    Output output;
-    if (!usable || !output.open(options.page, streams))
+    if (!usable)
         return unusable;
 
+    const Table& table = run.table();
     ReportContent content;
     content.parameterFile = options.parameterFile;
-    content.readings = input.name();
+    content.readings = run.input().name();
     content.sensorId = parseParameterFileName(options.parameterFile)->id;
-    content.mountMode = SensorAccess::mountMode(sensor);
+    content.mountMode = run.mountMode();
     content.localFrame = options.localFrame;
-    record.GetKIVLevelLimits(content.levelLimits);
+    run.record().GetKIVLevelLimits(content.levelLimits);
 
     TimeColumn time(table);
-    const Truth truth(table, !options.localFrame || content.mountMode >= firstThreeVectorMode);
-    RowRunner rows(sensor, table);
-    RowResult result;
-    {
-        Progress progress(streams.err, streams.errIsTerminal && !options.quiet, input.size());
-        const auto next = [&] { return rows.next(result); };
-        forEachRow(table, next, [&](bool) {
-            progress.row(table.rowBytes());
-            const double t = time.at(table, result.refusal);
-            const auto trueAngles = truth.angles(table);
-            content.summary.add(result, table.lineNumber(), trueAngles);
-            addRow(content, result, t, trueAngles);
-            if (markOf(result.state) != Envelope::Mark::none) {
-                if (content.badRows.size() < mostBadRowsListed)
-                    content.badRows.push_back(
-                        {table.lineNumber(), t, result.state,
-                         reasonIn(messages.str(), input.name(), table.lineNumber())});
-                passOn();
-            }
-            return true;
-        });
-    }
+    run.forEach([&](const RowResult& result, const auto& trueAngles, bool) {
+        const double t = time.at(table, result.refusal);
+        addRow(content, result, t, trueAngles);
+        if (markOf(result.state) != Envelope::Mark::none) {
+            if (content.badRows.size() < mostBadRowsListed)
+                content.badRows.push_back(
+                    {table.lineNumber(), t, result.state,
+                     reasonIn(messages.str(), content.readings, table.lineNumber())});
+            passOn();
+        }
+        return true;
+    });
     content.whyNotOverTime = time.whyNot();
     content.cutShort = table.failed()           ? "reading broke off"
                        : Interrupt::requested() ? "the run was interrupted"
                                                 : nullptr;
-    output.text() = reportPage(content);
-    if (!finishTable(table, input, output, streams.err))
-        return unusable;
-    return finishRun(content.summary, options.quiet, streams.err);
+    content.summary = run.summary();
+    run.output().text() = reportPage(content);
+    return run.finish();
 }
 
 } // namespace kiv::host

@@ -5,19 +5,13 @@
 #include <vector>
 
 #include "host/Findings.h"
-#include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 #include "params/Parser.h"
 #include "support/platform/ByteSource.h"
 
 namespace kiv::host {
 
 namespace {
-
-std::string shown(float value) {
-    std::string text;
-    appendNumber(text, value);
-    return text;
-}
 
 // In the order of the text.
 std::vector<float> floatsOf(const BlockLayout& layout, const BlockValues& values) {

@@ -6,13 +6,6 @@
 #include <iterator>
 #include <ostream>
 
-#include "KIVInterface/CKivPrm.h"
-#include "host/Files.h"
-#include "host/ParameterFile.h"
-#include "host/Progress.h"
-#include "host/Summary.h"
-#include "host/tables/Csv.h"
-#include "host/tables/RowLoop.h"
 #include "sensor/SensorAccess.h"
 
 namespace kiv::host {
@@ -76,48 +69,21 @@ void appendResult(std::string& text, const RowResult& result, int mode) {
 } // namespace
 
 int runReadings(const RunOptions& options, const Streams& streams) {
-    CKivPrm record;
-    CKiv sensor;
-    if (!loadSensor(options.parameterFile, record, sensor, streams.err)
-        || refuseOverwriting(options.results, {options.parameterFile, options.readings},
-                             streams.err))
+    ReadingsRun run(options, streams, streams.err);
+    if (!run.open(resultColumns))
         return unusable;
-    sensor.setMcsFlag(!options.localFrame);
-
-    Input input;
-    if (!input.open(options.readings, streams))
-        return unusable;
-    Table table(input.stream(), input.name(), streams.err, readingColumns);
-    if (!table.readHeader(resultColumns))
-        return unusable;
-    Output output;
-    if (!output.open(options.results, streams))
-        return unusable;
-
-    std::string& text = output.text();
-    table.appendCarriedNames(text);
+    std::string& text = run.output().text();
+    run.table().appendCarriedNames(text);
     for (const std::string_view name : resultColumns)
         text.append(name).push_back(name == resultColumns.back() ? '\n' : ',');
 
-    const int mode = SensorAccess::mountMode(sensor);
-    const Truth truth(table, !options.localFrame || mode >= firstThreeVectorMode);
-    Summary summary;
-    RowRunner rows(sensor, table);
-    RowResult result;
-    {
-        Progress progress(streams.err, streams.errIsTerminal && !options.quiet, input.size());
-        const auto next = [&] { return rows.next(result); };
-        forEachRow(table, next, [&](bool inputWouldWait) {
-            progress.row(table.rowBytes());
-            table.appendCarriedCells(text);
-            appendResult(text, result, mode);
-            summary.add(result, table.lineNumber(), truth.angles(table));
-            return output.endRow(inputWouldWait) && (!options.stopOnBad || summary.allGood());
-        });
-    }
-    if (!finishTable(table, input, output, streams.err))
-        return unusable;
-    return finishRun(summary, options.quiet, streams.err);
+    run.forEach([&](const RowResult& result, const auto&, bool inputWouldWait) {
+        run.table().appendCarriedCells(text);
+        appendResult(text, result, run.mountMode());
+        return run.output().endRow(inputWouldWait)
+               && (!options.stopOnBad || run.summary().allGood());
+    });
+    return run.finish();
 }
 
 } // namespace kiv::host

@@ -1,18 +1,11 @@
 #pragma once
 
-#include <string>
-
-#include "host/Cli.h"
+#include "host/tables/ReadingsRun.h"
 
 namespace kiv::host {
 
-struct RunOptions {
-    std::string parameterFile;
-    std::string readings;
-    std::string results = "-";
-    bool localFrame = false; // angles of the motion since the reference, not in machine coordinates
-    bool stopOnBad = false;  // end behind the first row that is refused or has no orientation
-    bool quiet = false;      // no progress, no summary
+struct RunOptions : ReadingsOptions {
+    bool stopOnBad = false; // end behind the first row that is refused or has no orientation
 };
 
 // Computes a result row for every row of readings. An exit code.

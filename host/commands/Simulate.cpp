@@ -6,7 +6,7 @@
 #include "KIVInterface/CKivPrm.h"
 #include "host/Files.h"
 #include "host/ParameterFile.h"
-#include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 #include "host/tables/Poses.h"
 #include "host/tables/Readings.h"
 #include "host/tables/RowLoop.h"

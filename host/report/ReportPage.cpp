@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "host/report/Embedded.h"
-#include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 #include "sensor/SensorAccess.h"
 
 namespace kiv::host {

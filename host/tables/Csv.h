@@ -1,14 +1,11 @@
 #pragma once
 
-#include <charconv>
 #include <iosfwd>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// Comma-separated values, one row a line, cells optionally in double quotes. All digits go through
-// std::from_chars and std::to_chars.
+// Comma-separated values, one row a line, cells optionally in double quotes.
 namespace kiv::host {
 
 class CsvReader {
@@ -37,36 +34,5 @@ private:
 
 // The cell without surrounding blanks and quotes.
 std::string_view cellText(std::string_view cell);
-
-// The whole text as a decimal number; a plus sign is fine, anything left over is not. inf and nan
-// are numbers here; what does not fit in the type is none.
-template <typename Number>
-std::optional<Number> numberIn(std::string_view text) {
-    const char* first = text.data();
-    const char* last = first + text.size();
-    if (first != last && *first == '+' && last - first > 1 && first[1] != '-')
-        ++first;
-    Number value{};
-    const auto [end, error] = std::from_chars(first, last, value);
-    if (error != std::errc() || end != last)
-        return std::nullopt;
-    return value;
-}
-
-// The shortest digits that read back to the same value.
-template <typename Number>
-void appendNumber(std::string& text, Number value) {
-    char digits[32];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
-    text.append(digits, end);
-}
-
-// With so many significant digits at most.
-inline void appendRounded(std::string& text, double value, int significant) {
-    char digits[64];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value,
-                                            std::chars_format::general, significant);
-    text.append(digits, end);
-}
 
 } // namespace kiv::host

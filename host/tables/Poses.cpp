@@ -40,30 +40,29 @@ void TrajectoryPoses::reportUnreachable() const {
 
 std::unique_ptr<PoseTable> PoseTable::open(const std::string& file, const Streams& streams) {
     auto poses = std::make_unique<PoseTable>();
-    if (!poses->input.open(file, streams))
-        return nullptr;
-    poses->table = std::make_unique<Table>(poses->input.stream(), poses->input.name(), streams.err,
-                                           poseColumns);
-    return poses->table->readHeader(namesOfReadings()) ? std::move(poses) : nullptr;
+    const bool usable =
+        poses->input.open(file, poseColumns, namesOfReadings(), streams, streams.err);
+    return usable ? std::move(poses) : nullptr;
 }
 
 NextPose PoseTable::next(SimulatedPose& pose) {
-    if (!table->nextRow())
+    Table& table = input.table();
+    if (!table.nextRow())
         return NextPose::end;
-    if (!table->checkRow())
+    if (!table.checkRow())
         return NextPose::refused;
     float position[3] = {};
     double angles[3] = {};
     bool good = true;
     for (std::size_t i = 0; i < 3; ++i) {
-        good = table->readNumber(i, position[i]) && good;
-        good = table->readNumber(3 + i, angles[i]) && good;
+        good = table.readNumber(i, position[i]) && good;
+        good = table.readNumber(3 + i, angles[i]) && good;
         pose.position[i] = position[i];
     }
     if (!good)
         return NextPose::refused;
     if (position[0] == 0 && position[1] == 0 && position[2] == 0) {
-        table->report(0, "a position away from the instrument", "0, 0, 0");
+        table.report(0, "a position away from the instrument", "0, 0, 0");
         return NextPose::refused;
     }
     simulator::rotationFromYawPitchRoll(angles[0], angles[1], angles[2], pose.rotation);
@@ -71,8 +70,8 @@ NextPose PoseTable::next(SimulatedPose& pose) {
 }
 
 void PoseTable::reportUnreachable() const {
-    table->reportRow("a pose that the sensor's line of sight reaches",
-                     "one outside its elevation range");
+    input.table().reportRow("a pose that the sensor's line of sight reaches",
+                            "one outside its elevation range");
 }
 
 } // namespace kiv::host

@@ -4,8 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "host/Files.h"
-#include "host/tables/Table.h"
+#include "host/tables/TableInput.h"
 #include "simulator/Trajectory.h"
 
 namespace kiv::host {
@@ -69,17 +68,20 @@ public:
 
     NextPose next(SimulatedPose& pose) override;
     void reportUnreachable() const override;
-    void appendCarriedNames(std::string& out) const override { table->appendCarriedNames(out); }
-    void appendCarriedCells(std::string& out) const override { table->appendCarriedCells(out); }
-    bool carriesTime() const override { return table->find(timeColumn).has_value(); }
-    bool wouldWait() const override { return table->wouldWait(); }
+    void appendCarriedNames(std::string& out) const override {
+        input.table().appendCarriedNames(out);
+    }
+    void appendCarriedCells(std::string& out) const override {
+        input.table().appendCarriedCells(out);
+    }
+    bool carriesTime() const override { return input.table().find(timeColumn).has_value(); }
+    bool wouldWait() const override { return input.table().wouldWait(); }
     bool finish(Output& output, std::ostream& err) const override {
-        return finishTable(*table, input, output, err);
+        return input.finish(output, err);
     }
 
 private:
-    Input input;
-    std::unique_ptr<Table> table;
+    TableInput input;
 };
 
 } // namespace kiv::host

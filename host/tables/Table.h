@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/tables/Csv.h"
+#include "host/tables/Numbers.h"
 #include "params/Quoted.h"
 
 namespace kiv::host {

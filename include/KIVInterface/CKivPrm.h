@@ -6,6 +6,10 @@
 #include "KIVInterface/Records.h"
 #include "KIVInterface/StatusCodes.h"
 
+namespace kiv {
+struct RecordLoading;
+}
+
 // The calibration parameters of one sensor as its parameter file gives them. A record has no lock:
 // the host orders the calls on one record.
 //
@@ -85,6 +89,8 @@ public:
     void TgUpdateThermal(float factor, float* t, int channel);
 
 private:
+    friend struct kiv::RecordLoading;
+
     bool loaded = false;
     char prmPath[260] = {};
     double encoderOffset[2] = {}; // radians

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <charconv>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Numbers as text, in any locale: all digits go through std::from_chars and std::to_chars.
+namespace kiv::host {
+
+// The whole text as a decimal number; a plus sign is fine, anything left over is not. inf and nan
+// are numbers here; what does not fit in the type is none.
+template <typename Number>
+std::optional<Number> numberIn(std::string_view text) {
+    const char* first = text.data();
+    const char* last = first + text.size();
+    if (first != last && *first == '+' && last - first > 1 && first[1] != '-')
+        ++first;
+    Number value{};
+    const auto [end, error] = std::from_chars(first, last, value);
+    if (error != std::errc() || end != last)
+        return std::nullopt;
+    return value;
+}
+
+// The shortest digits that read back to the same value.
+template <typename Number>
+void appendNumber(std::string& text, Number value) {
+    char digits[32];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+    text.append(digits, end);
+}
+
+inline std::string shown(float value) {
+    std::string text;
+    appendNumber(text, value);
+    return text;
+}
+
+// With so many significant digits at most.
+inline void appendRounded(std::string& text, double value, int significant) {
+    char digits[64];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value,
+                                            std::chars_format::general, significant);
+    text.append(digits, end);
+}
+
+// With six decimals.
+inline std::string degreesText(double value) {
+    char digits[320]; // of the largest double
+    const auto [end, error] =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 6);
+    return {digits, end};
+}
+
+} // namespace kiv::host

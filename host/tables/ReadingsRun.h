@@ -1,0 +1,78 @@
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "KIVInterface/CKiv.h"
+#include "KIVInterface/CKivPrm.h"
+#include "host/Cli.h"
+#include "host/Progress.h"
+#include "host/Summary.h"
+#include "host/tables/RowLoop.h"
+#include "host/tables/RowResult.h"
+#include "host/tables/TableInput.h"
+
+namespace kiv::host {
+
+struct ReadingsOptions {
+    std::string parameterFile;
+    std::string readings; // a table, - for standard input
+    std::string output = "-";
+    bool localFrame = false; // angles of the motion since the reference, not in machine coordinates
+    bool quiet = false;      // no progress, no summary
+};
+
+// A table of readings taken row by row through the sensor of a parameter file, into an output.
+class ReadingsRun {
+public:
+    // The messages are those of the rows and of the table.
+    ReadingsRun(const ReadingsOptions& asked, const Streams& own, std::ostream& messages)
+        : options(asked), streams(own), err(messages) {}
+
+    // False, and messages, when one of the files cannot be used. No column of the readings may have
+    // one of the names of the results.
+    bool open(std::span<const std::string_view> results);
+
+    CKivPrm& record() { return parameters; }
+    int mountMode() const { return mode; }
+    const TableInput& input() const { return readings; }
+    const Table& table() const { return readings.table(); }
+    Output& output() { return written; }
+    const Summary& summary() const { return rows; }
+
+    // Every row's result, line by line and with its true angles where it has them, to
+    // each(result, truth, inputWouldWait), until that gives false or the rows end.
+    template <typename Each>
+    void forEach(Each each) {
+        Progress progress(streams.err, streams.errIsTerminal && !options.quiet, readings.size());
+        RowRunner runner(sensor, readings.table());
+        RowResult result;
+        const auto next = [&] { return runner.next(result); };
+        forEachRow(table(), next, [&](bool inputWouldWait) {
+            progress.row(table().rowBytes());
+            const auto trueAngles = truth->angles(table());
+            rows.add(result, table().lineNumber(), trueAngles);
+            return each(result, trueAngles, inputWouldWait);
+        });
+    }
+
+    // Ends the output and shows the summary. An exit code.
+    int finish();
+
+private:
+    const ReadingsOptions& options;
+    const Streams& streams;
+    std::ostream& err;
+    CKivPrm parameters;
+    CKiv sensor;
+    int mode = 0;
+    TableInput readings;
+    Output written;
+    std::optional<Truth> truth;
+    Summary rows;
+};
+
+} // namespace kiv::host
