@@ -18,6 +18,7 @@ struct Streams {
     std::ostream& out;
     std::ostream& err;
     bool errIsTerminal = false;
+    bool outIsTerminal = false;
 };
 
 // The whole tool: arguments as main gets them, data to out, messages to err.

@@ -1,12 +1,17 @@
 #include "host/CommandLine.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "host/HelpTexts.h"
 #include "host/tables/Numbers.h"
+#include "host/tables/Readings.h"
+#include "params/Quoted.h"
+#include "support/EditDistance.h"
 
 namespace kiv::host {
 
@@ -35,7 +40,7 @@ CommandLine::CommandLine() : app("", "kiv") {
     app.formatter_fn([](const CLI::App* command, const std::string&, CLI::AppFormatMode) {
         return std::string(helpText(command->get_name()));
     });
-    app.set_version_flag("--version", KIV_VERSION);
+    app.set_version_flag("-V,--version", KIV_VERSION);
     app.require_subcommand(1);
     app.allow_windows_style_options(false); // a path may begin with a slash
     addRun();
@@ -45,12 +50,59 @@ CommandLine::CommandLine() : app("", "kiv") {
     addCheck();
     addInfo();
     addRewrite();
+    addHelp();
 }
 
 CLI::App& CommandLine::add(const char* name, std::function<int(const Streams&)> whenParsed) {
     CLI::App* command = app.add_subcommand(name);
     command->callback([this, whenParsed = std::move(whenParsed)] { action = whenParsed; });
     return *command;
+}
+
+// Messages of each kind: a number, or all.
+void CommandLine::addMessages(CLI::App& command, TableFormat& format) {
+    command
+        .add_option_function<std::string>("--messages",
+                                          [&](const std::string& text) {
+                                              format.mostMessages =
+                                                  numberIn<std::size_t>(text).value_or(SIZE_MAX);
+                                          })
+        ->check([](const std::string& text) {
+            return text == "all" || numberIn<std::size_t>(text)
+                       ? ""
+                       : "expected a whole number or all, found " + text;
+        });
+}
+
+// The columns are those that can have another name.
+void CommandLine::addTable(CLI::App& command, TableFormat& format,
+                           std::vector<std::string_view> columns) {
+    addMessages(command, format);
+    command.add_flag("--decimal-comma", format.decimalComma);
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--column",
+            [&](const std::vector<std::string>& pairs) {
+                for (const std::string& pair : pairs) {
+                    const std::size_t end = pair.find('=');
+                    format.otherNames.push_back({pair.substr(0, end), pair.substr(end + 1)});
+                }
+            })
+        ->allow_extra_args(false)
+        ->check([columns = std::move(columns)](const std::string& pair) {
+            const std::size_t end = pair.find('=');
+            if (end != pair.npos && end + 1 < pair.size()
+                && std::count(columns.begin(), columns.end(), pair.substr(0, end)) > 0)
+                return std::string();
+            std::string names;
+            for (const std::string_view column : columns)
+                names.append(names.empty() ? "" : ", ").append(column);
+            return "expected NAME=OTHER_NAME with one of the names " + names + ", found " + pair;
+        });
+    command
+        .add_option_function<std::string>(
+            "--keep", [&](const std::string& kept) { format.keepAll = kept == "all"; })
+        ->check(CLI::IsMember({"others", "all"}));
 }
 
 void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
@@ -60,8 +112,13 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     command
         .add_option_function<std::string>(
             "--frame", [&](const std::string& frame) { options.localFrame = frame == "local"; })
-        ->check(CLI::IsMember({"machine", "local"}))
-        ->default_str("machine");
+        ->check(CLI::IsMember({"machine", "local"}));
+    std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
+    columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
+    columns.push_back(timeColumn);
+    addTable(command, options.format, std::move(columns));
+    command.add_option("--summary", options.summary);
+    command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
     command.add_flag("-q,--quiet", options.quiet);
 }
 
@@ -109,6 +166,7 @@ void CommandLine::addSimulate() {
         ->check(numberFrom(0, 1))
         ->capture_default_str();
     command.add_option("--seed", simulate.seed)->capture_default_str();
+    addMessages(command, simulate.posesFormat);
 }
 
 void CommandLine::addHome() {
@@ -126,12 +184,14 @@ void CommandLine::addHome() {
     vectorOption("--direction", home.direction, 3);
     vectorOption("--angles", home.angles, 2);
     vectorOption("--tilt", home.tilt, 2);
+    addTable(command, home.format, {homeColumns.begin(), homeColumns.end()});
 }
 
 void CommandLine::addCheck() {
     CLI::App& command = add("check", [this](const Streams& s) { return checkFiles(check, s); });
     command.add_option("parameter_files", check.files)->required();
     command.add_flag("--strict", check.strict);
+    command.add_flag("--json", check.json);
 }
 
 void CommandLine::addInfo() {
@@ -146,8 +206,38 @@ void CommandLine::addRewrite() {
     command.add_option("parameter_file", rewrite.file)->required();
 }
 
+void CommandLine::addHelp() {
+    CLI::App& command = add("help", [this](const Streams& s) {
+        s.out << helpText(helpOn) << '\n';
+        return allGood;
+    });
+    command.add_option("subcommand", helpOn)->check([this](const std::string& name) {
+        return isCommand(name) ? "" : whyNoCommand(name);
+    });
+}
+
+bool CommandLine::isCommand(const std::string& name) const {
+    return !app.get_subcommands(
+                   [&](const CLI::App* command) { return command->get_name() == name; })
+                .empty();
+}
+
+std::string CommandLine::whyNoCommand(const std::string& word) const {
+    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+    const auto nearest = *std::min_element(
+        commands.begin(), commands.end(), [&](const CLI::App* a, const CLI::App* b) {
+            return editDistance(a->get_name(), word) < editDistance(b->get_name(), word);
+        });
+    return "expected a subcommand, found " + kiv::quoted(word) + "; the nearest is "
+           + nearest->get_name();
+}
+
 int runTool(int argc, const char* const* argv, const Streams& streams) {
     CommandLine line;
+    if (argc > 1 && *argv[1] != '-' && !line.isCommand(argv[1])) {
+        streams.err << "kiv: " << line.whyNoCommand(argv[1]) << '\n';
+        return unusable;
+    }
     try {
         line.app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

@@ -23,11 +23,15 @@ public:
     CommandLine& operator=(const CommandLine&) = delete;
 
     CLI::App app;
+    bool isCommand(const std::string& name) const;
+    std::string whyNoCommand(const std::string& word) const;
     // Of the subcommand that was parsed. An exit code.
     std::function<int(const Streams&)> action;
 
 private:
     CLI::App& add(const char* name, std::function<int(const Streams&)> whenParsed);
+    void addMessages(CLI::App& command, TableFormat& format);
+    void addTable(CLI::App& command, TableFormat& format, std::vector<std::string_view> columns);
     void addReadings(CLI::App& command, ReadingsOptions& options);
     void addRun();
     void addReport();
@@ -36,6 +40,7 @@ private:
     void addCheck();
     void addInfo();
     void addRewrite();
+    void addHelp();
 
     RunOptions run;
     ReadingsOptions report;
@@ -44,6 +49,7 @@ private:
     CheckOptions check;
     InfoOptions info;
     RewriteOptions rewrite;
+    std::string helpOn = "kiv";
 };
 
 } // namespace kiv::host

@@ -17,35 +17,12 @@ void printCell(std::ostream& out, const std::string& text) {
     out << std::string(width - std::min(width, text.size()), ' ') << text;
 }
 
-// The remainder, which is slow, of a difference that seldom needs it.
-double withinHalfTurn(double difference, double turn) {
-    return std::abs(difference) <= turn / 2 ? difference : std::remainder(difference, turn);
-}
-
 } // namespace
-
-// Source of the running moments: Welford, Technometrics 4 (1962), 419.
-double AngleStatistics::add(double angle) {
-    if (n == 0)
-        first = angle;
-    last += withinHalfTurn(angle - first - last, turn);
-    ++n;
-    const double deviation = last - meanOffset;
-    meanOffset += deviation / static_cast<double>(n);
-    squares += deviation * (last - meanOffset);
-    leastOffset = std::min(leastOffset, last);
-    largestOffset = std::max(largestOffset, last);
-    return first + last;
-}
-
-double AngleStatistics::standardDeviation() const {
-    return n < 2 ? 0 : std::sqrt(squares / static_cast<double>(n - 1));
-}
 
 void Summary::add(const RowResult& result, std::size_t line,
                   const std::optional<std::array<double, 3>>& truth) {
     ++counts[static_cast<std::size_t>(result.state)];
-    ++refusals[static_cast<std::size_t>(result.refusal)];
+    ++reasons[static_cast<std::size_t>(result.reason)];
     if (result.state == RowState::reference)
         reference = line;
     if (result.state != RowState::ok)
@@ -56,16 +33,23 @@ void Summary::add(const RowResult& result, std::size_t line,
     if (!truth)
         return;
     ++withTruth;
-    for (std::size_t i = 0; i < 3; ++i)
-        differences[i] =
-            std::max(differences[i], std::abs(withinHalfTurn(values[i] - (*truth)[i], 360.0)));
+    for (std::size_t i = 0; i < 3; ++i) {
+        const double difference = withinHalfTurn(values[i] - (*truth)[i]);
+        residuals[i].statistics.add(difference);
+        residuals[i].magnitudes.add(std::abs(difference));
+        residuals[i].largest = std::max(residuals[i].largest, std::abs(difference));
+    }
 }
 
 std::size_t Summary::rows() const {
     return std::accumulate(counts.begin(), counts.end(), std::size_t{0});
 }
 
-void Summary::print(std::ostream& out) const {
+double Summary::largestResidual() const {
+    return std::max({residuals[0].largest, residuals[1].largest, residuals[2].largest});
+}
+
+void Summary::printCounts(std::ostream& out) const {
     out << rows() << (rows() == 1 ? " row" : " rows");
     const char* separator = ": ";
     for (std::size_t i = 0; i < counts.size(); ++i) {
@@ -77,10 +61,18 @@ void Summary::print(std::ostream& out) const {
         separator = ", ";
     }
     out << '\n';
-    for (std::size_t i = 1; i < refusals.size(); ++i)
-        if (refusals[i] > 0)
-            out << "refused: " << refusals[i] << ' ' << refusalNames[i] << '\n';
+    separator = "reasons: ";
+    for (std::size_t i = 1; i < reasons.size(); ++i) {
+        if (reasons[i] == 0)
+            continue;
+        out << separator << reasons[i] << ' ' << reasonWords[i].word;
+        separator = ", ";
+    }
+    if (*separator == ',')
+        out << '\n';
+}
 
+void Summary::printStatistics(std::ostream& out) const {
     if (count(RowState::ok) > 0) {
         out << "degrees";
         for (const char* heading : {"mean", "deviation", "least", "largest"})
@@ -88,16 +80,20 @@ void Summary::print(std::ostream& out) const {
         out << '\n';
         for (std::size_t i = 0; i < 3; ++i) {
             out << "     " << angleNames[i];
-            for (const double value : {angles[i].mean(), angles[i].standardDeviation(),
-                                       angles[i].least(), angles[i].largest()})
-                printCell(out, degreesText(value));
+            const Statistics::Figures figures = angles[i].figures();
+            if (figures.allTheWayRound)
+                out << "     all the way round";
+            else
+                for (const double value :
+                     {figures.mean, figures.deviation, figures.least, figures.largest})
+                    printCell(out, degreesText(value));
             out << '\n';
         }
     }
     if (withTruth > 0)
-        out << "largest difference to the true angles: rx " << degreesText(differences[0])
-            << ", ry " << degreesText(differences[1]) << ", rz " << degreesText(differences[2])
-            << " degrees\n";
+        out << "largest difference to the true angles: rx " << degreesText(residuals[0].largest)
+            << ", ry " << degreesText(residuals[1].largest) << ", rz "
+            << degreesText(residuals[2].largest) << " degrees\n";
 }
 
 } // namespace kiv::host

@@ -4,37 +4,12 @@
 #include <cstddef>
 #include <iosfwd>
 #include <optional>
-#include <string>
 
+#include "host/Quantile.h"
+#include "host/Statistics.h"
 #include "host/tables/RowResult.h"
 
 namespace kiv::host {
-
-// Mean, spread and range of an angle in degrees. An angle that wraps around counts on beyond its
-// turn; one that does not is given an infinite turn.
-class AngleStatistics {
-public:
-    explicit AngleStatistics(double turnAround = 360.0) : turn(turnAround) {}
-
-    // Gives the angle back as it counts.
-    double add(double angle);
-
-    std::size_t count() const { return n; }
-    double mean() const { return first + meanOffset; }
-    double standardDeviation() const; // of the sample; 0 for one value
-    double least() const { return first + leastOffset; }
-    double largest() const { return first + largestOffset; }
-
-private:
-    double turn;
-    std::size_t n = 0;
-    double first = 0;
-    double last = 0;       // offset of the last value
-    double meanOffset = 0; // from the first value, as are the next two
-    double leastOffset = 0;
-    double largestOffset = 0;
-    double squares = 0; // sum of squared deviations from the mean
-};
 
 // What became of the rows of a run.
 class Summary {
@@ -47,26 +22,34 @@ public:
     }
     std::size_t rows() const;
     std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
-    std::size_t count(Refusal refusal) const { return refusals[static_cast<std::size_t>(refusal)]; }
-    std::size_t referenceLine() const { return reference; }                 // 0: none
-    const AngleStatistics& angle(std::size_t i) const { return angles[i]; } // rx, ry, rz
-    std::size_t compared() const { return withTruth; }
-    // To the truth, degrees.
-    double largestDifference(std::size_t i) const { return differences[i]; }
+    std::size_t count(Reason reason) const { return reasons[static_cast<std::size_t>(reason)]; }
+    std::size_t referenceLine() const { return reference; } // 0: none
 
-    void print(std::ostream& out) const;
+    // Of the angles rx, ry and rz of the rows in state ok.
+    const Statistics& angle(std::size_t i) const { return angles[i]; }
+
+    // Angle less true angle, of the rows that have one.
+    struct Residual {
+        Statistics statistics{Statistics::Kind::linear};
+        Quantile magnitudes;
+        double largest = 0; // magnitude
+    };
+    const Residual& residual(std::size_t i) const { return residuals[i]; }
+    std::size_t compared() const { return withTruth; }
+    double largestResidual() const; // of all angles, magnitude in degrees
+
+    void printCounts(std::ostream& out) const;
+    void printStatistics(std::ostream& out) const;
 
 private:
     std::array<std::size_t, rowStateNames.size()> counts{};
-    std::array<std::size_t, 4> refusals{};
+    std::array<std::size_t, reasonWords.size()> reasons{};
     std::size_t reference = 0;
-    std::array<AngleStatistics, 3> angles;
+    std::array<Statistics, 3> angles;
     std::size_t withTruth = 0;
-    std::array<double, 3> differences{};
+    std::array<Residual, 3> residuals;
 };
 
-inline constexpr std::array<const char*, 4> refusalNames{"", "of the wrong shape", "not a number",
-                                                         "with a zero vector"};
 inline constexpr std::array<const char*, 3> angleNames{"rx", "ry", "rz"};
 
 } // namespace kiv::host

@@ -11,8 +11,9 @@ int main(int argc, char** argv) {
     std::cin.tie(nullptr);
     kiv::host::Interrupt::install();
     try {
-        return kiv::host::runTool(
-            argc, argv, {std::cin, std::cout, std::cerr, kiv::platform::errorIsTerminal()});
+        return kiv::host::runTool(argc, argv,
+                                  {std::cin, std::cout, std::cerr, kiv::platform::errorIsTerminal(),
+                                   kiv::platform::outputIsTerminal()});
     } catch (const std::exception& e) {
         std::fprintf(stderr, "kiv: %s\n", e.what());
         return kiv::host::unusable;

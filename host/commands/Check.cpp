@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <ostream>
 
+#include <nlohmann/json.hpp>
+
 #include "host/Findings.h"
 
 namespace kiv::host {
@@ -13,25 +15,53 @@ std::string counted(std::size_t count, const char* noun) {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
-int checkFile(const std::string& path, bool strict, const Streams& streams) {
-    const auto examined = examineFile(path, streams.err);
-    if (!examined)
-        return unusable;
-    for (const FileFinding& finding : examined->findings)
+using Json = nlohmann::ordered_json;
+
+Json jsonOf(const FileFinding& f) {
+    return {{"severity", f.error ? "error" : "warning"},
+            {"line", f.finding.line},
+            {"column", f.finding.column},
+            {"expected", f.finding.expected},
+            {"found", f.finding.found}};
+}
+
+Json jsonOf(const std::string& path, const ExaminedFile& examined) {
+    Json findings = Json::array();
+    for (const FileFinding& finding : examined.findings)
+        findings.push_back(jsonOf(finding));
+    return {{"file", path},
+            {"errors", examined.errors()},
+            {"warnings", examined.warnings()},
+            {"findings", findings}};
+}
+
+void print(const std::string& path, const ExaminedFile& examined, const Streams& streams) {
+    for (const FileFinding& finding : examined.findings)
         report(streams.err, path, finding);
-    const std::size_t errors = examined->errors();
-    const std::size_t warnings = examined->warnings();
-    streams.out << path << ": " << counted(errors, "error") << ", " << counted(warnings, "warning")
-                << '\n';
-    return errors > 0 || (strict && warnings > 0) ? fileFaulty : allGood;
+    streams.out << path << ": " << counted(examined.errors(), "error") << ", "
+                << counted(examined.warnings(), "warning") << '\n';
 }
 
 } // namespace
 
 int checkFiles(const CheckOptions& options, const Streams& streams) {
     int code = allGood;
-    for (const std::string& path : options.files)
-        code = std::max(code, checkFile(path, options.strict, streams));
+    Json all = Json::array();
+    for (const std::string& path : options.files) {
+        const auto examined = examineFile(path, streams.err);
+        if (!examined) {
+            code = unusable;
+            continue;
+        }
+        if (options.json)
+            all.push_back(jsonOf(path, *examined));
+        else
+            print(path, *examined, streams);
+        if (examined->errors() > 0 || (options.strict && examined->warnings() > 0))
+            code = std::max<int>(code, fileFaulty);
+    }
+    if (options.json) // names may hold bytes that are no UTF-8
+        streams.out << all.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
     return code;
 }
 

@@ -13,12 +13,6 @@ namespace kiv::host {
 
 namespace {
 
-// The numbers of a row: first axis of the tilt frame, direction, two angles and two tilts in
-// degrees.
-constexpr std::array<std::string_view, 10> homeColumns{
-    "frame_x",     "frame_y",     "frame_z",     "direction_x", "direction_y",
-    "direction_z", "angle_h_deg", "angle_v_deg", "tilt_x_deg",  "tilt_y_deg"};
-
 constexpr std::array<std::string_view, 3> homeResultColumns{"state", "home_h_deg", "home_v_deg"};
 
 using Numbers = std::array<double, homeColumns.size()>;
@@ -72,14 +66,16 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         return unusable;
     TableInput input;
     Output output;
-    if (!input.open(options.table, homeColumns, homeResultColumns, streams, streams.err)
+    if (!input.open(options.table, homeColumns, homeResultColumns, options.format, streams)
         || !output.open(options.results, streams))
         return unusable;
 
     Table& table = input.table();
     std::string& text = output.text();
     table.appendCarriedNames(text);
-    text += "state,home_h_deg,home_v_deg\n";
+    for (const std::string_view name : homeResultColumns)
+        text.append(name).push_back(table.separator());
+    text.back() = '\n';
     CKiv sensor;
     bool allSolved = true;
     const auto next = [&] { return table.nextRow(); };
@@ -94,12 +90,12 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         allSolved = allSolved && home;
 
         table.appendCarriedCells(text);
-        text += home ? "ok," : good ? "no_solution," : "refused,";
-        if (home)
-            appendNumber(text, home->horizontal);
-        text.push_back(',');
-        if (home)
-            appendNumber(text, home->vertical);
+        text += home ? "ok" : good ? "no_solution" : "refused";
+        for (const auto angle : {&HomeAngles::horizontal, &HomeAngles::vertical}) {
+            text.push_back(table.separator());
+            if (home)
+                table.appendNumber(text, *home.*angle);
+        }
         text.push_back('\n');
         return output.endRow(inputWouldWait);
     });

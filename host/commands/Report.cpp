@@ -2,12 +2,12 @@
 
 #include <cmath>
 #include <ostream>
-#include <sstream>
 
 #include "host/Interrupt.h"
 #include "host/ParameterFile.h"
 #include "host/report/ReportPage.h"
 #include "host/tables/Numbers.h"
+#include "host/tables/ReadingsRun.h"
 
 namespace kiv::host {
 
@@ -22,16 +22,15 @@ public:
             problem = "the readings have no column time_s";
     }
 
-    double at(const Table& table, Refusal refusal) {
+    double at(const Table& table, Reason reason) {
         if (!problem.empty())
             return 0;
-        const auto time =
-            refusal == Refusal::rowShape ? std::nullopt : numberIn<double>(table.cell(*place));
         const std::string line = std::to_string(table.lineNumber());
-        if (time && std::isfinite(*time)) {
-            if (*time < last)
+        double time = 0;
+        if (reason != Reason::rowShape && table.numberAt(*place, time)) {
+            if (time < last)
                 problem = "time_s goes back in line " + line;
-            last = *time;
+            last = time;
         } else if (!std::isfinite(last)) {
             problem = "time_s is no number in line " + line;
         }
@@ -72,7 +71,7 @@ void addRow(ReportContent& content, const RowResult& result, double time,
     values.fill(NAN);
     const auto set = [&](Quantity quantity, double value) {
         if (std::isfinite(value))
-            values[at(quantity)] = content.statistics[at(quantity)].add(value);
+            content.statistics[at(quantity)].add(values[at(quantity)] = value);
     };
     const KIV_INFO& info = result.info;
     if (result.state != RowState::refused) {
@@ -86,9 +85,9 @@ void addRow(ReportContent& content, const RowResult& result, double time,
         set(Quantity::ry, info.ry);
         set(Quantity::rz, info.rz);
         if (truth) {
-            set(Quantity::residualX, std::remainder(info.rx - (*truth)[0], 360.0));
-            set(Quantity::residualY, std::remainder(info.ry - (*truth)[1], 360.0));
-            set(Quantity::residualZ, std::remainder(info.rz - (*truth)[2], 360.0));
+            set(Quantity::residualX, withinHalfTurn(info.rx - (*truth)[0]));
+            set(Quantity::residualY, withinHalfTurn(info.ry - (*truth)[1]));
+            set(Quantity::residualZ, withinHalfTurn(info.rz - (*truth)[2]));
         }
     }
     content.envelope.addRow(time, values, markOf(result.state));
@@ -99,15 +98,12 @@ void addRow(ReportContent& content, const RowResult& result, double time,
 } // namespace
 
 int reportReadings(const ReadingsOptions& options, const Streams& streams) {
-    std::ostringstream messages; // of a row
-    const auto passOn = [&] {
-        streams.err << messages.str();
-        messages.str("");
-    };
-    ReadingsRun run(options, streams, messages);
-    const bool usable = run.open({});
-    passOn();
-    if (!usable)
+    if (options.output == "-" && streams.outIsTerminal) {
+        streams.err << "kiv report: expected -o FILE for the page, found a terminal\n";
+        return unusable;
+    }
+    ReadingsRun run(options, streams);
+    if (!run.open({}))
         return unusable;
 
     const Table& table = run.table();
@@ -121,15 +117,13 @@ int reportReadings(const ReadingsOptions& options, const Streams& streams) {
 
     TimeColumn time(table);
     run.forEach([&](const RowResult& result, const auto& trueAngles, bool) {
-        const double t = time.at(table, result.refusal);
+        const double t = time.at(table, result.reason);
         addRow(content, result, t, trueAngles);
-        if (markOf(result.state) != Envelope::Mark::none) {
-            if (content.badRows.size() < mostBadRowsListed)
-                content.badRows.push_back(
-                    {table.lineNumber(), t, result.state,
-                     reasonIn(messages.str(), content.readings, table.lineNumber())});
-            passOn();
-        }
+        if (markOf(result.state) != Envelope::Mark::none
+            && content.badRows.size() < mostBadRowsListed)
+            content.badRows.push_back(
+                {table.lineNumber(), t, result.state,
+                 reasonIn(table.messages(), content.readings, table.lineNumber())});
         return true;
     });
     content.whyNotOverTime = time.whyNot();

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "host/tables/ReadingsRun.h"
+#include "host/Cli.h"
+#include "host/tables/ReadingsOptions.h"
 
 namespace kiv::host {
 

@@ -1,11 +1,13 @@
 #include "host/commands/Run.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <iterator>
 #include <ostream>
 
+#include "host/tables/ReadingsRun.h"
 #include "sensor/SensorAccess.h"
 
 namespace kiv::host {
@@ -14,7 +16,8 @@ namespace {
 
 // Behind the carried columns. Angles are degrees; m<row><column> is the result matrix, code that of
 // ReadMatrix.
-constexpr std::array<std::string_view, 21> resultColumns{"state",
+constexpr std::array<std::string_view, 22> resultColumns{"state",
+                                                         "reason",
                                                          "azimuth_corrected_deg",
                                                          "elevation_corrected_deg",
                                                          "level_x_corrected_deg",
@@ -37,12 +40,13 @@ constexpr std::array<std::string_view, 21> resultColumns{"state",
                                                          "code"};
 
 // What the update did not compute, and what is no number, stays empty.
-void appendResult(std::string& text, const RowResult& result, int mode) {
+void appendResult(std::string& text, const RowResult& result, int mode, const Table& table) {
+    const char separator = table.separator();
     char row[32 * resultColumns.size()]; // no number takes more
     char* end = row;
     const auto cells = [&](const auto* values, std::size_t count, bool computed) {
         for (std::size_t i = 0; i < count; ++i) {
-            *end++ = ',';
+            *end++ = separator;
             if (computed && std::isfinite(static_cast<double>(values[i])))
                 end = std::to_chars(end, std::end(row), values[i]).ptr; // shortest
         }
@@ -63,23 +67,30 @@ void appendResult(std::string& text, const RowResult& result, int mode) {
     cells(&result.code, 1, reached);
     *end++ = '\n';
     text += rowStateNames[static_cast<std::size_t>(result.state)];
+    text.push_back(separator);
+    text += wordsOf(result.reason).word;
+    const std::size_t numbers = text.size();
     text.append(row, end);
+    if (table.decimalComma())
+        std::replace(text.begin() + static_cast<std::ptrdiff_t>(numbers), text.end(), '.', ',');
 }
 
 } // namespace
 
 int runReadings(const RunOptions& options, const Streams& streams) {
-    ReadingsRun run(options, streams, streams.err);
+    ReadingsRun run(options, streams);
     if (!run.open(resultColumns))
         return unusable;
+    const Table& table = run.table();
     std::string& text = run.output().text();
-    run.table().appendCarriedNames(text);
+    table.appendCarriedNames(text);
     for (const std::string_view name : resultColumns)
-        text.append(name).push_back(name == resultColumns.back() ? '\n' : ',');
+        text.append(name).push_back(table.separator());
+    text.back() = '\n';
 
     run.forEach([&](const RowResult& result, const auto&, bool inputWouldWait) {
-        run.table().appendCarriedCells(text);
-        appendResult(text, result, run.mountMode());
+        table.appendCarriedCells(text);
+        appendResult(text, result, run.mountMode(), table);
         return run.output().endRow(inputWouldWait)
                && (!options.stopOnBad || run.summary().allGood());
     });

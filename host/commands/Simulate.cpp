@@ -90,19 +90,20 @@ private:
 };
 
 void appendNames(std::string& text, const PoseSource& poses) {
+    const char separator = poses.separator();
     poses.appendCarriedNames(text);
     if (!poses.carriesTime())
-        text.append(timeColumn).push_back(',');
+        text.append(timeColumn).push_back(separator);
     for (const std::string_view name : readingColumns)
-        text.append(name).push_back(',');
+        text.append(name).push_back(separator);
     for (const std::string_view name : truthColumns)
-        text.append(name).push_back(',');
+        text.append(name).push_back(separator);
     text.back() = '\n';
 }
 
 // Behind what stands in front of the readings.
 void appendReadings(std::string& text, KIV_RAWINFO raw, const simulator::Angles& angles,
-                    const Faults& faults) {
+                    const Faults& faults, char separator) {
     const Fault fault = faults.fault();
     if (fault == Fault::badStatus)
         raw.status = 1;
@@ -117,7 +118,7 @@ void appendReadings(std::string& text, KIV_RAWINFO raw, const simulator::Angles&
             text += "n/a";
         else
             appendNumber(text, value);
-        text.push_back(',');
+        text.push_back(separator);
     };
     cell(raw.status);
     for (const float v : raw.vector)
@@ -138,7 +139,7 @@ void appendReadings(std::string& text, KIV_RAWINFO raw, const simulator::Angles&
 std::unique_ptr<PoseSource> posesFor(const SimulateOptions& options, int mode,
                                      const Streams& streams) {
     if (!options.poses.empty())
-        return PoseTable::open(options.poses, streams);
+        return PoseTable::open(options.poses, options.posesFormat, streams);
     using simulator::Motion;
     const Motion motion = options.trajectory == "still"    ? Motion::still
                           : options.trajectory == "swing"  ? Motion::swing
@@ -146,7 +147,7 @@ std::unique_ptr<PoseSource> posesFor(const SimulateOptions& options, int mode,
                                                            : Motion::turn;
     return std::make_unique<TrajectoryPoses>(
         simulator::Trajectory(motion, options.seed, options.tilt, simulator::invertedIn(mode)),
-        options.rows, options.parameterFile, streams.err);
+        options.rows, options.parameterFile, options.posesFormat.mostMessages, streams.err);
 }
 
 } // namespace
@@ -183,9 +184,9 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
             poses->appendCarriedCells(text);
             if (!poses->carriesTime()) {
                 appendNumber(text, row / options.rate);
-                text.push_back(',');
+                text.push_back(poses->separator());
             }
-            appendReadings(text, raw, sensor.trueAngles(pose), faults);
+            appendReadings(text, raw, sensor.trueAngles(pose), faults, poses->separator());
         } else if (found == NextPose::pose) {
             poses->reportUnreachable();
         }

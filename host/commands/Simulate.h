@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/Cli.h"
+#include "host/tables/TableFormat.h"
 #include "simulator/Noise.h"
 
 namespace kiv::host {
@@ -12,6 +13,7 @@ struct SimulateOptions {
     std::string parameterFile;
     std::string readings = "-";
     std::string poses; // a CSV file, - for standard input; empty: the trajectory
+    TableFormat posesFormat;
     std::string trajectory = "turn";
     double tilt = 5; // largest pitch and largest roll along the trajectory, degrees
     long rows = 2000;

@@ -144,7 +144,7 @@ private:
 
     bool hasValues(const Chart& chart) const {
         for (std::size_t q = at(chart.first); q <= at(chart.last); ++q)
-            if (content.statistics[q].count() > 0)
+            if (content.statistics[q].figures().count > 0)
                 return true;
         return false;
     }
@@ -238,9 +238,9 @@ void Page::appendRowCounts() {
         if (state == RowState::reference && count > 0)
             html += " (line " + countText(summary.referenceLine()) + ")";
         if (state == RowState::refused)
-            for (std::size_t r = 1; r < refusalNames.size(); ++r)
-                if (const std::size_t n = summary.count(static_cast<Refusal>(r)); n > 0)
-                    html.append("<br>").append(countText(n)).append(" ").append(refusalNames[r]);
+            for (const Reason r : {Reason::rowShape, Reason::notANumber, Reason::zeroVector})
+                if (const std::size_t n = summary.count(r); n > 0)
+                    html.append("<br>").append(countText(n)).append(" ").append(wordsOf(r).text);
         html += "</td></tr>\n";
     }
     html += "</tbody>\n<tfoot>";
@@ -258,18 +258,22 @@ void Page::appendStatistics() {
             continue;
         html += "<tbody>\n";
         for (std::size_t q = at(chart.first); q <= at(chart.last); ++q) {
-            const AngleStatistics& s = content.statistics[q];
-            if (s.count() == 0)
+            const Statistics::Figures s = content.statistics[q].figures();
+            if (s.count == 0)
                 continue;
-            appendTableRow(html, quantityWords[q].table,
-                           {countText(s.count()), degreesText(s.mean()),
-                            degreesText(s.standardDeviation()), degreesText(s.least()),
-                            degreesText(s.largest())});
+            if (s.allTheWayRound)
+                appendTableRow(html, quantityWords[q].table,
+                               {countText(s.count), "all the way round", "", "", ""});
+            else
+                appendTableRow(html, quantityWords[q].table,
+                               {countText(s.count), degreesText(s.mean), degreesText(s.deviation),
+                                degreesText(s.least), degreesText(s.largest)});
         }
         html += "</tbody>\n";
     }
     html += "</table>\n<p class=\"note\">Angles over the rows in state ok, corrected readings over "
-            "all rows that were not refused. Angles that pass a full turn count on.</p>\n"
+            "all rows that were not refused. Means and extremes of angles are those of "
+            "directions.</p>\n"
             "</section>\n";
 }
 

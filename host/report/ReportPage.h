@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -42,7 +41,6 @@ struct BadRow {
 
 inline constexpr std::size_t mostBins = 4096;
 inline constexpr std::size_t mostBadRowsListed = 200;
-inline constexpr double noTurn = std::numeric_limits<double>::infinity();
 
 struct ReportContent {
     std::string parameterFile;
@@ -53,11 +51,13 @@ struct ReportContent {
     F_VECTOR4 levelLimits{};
 
     Summary summary;
-    // Tilts and residuals do not wrap around.
-    std::array<AngleStatistics, quantityCount> statistics{
-        AngleStatistics(),       AngleStatistics(),      AngleStatistics(), AngleStatistics(noTurn),
-        AngleStatistics(noTurn), AngleStatistics(),      AngleStatistics(), AngleStatistics(noTurn),
-        AngleStatistics(noTurn), AngleStatistics(noTurn)};
+    std::array<Statistics, quantityCount> statistics = [] {
+        std::array<Statistics, quantityCount> all;
+        for (const Quantity quantity : {Quantity::tiltX, Quantity::tiltY, Quantity::residualX,
+                                        Quantity::residualY, Quantity::residualZ})
+            all[at(quantity)] = Statistics(Statistics::Kind::linear);
+        return all;
+    }();
     Envelope envelope{quantityCount, mostBins}; // over time in seconds
     std::string whyNotOverTime;                 // empty: the charts run over time
     double referenceTime = 0;

@@ -8,23 +8,23 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-// Splits at the commas outside quotes; false when a quote is not closed.
-bool split(std::string_view line, std::vector<std::string_view>& cells) {
+// Splits at the separators outside quotes; false when a quote is not closed.
+bool split(std::string_view line, char separator, std::vector<std::string_view>& cells) {
     cells.clear();
     bool quoted = false;
     std::size_t start = 0;
-    const auto endCell = [&](std::size_t comma) {
-        cells.push_back(line.substr(start, comma - start));
-        start = comma + 1;
+    const auto endCell = [&](std::size_t end) {
+        cells.push_back(line.substr(start, end - start));
+        start = end + 1;
     };
     if (line.find('"') == line.npos) {
-        for (auto comma = line.find(','); comma != line.npos; comma = line.find(',', start))
-            endCell(comma);
+        for (auto end = line.find(separator); end != line.npos; end = line.find(separator, start))
+            endCell(end);
     } else {
         for (std::size_t i = 0; i < line.size(); ++i) {
             if (line[i] == '"')
                 quoted = !quoted;
-            else if (line[i] == ',' && !quoted)
+            else if (line[i] == separator && !quoted)
                 endCell(i);
         }
     }
@@ -38,13 +38,22 @@ bool CsvReader::nextRow() {
     if (!std::getline(in, line))
         return false;
     ++lines;
+    splitLine();
+    return true;
+}
+
+void CsvReader::separateBy(char character) {
+    between = character;
+    splitLine();
+}
+
+void CsvReader::splitLine() {
     std::string_view text = line;
     if (lines == 1 && text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());
     if (text.ends_with('\r'))
         text.remove_suffix(1);
-    closed = split(text, row);
-    return true;
+    closed = split(text, between, row);
 }
 
 std::size_t CsvReader::column(std::size_t cell) const {

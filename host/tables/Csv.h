@@ -5,7 +5,8 @@
 #include <string_view>
 #include <vector>
 
-// Comma-separated values, one row a line, cells optionally in double quotes.
+// Values separated by commas, semicolons or tabs, one row a line, cells optionally in double
+// quotes.
 namespace kiv::host {
 
 class CsvReader {
@@ -14,6 +15,11 @@ public:
 
     // False at the end. The cells are raw text, valid until the next call.
     bool nextRow();
+    // The row once more, and all later ones, with another separator.
+    void separateBy(char character);
+    char separator() const { return between; }
+
+    std::string_view text() const { return line; } // of the whole row
 
     const std::vector<std::string_view>& cells() const { return row; }
     bool quotesClosed() const { return closed; } // false: the last cell's quote is never closed
@@ -25,9 +31,12 @@ public:
     bool wouldWait() const; // no further input is at hand
 
 private:
+    void splitLine();
+
     std::istream& in;
     std::string line;
     std::vector<std::string_view> row;
+    char between = ',';
     std::size_t lines = 0;
     bool closed = true;
 };

@@ -31,7 +31,8 @@ void appendNumber(std::string& text, Number value) {
     text.append(digits, end);
 }
 
-inline std::string shown(float value) {
+template <typename Number>
+std::string shown(Number value) {
     std::string text;
     appendNumber(text, value);
     return text;
@@ -45,12 +46,13 @@ inline void appendRounded(std::string& text, double value, int significant) {
     text.append(digits, end);
 }
 
-// With six decimals.
+// With six decimals; no zero has a sign.
 inline std::string degreesText(double value) {
     char digits[320]; // of the largest double
     const auto [end, error] =
         std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 6);
-    return {digits, end};
+    const std::string_view text(digits, end);
+    return std::string(text == "-0.000000" ? text.substr(1) : text);
 }
 
 } // namespace kiv::host

@@ -33,15 +33,17 @@ NextPose TrajectoryPoses::next(SimulatedPose& pose) {
     return NextPose::pose;
 }
 
-void TrajectoryPoses::reportUnreachable() const {
-    err << sensor << ":1:1: expected a sensor whose line of sight reaches every pose, found that "
-        << "it does not reach pose " << row << '\n';
+void TrajectoryPoses::reportUnreachable() {
+    constexpr const char* expected = "a sensor whose line of sight reaches every pose";
+    if (limit.admits(expected))
+        err << sensor << ":1:1: expected " << expected << ", found that it does not reach pose "
+            << row << '\n';
 }
 
-std::unique_ptr<PoseTable> PoseTable::open(const std::string& file, const Streams& streams) {
+std::unique_ptr<PoseTable> PoseTable::open(const std::string& file, const TableFormat& format,
+                                           const Streams& streams) {
     auto poses = std::make_unique<PoseTable>();
-    const bool usable =
-        poses->input.open(file, poseColumns, namesOfReadings(), streams, streams.err);
+    const bool usable = poses->input.open(file, poseColumns, namesOfReadings(), format, streams);
     return usable ? std::move(poses) : nullptr;
 }
 
@@ -69,7 +71,7 @@ NextPose PoseTable::next(SimulatedPose& pose) {
     return NextPose::pose;
 }
 
-void PoseTable::reportUnreachable() const {
+void PoseTable::reportUnreachable() {
     input.table().reportRow("a pose that the sensor's line of sight reaches",
                             "one outside its elevation range");
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "host/tables/Readings.h"
 #include "host/tables/TableInput.h"
 #include "simulator/Trajectory.h"
 
@@ -26,48 +27,54 @@ public:
 
     virtual NextPose next(SimulatedPose& pose) = 0;
     // Says that the sensor's line of sight does not reach the last pose.
-    virtual void reportUnreachable() const = 0;
+    virtual void reportUnreachable() = 0;
 
-    // What belongs in front of a row of readings, each with a comma behind it.
+    virtual char separator() const { return ','; }
+    // What belongs in front of a row of readings, each with a separator behind it.
     virtual void appendCarriedNames(std::string&) const {}
     virtual void appendCarriedCells(std::string&) const {}
     virtual bool carriesTime() const { return false; }
 
     virtual bool wouldWait() const { return false; }
     // Ends the output: false, and a message, when not all could be read or written.
-    virtual bool finish(Output& output, std::ostream& err) const { return output.finish(err); }
+    virtual bool finish(Output& output, std::ostream& err) const = 0;
 };
 
 // So many poses of a trajectory, the temperature rising from 20 to 24 degrees Celsius.
 class TrajectoryPoses : public PoseSource {
 public:
     TrajectoryPoses(const simulator::Trajectory& path, long rowCount, std::string parameterFile,
-                    std::ostream& messages)
-        : trajectory(path), rows(rowCount), sensor(std::move(parameterFile)), err(messages) {}
+                    std::size_t mostMessages, std::ostream& messages)
+        : trajectory(path), rows(rowCount), sensor(std::move(parameterFile)), limit(mostMessages),
+          err(messages) {}
 
     NextPose next(SimulatedPose& pose) override;
-    void reportUnreachable() const override;
+    void reportUnreachable() override;
+    bool finish(Output& output, std::ostream& messages) const override {
+        limit.reportOthers(sensor, messages);
+        return output.finish(messages);
+    }
 
 private:
     simulator::Trajectory trajectory;
     long rows;
     long row = 0;
     std::string sensor;
+    MessageLimit limit;
     std::ostream& err;
 };
-
-// The column of the time stamp, in seconds.
-inline constexpr std::string_view timeColumn = "time_s";
 
 // The rows of a CSV file: a position in the instrument frame, in its length unit, and a rotation
 // Rz(yaw) Ry(pitch) Rx(roll) in degrees.
 class PoseTable : public PoseSource {
 public:
     // Nothing, and messages, when the file cannot be read as one.
-    static std::unique_ptr<PoseTable> open(const std::string& file, const Streams& streams);
+    static std::unique_ptr<PoseTable> open(const std::string& file, const TableFormat& format,
+                                           const Streams& streams);
 
     NextPose next(SimulatedPose& pose) override;
-    void reportUnreachable() const override;
+    void reportUnreachable() override;
+    char separator() const override { return input.table().separator(); }
     void appendCarriedNames(std::string& out) const override {
         input.table().appendCarriedNames(out);
     }

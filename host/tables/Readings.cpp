@@ -1,6 +1,5 @@
 #include "host/tables/Readings.h"
 
-#include <cmath>
 #include <utility>
 
 namespace kiv::host {
@@ -13,9 +12,9 @@ constexpr std::size_t at(Field field) {
 
 } // namespace
 
-Refusal readReadings(const Table& table, KIV_RAWINFO& raw) {
+Reason readReadings(const Table& table, KIV_RAWINFO& raw) {
     if (!table.checkRow())
-        return Refusal::rowShape;
+        return Reason::rowShape;
     raw = {};
     bool good = table.readNumber(at(Field::status), raw.status);
     const std::pair<Field, float&> numbers[] = {
@@ -40,12 +39,12 @@ Refusal readReadings(const Table& table, KIV_RAWINFO& raw) {
         good = false;
     }
     if (!good)
-        return Refusal::notANumber;
+        return Reason::notANumber;
     if (raw.vector[0] == 0 && raw.vector[1] == 0 && raw.vector[2] == 0) {
         table.report(at(Field::x), "a measured vector that is not zero", "0, 0, 0");
-        return Refusal::zeroVector;
+        return Reason::zeroVector;
     }
-    return Refusal::none;
+    return Reason::none;
 }
 
 Truth::Truth(const Table& table, bool comparable) {
@@ -54,15 +53,12 @@ Truth::Truth(const Table& table, bool comparable) {
 }
 
 std::optional<std::array<double, 3>> Truth::angles(const Table& table) const {
+    if (!comparable())
+        return std::nullopt;
     std::array<double, 3> angles{};
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        if (!places[i])
+    for (std::size_t i = 0; i < places.size(); ++i)
+        if (!table.numberAt(*places[i], angles[i]))
             return std::nullopt;
-        const auto number = numberIn<double>(table.cell(*places[i]));
-        if (!number || !std::isfinite(*number))
-            return std::nullopt;
-        angles[i] = *number;
-    }
     return angles;
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "KIVInterface/Records.h"
+#include "host/tables/Reason.h"
 #include "host/tables/Table.h"
 
 namespace kiv::host {
@@ -28,20 +29,22 @@ inline constexpr std::array<std::string_view, 11> readingColumns{
     "status",  "x",       "y",           "z",          "azimuth_deg", "elevation_deg",
     "level_x", "level_y", "temperature", "ref_metric", "ref_blocked"};
 
-// Why the readings of a row are no use.
-enum class Refusal : unsigned char { none, rowShape, notANumber, zeroVector };
-
-// The readings of a row of a table with these columns, or why not; then also messages.
-Refusal readReadings(const Table& table, KIV_RAWINFO& raw);
+// The readings of a row of a table with these columns, or why they are no use; then also messages.
+Reason readReadings(const Table& table, KIV_RAWINFO& raw);
 
 // True angles that a simulation adds as further columns, in the order rx, ry, rz.
 inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "true_ry_deg",
                                                               "true_rz_deg"};
 
+// The column of the time stamp, in seconds.
+inline constexpr std::string_view timeColumn = "time_s";
+
 class Truth {
 public:
     // Not comparable where the results are not in machine coordinates; then no row has angles.
     Truth(const Table& table, bool comparable);
+
+    bool comparable() const { return places[0] && places[1] && places[2]; }
 
     // Degrees, where the row has all three.
     std::optional<std::array<double, 3>> angles(const Table& table) const;

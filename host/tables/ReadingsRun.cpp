@@ -1,32 +1,67 @@
 #include "host/tables/ReadingsRun.h"
 
+#include <ostream>
+
 #include "host/ParameterFile.h"
+#include "host/SummaryFile.h"
 #include "sensor/SensorAccess.h"
 
 namespace kiv::host {
 
 bool ReadingsRun::open(std::span<const std::string_view> results) {
+    const auto overwrites = [&](const std::string& output) {
+        return refuseOverwriting(output, {options.parameterFile, options.readings}, streams.err);
+    };
     if (!loadSensor(options.parameterFile, parameters, sensor, streams.err)
-        || refuseOverwriting(options.output, {options.parameterFile, options.readings},
-                             streams.err))
+        || overwrites(options.output) || overwrites(options.summary))
         return false;
     sensor.setMcsFlag(!options.localFrame);
     mode = SensorAccess::mountMode(sensor);
-    if (!readings.open(options.readings, readingColumns, results, streams, err)
-        || !written.open(options.output, streams))
+    const bool knowsFrames = mode < firstThreeVectorMode;
+    if (options.localFrame && !knowsFrames)
+        streams.err << "kiv: --frame local has no effect in mount mode " << mode << '\n';
+    if (!readings.open(options.readings, readingColumns, results, options.format, streams))
         return false;
-    truth.emplace(table(), !options.localFrame || mode >= firstThreeVectorMode);
-    return true;
+    truth.emplace(table(), !options.localFrame || !knowsFrames);
+    if (options.tolerance && !truth->comparable()) {
+        streams.err << readings.name() << ":1:1: expected true angles in machine coordinates for "
+                    << "--tolerance, found "
+                    << (options.localFrame && knowsFrames ? "a run in the local frame"
+                                                          : "no columns of them")
+                    << '\n';
+        return false;
+    }
+    return written.open(options.output, streams);
+}
+
+bool ReadingsRun::writeSummary() const {
+    Output file;
+    if (!file.open(options.summary, streams))
+        return false;
+    file.text() = summaryText(rows, options, mode);
+    return file.finish(streams.err);
+}
+
+bool ReadingsRun::withinTolerance() const {
+    if (!options.tolerance || rows.largestResidual() <= *options.tolerance)
+        return true;
+    streams.err << "expected differences to the true angles of " << shown(*options.tolerance)
+                << " degrees at most, found " << degreesText(rows.largestResidual()) << '\n';
+    return false;
 }
 
 int ReadingsRun::finish() {
     if (!readings.finish(written, streams.err))
         return unusable;
+    rows.printCounts(streams.err);
     if (!options.quiet)
-        rows.print(streams.err);
+        rows.printStatistics(streams.err);
+    if (!options.summary.empty() && !writeSummary())
+        return unusable;
+    const bool close = withinTolerance();
     if (Interrupt::requested())
         return interrupted;
-    return rows.allGood() ? allGood : someRowsBad;
+    return rows.allGood() && close ? allGood : someRowsBad;
 }
 
 } // namespace kiv::host

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <iosfwd>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 
 #include "KIVInterface/CKiv.h"
@@ -11,26 +9,17 @@
 #include "host/Cli.h"
 #include "host/Progress.h"
 #include "host/Summary.h"
+#include "host/tables/ReadingsOptions.h"
 #include "host/tables/RowLoop.h"
 #include "host/tables/RowResult.h"
 #include "host/tables/TableInput.h"
 
 namespace kiv::host {
 
-struct ReadingsOptions {
-    std::string parameterFile;
-    std::string readings; // a table, - for standard input
-    std::string output = "-";
-    bool localFrame = false; // angles of the motion since the reference, not in machine coordinates
-    bool quiet = false;      // no progress, no summary
-};
-
 // A table of readings taken row by row through the sensor of a parameter file, into an output.
 class ReadingsRun {
 public:
-    // The messages are those of the rows and of the table.
-    ReadingsRun(const ReadingsOptions& asked, const Streams& own, std::ostream& messages)
-        : options(asked), streams(own), err(messages) {}
+    ReadingsRun(const ReadingsOptions& asked, const Streams& own) : options(asked), streams(own) {}
 
     // False, and messages, when one of the files cannot be used. No column of the readings may have
     // one of the names of the results.
@@ -59,13 +48,15 @@ public:
         });
     }
 
-    // Ends the output and shows the summary. An exit code.
+    // Ends the output, shows and writes the summary. An exit code.
     int finish();
 
 private:
+    bool writeSummary() const;
+    bool withinTolerance() const;
+
     const ReadingsOptions& options;
     const Streams& streams;
-    std::ostream& err;
     CKivPrm parameters;
     CKiv sensor;
     int mode = 0;

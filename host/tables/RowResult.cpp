@@ -13,18 +13,16 @@ namespace {
 // How messages speak of a model and of readings that it has no orientation for.
 struct ModelWords {
     const char* name;
-    const char* whereItFails;
-    const char* whereNotFinite;
+    Reason whereItFails;
+    Reason whereNotFinite;
 };
 
 ModelWords wordsFor(int mode) {
-    constexpr const char* overflow = "angles that are no numbers";
-    constexpr const char* alongVertical =
-        "a line of sight along the vertical or in a level's plane with it";
+    using enum Reason;
     switch (mode) {
     case 1:
     case 2:
-        return {"dual-level", "no tilted vertical that both levels show", overflow};
+        return {"dual-level", noVertical, overflow};
     case 5:
     case 6:
         return {"polarizer", overflow, overflow};
@@ -33,9 +31,9 @@ ModelWords wordsFor(int mode) {
         return {"three-vector", alongVertical, alongVertical};
     case 9:
     case 10:
-        return {"two-level", "both levels outside their tables", alongVertical};
+        return {"two-level", levelsOutside, alongVertical};
     default:
-        return {"pendulum", "no transverse axis that shows their inclination", overflow};
+        return {"pendulum", noAxis, overflow};
     }
 }
 
@@ -74,8 +72,8 @@ RowRunner::RowRunner(CKiv& kiv, Table& readings)
 bool RowRunner::next(RowResult& result) {
     if (!table.nextRow())
         return false;
-    result.refusal = readReadings(table, result.raw);
-    if (result.refusal != Refusal::none) {
+    result.reason = readReadings(table, result.raw);
+    if (result.reason != Reason::none) {
         result.state = RowState::refused;
         return true;
     }
@@ -84,14 +82,21 @@ bool RowRunner::next(RowResult& result) {
     result.state = stateOf(outcome);
     if (outcome > UpdateOutcome::modelFailed && !allNumbers(sensor, result.info))
         result.state = RowState::noOrientation;
-    if (result.state == RowState::noOrientation) {
-        const ModelWords words = wordsFor(mode);
+    if (result.state == RowState::ok || result.state == RowState::reference)
+        return true;
+
+    const ModelWords words = wordsFor(mode);
+    if (result.state == RowState::status)
+        result.reason = Reason::status;
+    else if (result.state == RowState::noReference)
+        result.reason = result.raw.refBlocked ? Reason::refBlocked : Reason::refMetric;
+    else
         result.reason =
             outcome == UpdateOutcome::modelFailed ? words.whereItFails : words.whereNotFinite;
+    if (result.state == RowState::noOrientation)
         table.reportRow(std::string("readings that the ") + words.name
                             + " model solves (mount mode " + std::to_string(mode) + ")",
-                        result.reason);
-    }
+                        wordsOf(result.reason).text);
     return true;
 }
 

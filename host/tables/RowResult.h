@@ -27,8 +27,7 @@ const char* modelName(int mode);
 
 struct RowResult {
     RowState state = RowState::refused;
-    Refusal refusal = Refusal::none;
-    const char* reason = nullptr; // with noOrientation
+    Reason reason = Reason::none; // for a state other than ok and reference
     KIV_RAWINFO raw{};
     KIV_INFO info{};
     double matrix[9] = {};

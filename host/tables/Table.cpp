@@ -4,12 +4,25 @@
 #include <ostream>
 #include <utility>
 
+#include "host/tables/HeaderFault.h"
+
 namespace kiv::host {
 
 namespace {
 
 bool contains(std::span<const std::string_view> names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+constexpr std::size_t mostNamesShown = 12;
+
+std::string listOf(std::span<const std::string_view> names, std::size_t most) {
+    std::string list;
+    for (const std::string_view name : names.first(std::min(names.size(), most)))
+        list += (list.empty() ? "" : ", ") + quoted(name);
+    if (names.size() > most)
+        list += " and " + std::to_string(names.size() - most) + " more";
+    return list;
 }
 
 std::string cellCount(std::size_t count) {
@@ -19,12 +32,35 @@ std::string cellCount(std::size_t count) {
 } // namespace
 
 Table::Table(std::istream& in, std::string shownName, std::ostream& messages,
-             std::span<const std::string_view> columnNames)
-    : csv(in), name(std::move(shownName)), err(messages), wanted(columnNames) {}
+             std::span<const std::string_view> columnNames, const TableFormat& asked)
+    : csv(in), name(std::move(shownName)), err(messages), format(asked), limit(asked.mostMessages) {
+    for (const std::string_view column : columnNames)
+        wanted.push_back(format.nameOf(column));
+}
 
 void Table::reportAt(std::size_t place, std::string_view expected, std::string_view found) const {
-    err << name << ':' << csv.lineNumber() << ':' << csv.column(place) << ": expected " << expected
-        << ", found " << found << '\n';
+    std::string message = name + ':' + std::to_string(csv.lineNumber()) + ':'
+                          + std::to_string(csv.column(place)) + ": expected ";
+    message.append(expected).append(", found ").append(found).push_back('\n');
+    said += message;
+    if (limit.admits(expected))
+        err << message;
+}
+
+// The one that finds most of the names.
+void Table::chooseSeparator() {
+    char best = ',';
+    std::ptrdiff_t most = -1;
+    for (const char separator : {',', ';', '\t'}) {
+        csv.separateBy(separator);
+        const auto found =
+            std::count_if(csv.cells().begin(), csv.cells().end(),
+                          [&](std::string_view cell) { return contains(wanted, cellText(cell)); });
+        if (found > most)
+            best = separator;
+        most = std::max(most, found);
+    }
+    csv.separateBy(best);
 }
 
 bool Table::readHeader(std::span<const std::string_view> reserved) {
@@ -33,31 +69,53 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
             << (csv.failed() ? "a file that cannot be read" : "end of file") << '\n';
         return false;
     }
-    bool good = true;
-    std::vector<std::string_view> found;
+    chooseSeparator();
+    std::vector<std::string_view> found, repeated, taken;
     for (const std::string_view cell : csv.cells()) {
         const std::string_view columnName = cellText(cell);
-        if (contains(found, columnName)) {
-            reportAt(found.size(), "each column name once", quoted(columnName) + " again");
-            good = false;
-        } else if (contains(reserved, columnName)) {
-            reportAt(found.size(), "a name that no column of results has", quoted(columnName));
-            good = false;
-        }
-        if (!contains(wanted, columnName))
+        if (contains(found, columnName))
+            repeated.push_back(columnName);
+        if (contains(reserved, columnName))
+            taken.push_back(columnName);
+        if (format.keepAll || !contains(wanted, columnName))
             carried.push_back(found.size());
         found.push_back(columnName);
         names.emplace_back(cell);
     }
+    const auto placeOf = [&](std::string_view columnName) {
+        return static_cast<std::size_t>(std::find(found.begin(), found.end(), columnName)
+                                        - found.begin());
+    };
+    std::vector<std::string_view> missing;
     for (const std::string_view columnName : wanted) {
-        const auto place = std::find(found.begin(), found.end(), columnName);
-        if (place == found.end()) {
-            reportAt(found.size(), "a column " + quoted(columnName), "end of line");
-            good = false;
-        }
-        columns.push_back(static_cast<std::size_t>(place - found.begin()));
+        columns.push_back(placeOf(columnName));
+        if (columns.back() == found.size())
+            missing.push_back(columnName);
     }
-    return good;
+    if (!missing.empty())
+        reportHeader(found, missing);
+    else if (!repeated.empty())
+        reportAt(placeOf(repeated[0]), "each column name once",
+                 listOf(repeated, mostNamesShown) + " again");
+    else if (!taken.empty())
+        reportAt(placeOf(taken[0]), "names that no column of results has",
+                 listOf(taken, mostNamesShown));
+    else if (format.decimalComma && separator() == ',' && found.size() > 1)
+        reportAt(0, "semicolons or tabs between columns with decimal commas", "commas");
+    return said.empty();
+}
+
+void Table::reportHeader(std::span<const std::string_view> found,
+                         std::span<const std::string_view> missing) {
+    std::string shownNames = listOf(found, mostNamesShown);
+    const std::string row(csv.text());
+    const bool more = csv.nextRow();
+    const std::string look = lookOfHeader(row, found, more ? csv.text() : "", missing);
+    if (!look.empty())
+        shownNames += ", which looks like " + look;
+    said = name + ":1:1: expected " + (missing.size() == 1 ? "a column " : "columns ")
+           + listOf(missing, missing.size()) + ", found " + shownNames + '\n';
+    err << said;
 }
 
 bool Table::checkRow() const {
@@ -75,23 +133,40 @@ bool Table::checkRow() const {
 }
 
 std::optional<std::size_t> Table::find(std::string_view columnName) const {
-    for (const std::size_t place : carried)
-        if (cellText(names[place]) == columnName)
-            return place;
-    return std::nullopt;
+    const auto place = std::find_if(names.begin(), names.end(), [&](const std::string& columnCell) {
+        return cellText(columnCell) == format.nameOf(columnName);
+    });
+    if (place == names.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(place - names.begin());
+}
+
+bool Table::numberAt(std::size_t place, double& value) const {
+    const auto number = numberOf<double>(cell(place));
+    if (!number || !std::isfinite(*number))
+        return false;
+    value = *number;
+    return true;
 }
 
 void Table::appendCarriedNames(std::string& out) const {
     for (const std::size_t place : carried)
-        out.append(names[place]).push_back(',');
+        out.append(names[place]).push_back(separator());
 }
 
 void Table::appendCarriedCells(std::string& out) const {
     for (const std::size_t place : carried) {
         if (place < csv.cells().size())
             out.append(csv.cells()[place]);
-        out.push_back(',');
+        out.push_back(separator());
     }
+}
+
+void Table::appendNumber(std::string& out, double value) const {
+    std::string text = shown(value);
+    if (format.decimalComma)
+        std::replace(text.begin(), text.end(), '.', ',');
+    out += text;
 }
 
 } // namespace kiv::host

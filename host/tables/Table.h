@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <iosfwd>
 #include <optional>
@@ -9,27 +10,35 @@
 #include <type_traits>
 #include <vector>
 
+#include "host/MessageLimit.h"
 #include "host/tables/Csv.h"
 #include "host/tables/Numbers.h"
+#include "host/tables/TableFormat.h"
 #include "params/Quoted.h"
 
 namespace kiv::host {
 
-// A CSV table with a row of names: the columns that are asked for are found by name in any order,
-// all others are carried along as they stand. Everything that is wrong is reported with its place.
+// A table with a row of names: the columns that are asked for are found by name in any order, all
+// others are carried along as they stand. Everything that is wrong is reported with its place.
 class Table {
 public:
     Table(std::istream& in, std::string shownName, std::ostream& messages,
-          std::span<const std::string_view> columnNames);
+          std::span<const std::string_view> columnNames, const TableFormat& format);
 
-    // False, and messages, when a column is missing, stands twice, or has a name in reserved.
+    // False, and a message, when columns are missing, a name stands twice or is in reserved.
     bool readHeader(std::span<const std::string_view> reserved);
 
     // False at the end of the table, or when reading broke off (see failed).
-    bool nextRow() { return csv.nextRow(); }
+    bool nextRow() {
+        said.clear();
+        return csv.nextRow();
+    }
 
     // The row has a cell for each name and closes its quotes; else a message.
     bool checkRow() const;
+
+    char separator() const { return csv.separator(); }
+    bool decimalComma() const { return format.decimalComma; }
 
     // The text of the i-th column that was asked for, in a row that checkRow has passed.
     std::string_view text(std::size_t i) const { return cellText(csv.cells()[columns[i]]); }
@@ -44,8 +53,14 @@ public:
         return place < csv.cells().size() ? cellText(csv.cells()[place]) : std::string_view{};
     }
 
-    void appendCarriedNames(std::string& out) const; // each with a comma behind it
+    // False when such a cell is no finite number; nothing is reported.
+    bool numberAt(std::size_t place, double& value) const;
+
+    void appendCarriedNames(std::string& out) const; // each with a separator behind it
     void appendCarriedCells(std::string& out) const;
+
+    // As the table's own numbers are printed.
+    void appendNumber(std::string& out, double value) const;
 
     // At the i-th column that was asked for.
     void report(std::size_t i, std::string_view expected, std::string_view found) const {
@@ -56,6 +71,11 @@ public:
         reportAt(0, expected, found);
     }
 
+    // What was reported of the row, also where there were too many of a kind to show.
+    const std::string& messages() const { return said; }
+    // How many of each kind were not shown.
+    void reportOthers() const { limit.reportOthers(name, err); }
+
     bool failed() const { return csv.failed(); }
     bool wouldWait() const { return csv.wouldWait(); }
     std::size_t lineNumber() const { return csv.lineNumber(); }
@@ -63,19 +83,38 @@ public:
 
 private:
     void reportAt(std::size_t place, std::string_view expected, std::string_view found) const;
+    void chooseSeparator();
+    void reportHeader(std::span<const std::string_view> found,
+                      std::span<const std::string_view> missing);
+    template <typename Number>
+    std::optional<Number> numberOf(std::string_view text) const;
 
     CsvReader csv;
     std::string name;
     std::ostream& err;
-    std::span<const std::string_view> wanted;
-    std::vector<std::size_t> columns; // where each wanted column stands
-    std::vector<std::string> names;   // raw text of all
+    const TableFormat& format;
+    mutable MessageLimit limit;
+    mutable std::string said;
+    std::vector<std::string_view> wanted; // as the table names them
+    std::vector<std::size_t> columns;     // where each wanted column stands
+    std::vector<std::string> names;       // raw text of all
     std::vector<std::size_t> carried;
 };
 
 template <typename Number>
+std::optional<Number> Table::numberOf(std::string_view text) const {
+    if (!format.decimalComma)
+        return numberIn<Number>(text);
+    if (text.find('.') != text.npos)
+        return std::nullopt;
+    std::string withPoint(text);
+    std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+    return numberIn<Number>(withPoint);
+}
+
+template <typename Number>
 bool Table::readNumber(std::size_t i, Number& value) const {
-    const std::optional<Number> number = numberIn<Number>(text(i));
+    const std::optional<Number> number = numberOf<Number>(text(i));
     if (number && std::isfinite(static_cast<double>(*number))) {
         value = *number;
         return true;
@@ -83,6 +122,8 @@ bool Table::readNumber(std::size_t i, Number& value) const {
     std::string expected = std::is_integral_v<Number> ? "a whole number" : "a finite number";
     if (std::is_same_v<Number, float>)
         expected += " within single precision";
+    if (format.decimalComma)
+        expected += " with a decimal comma";
     report(i, expected.append(" in column ").append(wanted[i]), quoted(text(i)));
     return false;
 }

@@ -5,15 +5,16 @@
 namespace kiv::host {
 
 bool TableInput::open(const std::string& file, std::span<const std::string_view> columns,
-                      std::span<const std::string_view> reserved, const Streams& streams,
-                      std::ostream& messages) {
+                      std::span<const std::string_view> reserved, const TableFormat& format,
+                      const Streams& streams) {
     if (!input.open(file, streams))
         return false;
-    rows.emplace(input.stream(), input.name(), messages, columns);
+    rows.emplace(input.stream(), input.name(), streams.err, columns, format);
     return rows->readHeader(reserved);
 }
 
 bool TableInput::finish(Output& output, std::ostream& err) const {
+    rows->reportOthers();
     const bool readAll = !rows->failed();
     if (!readAll)
         err << input.name() << ':' << rows->lineNumber() + 1

@@ -12,16 +12,16 @@ class TableInput {
 public:
     // False, and messages, when the file cannot be read or its row of names is not as asked for.
     bool open(const std::string& file, std::span<const std::string_view> columns,
-              std::span<const std::string_view> reserved, const Streams& streams,
-              std::ostream& messages);
+              std::span<const std::string_view> reserved, const TableFormat& format,
+              const Streams& streams);
 
     Table& table() { return *rows; }
     const Table& table() const { return *rows; }
     const std::string& name() const { return input.name(); }
     std::uintmax_t size() const { return input.size(); } // bytes, 0 where unknown
 
-    // False, and a message, when the table could not be read to its end or the output not be
-    // written.
+    // Ends a run: false, and a message, when the table could not be read to its end or the output
+    // not be written.
     bool finish(Output& output, std::ostream& err) const;
 
 private:

@@ -2,7 +2,8 @@
 
 namespace kiv::platform {
 
-// Standard error is shown to somebody on a terminal.
+// Standard error, or standard output, is shown to somebody on a terminal.
 bool errorIsTerminal();
+bool outputIsTerminal();
 
 } // namespace kiv::platform

@@ -8,4 +8,8 @@ bool errorIsTerminal() {
     return isatty(STDERR_FILENO) == 1;
 }
 
+bool outputIsTerminal() {
+    return isatty(STDOUT_FILENO) == 1;
+}
+
 } // namespace kiv::platform

@@ -9,4 +9,9 @@ bool errorIsTerminal() {
     return _isatty(standardError) != 0;
 }
 
+bool outputIsTerminal() {
+    constexpr int standardOutput = 1;
+    return _isatty(standardOutput) != 0;
+}
+
 } // namespace kiv::platform

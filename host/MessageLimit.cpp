@@ -1,0 +1,23 @@
+#include "host/MessageLimit.h"
+
+#include <algorithm>
+#include <ostream>
+
+namespace kiv::host {
+
+bool MessageLimit::admits(std::string_view kind) {
+    auto known = std::find_if(kinds.begin(), kinds.end(),
+                              [&](const Kind& other) { return other.text == kind; });
+    if (known == kinds.end())
+        known = kinds.insert(known, Kind{std::string(kind)});
+    return ++known->count <= most;
+}
+
+void MessageLimit::reportOthers(const std::string& name, std::ostream& err) const {
+    for (const Kind& kind : kinds)
+        if (kind.count > most)
+            err << name << ": " << kind.count - most << (most > 0 ? " more" : "")
+                << " where it was expected: " << kind.text << '\n';
+}
+
+} // namespace kiv::host

@@ -1,0 +1,43 @@
+#include "host/Quantile.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace kiv::host {
+
+namespace {
+
+// The bits of a single-precision magnitude rise with it; all but the last 13 number its bin.
+// Magnitudes below 2^-40 share the first one.
+constexpr int bitsWithinBin = 13;
+constexpr std::uint32_t binOf(float magnitude) {
+    return std::bit_cast<std::uint32_t>(magnitude) >> bitsWithinBin;
+}
+constexpr std::uint32_t firstBin = binOf(0x1p-40F);
+constexpr std::uint32_t lastBin = binOf(0x1p10F);
+
+} // namespace
+
+void Quantile::add(double magnitude) {
+    if (bins.empty())
+        bins.resize(lastBin - firstBin + 1);
+    const auto bin = binOf(static_cast<float>(magnitude));
+    ++bins[std::clamp(bin, firstBin, lastBin) - firstBin];
+    ++count;
+}
+
+double Quantile::at(double share) const {
+    const auto wanted = static_cast<std::uint64_t>(std::ceil(share * static_cast<double>(count)));
+    std::uint64_t passed = 0;
+    std::uint32_t bin = firstBin;
+    for (const std::uint64_t n : bins) {
+        passed += n;
+        ++bin;
+        if (passed >= wanted)
+            break;
+    }
+    return count == 0 ? 0 : std::bit_cast<float>(bin << bitsWithinBin);
+}
+
+} // namespace kiv::host

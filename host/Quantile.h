@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace kiv::host {
+
+// A quantile of magnitudes, in memory that does not grow: they are counted in bins that are 1/1024
+// to 1/2048 of their size wide.
+class Quantile {
+public:
+    void add(double magnitude); // at least 0
+
+    // The least bin edge that this share of the magnitudes does not exceed: the quantile, or more
+    // by 0.1 % at most.
+    double at(double share) const;
+
+private:
+    std::size_t count = 0;
+    std::vector<std::uint64_t> bins;
+};
+
+} // namespace kiv::host

@@ -1,0 +1,64 @@
+#include "host/SummaryFile.h"
+
+#include <nlohmann/json.hpp>
+
+#include "KIVInterface/Version.h"
+#include "host/ParameterFile.h"
+
+namespace kiv::host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json figuresOf(const Statistics& statistics) {
+    const Statistics::Figures figures = statistics.figures();
+    if (figures.count == 0 || figures.allTheWayRound)
+        return {{"all_the_way_round", figures.allTheWayRound}};
+    return {{"all_the_way_round", false},
+            {"mean_deg", figures.mean},
+            {"deviation_deg", figures.deviation},
+            {"least_deg", figures.least},
+            {"largest_deg", figures.largest}};
+}
+
+Json residualOf(const Summary::Residual& residual) {
+    const Statistics::Figures figures = residual.statistics.figures();
+    return {{"mean_deg", figures.mean},
+            {"root_mean_square_deg", figures.rootMeanSquare},
+            {"quantile_95_deg", residual.magnitudes.at(0.95)},
+            {"largest_deg", residual.largest}};
+}
+
+} // namespace
+
+std::string summaryText(const Summary& summary, const ReadingsOptions& options, int mountMode) {
+    Json states, reasons, angles, residuals;
+    for (std::size_t i = 0; i < rowStateNames.size(); ++i)
+        states[rowStateNames[i]] = summary.count(static_cast<RowState>(i));
+    for (std::size_t i = 1; i < reasonWords.size(); ++i)
+        reasons[reasonWords[i].word] = summary.count(static_cast<Reason>(i));
+    for (std::size_t i = 0; i < angleNames.size(); ++i) {
+        angles[angleNames[i]] = figuresOf(summary.angle(i));
+        residuals[angleNames[i]] = residualOf(summary.residual(i));
+    }
+    const Json all{
+        {"version", KIV_VERSION},
+        {"parameter_file", options.parameterFile},
+        {"sensor_id", parseParameterFileName(options.parameterFile)->id},
+        {"mount_mode", mountMode},
+        {"readings", options.readings},
+        {"frame", options.localFrame ? "local" : "machine"},
+        {"rows", summary.rows()},
+        {"states", states},
+        {"reasons", reasons},
+        {"reference_line", summary.referenceLine() > 0 ? Json(summary.referenceLine()) : Json()},
+        {"angles", angles},
+        {"compared_rows", summary.compared()},
+        {"residuals", summary.compared() > 0 ? residuals : Json()},
+    };
+    // Names may hold bytes that are no UTF-8.
+    return all.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+} // namespace kiv::host

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kiv::host {
+
+// How a table differs from the ordinary one, and what is shown of it.
+struct TableFormat {
+    struct Name {
+        std::string ours;
+        std::string theirs;
+    };
+
+    bool decimalComma = false;     // in the cells that are read, and in the results
+    std::vector<Name> otherNames;  // of columns
+    bool keepAll = false;          // the columns that are read are carried, too
+    std::size_t mostMessages = 20; // of a kind
+
+    std::string_view nameOf(std::string_view column) const {
+        for (const Name& name : otherNames)
+            if (name.ours == column)
+                return name.theirs;
+        return column;
+    }
+};
+
+} // namespace kiv::host
