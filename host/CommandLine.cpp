@@ -63,7 +63,7 @@ CLI::App& CommandLine::add(const char* name, std::function<int(const Streams&)> 
 void CommandLine::addMessages(CLI::App& command, TableFormat& format) {
     command
         .add_option_function<std::string>("--messages",
-                                          [&](const std::string& text) {
+                                          [&format](const std::string& text) {
                                               format.mostMessages =
                                                   numberIn<std::size_t>(text).value_or(SIZE_MAX);
                                           })
@@ -82,7 +82,7 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
     command
         .add_option_function<std::vector<std::string>>(
             "--column",
-            [&](const std::vector<std::string>& pairs) {
+            [&format](const std::vector<std::string>& pairs) {
                 for (const std::string& pair : pairs) {
                     const std::size_t end = pair.find('=');
                     format.otherNames.push_back({pair.substr(0, end), pair.substr(end + 1)});
@@ -99,9 +99,12 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
                 names.append(names.empty() ? "" : ", ").append(column);
             return "expected NAME=OTHER_NAME with one of the names " + names + ", found " + pair;
         });
+}
+
+void CommandLine::addKeep(CLI::App& command, TableFormat& format) {
     command
         .add_option_function<std::string>(
-            "--keep", [&](const std::string& kept) { format.keepAll = kept == "all"; })
+            "--keep", [&format](const std::string& kept) { format.keepAll = kept == "all"; })
         ->check(CLI::IsMember({"others", "all"}));
 }
 
@@ -111,7 +114,8 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     command.add_option("-o,--output", options.output)->capture_default_str();
     command
         .add_option_function<std::string>(
-            "--frame", [&](const std::string& frame) { options.localFrame = frame == "local"; })
+            "--frame",
+            [&options](const std::string& frame) { options.localFrame = frame == "local"; })
         ->check(CLI::IsMember({"machine", "local"}));
     std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
     columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
@@ -125,6 +129,7 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
 void CommandLine::addRun() {
     CLI::App& command = add("run", [this](const Streams& s) { return runReadings(run, s); });
     addReadings(command, run);
+    addKeep(command, run.format);
     command.add_flag("--stop-on-bad", run.stopOnBad);
 }
 
@@ -185,6 +190,7 @@ void CommandLine::addHome() {
     vectorOption("--angles", home.angles, 2);
     vectorOption("--tilt", home.tilt, 2);
     addTable(command, home.format, {homeColumns.begin(), homeColumns.end()});
+    addKeep(command, home.format);
 }
 
 void CommandLine::addCheck() {
@@ -234,7 +240,11 @@ std::string CommandLine::whyNoCommand(const std::string& word) const {
 
 int runTool(int argc, const char* const* argv, const Streams& streams) {
     CommandLine line;
-    if (argc > 1 && *argv[1] != '-' && !line.isCommand(argv[1])) {
+    if (argc < 2) {
+        streams.err << "kiv: expected a subcommand, found none; kiv --help lists them\n";
+        return unusable;
+    }
+    if (*argv[1] != '-' && !line.isCommand(argv[1])) {
         streams.err << "kiv: " << line.whyNoCommand(argv[1]) << '\n';
         return unusable;
     }

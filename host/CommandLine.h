@@ -32,6 +32,7 @@ private:
     CLI::App& add(const char* name, std::function<int(const Streams&)> whenParsed);
     void addMessages(CLI::App& command, TableFormat& format);
     void addTable(CLI::App& command, TableFormat& format, std::vector<std::string_view> columns);
+    void addKeep(CLI::App& command, TableFormat& format);
     void addReadings(CLI::App& command, ReadingsOptions& options);
     void addRun();
     void addReport();

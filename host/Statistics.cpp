@@ -61,10 +61,13 @@ void Statistics::add(double degrees) {
     sector.moments.add(value);
 }
 
-// An angle of one of the values, in the turn in which it came.
+// One of the values, in the turn in which it came; half a turn is -180 or 180.
 double Statistics::asGiven(double angle) const {
     const double value = withinHalfTurn(angle);
-    return value + sectors[sectorOf(value)].turn;
+    const Sector& sector = sectors[sectorOf(value)];
+    if (sector.moments.count == 0)
+        return -value + sectors[sectorOf(-value)].turn;
+    return value + sector.turn;
 }
 
 // Unwrapped from each sector without values on, the values spread least from the one that lies

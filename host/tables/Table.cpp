@@ -70,17 +70,20 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
         return false;
     }
     chooseSeparator();
+    names.assign(csv.cells().begin(), csv.cells().end());
     std::vector<std::string_view> found, repeated, taken;
-    for (const std::string_view cell : csv.cells()) {
+    std::size_t firstRepeated = 0;
+    for (const std::string& cell : names) {
         const std::string_view columnName = cellText(cell);
-        if (contains(found, columnName))
+        if (contains(found, columnName)) {
+            firstRepeated = repeated.empty() ? found.size() : firstRepeated;
             repeated.push_back(columnName);
+        }
         if (contains(reserved, columnName))
             taken.push_back(columnName);
         if (format.keepAll || !contains(wanted, columnName))
             carried.push_back(found.size());
         found.push_back(columnName);
-        names.emplace_back(cell);
     }
     const auto placeOf = [&](std::string_view columnName) {
         return static_cast<std::size_t>(std::find(found.begin(), found.end(), columnName)
@@ -95,7 +98,7 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
     if (!missing.empty())
         reportHeader(found, missing);
     else if (!repeated.empty())
-        reportAt(placeOf(repeated[0]), "each column name once",
+        reportAt(firstRepeated, "each column name once",
                  listOf(repeated, mostNamesShown) + " again");
     else if (!taken.empty())
         reportAt(placeOf(taken[0]), "names that no column of results has",

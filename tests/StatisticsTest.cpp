@@ -1,0 +1,69 @@
+#include "host/Statistics.h"
+
+#include <cmath>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "host/Quantile.h"
+
+namespace {
+
+using kiv::host::Quantile;
+using kiv::host::Statistics;
+
+struct Case {
+    const char* name;
+    std::vector<double> values;
+    bool allTheWayRound;
+    double mean, deviation, least, largest;
+};
+
+// Expected values by hand: of the values unwrapped about their mean.
+const Case cases[] = {
+    {"nothing near the seam: the ordinary ones", {0, 0, 90}, false, 30, std::sqrt(2700), 0, 90},
+    {"about the seam", {173, -173, 179, -179}, false, 180, std::sqrt(200.0 / 6), 173, -173},
+    {"about the seam, mean beyond it", {178, -170}, false, -176, std::sqrt(72), 178, -170},
+    {"encoder angles about their own seam", {359, 4, 3}, false, 2, std::sqrt(7), 359, 4},
+    {"encoder angles beyond half a turn", {200, 210}, false, 205, std::sqrt(50), 200, 210},
+    {"alone", {-180}, false, -180, 0, -180, -180},
+    {"unwrapped the shorter way", {100, 100, 100, -100}, false, 140, 80, 100, -100},
+};
+
+TEST(Statistics, TakesAnglesAsDirections) {
+    for (const Case& row : cases) {
+        Statistics statistics;
+        for (const double value : row.values)
+            statistics.add(value);
+        const Statistics::Figures found = statistics.figures();
+        EXPECT_EQ(found.count, row.values.size()) << row.name;
+        EXPECT_EQ(found.allTheWayRound, row.allTheWayRound) << row.name;
+        EXPECT_NEAR(std::remainder(found.mean - row.mean, 360), 0, 1e-9) << row.name;
+        EXPECT_NEAR(found.deviation, row.deviation, 1e-9) << row.name;
+        EXPECT_EQ(found.least, row.least) << row.name;
+        EXPECT_EQ(found.largest, row.largest) << row.name;
+    }
+}
+
+TEST(Statistics, NoMeanOfWhatGoesAllTheWayRound) {
+    Statistics turn, swing, linear(Statistics::Kind::linear);
+    for (double angle = -180; angle < 180; angle += 0.5) {
+        turn.add(angle);
+        swing.add(angle / 2);
+        linear.add(angle);
+    }
+    EXPECT_TRUE(turn.figures().allTheWayRound);
+    EXPECT_FALSE(swing.figures().allTheWayRound);
+    EXPECT_EQ(linear.figures().least, -180);
+}
+
+TEST(Statistics, QuantileIsWithinATenthOfAPercent) {
+    Quantile quantile;
+    EXPECT_EQ(quantile.at(0.95), 0);
+    for (int i = 1; i <= 1000; ++i)
+        quantile.add(i * 1e-6);
+    EXPECT_GE(quantile.at(0.95), 950e-6);
+    EXPECT_LE(quantile.at(0.95), 950e-6 * 1.001);
+}
+
+} // namespace
