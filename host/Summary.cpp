@@ -35,9 +35,11 @@ void Summary::add(const RowResult& result, std::size_t line,
     ++withTruth;
     for (std::size_t i = 0; i < 3; ++i) {
         const double difference = withinHalfTurn(values[i] - (*truth)[i]);
+        residuals[i].largest = std::max(residuals[i].largest, std::abs(difference));
+        if (!residualFigures)
+            continue;
         residuals[i].statistics.add(difference);
         residuals[i].magnitudes.add(std::abs(difference));
-        residuals[i].largest = std::max(residuals[i].largest, std::abs(difference));
     }
 }
 

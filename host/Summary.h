@@ -14,6 +14,9 @@ namespace kiv::host {
 // What became of the rows of a run.
 class Summary {
 public:
+    // Without the residuals' figures, which cost time, their largest alone is there.
+    explicit Summary(bool withResidualFigures = true) : residualFigures(withResidualFigures) {}
+
     void add(const RowResult& result, std::size_t line,
              const std::optional<std::array<double, 3>>& truth);
 
@@ -42,6 +45,7 @@ public:
     void printStatistics(std::ostream& out) const;
 
 private:
+    bool residualFigures;
     std::array<std::size_t, rowStateNames.size()> counts{};
     std::array<std::size_t, reasonWords.size()> reasons{};
     std::size_t reference = 0;

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <new>
 
 #include <gtest/gtest.h>
 
 #include "sensor/SensorAccess.h"
+#include "tests/Allocations.h"
 
 namespace {
 
@@ -90,6 +92,21 @@ TEST(Setters, TablesShrinkInPlaceAndGrowIntoNewStorage) {
     EXPECT_TRUE(std::equal(floats, floats + 16, SensorAccess::azimuthComp(sensor)));
     ASSERT_EQ(sensor.setLevelYComp(2, floats, doubles), KIV_OK);
     ASSERT_EQ(sensor.setLevelYComp(9, floats, doubles), KIV_OK);
+}
+
+TEST(Setters, RefusedMemoryLeavesAnEncoderTable) {
+    CKiv sensor;
+    ASSERT_EQ(sensor.setAzimuthComp(5, floats), KIV_OK);
+    for (std::size_t n = 1;; ++n) {
+        kiv::test::failAllocation(n);
+        try {
+            EXPECT_EQ(sensor.setAzimuthComp(3, floats + 4), KIV_OK);
+            break;
+        } catch (const std::bad_alloc&) {
+            EXPECT_TRUE(std::equal(floats, floats + 10, SensorAccess::azimuthComp(sensor))) << n;
+        }
+    }
+    kiv::test::failAllocation(0);
 }
 
 TEST(Setters, LocalMatrixIsInvertedAndSingularOneKept) {

@@ -78,7 +78,7 @@ void appendResult(std::string& text, const RowResult& result, int mode, const Ta
 } // namespace
 
 int runReadings(const RunOptions& options, const Streams& streams) {
-    ReadingsRun run(options, streams);
+    ReadingsRun run(options, streams, !options.summary.empty());
     if (!run.open(resultColumns))
         return unusable;
     const Table& table = run.table();

@@ -19,7 +19,8 @@ namespace kiv::host {
 // A table of readings taken row by row through the sensor of a parameter file, into an output.
 class ReadingsRun {
 public:
-    ReadingsRun(const ReadingsOptions& asked, const Streams& own) : options(asked), streams(own) {}
+    ReadingsRun(const ReadingsOptions& asked, const Streams& own, bool withResidualFigures = true)
+        : options(asked), streams(own), rows(withResidualFigures) {}
 
     // False, and messages, when one of the files cannot be used. No column of the readings may have
     // one of the names of the results.

@@ -31,20 +31,25 @@ public:
     CKiv& operator=(const CKiv&) = delete;
     // The order of the virtual operations is part of the binary interface.
     virtual ~CKiv();
-    virtual void Destroy(); // releases tables, model and record; every other value stays
+    // Releases tables, model and record; every other value stays, the encoders' corrections and the
+    // reference among them.
+    virtual void Destroy();
 
     int Initialization(); // does nothing
 
     // The first call after construction or Destroy creates the model: 1, 2 CKivDualLevel; 3, 4
     // CKivPendulum; 5, 6 CKivPolarizer; 7, 8 CKivThreeVec; 9, 10 CKivThreeVec2Level; any other
-    // CKivPendulum; its parity is mode % 2. Every call stores mode and hands scale factors, QVC and
-    // level parameters to the model, which sees later changes of them only at the next call.
+    // CKivPendulum; its parity is mode % 2, -1 for a negative odd mode. Every call stores mode and
+    // hands scale factors, QVC and level parameters to the model, which sees later changes of them
+    // only at the next call. In modes 7 and above every update puts the model's QVC output in the
+    // place of all six QVC parameters: set them anew before such a call.
     int setMountMode(int mode);
 
     // Corrects the readings; with status 2 computes the orientation. The first measurement whose
     // refMetric is at most 0.4 and that is not blocked becomes the reference orientation; later
-    // ones yield the rotation angles in degrees. Results that were not computed are 0. Allocates
-    // nothing.
+    // ones yield the rotation angles in degrees. Results that were not computed are 0. In modes 5
+    // to 10 a zero vector or a value that is not finite passes as a result that is no number, also
+    // as the reference. Allocates nothing.
     void updateKIVData(const KIV_RAWINFO& raw, KIV_INFO& info);
 
     // m (9 doubles, row-major) = the last update's matrix, the identity where it computed none; for

@@ -64,7 +64,8 @@ inline int handOverKnownVector(CKivPrm& record, CKiv& sensor) {
 } // namespace detail
 
 // Hands every calibration value of a loaded record to a sensor, then chooses the model by the
-// record's mount mode. KIV_OK, or the first other code that a getter or setter gives
+// record's mount mode. On a sensor that has a model already, class and parity of that one
+// and the reference stay. KIV_OK, or the first other code that a getter or setter gives
 // (KIV_NOT_LOADED for an empty record, KIV_BAD_ARGUMENT for a tilt table without rows); the mount
 // mode is then not set.
 inline int configureSensor(CKiv& sensor, CKivPrm& record) {

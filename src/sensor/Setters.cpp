@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "KIVInterface/CKiv.h"
+#include "support/Copies.h"
 #include "support/ZelUtil.h"
 
 namespace {
@@ -29,9 +30,16 @@ int setEncoderTable(std::mutex& lock, int& storedCount, std::unique_ptr<float[]>
         return KIV_BAD_ARGUMENT;
     const std::lock_guard<std::mutex> guard(lock);
     auto storage = storageFor(table, count > storedCount, 2 * count);
+    const auto before = kiv::copyOf(table, 2 * static_cast<std::size_t>(storedCount));
     float* own = storage ? storage.get() : table.get();
     std::copy_n(values, 2 * count, own);
-    encoder.setCalTable(own, count);
+    try {
+        encoder.setCalTable(own, count);
+    } catch (...) { // memory was refused: table and encoder as they were
+        if (!storage)
+            std::copy_n(before.get(), 2 * storedCount, own);
+        throw;
+    }
     if (storage)
         table = std::move(storage);
     storedCount = count;
