@@ -52,6 +52,25 @@ TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
     }
 }
 
+TEST(Tool, SaysWhatATableThatIsNoTextLooksLike) {
+    const struct {
+        std::string bytes;
+        const char* look;
+    } rows[] = {
+        {std::string("\x1F\x8B\x08\0abc\n", 8), "a file compressed by gzip"},
+        {std::string("\xFF\xFEs\0t\0\n\0", 8), "text in UTF-16"},
+        {std::string("s\0t\0\n\0", 6), "text in UTF-16"},
+        {"PK\x03\x04", "a zip archive"},
+    };
+    for (const auto& row : rows) {
+        const ToolResult result = tool({"run", example, "-"}, row.bytes);
+        EXPECT_EQ(result.code, 2) << row.look;
+        EXPECT_EQ(lines(result.err).size(), 1U) << result.err;
+        EXPECT_NE(result.err.find(std::string("looks like ") + row.look), std::string::npos)
+            << result.err;
+    }
+}
+
 // Three rows; then the user presses Ctrl-C, and three more rows are read.
 class InterruptedReadings final : public std::streambuf {
 public:
@@ -195,6 +214,8 @@ TEST(Tool, SimulatedReadingsRunBackToTheirPosesInEveryMode) {
             ASSERT_EQ(made.code, 0) << made.err;
             const ToolResult result = tool({"run", folder.file(), readings});
             EXPECT_EQ(result.code, 0) << result.err;
+            const ToolResult local = tool({"run", folder.file(), readings, "--frame", "local"});
+            EXPECT_EQ(local.err.starts_with("kiv: --frame local has no effect"), mode >= 7);
             const Results results(result.out);
             ASSERT_EQ(results.count(), source == "poses" ? 4U : 300U);
             for (std::size_t row = 1; row < results.count(); ++row)
