@@ -48,11 +48,7 @@ public:
     std::size_t rows() const;
     std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
     std::size_t count(Refusal refusal) const { return refusals[static_cast<std::size_t>(refusal)]; }
-    std::size_t referenceLine() const { return reference; }                 // 0: none
-    const AngleStatistics& angle(std::size_t i) const { return angles[i]; } // rx, ry, rz
-    std::size_t compared() const { return withTruth; }
-    // To the truth, degrees.
-    double largestDifference(std::size_t i) const { return differences[i]; }
+    std::size_t referenceLine() const { return reference; } // 0: none
 
     void print(std::ostream& out) const;
 
@@ -60,9 +56,9 @@ private:
     std::array<std::size_t, rowStateNames.size()> counts{};
     std::array<std::size_t, 4> refusals{};
     std::size_t reference = 0;
-    std::array<AngleStatistics, 3> angles;
+    std::array<AngleStatistics, 3> angles; // rx, ry, rz
     std::size_t withTruth = 0;
-    std::array<double, 3> differences{};
+    std::array<double, 3> differences{}; // largest to the truth, degrees
 };
 
 // Ends a run whose results are written: shows the summary, gives the exit code.

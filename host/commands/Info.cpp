@@ -9,6 +9,7 @@
 
 #include "host/Findings.h"
 #include "host/tables/Csv.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -117,9 +118,8 @@ std::string rangeOf(const BlockValues& values, std::size_t column) {
 }
 
 std::string modelOf(std::int32_t mountMode) {
-    constexpr const char* models[] = {"dual-level", "pendulum", "polarizer", "three-vector",
-                                      "three-vector with two levels"};
-    return models[mountMode >= 1 && mountMode <= 10 ? (mountMode - 1) / 2 : 1];
+    const bool twoLevels = principleOf(mountMode) == Principle::twoLevels;
+    return twoLevels ? "three-vector with two levels" : modelName(mountMode);
 }
 
 // One line each.

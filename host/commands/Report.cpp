@@ -13,6 +13,7 @@
 #include "host/tables/Csv.h"
 #include "host/tables/RowLoop.h"
 #include "sensor/SensorAccess.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -135,7 +136,7 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     record.GetKIVLevelLimits(content.levelLimits);
 
     TimeColumn time(table);
-    const Truth truth(table, !options.localFrame || content.mountMode >= firstThreeVectorMode);
+    const Truth truth(table, !options.localFrame || reportsOwnMatrix(content.mountMode));
     RowRunner rows(sensor, table);
     RowResult result;
     {

@@ -14,6 +14,7 @@
 #include "host/tables/Csv.h"
 #include "host/tables/RowLoop.h"
 #include "sensor/SensorAccess.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -59,7 +60,7 @@ void appendResult(std::string& text, const RowResult& result, int mode) {
     const bool modelled = result.state == RowState::ok || result.state == RowState::reference
                           || result.state == RowState::noReference;
     const bool oriented = result.state == RowState::ok;
-    const bool threeVector = mode >= firstThreeVectorMode;
+    const bool threeVector = reportsOwnMatrix(mode);
 
     const float corrected[] = {info.azimuth, info.elevation, info.levelX, info.levelY};
     const float angles[] = {info.rx, info.ry, info.rz};
@@ -100,7 +101,7 @@ int runReadings(const RunOptions& options, const Streams& streams) {
         text.append(name).push_back(name == resultColumns.back() ? '\n' : ',');
 
     const int mode = SensorAccess::mountMode(sensor);
-    const Truth truth(table, !options.localFrame || mode >= firstThreeVectorMode);
+    const Truth truth(table, !options.localFrame || reportsOwnMatrix(mode));
     Summary summary;
     RowRunner rows(sensor, table);
     RowResult result;

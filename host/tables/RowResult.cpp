@@ -5,14 +5,15 @@
 
 #include "models/Geometry.h"
 #include "sensor/SensorAccess.h"
+#include "sensor/Update.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
 namespace {
 
-// How messages speak of a model and of readings that it has no orientation for.
+// How messages speak of readings that a model has no orientation for.
 struct ModelWords {
-    const char* name;
     const char* whereItFails;
     const char* whereNotFinite;
 };
@@ -21,22 +22,19 @@ ModelWords wordsFor(int mode) {
     constexpr const char* overflow = "angles that are no numbers";
     constexpr const char* alongVertical =
         "a line of sight along the vertical or in a level's plane with it";
-    switch (mode) {
-    case 1:
-    case 2:
-        return {"dual-level", "no tilted vertical that both levels show", overflow};
-    case 5:
-    case 6:
-        return {"polarizer", overflow, overflow};
-    case 7:
-    case 8:
-        return {"three-vector", alongVertical, alongVertical};
-    case 9:
-    case 10:
-        return {"two-level", "both levels outside their tables", alongVertical};
-    default:
-        return {"pendulum", "no transverse axis that shows their inclination", overflow};
+    switch (principleOf(mode)) {
+    case Principle::dualLevel:
+        return {"no tilted vertical that both levels show", overflow};
+    case Principle::polarizer:
+        return {overflow, overflow};
+    case Principle::threeVectors:
+        return {alongVertical, alongVertical};
+    case Principle::twoLevels:
+        return {"both levels outside their tables", alongVertical};
+    case Principle::pendulum:
+        break;
     }
+    return {"no transverse axis that shows their inclination", overflow};
 }
 
 RowState stateOf(UpdateOutcome outcome) {
@@ -64,10 +62,6 @@ bool allNumbers(const CKiv& sensor, const KIV_INFO& info) {
 
 } // namespace
 
-const char* modelName(int mode) {
-    return wordsFor(mode).name;
-}
-
 RowRunner::RowRunner(CKiv& kiv, Table& readings)
     : sensor(kiv), table(readings), mode(SensorAccess::mountMode(kiv)) {}
 
@@ -79,7 +73,7 @@ bool RowRunner::next(RowResult& result) {
         result.state = RowState::refused;
         return true;
     }
-    const UpdateOutcome outcome = SensorAccess::update(sensor, result.raw, result.info);
+    const UpdateOutcome outcome = SensorUpdate::run(sensor, result.raw, result.info);
     result.code = sensor.ReadMatrix(result.matrix);
     result.state = stateOf(outcome);
     if (outcome > UpdateOutcome::modelFailed && !allNumbers(sensor, result.info))
@@ -88,7 +82,7 @@ bool RowRunner::next(RowResult& result) {
         const ModelWords words = wordsFor(mode);
         result.reason =
             outcome == UpdateOutcome::modelFailed ? words.whereItFails : words.whereNotFinite;
-        table.reportRow(std::string("readings that the ") + words.name
+        table.reportRow(std::string("readings that the ") + modelName(mode)
                             + " model solves (mount mode " + std::to_string(mode) + ")",
                         result.reason);
     }
