@@ -6,7 +6,7 @@
 
 #include "host/Findings.h"
 #include "host/tables/Csv.h"
-#include "params/Parser.h"
+#include "params/Survey.h"
 #include "support/platform/ByteSource.h"
 
 namespace kiv::host {
@@ -41,7 +41,7 @@ void reportCost(const Document& before, const std::string& rewritten, const std:
                 std::ostream& out, std::ostream& err) {
     TextSource source(rewritten);
     Survey survey;
-    const Document after = parseForRewrite(source, &survey).document;
+    const Document after = surveyForRewrite(source, survey).document;
     Change largest;
     bool lost = false;
     for (const BlockLayout& layout : blockTable) {
