@@ -29,15 +29,14 @@ void explain(TitleReading& reading, const BlockLayout& layout, bool textEnded) {
 TitleReading readTitle(Scanner& scanner, const BlockLayout& layout,
                        const BlockLayout* firstPassed) {
     TitleReading reading;
-    const std::string title = quoted(layout.title);
     scanner.peekWord(); // goes to the title
     const TextPlace place = scanner.place();
     bool textEnded = false;
     for (int i = 0; i < layout.titleWords && !textEnded && !reading.other; ++i) {
         const std::string_view word = scanner.peekWord();
         if (word.size() > Scanner::maxLength) {
-            reading.mismatch =
-                findingAtWord(scanner, layout.block, longWord + (" in the title " + title));
+            reading.mismatch = findingAtWord(scanner, layout.block,
+                                             longWord + (" in the title " + quoted(layout.title)));
             return reading;
         }
         textEnded = word.empty();
@@ -51,6 +50,7 @@ TitleReading readTitle(Scanner& scanner, const BlockLayout& layout,
     if (reading.words.find(layout.title) != std::string::npos
         && reading.words.size() <= Scanner::maxLength)
         return reading;
+    const std::string title = quoted(layout.title);
     const std::string expected =
         firstPassed ? "the blocks from " + quoted(firstPassed->title) + " to " + title
                     : "the title " + title;
