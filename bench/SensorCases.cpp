@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "KIVInterface/ConfigureSensor.h"
-#include "sensor/SensorAccess.h"
+#include "sensor/Update.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/RandomPoses.h"
 #include "tests/ModelCases.h"
@@ -44,7 +44,7 @@ SensorCases::SensorCases(int mode) {
         calibration.rawReadings(pose, corrected, static_cast<float>(poses.uniform(15, 30)), raw);
 
         KIV_INFO info;
-        if (SensorAccess::update(sensor, raw, info) == UpdateOutcome::modelFailed)
+        if (SensorUpdate::run(sensor, raw, info) == UpdateOutcome::modelFailed)
             continue;
         readings.push_back(raw);
         measurements.push_back({raw.vector[0], raw.vector[1], raw.vector[2], info.levelX,

@@ -9,6 +9,7 @@
 #include "host/commands/Run.h"
 #include "host/commands/Simulate.h"
 #include "host/tables/Numbers.h"
+#include "support/MountMode.h"
 
 namespace kiv::bench {
 
@@ -45,7 +46,7 @@ void run(benchmark::State& state, int mode) {
 // From the cells of a row behind its time stamp to the text of its results.
 class RowConversion {
 public:
-    explicit RowConversion(int mode) : cases(casesOf(mode)), threeVector(mode >= 7) {}
+    explicit RowConversion(int mode) : cases(casesOf(mode)), threeVector(reportsOwnMatrix(mode)) {}
 
     void convert(const std::vector<std::string_view>& cells, std::string& text) {
         KIV_RAWINFO raw{};

@@ -7,6 +7,7 @@
 
 #include "bench/Benchmark.h"
 #include "simulator/RandomPoses.h"
+#include "support/MountMode.h"
 
 namespace kiv::bench {
 
@@ -80,7 +81,7 @@ void updateOnThreads(benchmark::State& state, int mode, bool shared) {
         add("update" + ofMode + "/library", update, mode);
         if (mode % 2 == 1)
             continue;
-        if (mode < 7)
+        if (!reportsOwnMatrix(mode))
             add("update_in_local_frame" + ofMode + "/library", updateInLocalFrame, mode);
         add("update_not_finite" + ofMode + "/library", updateNotFinite, mode);
         for (const int threads : {1, 2}) {

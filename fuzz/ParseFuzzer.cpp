@@ -4,7 +4,7 @@
 
 #include "fuzz/Require.h"
 #include "params/Messages.h"
-#include "params/Parser.h"
+#include "params/Survey.h"
 #include "support/platform/ByteSource.h"
 
 // Any text: the parse ends with an outcome that names a place, and neither the size of the pieces
@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SmallPieces pieces(text, 1 + size % 61);
     require(parseParameterFile(pieces, id) == file);
     Survey survey;
-    const ParseOutcome surveyed = parseParameterFile(again, id, &survey).outcome;
+    const ParseOutcome surveyed = surveyParameterFile(again, id, survey).outcome;
     require(surveyed.code == file.outcome.code);
     require(surveyed.messageId == file.outcome.messageId);
     require(surveyed.failure.block == file.outcome.failure.block);

@@ -7,6 +7,7 @@
 #include "host/Files.h"
 #include "host/ParameterFile.h"
 #include "host/ValueWarnings.h"
+#include "params/Survey.h"
 #include "support/platform/File.h"
 
 namespace kiv::host {
@@ -38,7 +39,7 @@ std::size_t ExaminedFile::errors() const {
 ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id) {
     Survey survey;
     ExaminedFile examined;
-    examined.parsed = parseParameterFile(source, id, &survey);
+    examined.parsed = surveyParameterFile(source, id, survey);
     std::vector<FileFinding> findings;
     for (const Finding& finding : examined.parsed.outcome.unread)
         findings.push_back({finding, true});

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/tables/Numbers.h"
+#include "support/MountMode.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::host {
@@ -219,11 +220,10 @@ bool ValueCheck::isRead() const {
                         [&](const Finding& f) { return f.block == layout->block; });
 }
 
-// In these two modes a load sets the limits of tilt X to 0.
 bool ValueCheck::limitsCount() const {
     const BlockValues* mode = file.document.find(Block::mountingMode);
     return layout->block != Block::tiltXCalibration || !mode
-           || (mode->integer != 7 && mode->integer != 8);
+           || !leavesTiltXUnlimited(mode->integer);
 }
 
 void ValueCheck::warn(std::size_t number, std::string expected, std::string found) {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "params/Parser.h"
+#include "params/Survey.h"
 
 namespace kiv::host {
 

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "KIVInterface/CKivPrm.h"
+#include "support/MountMode.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::simulator {
@@ -99,7 +100,7 @@ void InverseCalibration::rawReadings(const Pose& pose, const Readings& readings,
     raw.elevationRaw = rawAngleOf(elevation, readings.elevation);
     raw.levelYRaw = tiltY.rawOf(readings.levelY, temperature);
     raw.levelXRaw = tiltX.rawOf(readings.levelX, temperature);
-    if (mode == 5 || mode == 6)
+    if (readsTiltRatio(mode))
         raw.levelXRaw *= raw.levelYRaw; // there the tilt X curve is read at the ratio of the two
     raw.temperature = temperature;
 }

@@ -107,7 +107,7 @@ bool pendulum(const Mounting& m, const double* rotation, const Vector& u, Readin
     const double s2 = m.scaleFactors[2] * radians;
     const double s3 = m.scaleFactors[3] * radians;
     const Vector axis{std::sin(s3) * std::cos(s2), std::cos(s3) * std::cos(s2), std::sin(s2)};
-    const double sense = m.mode % 2 == 1 ? -1 : 1;
+    const double sense = parityOf(m.mode) == 1 ? -1 : 1;
     const double azimuth = sense * turn.azimuth / m.scaleFactors[4];
     const double elevation = sense * turn.elevation / m.scaleFactors[5];
     readings.levelY =
@@ -164,7 +164,7 @@ bool threeVector(const Mounting& m, const double* rotation, const Vector& u, Rea
     if (!turnWithElevationAbout({t3 / length, 1 / length, t4 / length},
                                 {std::cos(start), 0, std::sin(start)}, u, turn))
         return false;
-    if (m.mode >= 9) {
+    if (principleOf(m.mode) == Principle::twoLevels) {
         readings.levelX = levelReading(m.level1Parameters, turn, rotation);
         readings.levelY = levelReading(m.level2Parameters, turn, rotation);
     } else {
@@ -198,21 +198,18 @@ bool readingsOf(const Mounting& mounting, const Pose& pose, Readings& readings) 
     const double length = std::hypot(inSensor[0], inSensor[1], inSensor[2]);
     const Vector u{inSensor[0] / length, inSensor[1] / length, inSensor[2] / length};
     readings = {};
-    switch (mounting.mode) {
-    case 1:
-    case 2:
+    switch (principleOf(mounting.mode)) {
+    case Principle::dualLevel:
         return dualLevel(mounting, pose.rotation, u, readings);
-    case 5:
-    case 6:
+    case Principle::polarizer:
         return polarizer(mounting, pose.rotation, u, readings);
-    case 7:
-    case 8:
-    case 9:
-    case 10:
+    case Principle::threeVectors:
+    case Principle::twoLevels:
         return threeVector(mounting, pose.rotation, u, readings);
-    default:
-        return pendulum(mounting, pose.rotation, u, readings);
+    case Principle::pendulum:
+        break;
     }
+    return pendulum(mounting, pose.rotation, u, readings);
 }
 
 } // namespace kiv::simulator

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/Pose.h"
+#include "support/MountMode.h"
 
 class CKivPrm;
 
@@ -20,9 +21,11 @@ struct Mounting {
 
 Mounting mountingOf(const CKivPrm& record);
 
-// Modes 7 and 9 take the sensor to hang upside down.
+// The odd modes of the principles with a start vector take the sensor to hang upside down.
 inline bool invertedIn(int mode) {
-    return mode == 7 || mode == 9;
+    const Principle principle = principleOf(mode);
+    return (principle == Principle::threeVectors || principle == Principle::twoLevels)
+           && parityOf(mode) == 1;
 }
 
 // Corrected readings, degrees. A level that the principle does not have reads 0.

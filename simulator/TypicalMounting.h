@@ -11,7 +11,7 @@ inline Mounting typicalMounting(int mode) {
     m.mode = mode;
     m.encoderOffset[0] = 0.1F;
     m.encoderOffset[1] = -0.2F;
-    if (mode == 1 || mode == 2) {
+    if (principleOf(mode) == Principle::dualLevel) {
         m.scaleFactors[0] = 0.2F;
     } else {
         const float factors[] = {0.12F, 0.05F, 0.8F, -1.1F, 1, 1, 1, 0};

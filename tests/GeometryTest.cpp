@@ -31,7 +31,8 @@ TEST(AngleConstants, ArePinnedBitForBit) {
         {"twoPi", twoPi, 0x401921fb54442eea},
         {"threeHalfPi", threeHalfPi, 0x4012d97c7f332330},
         {"angleDeadBand", angleDeadBand, 0x3d719799812dea11},
-        {"modelDeadBand", modelDeadBand, 0x3ef24ab5181baf71},
+        {"lengthDeadBand", lengthDeadBand, 0x3ef24ab5181baf71},
+        {"inclinationDeadBand", inclinationDeadBand, 0x3ef24ab5181baf71},
         {"levelDeadBand", levelDeadBand, 0x3ef24d15211930a7},
     };
     for (const auto& row : rows)
@@ -40,7 +41,7 @@ TEST(AngleConstants, ArePinnedBitForBit) {
 }
 
 TEST(AxisAngles, CountAClosedBandAroundTheAxesAsZero) {
-    const double b = modelDeadBand;
+    const double b = lengthDeadBand;
     const double eighth = std::atan(1.0);
     const struct {
         const char* name;

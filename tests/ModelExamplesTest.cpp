@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "KIVInterface/CKivThreeVec2Level.h"
 #include "simulator/RandomPoses.h"
 #include "simulator/TypicalMounting.h"
 #include "support/AngleConstants.h"

@@ -6,6 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include "KIVInterface/CKivDualLevel.h"
+#include "KIVInterface/CKivPendulum.h"
+#include "KIVInterface/CKivPolarizer.h"
+#include "KIVInterface/CKivThreeVec.h"
+#include "KIVInterface/CKivThreeVec2Level.h"
 #include "models/Geometry.h"
 #include "simulator/RandomPoses.h"
 #include "simulator/TypicalMounting.h"
@@ -86,8 +91,8 @@ protected:
         if (z * readings.levelY < 0)
             allowed += 2.1 * tilt * std::abs(std::tan(readings.levelY * simulator::radians) * z)
                        * std::hypot(rho, z) / (rho * rho);
-        if (std::min(std::abs(x), std::abs(y)) <= modelDeadBand)
-            allowed += tilt * modelDeadBand / rho;
+        if (std::min(std::abs(x), std::abs(y)) <= lengthDeadBand)
+            allowed += tilt * lengthDeadBand / rho;
         return allowed;
     }
 

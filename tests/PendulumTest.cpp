@@ -106,7 +106,8 @@ TEST(Pendulum, FrameMeetsItsDefinition) {
         const double r = std::hypot(3000.0, 1000.0, row.z);
         const double across = (3000 * f[1] + 1000 * f[4] + row.z * f[7]) / r;
         EXPECT_NEAR(across, std::cos(problem.c0), 1e-12) << row.name << ": angle to the direction";
-        EXPECT_NEAR(std::asin(f[7]), problem.beta0, modelDeadBand) << row.name << ": stop test";
+        EXPECT_NEAR(std::asin(f[7]), problem.beta0, inclinationDeadBand)
+            << row.name << ": stop test";
         EXPECT_EQ(solution.passes, 1) << row.name;
     }
 }
@@ -134,16 +135,16 @@ TEST(Pendulum, FrameMeetsItsDefinitionAfterTheIteration) {
             const double shown =
                 std::asin((c * f[6] + s * f[8]) * problem.axis[0] + f[7] * problem.axis[1]
                           + (c * f[8] - s * f[6]) * problem.axis[2]);
-            EXPECT_LT(std::abs(shown - problem.beta0), modelDeadBand) << z << ' ' << beta0;
+            EXPECT_LT(std::abs(shown - problem.beta0), inclinationDeadBand) << z << ' ' << beta0;
         }
 }
 
 // The level case is open: at the band itself the axis rises, one step below it lies level.
 TEST(Pendulum, LevelBand) {
     PendulumProblem problem = problemOf(examples[2]);
-    problem.beta0 = modelDeadBand;
-    EXPECT_NEAR(solvePendulum(problem).frame[7], modelDeadBand, 1e-12);
-    problem.beta0 = std::nextafter(modelDeadBand, 0);
+    problem.beta0 = inclinationDeadBand;
+    EXPECT_NEAR(solvePendulum(problem).frame[7], inclinationDeadBand, 1e-12);
+    problem.beta0 = std::nextafter(inclinationDeadBand, 0);
     EXPECT_EQ(solvePendulum(problem).frame[7], 0);
 }
 

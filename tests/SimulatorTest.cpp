@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "KIVInterface/ConfigureSensor.h"
-#include "sensor/SensorAccess.h"
+#include "sensor/Update.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/Trajectory.h"
 #include "support/ZelUtil.h"
@@ -41,7 +41,7 @@ TEST(Simulator, ExampleReadingsGiveTheTrueAnglesBack) {
         KIV_RAWINFO raw{};
         raw.status = 2;
         calibration.rawReadings(pose, readings, 15 + 0.02F * static_cast<float>(i), raw);
-        const UpdateOutcome outcome = SensorAccess::update(sensor, raw, info);
+        const UpdateOutcome outcome = SensorUpdate::run(sensor, raw, info);
         EXPECT_NEAR(info.levelY, readings.levelY, 2e-6) << i;
         EXPECT_NEAR(std::remainder(info.azimuth - readings.azimuth, 360), 0, 3e-5) << i;
         if (outcome != UpdateOutcome::oriented)

@@ -9,6 +9,7 @@
 #include "KIVInterface/CKiv.h"
 #include "sensor/OrientationAngles.h"
 #include "sensor/SensorAccess.h"
+#include "sensor/Update.h"
 #include "tests/Allocations.h"
 #include "tests/Matchers.h"
 #include "tests/PreparedSensor.h"
@@ -122,7 +123,7 @@ TEST(Update, CapturesTheReferenceOnceWhenItQualifies) {
         raw.refBlocked = row.blocked;
         raw.unused1 = raw.unused2 = 12345;
         KIV_INFO info;
-        EXPECT_EQ(SensorAccess::update(sensor, raw, info), row.outcome) << row.name;
+        EXPECT_EQ(SensorUpdate::run(sensor, raw, info), row.outcome) << row.name;
         const bool oriented = row.outcome == UpdateOutcome::oriented;
         EXPECT_EQ(info.rz != 0, oriented) << row.name;
         double m[9];
@@ -258,7 +259,7 @@ TEST(Update, WithoutModelOrTiltTableHasNoOrientation) {
     }
     for (CKiv* sensor : {&noModel, &noTable, &onlyX, &onlyY}) {
         KIV_INFO info;
-        EXPECT_EQ(SensorAccess::update(*sensor, goodReading(), info), UpdateOutcome::modelFailed);
+        EXPECT_EQ(SensorUpdate::run(*sensor, goodReading(), info), UpdateOutcome::modelFailed);
         EXPECT_EQ(info.azimuth, 10);
         // A missing curve counts as 0.
         EXPECT_EQ(info.levelX, sensor == &noModel ? 0 : -1);
@@ -274,15 +275,15 @@ TEST(Update, LevelsOutsideTheirTablesReachTheTwoLevelModel) {
     prepare(sensor, 9);
     KIV_INFO info;
     KIV_RAWINFO raw = goodReading();
-    EXPECT_EQ(SensorAccess::update(sensor, raw, info), UpdateOutcome::reference);
+    EXPECT_EQ(SensorUpdate::run(sensor, raw, info), UpdateOutcome::reference);
     raw.levelXRaw = 20.1F;
-    EXPECT_EQ(SensorAccess::update(sensor, raw, info), UpdateOutcome::oriented);
+    EXPECT_EQ(SensorUpdate::run(sensor, raw, info), UpdateOutcome::oriented);
     const KIV_INFO oneLevel = info;
     raw.levelXRaw = 25;
     sensor.updateKIVData(raw, info);
     EXPECT_EQ(info.rx, oneLevel.rx); // that level is not looked at
     raw.levelYRaw = -20.1F;
-    EXPECT_EQ(SensorAccess::update(sensor, raw, info), UpdateOutcome::modelFailed);
+    EXPECT_EQ(SensorUpdate::run(sensor, raw, info), UpdateOutcome::modelFailed);
 }
 
 TEST(Update, CopyComputesTheSameAndStandsAlone) {
@@ -356,7 +357,7 @@ TEST(Update, SpecialReadings) {
                         field(raw, i) = a;
                         field(raw, j) = b;
                         KIV_INFO info;
-                        const UpdateOutcome outcome = SensorAccess::update(sensor, raw, info);
+                        const UpdateOutcome outcome = SensorUpdate::run(sensor, raw, info);
                         const double* t = SensorAccess::transform(sensor);
                         const bool finite =
                             std::all_of(t, t + 9, [](double v) { return std::isfinite(v); });

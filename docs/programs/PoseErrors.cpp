@@ -6,6 +6,7 @@
 
 #include "KIVInterface/ConfigureSensor.h"
 #include "sensor/SensorAccess.h"
+#include "sensor/Update.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/TypicalMounting.h"
 #include "support/ZelUtil.h"
@@ -85,9 +86,9 @@ struct ExampleSensor {
     // The first measurement becomes the reference and has no angles: it is repeated.
     KIV_INFO update(const KIV_RAWINFO& raw) {
         KIV_INFO info;
-        UpdateOutcome outcome = SensorAccess::update(sensor, raw, info);
+        UpdateOutcome outcome = SensorUpdate::run(sensor, raw, info);
         if (outcome == UpdateOutcome::reference)
-            outcome = SensorAccess::update(sensor, raw, info);
+            outcome = SensorUpdate::run(sensor, raw, info);
         if (outcome != UpdateOutcome::oriented)
             throw noOrientation(SensorAccess::mountMode(sensor));
         return info;

@@ -9,6 +9,7 @@
 
 #include "host/Findings.h"
 #include "host/tables/Numbers.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -110,12 +111,6 @@ std::string rangeOf(const BlockValues& values, std::size_t column) {
     return shown(least) + " to " + shown(most);
 }
 
-std::string modelOf(std::int32_t mountMode) {
-    constexpr const char* models[] = {"dual-level", "pendulum", "polarizer", "three-vector",
-                                      "three-vector with two levels"};
-    return models[mountMode >= 1 && mountMode <= 10 ? (mountMode - 1) / 2 : 1];
-}
-
 // One line each.
 std::vector<std::string> linesOf(const BlockLayout& layout, const BlockValues& values) {
     constexpr std::size_t width = 60;
@@ -125,7 +120,7 @@ std::vector<std::string> linesOf(const BlockLayout& layout, const BlockValues& v
     case BlockKind::sensorId:
         return {std::to_string(values.integer)};
     case BlockKind::integer:
-        return {std::to_string(values.integer) + ", " + modelOf(values.integer) + " model"};
+        return {std::to_string(values.integer) + ", " + modelName(values.integer) + " model"};
     case BlockKind::word:
         return {values.word};
     case BlockKind::numbers:

@@ -8,6 +8,8 @@
 #include "host/report/ReportPage.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/ReadingsRun.h"
+#include "sensor/SensorAccess.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 

@@ -7,6 +7,7 @@
 #include "host/Findings.h"
 #include "host/tables/Numbers.h"
 #include "params/Parser.h"
+#include "params/Survey.h"
 #include "support/platform/ByteSource.h"
 
 namespace kiv::host {
@@ -35,7 +36,7 @@ void reportCost(const Document& before, const std::string& rewritten, const std:
                 std::ostream& out, std::ostream& err) {
     TextSource source(rewritten);
     Survey survey;
-    const Document after = parseForRewrite(source, &survey).document;
+    const Document after = surveyForRewrite(source, survey).document;
     Change largest;
     bool lost = false;
     for (const BlockLayout& layout : blockTable) {

@@ -9,6 +9,7 @@
 
 #include "host/tables/ReadingsRun.h"
 #include "sensor/SensorAccess.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -56,7 +57,7 @@ void appendResult(std::string& text, const RowResult& result, int mode, const Ta
     const bool modelled = result.state == RowState::ok || result.state == RowState::reference
                           || result.state == RowState::noReference;
     const bool oriented = result.state == RowState::ok;
-    const bool threeVector = mode >= firstThreeVectorMode;
+    const bool threeVector = reportsOwnMatrix(mode);
 
     const float corrected[] = {info.azimuth, info.elevation, info.levelX, info.levelY};
     const float angles[] = {info.rx, info.ry, info.rz};

@@ -10,10 +10,10 @@
 #include "host/tables/Poses.h"
 #include "host/tables/Readings.h"
 #include "host/tables/RowLoop.h"
-#include "sensor/SensorAccess.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/Mounting.h"
 #include "simulator/Random.h"
+#include "support/MountMode.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::host {
@@ -76,7 +76,7 @@ public:
     // The angles that an update reports: of the machine matrix times the pose, for the three-vector
     // modes of the pose itself.
     simulator::Angles trueAngles(const simulator::Pose& pose) const {
-        if (mounting.mode >= firstThreeVectorMode)
+        if (reportsOwnMatrix(mounting.mode))
             return simulator::anglesOf(pose.rotation);
         double inMachine[9];
         MatrixMultiply(machineMatrix, pose.rotation, 3, 3, 3, inMachine);

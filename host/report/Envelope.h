@@ -36,7 +36,6 @@ public:
 
     std::size_t rows() const { return rowCount; }
     std::size_t rowsPerBin() const { return binRows; } // the last bin may have fewer
-    std::size_t series() const { return width; }
     std::span<const Bin> bins() const { return all; }
     const Range& range(std::size_t bin, std::size_t ofSeries) const {
         return ranges[bin * width + ofSeries];

@@ -10,6 +10,7 @@
 #include "host/report/Embedded.h"
 #include "host/tables/Numbers.h"
 #include "sensor/SensorAccess.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -214,7 +215,7 @@ void Page::appendOrigin() {
     line("Sensor ID", std::to_string(content.sensorId));
     line("Mount mode",
          std::to_string(content.mountMode) + ", " + modelName(content.mountMode) + " model");
-    line("Angles", content.mountMode >= firstThreeVectorMode ? "of the sensor in the instrument"
+    line("Angles", reportsOwnMatrix(content.mountMode) ? "of the sensor in the instrument"
                    : content.localFrame ? "of the motion since the reference (local frame)"
                                         : "in machine coordinates");
     line("Level limits",

@@ -5,6 +5,7 @@
 #include "host/ParameterFile.h"
 #include "host/SummaryFile.h"
 #include "sensor/SensorAccess.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -17,7 +18,7 @@ bool ReadingsRun::open(std::span<const std::string_view> results) {
         return false;
     sensor.setMcsFlag(!options.localFrame);
     mode = SensorAccess::mountMode(sensor);
-    const bool knowsFrames = mode < firstThreeVectorMode;
+    const bool knowsFrames = !reportsOwnMatrix(mode);
     if (options.localFrame && !knowsFrames)
         streams.err << "kiv: --frame local has no effect in mount mode " << mode << '\n';
     if (!readings.open(options.readings, readingColumns, results, options.format, streams))

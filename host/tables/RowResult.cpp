@@ -5,36 +5,35 @@
 
 #include "models/Geometry.h"
 #include "sensor/SensorAccess.h"
+#include "sensor/Update.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
 namespace {
 
-// How messages speak of a model and of readings that it has no orientation for.
-struct ModelWords {
-    const char* name;
-    Reason whereItFails;
-    Reason whereNotFinite;
-};
-
-ModelWords wordsFor(int mode) {
-    using enum Reason;
-    switch (mode) {
-    case 1:
-    case 2:
-        return {"dual-level", noVertical, overflow};
-    case 5:
-    case 6:
-        return {"polarizer", overflow, overflow};
-    case 7:
-    case 8:
-        return {"three-vector", alongVertical, alongVertical};
-    case 9:
-    case 10:
-        return {"two-level", levelsOutside, alongVertical};
-    default:
-        return {"pendulum", noAxis, overflow};
+// Readings that a model has no orientation for: its computation fails, or gives what is no number.
+Reason whereItFails(int mode) {
+    switch (principleOf(mode)) {
+    case Principle::dualLevel:
+        return Reason::noVertical;
+    case Principle::polarizer:
+        return Reason::overflow;
+    case Principle::threeVectors:
+        return Reason::alongVertical;
+    case Principle::twoLevels:
+        return Reason::levelsOutside;
+    case Principle::pendulum:
+        break;
     }
+    return Reason::noAxis;
+}
+
+Reason whereNotFinite(int mode) {
+    const Principle principle = principleOf(mode);
+    return principle == Principle::threeVectors || principle == Principle::twoLevels
+               ? Reason::alongVertical
+               : Reason::overflow;
 }
 
 RowState stateOf(UpdateOutcome outcome) {
@@ -62,10 +61,6 @@ bool allNumbers(const CKiv& sensor, const KIV_INFO& info) {
 
 } // namespace
 
-const char* modelName(int mode) {
-    return wordsFor(mode).name;
-}
-
 RowRunner::RowRunner(CKiv& kiv, Table& readings)
     : sensor(kiv), table(readings), mode(SensorAccess::mountMode(kiv)) {}
 
@@ -77,7 +72,7 @@ bool RowRunner::next(RowResult& result) {
         result.state = RowState::refused;
         return true;
     }
-    const UpdateOutcome outcome = SensorAccess::update(sensor, result.raw, result.info);
+    const UpdateOutcome outcome = SensorUpdate::run(sensor, result.raw, result.info);
     result.code = sensor.ReadMatrix(result.matrix);
     result.state = stateOf(outcome);
     if (outcome > UpdateOutcome::modelFailed && !allNumbers(sensor, result.info))
@@ -85,16 +80,15 @@ bool RowRunner::next(RowResult& result) {
     if (result.state == RowState::ok || result.state == RowState::reference)
         return true;
 
-    const ModelWords words = wordsFor(mode);
     if (result.state == RowState::status)
         result.reason = Reason::status;
     else if (result.state == RowState::noReference)
         result.reason = result.raw.refBlocked ? Reason::refBlocked : Reason::refMetric;
     else
         result.reason =
-            outcome == UpdateOutcome::modelFailed ? words.whereItFails : words.whereNotFinite;
+            outcome == UpdateOutcome::modelFailed ? whereItFails(mode) : whereNotFinite(mode);
     if (result.state == RowState::noOrientation)
-        table.reportRow(std::string("readings that the ") + words.name
+        table.reportRow(std::string("readings that the ") + modelName(mode)
                             + " model solves (mount mode " + std::to_string(mode) + ")",
                         wordsOf(result.reason).text);
     return true;

@@ -22,9 +22,6 @@ enum class RowState : unsigned char {
 inline constexpr std::array<const char*, 6> rowStateNames{
     "ok", "status", "no_reference", "reference", "no_orientation", "refused"};
 
-// The orientation model of a mount mode.
-const char* modelName(int mode);
-
 struct RowResult {
     RowState state = RowState::refused;
     Reason reason = Reason::none; // for a state other than ok and reference

@@ -12,7 +12,8 @@
 
 namespace kiv {
 struct SensorAccess;
-}
+struct SensorUpdate;
+} // namespace kiv
 
 // One physical sensor. Fill it through the setters, choose its model with setMountMode, then call
 // updateKIVData for every measurement.
@@ -87,6 +88,7 @@ public:
 
 private:
     friend struct kiv::SensorAccess;
+    friend struct kiv::SensorUpdate;
 
     std::mutex lock;
     CEncoder elEncoder;

@@ -10,49 +10,63 @@ namespace kiv {
 
 namespace {
 
-// The tilted vertical (unit, instrument frame) from the two level readings lx, ly (radians), the
-// measured point's azimuth phi, height z and horizontal distance rho, the angle c between the level
-// axes and the offset s1 of the direction of the tilt.
-void tiltedVertical(double lx, double ly, double phi, double z, double rho, double c, double s1,
-                    double* e) {
-    if (std::abs(lx) <= levelDeadBand && std::abs(ly) <= levelDeadBand) {
-        e[0] = 0;
-        e[1] = 0;
-        e[2] = 1;
+// Angles are radians.
+struct TiltProblem {
+    double levelX, levelY;      // readings
+    double azimuth;             // of the measured point
+    double height;              // of the measured point above the instrument
+    double horizontalDistance;  // of the measured point
+    double axesAngle;           // between the axes of the two levels
+    double tiltDirectionOffset; // added to the direction of the tilt
+};
+
+// The tilted vertical, a unit vector in the instrument frame.
+void tiltedVertical(const TiltProblem& problem, double* vertical) {
+    const double levelX = problem.levelX;
+    const double levelY = problem.levelY;
+    if (std::abs(levelX) <= levelDeadBand && std::abs(levelY) <= levelDeadBand) {
+        vertical[0] = 0;
+        vertical[1] = 0;
+        vertical[2] = 1;
         return;
     }
-    const double sinLx = std::sin(lx);
-    const double sinLy = std::sin(ly);
-    const double tau = std::asin(arcArgument(
-        std::sqrt(sinLx * sinLx + sinLy * sinLy - std::cos(c) * 2 * sinLx * sinLy) / std::sin(c)));
-    const double sinTau = std::sin(tau); // tau, from an arc sine, has the sign of its sine
+    const double sinX = std::sin(levelX);
+    const double sinY = std::sin(levelY);
+    const double tilt = std::asin(arcArgument(
+        std::sqrt(sinX * sinX + sinY * sinY - std::cos(problem.axesAngle) * 2 * sinX * sinY)
+        / std::sin(problem.axesAngle)));
+    const double sinTilt = std::sin(tilt); // the tilt, from an arc sine, has the sign of its sine
 
-    // The dip g of the line of sight's plane, from the direction p of the tilt.
-    const double sinAbsLy = ly < 0 ? -sinLy : sinLy;
-    const double p = std::acos(arcArgument(sinAbsLy / std::abs(sinTau))) + s1;
-    double g = p < halfPi ? std::asin(arcArgument(std::cos(p) * sinTau))
-                          : -std::asin(arcArgument(std::cos(pi - p) * sinTau));
-    if (ly < 0)
-        g = -g;
+    // The direction of the tilt from level Y, and the dip of the line of sight's plane.
+    const double sinAbsY = levelY < 0 ? -sinY : sinY;
+    const double tiltDirection =
+        std::acos(arcArgument(sinAbsY / std::abs(sinTilt))) + problem.tiltDirectionOffset;
+    double dip = tiltDirection < halfPi
+                     ? std::asin(arcArgument(std::cos(tiltDirection) * sinTilt))
+                     : -std::asin(arcArgument(std::cos(pi - tiltDirection) * sinTilt));
+    if (levelY < 0)
+        dip = -dip;
 
-    double q = std::abs(z / std::tan(tau)) / std::abs(z / std::tan(ly));
-    if (std::abs(q) >= 1)
-        q = q / std::abs(q);
-    const double a1 = std::acos(q);
-    const double a2 = std::acos(arcArgument(-(std::tan(g) * std::abs(z) / rho)));
+    const double height = problem.height;
+    double ratio = std::abs(height / std::tan(tilt)) / std::abs(height / std::tan(levelY));
+    if (std::abs(ratio) >= 1)
+        ratio = ratio / std::abs(ratio);
+    const double fromLevel = std::acos(ratio);
+    const double fromDip =
+        std::acos(arcArgument(-(std::tan(dip) * std::abs(height) / problem.horizontalDistance)));
 
-    double direction = twoPi - (a2 - a1);
-    if (lx < 0 && g > 0)
-        direction = a2 + a1;
-    else if (lx < 0 && g < 0)
-        direction = twoPi - (a2 + a1);
-    else if (lx > 0 && g > 0)
-        direction = a2 - a1;
+    double direction = twoPi - (fromDip - fromLevel);
+    if (levelX < 0 && dip > 0)
+        direction = fromDip + fromLevel;
+    else if (levelX < 0 && dip < 0)
+        direction = twoPi - (fromDip + fromLevel);
+    else if (levelX > 0 && dip > 0)
+        direction = fromDip - fromLevel;
 
-    const double psi = direction + phi;
-    e[0] = std::cos(psi) * sinTau;
-    e[1] = std::sin(psi) * sinTau;
-    e[2] = std::cos(tau);
+    const double verticalAzimuth = direction + problem.azimuth;
+    vertical[0] = std::cos(verticalAzimuth) * sinTilt;
+    vertical[1] = std::sin(verticalAzimuth) * sinTilt;
+    vertical[2] = std::cos(tilt);
 }
 
 } // namespace
@@ -87,29 +101,35 @@ bool CKivDualLevel::CalTranxMatrix(double* const M, double azimuthOffset, double
     const double x = M[0];
     const double y = M[1];
     const double z = M[2];
-    const double lx = M[3] * degToRad;
-    const double ly = -(M[4] * degToRad);
+    const double levelX = M[3] * degToRad;
+    const double levelY = -(M[4] * degToRad);
     const double alpha = M[5] * degToRad - azimuthOffset;
     const double gamma = elevationOffset - M[6] * degToRad;
 
     const double rho2 = x * x + y * y;
     const double r = std::sqrt(z * z + rho2);
-    const double rho = std::sqrt(rho2);
     double u[3] = {0, 0, 0};
     if (r > 0) {
         u[0] = x / r;
         u[1] = y / r;
         u[2] = z / r;
     }
-    const double phi = fullTurnAngle(x, y, modelDeadBand);
-    const double s1 = scaleFactors[1] * degToRad;
-    const double c = (scaleFactors[0] + 90.0) * degToRad;
-    double e[3];
-    tiltedVertical(lx, ly, phi, z, rho, c, s1, e);
+    double vertical[3];
+    tiltedVertical(
+        {
+            levelX,
+            levelY,
+            fullTurnAngle(x, y, lengthDeadBand),
+            z,
+            std::sqrt(rho2),
+            (scaleFactors[0] + 90.0) * degToRad,
+            scaleFactors[1] * degToRad,
+        },
+        vertical);
 
     double across[3];
     double up[3];
-    CrossMultiply(e, u, across);
+    CrossMultiply(vertical, u, across);
     normalize(across);
     CrossMultiply(u, across, up);
     normalize(up);

@@ -33,7 +33,7 @@ struct AngleBetween {
 // The transverse vector t, not normalised, that rises at beta and stands at the given angle to the
 // measured vector.
 void transverseVector(const MeasuredPoint& p, double beta, const AngleBetween& c0, double* t) {
-    if (std::abs(beta) < modelDeadBand) {
+    if (std::abs(beta) < inclinationDeadBand) {
         const double d =
             std::sqrt(p.r * p.r + armLength * armLength - c0.cosine * (2 * armLength) * p.r);
         const double e = std::sqrt(d * d - p.z * p.z);
@@ -86,7 +86,7 @@ PendulumSolution solvePendulum(const PendulumProblem& problem) {
                               std::sqrt(z * z + rho2),
                               std::sqrt(rho2),
                               rho2,
-                              fullTurnAngle(x, y, modelDeadBand)};
+                              fullTurnAngle(x, y, lengthDeadBand)};
 
     double u[3];
     if (point.r > 0) {
@@ -122,7 +122,8 @@ PendulumSolution solvePendulum(const PendulumProblem& problem) {
         MatrixMultiply(solution.frame, headToYoke, 3, 3, 3, yoke);
         MatrixMultiply(yoke, problem.axis, 3, 3, 1, q);
         const double error = std::asin(arcArgument(q[2])) - problem.beta0;
-        const bool goOn = std::abs(error) >= modelDeadBand; // false for an error that is no number
+        const bool goOn =
+            std::abs(error) >= inclinationDeadBand; // false for an error that is no number
         if (!goOn || solution.passes == mostPasses)
             return solution;
         solution.beta -= error / relaxation;

@@ -6,6 +6,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "params/Parser.h"
+#include "support/MountMode.h"
 #include "support/ZelUtil.h"
 
 namespace kiv {
@@ -117,7 +118,7 @@ void RecordLoading::store(CKivPrm& record, const ParsedFile& parsed) {
     if (parsed.outcome.code != KIV_OK)
         return;
     record.loaded = true;
-    const bool xUnlimited = record.mountMode == 7 || record.mountMode == 8;
+    const bool xUnlimited = leavesTiltXUnlimited(record.mountMode);
     const auto& limitsX = document.find(Block::tiltXCalibration)->trailing;
     const auto& limitsY = document.find(Block::tiltYCalibration)->trailing;
     record.levelLimits[0] = xUnlimited ? 0.0F : limitsX[0];

@@ -2,14 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
-#include <type_traits>
-#include <typeinfo>
 
-#include "KIVInterface/CKivDualLevel.h"
-#include "KIVInterface/CKivPendulum.h"
-#include "KIVInterface/CKivPolarizer.h"
-#include "KIVInterface/CKivThreeVec.h"
-#include "KIVInterface/CKivThreeVec2Level.h"
+#include "models/ModelFactory.h"
 #include "support/Copies.h"
 
 namespace {
@@ -20,37 +14,6 @@ using kiv::copyValues;
 std::size_t sizeOf(int count, int each, int more = 0) {
     return static_cast<std::size_t>(count) * static_cast<std::size_t>(each)
            + static_cast<std::size_t>(more);
-}
-
-std::unique_ptr<CKivModel> createModel(int mode) {
-    switch (mode) {
-    case 1:
-    case 2:
-        return std::make_unique<CKivDualLevel>();
-    case 5:
-    case 6:
-        return std::make_unique<CKivPolarizer>();
-    case 7:
-    case 8:
-        return std::make_unique<CKivThreeVec>();
-    case 9:
-    case 10:
-        return std::make_unique<CKivThreeVec2Level>();
-    default:
-        return std::make_unique<CKivPendulum>();
-    }
-}
-
-// A copy of the same class; the models have no virtual operation for it.
-template <typename... Models>
-std::unique_ptr<CKivModel> copyAsOneOf(const CKivModel& model) {
-    std::unique_ptr<CKivModel> copy;
-    const auto copyIf = [&]<typename Model>(std::type_identity<Model>) {
-        if (typeid(model) == typeid(Model))
-            copy = std::make_unique<Model>(static_cast<const Model&>(model));
-    };
-    (copyIf(std::type_identity<Models>{}), ...);
-    return copy;
 }
 
 } // namespace
@@ -85,8 +48,7 @@ CKiv::CKiv(const CKiv& other)
     copyValues(other.level1Parameters, level1Parameters);
     copyValues(other.level2Parameters, level2Parameters);
     if (other.model)
-        model = copyAsOneOf<CKivDualLevel, CKivPendulum, CKivPolarizer, CKivThreeVec,
-                            CKivThreeVec2Level>(*other.model);
+        model = copyOf(*other.model);
     if (other.prm) {
         prm = std::make_unique<CKivPrm>();
         *prm = *other.prm;
@@ -114,10 +76,8 @@ int CKiv::Initialization() {
 
 int CKiv::setMountMode(int mode) {
     mountMode = mode;
-    if (!model) {
-        model = createModel(mode);
-        model->set_iMMode(mode % 2);
-    }
+    if (!model)
+        model = kiv::createModel(mode);
     model->UpdateSFactors(scaleFactors, 8);
     model->UpdateQVCParameters(qvcParameters, 6);
     model->UpdateLevel1Parameters(level1Parameters, 7);

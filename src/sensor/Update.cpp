@@ -1,8 +1,10 @@
+#include "sensor/Update.h"
+
 #include <algorithm>
 #include <cmath>
 
 #include "sensor/OrientationAngles.h"
-#include "sensor/SensorAccess.h"
+#include "support/MountMode.h"
 #include "support/ZelUtil.h"
 
 namespace kiv {
@@ -11,10 +13,10 @@ namespace {
 
 constexpr int orientationStatus = 2;
 constexpr float largestRefMetric = 0.4F;
-constexpr float leastRatioDenominator = 2000.0F; // of the tilt X ratio in modes 5 and 6
+constexpr float leastRatioDenominator = 2000.0F; // of the tilt X ratio
 
 float tiltXArgument(int mountMode, const KIV_RAWINFO& raw) {
-    if (mountMode != 5 && mountMode != 6)
+    if (!readsTiltRatio(mountMode))
         return raw.levelXRaw;
     return std::abs(raw.levelYRaw) > leastRatioDenominator ? raw.levelXRaw / raw.levelYRaw : 0.0F;
 }
@@ -36,7 +38,7 @@ float correctedAngle(CEncoder& encoder, float raw) {
 
 } // namespace
 
-UpdateOutcome SensorAccess::update(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info) {
+UpdateOutcome SensorUpdate::run(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info) {
     info = KIV_INFO{};
     const std::lock_guard<std::mutex> guard(sensor.lock);
     sensor.matrixValid = false;
@@ -75,8 +77,8 @@ UpdateOutcome SensorAccess::update(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INF
                                       3, outsideX, outsideY))
         return UpdateOutcome::modelFailed;
 
-    const bool threeVector = sensor.mountMode >= firstThreeVectorMode;
-    if (threeVector) {
+    const bool ownMatrix = reportsOwnMatrix(sensor.mountMode);
+    if (ownMatrix) {
         sensor.model->GetQVCMatrix(sensor.qvcParameters, 6);
         info.qvc[0] = sensor.qvcParameters[0];
         info.qvc[1] = sensor.qvcParameters[2];
@@ -93,7 +95,7 @@ UpdateOutcome SensorAccess::update(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INF
     }
 
     OrientationAngles angles;
-    if (threeVector) {
+    if (ownMatrix) {
         angles = threeVectorAngles(transform);
     } else if (sensor.mcsFlag) {
         MatrixMultiply(sensor.machineMatrix, transform, 3, 3, 3, sensor.result);
@@ -114,5 +116,5 @@ UpdateOutcome SensorAccess::update(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INF
 } // namespace kiv
 
 void CKiv::updateKIVData(const KIV_RAWINFO& raw, KIV_INFO& info) {
-    kiv::SensorAccess::update(*this, raw, info);
+    kiv::SensorUpdate::run(*this, raw, info);
 }

@@ -14,8 +14,9 @@ constexpr double threeHalfPi = 3 * halfPi;    // rad
 static_assert(threeHalfPi == 4.7123889803850005, "one ulp above the literal 4.712388980385");
 
 // Half widths of the closed bands around the axes inside which a component counts as zero.
-constexpr double angleDeadBand = 1e-12;                 // of matrix entries and home angles
-constexpr double modelDeadBand = 1.7444444444444444e-5; // of lengths and rad in the models
-constexpr double levelDeadBand = 1.745329251994e-5;     // rad, 0.001 degrees, of level readings
+constexpr double angleDeadBand = 1e-12;                       // of matrix entries and home angles
+constexpr double lengthDeadBand = 1.7444444444444444e-5;      // of lengths in the models
+constexpr double inclinationDeadBand = 1.7444444444444444e-5; // rad, of the pendulum
+constexpr double levelDeadBand = 1.745329251994e-5; // rad, 0.001 degrees, of level readings
 
 } // namespace kiv

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "KIVInterface/CKiv.h"
+
+namespace kiv {
+
+enum class UpdateOutcome {
+    badStatus,   // the status is not 2: the readings are corrected, nothing more
+    modelFailed, // no model, a missing tilt table, or a model without a result
+    noReference, // the model succeeded, but no reference has been captured yet
+    reference,   // this measurement became the reference
+    oriented,    // the angles are computed
+};
+
+// The way of a measurement through a sensor. No member of CKiv: the class is exported whole.
+struct SensorUpdate {
+    // The whole of CKiv::updateKIVData, and what came of it.
+    static UpdateOutcome run(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info);
+};
+
+} // namespace kiv
