@@ -62,6 +62,11 @@ TEST(Loading, StoresWhatComesBeforeAFailure) {
             EXPECT_FALSE(gotFrom(complete, getter) == gotFrom(old, getter));
         }
     }
+    // Another sensor's file fails behind its first title.
+    LoadedRecord old, record;
+    changes.values[Block::serialNumber] = "6";
+    EXPECT_EQ(ParameterFolder().load(record, parameterText(changes)), KIV_BAD_FORMAT);
+    EXPECT_TRUE(sameValues(record, old));
 }
 
 TEST(Loading, TakesDefaultsWhenTheFileEndsAfterTiltX) {
