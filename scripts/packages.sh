@@ -33,6 +33,11 @@ need() {
     rm -f "$log"
 }
 
+# need_to_build [PACKAGE...]: what the library and the tool are built with, and these.
+need_to_build() {
+    need cmake g++ ninja-build libcli11-dev nlohmann-json3-dev libjs-dygraphs "$@"
+}
+
 project_version() {
     awk '/^#define KIV_VERSION_/ { printf "%s%s", dot, $3; dot = "." }' include/KIVInterface/Version.h
 }
