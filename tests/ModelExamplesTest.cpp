@@ -204,22 +204,13 @@ TEST(ModelExamples, DualLevelDeadBand) {
     }
 }
 
-TEST(ModelExamples, PolarizerAgainstVectors) {
-    const Mounting m = simulator::typicalMounting(6);
-    const auto model = modelOf(m);
-    simulator::RandomPoses random(31, {5, -70, 70, false});
-    for (int i = 0; i < 300; ++i) {
-        const Matrix input = randomMeasurement(random);
-        const V sight = unit({input[0], input[1], input[2]});
-        const V right = unit(cross(sight, ez)); // horizontal
-        const double roll = (m.scaleFactors[1] + input[4]) * degToRad * m.scaleFactors[6];
-        Rotation r{turned(right, sight, roll), sight, turned(cross(right, sight), sight, roll)};
-        r = after(r, ez, m.scaleFactors[0] * degToRad);
-        r = after(r, ex, 0.2 - input[6] * degToRad);
-        r = after(r, ez, 0.1 - input[5] * degToRad);
-        EXPECT_TRUE(
-            test::isNear(computed(*model, input).data(), matrixOf(r).data(), secondComputation))
-            << i;
+// The tilt is then level Y's, and what its direction is the arc cosine of, 1 or a rounding more.
+TEST(ModelExamples, DualLevelWithOneLevelAtZero) {
+    Mounting dual = simulator::typicalMounting(2);
+    dual.scaleFactors[0] = 0;
+    for (int i = 1; i <= 2000; ++i) {
+        Matrix m{3000, 1000, 500, 0, i * 0.01, 10, 20, 0, 0};
+        EXPECT_TRUE(modelOf(dual)->CalTranxMatrix(m.data(), 0, 0, 3, false, false)) << i;
     }
 }
 

@@ -83,38 +83,9 @@ TEST(Pendulum, ReachesThePublishedExamples) {
     }
 }
 
-// At the final inclination the frame fulfils what defines it, whichever of the five cases built it.
-TEST(Pendulum, FrameMeetsItsDefinition) {
-    const struct {
-        const char* name;
-        double z, beta0; // mm, degrees
-    } rows[] = {{"above, rising", 500, 1.2},
-                {"above, falling", 500, -3.5},
-                {"below, rising", -500, 2.5},
-                {"below, falling", -500, -1.2},
-                {"level", 500, 0},
-                {"level, below", -500, 0},
-                {"level, in the horizon", 0, 0}};
-    for (const auto& row : rows) {
-        PendulumProblem problem = problemOf(examples[2]);
-        problem.vector[2] = row.z;
-        problem.beta0 = row.beta0 * degToRad;
-        const PendulumSolution solution = solvePendulum(problem);
-        const double* f = solution.frame;
-        EXPECT_TRUE(test::isRotation(f, 1e-13)) << row.name;
-        EXPECT_NEAR(f[7], std::sin(solution.beta), 1e-12) << row.name << ": rise of the axis";
-        const double r = std::hypot(3000.0, 1000.0, row.z);
-        const double across = (3000 * f[1] + 1000 * f[4] + row.z * f[7]) / r;
-        EXPECT_NEAR(across, std::cos(problem.c0), 1e-12) << row.name << ": angle to the direction";
-        EXPECT_NEAR(std::asin(f[7]), problem.beta0, inclinationDeadBand)
-            << row.name << ": stop test";
-        EXPECT_EQ(solution.passes, 1) << row.name;
-    }
-}
-
-// The same after an iteration, where beta is not the reading, and the reference axis shows the
+// At the final inclination the frame fulfils what defines it, and the reference axis shows the
 // reading to within the stop test.
-TEST(Pendulum, FrameMeetsItsDefinitionAfterTheIteration) {
+TEST(Pendulum, FrameMeetsItsDefinition) {
     for (const double z : {500.0, -500.0})
         for (const double beta0 : {4.0, 1.2, -1.2, -6.0}) {
             PendulumProblem problem = problemOf(examples[0]);
@@ -146,18 +117,6 @@ TEST(Pendulum, LevelBand) {
     EXPECT_NEAR(solvePendulum(problem).frame[7], inclinationDeadBand, 1e-12);
     problem.beta0 = std::nextafter(inclinationDeadBand, 0);
     EXPECT_EQ(solvePendulum(problem).frame[7], 0);
-}
-
-TEST(Pendulum, OddModesCountAllAnglesTheOtherWayRound) {
-    std::array<float, 8> factors = examples[0].factors;
-    Matrix odd = measurement;
-    ASSERT_TRUE(pendulum(factors, 1).CalTranxMatrix(odd.data(), 0.1, 0.2, 3));
-    factors[1] = -factors[1];
-    Matrix even = measurement;
-    for (std::size_t i = 4; i < 7; ++i)
-        even[i] = -even[i];
-    ASSERT_TRUE(pendulum(factors, 0).CalTranxMatrix(even.data(), -0.1, -0.2, 3));
-    EXPECT_TRUE(test::isNear(even.data(), odd.data(), 1e-14));
 }
 
 // A reference axis across the transverse axis oscillates about an inclination that it cannot show;

@@ -24,6 +24,7 @@ TEST(Setters, RefuseBadArgumentsAndStoreNothing) {
     ASSERT_EQ(sensor.setLevel1Parameters(floats + 1, 7), KIV_OK);
     ASSERT_EQ(sensor.setAzimuthComp(2, floats), KIV_OK);
     ASSERT_EQ(sensor.setLocalMatrix(doubles, 3), KIV_OK);
+    ASSERT_EQ(sensor.setQVCParameters(floats + 1, 6), KIV_OK);
     const struct {
         const char* name;
         int code;
@@ -58,7 +59,8 @@ TEST(Setters, RefuseBadArgumentsAndStoreNothing) {
     for (const auto& row : rows)
         EXPECT_EQ(row.code, KIV_BAD_ARGUMENT) << row.name;
     EXPECT_EQ(SensorAccess::levelXCount(sensor), 4);
-    EXPECT_EQ(SensorAccess::level1Parameters(sensor)[6], 7);
+    EXPECT_TRUE(std::equal(floats + 1, floats + 8, SensorAccess::level1Parameters(sensor)));
+    EXPECT_TRUE(std::equal(floats + 1, floats + 7, SensorAccess::qvcParameters(sensor)));
     EXPECT_EQ(SensorAccess::azimuthComp(sensor)[3], 3);
     EXPECT_EQ(SensorAccess::localInverse(sensor)[0], 0.5);
 }

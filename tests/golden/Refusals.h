@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -29,8 +31,8 @@ inline std::string refusalOf(const TextChanges& changes) {
     return shown.str();
 }
 
-// Every kind of fault in every block that can have it, one at a time; those that read alike
-// wherever they are, in one block.
+// Every kind of fault, one at a time, in a block of each kind and in those that differ otherwise;
+// another title in every block.
 inline std::string refusals() {
     using enum Block;
     const std::string longWord(256, 'o');
@@ -49,6 +51,7 @@ inline std::string refusals() {
         {"a title's word over 255 characters",
          admOffset,
          {.titles = {{admOffset, "ADM " + longWord}}}},
+        {"odd bytes for a title", admOffset, {.titles = {{admOffset, "\xC4\" \\"}}}},
         {"a title over 255 characters in all",
          admOffset,
          {.titles = {{admOffset, longWord.substr(10) + "ADM Offset"}}}},
@@ -75,6 +78,11 @@ inline std::string refusals() {
 
         all += (i > 0 ? "\n" : "") + title + '\n';
         add("another title", {.titles = {{block, title.substr(0, titleEnd) + "Unknown"}}});
+        constexpr Block shown[] = {serialNumber, deviceOwner,   azPositionGain,
+                                   admOffset,    azCalibration, tiltXCalibration,
+                                   scaleFactor,  mountingMode,  halfAngle};
+        if (std::find(std::begin(shown), std::end(shown), block) == std::end(shown))
+            continue;
         add("a misspelt title", {.titles = {{block, title.substr(0, title.size() - 1) + "y"}}});
         const std::size_t last = values.find_last_of(" \t\n", values.find_last_not_of(" \t\n"));
         add("the last value missing",
