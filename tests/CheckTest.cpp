@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/Findings.h"
+#include "host/parameters/Findings.h"
 #include "params/Parser.h"
 #include "support/platform/ByteSource.h"
 #include "tests/ParameterRecord.h"

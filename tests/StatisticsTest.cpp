@@ -1,11 +1,11 @@
-#include "host/Statistics.h"
+#include "host/summary/Statistics.h"
 
 #include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "host/Quantile.h"
+#include "host/summary/Quantile.h"
 
 namespace {
 

@@ -16,7 +16,7 @@
 #include <gtest/gtest.h>
 
 #include "host/Interrupt.h"
-#include "host/ParameterFile.h"
+#include "host/parameters/ParameterFile.h"
 #include "simulator/Pose.h"
 #include "tests/ParameterRecord.h"
 #include "tests/ToolRunner.h"

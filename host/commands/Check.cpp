@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/Findings.h"
+#include "host/parameters/Findings.h"
 
 namespace kiv::host {
 

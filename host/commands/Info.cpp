@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/Findings.h"
+#include "host/parameters/Findings.h"
 #include "host/tables/Numbers.h"
 #include "support/MountMode.h"
 

@@ -4,7 +4,7 @@
 #include <ostream>
 
 #include "host/Interrupt.h"
-#include "host/ParameterFile.h"
+#include "host/parameters/ParameterFile.h"
 #include "host/report/ReportPage.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/ReadingsRun.h"

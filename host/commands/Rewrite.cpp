@@ -6,9 +6,9 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "host/Files.h"
-#include "host/Findings.h"
-#include "host/ParameterFile.h"
 #include "host/commands/RewriteCost.h"
+#include "host/parameters/Findings.h"
+#include "host/parameters/ParameterFile.h"
 #include "params/Parser.h"
 #include "params/Printer.h"
 #include "support/platform/File.h"

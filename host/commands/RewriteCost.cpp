@@ -4,7 +4,7 @@
 #include <ostream>
 #include <vector>
 
-#include "host/Findings.h"
+#include "host/parameters/Findings.h"
 #include "host/tables/Numbers.h"
 #include "params/Parser.h"
 #include "params/Survey.h"

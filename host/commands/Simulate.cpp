@@ -5,7 +5,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "host/Files.h"
-#include "host/ParameterFile.h"
+#include "host/parameters/ParameterFile.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/Poses.h"
 #include "host/tables/Readings.h"

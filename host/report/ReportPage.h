@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "KIVInterface/Records.h"
-#include "host/Summary.h"
 #include "host/report/Envelope.h"
+#include "host/summary/Summary.h"
 #include "host/tables/RowResult.h"
 
 namespace kiv::host {

@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include "host/ParameterFile.h"
-#include "host/SummaryFile.h"
+#include "host/parameters/ParameterFile.h"
+#include "host/summary/SummaryFile.h"
 #include "sensor/SensorAccess.h"
 #include "support/MountMode.h"
 

@@ -8,7 +8,7 @@
 #include "KIVInterface/CKivPrm.h"
 #include "host/Cli.h"
 #include "host/Progress.h"
-#include "host/Summary.h"
+#include "host/summary/Summary.h"
 #include "host/tables/ReadingsOptions.h"
 #include "host/tables/RowLoop.h"
 #include "host/tables/RowResult.h"

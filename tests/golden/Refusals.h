@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "host/Findings.h"
+#include "host/parameters/Findings.h"
 #include "params/Messages.h"
 #include "support/platform/ByteSource.h"
 #include "tests/ParameterText.h"

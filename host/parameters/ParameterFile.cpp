@@ -1,4 +1,4 @@
-#include "host/ParameterFile.h"
+#include "host/parameters/ParameterFile.h"
 
 #include <charconv>
 #include <filesystem>
@@ -6,7 +6,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/ConfigureSensor.h"
-#include "host/Findings.h"
+#include "host/parameters/Findings.h"
 #include "params/RecordLoading.h"
 
 namespace kiv::host {

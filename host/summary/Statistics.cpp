@@ -1,4 +1,4 @@
-#include "host/Statistics.h"
+#include "host/summary/Statistics.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/Summary.h"
+#include "host/summary/Summary.h"
 #include "host/tables/ReadingsOptions.h"
 
 namespace kiv::host {

@@ -1,9 +1,9 @@
-#include "host/SummaryFile.h"
+#include "host/summary/SummaryFile.h"
 
 #include <nlohmann/json.hpp>
 
 #include "KIVInterface/Version.h"
-#include "host/ParameterFile.h"
+#include "host/parameters/ParameterFile.h"
 
 namespace kiv::host {
 

@@ -5,8 +5,8 @@
 #include <iosfwd>
 #include <optional>
 
-#include "host/Quantile.h"
-#include "host/Statistics.h"
+#include "host/summary/Quantile.h"
+#include "host/summary/Statistics.h"
 #include "host/tables/RowResult.h"
 
 namespace kiv::host {

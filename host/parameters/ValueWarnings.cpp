@@ -1,4 +1,4 @@
-#include "host/ValueWarnings.h"
+#include "host/parameters/ValueWarnings.h"
 
 #include <algorithm>
 #include <cmath>

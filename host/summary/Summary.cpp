@@ -1,4 +1,4 @@
-#include "host/Summary.h"
+#include "host/summary/Summary.h"
 
 #include <algorithm>
 #include <cmath>

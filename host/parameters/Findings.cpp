@@ -1,12 +1,12 @@
-#include "host/Findings.h"
+#include "host/parameters/Findings.h"
 
 #include <algorithm>
 #include <ostream>
 #include <tuple>
 
 #include "host/Files.h"
-#include "host/ParameterFile.h"
-#include "host/ValueWarnings.h"
+#include "host/parameters/ParameterFile.h"
+#include "host/parameters/ValueWarnings.h"
 #include "params/Survey.h"
 #include "support/platform/File.h"
 

@@ -1,4 +1,4 @@
-#include "host/Quantile.h"
+#include "host/summary/Quantile.h"
 
 #include <algorithm>
 #include <bit>
