@@ -34,7 +34,10 @@ struct ReadingsFile {
 
 void run(benchmark::State& state, int mode) {
     const ReadingsFile readings(mode);
-    host::RunOptions options{{parameterFile(mode), readings.path, "/dev/null"}};
+    host::RunOptions options;
+    options.parameterFile = parameterFile(mode);
+    options.readings = readings.path;
+    options.output = "/dev/null";
     options.quiet = true;
     std::ostringstream messages;
     for (auto _ : state)
