@@ -1,6 +1,5 @@
 #include "host/Files.h"
 
-#include <filesystem>
 #include <ostream>
 
 namespace kiv::host {
@@ -11,9 +10,13 @@ constexpr std::size_t blockSize = 1 << 16;
 
 } // namespace
 
+std::filesystem::path pathOf(const std::string& name) {
+    return std::u8string(name.begin(), name.end());
+}
+
 void reportUnopened(std::ostream& err, const std::string& name, const char* expected) {
     std::error_code ignored;
-    const auto status = std::filesystem::status(name, ignored);
+    const auto status = std::filesystem::status(pathOf(name), ignored);
     const char* found = std::filesystem::is_directory(status) ? "a folder"
                         : std::filesystem::exists(status)     ? "one that cannot be opened"
                                                               : "no such file";
@@ -29,10 +32,10 @@ bool Input::open(const std::string& name, const Streams& streams) {
     shownName = name;
     chosen = &file;
     std::error_code ignored;
-    if (!std::filesystem::is_directory(name, ignored))
+    if (!std::filesystem::is_directory(pathOf(name), ignored))
         file.open(name, std::ios::binary);
-    if (std::filesystem::is_regular_file(name, ignored))
-        bytes = std::filesystem::file_size(name, ignored);
+    if (std::filesystem::is_regular_file(pathOf(name), ignored))
+        bytes = std::filesystem::file_size(pathOf(name), ignored);
     if (!file.is_open()) {
         reportUnopened(streams.err, name, "a file that can be read");
         return false;
@@ -85,7 +88,7 @@ bool refuseOverwriting(const std::string& output, std::initializer_list<std::str
                        std::ostream& err) {
     for (const std::string& input : inputs) {
         std::error_code failed;
-        if (std::filesystem::equivalent(output, input, failed) && !failed) {
+        if (std::filesystem::equivalent(pathOf(output), pathOf(input), failed) && !failed) {
             err << output << ":1:1: expected an output of its own, found the input " << input
                 << '\n';
             return true;

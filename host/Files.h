@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <iosfwd>
@@ -47,6 +48,10 @@ private:
     std::string shownName;
     std::string pending;
 };
+
+// A name as the tool takes and shows it is UTF-8 on Windows; a path's own conversion there takes
+// it for something else.
+std::filesystem::path pathOf(const std::string& name);
 
 // Says that a file cannot be opened, and why.
 void reportUnopened(std::ostream& err, const std::string& name, const char* expected);

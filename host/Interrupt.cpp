@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "host/Cli.h"
+#include "support/platform/Terminal.h"
 
 namespace kiv::host {
 
@@ -24,6 +25,8 @@ extern "C" void onInterrupt(int) {
 
 void Interrupt::install() {
     std::signal(SIGINT, onInterrupt);
+    std::signal(SIGTERM, onInterrupt);
+    platform::whenTerminalCloses(onInterrupt);
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);
 #endif

@@ -2,15 +2,16 @@
 
 namespace kiv::host {
 
-// Ctrl-C ends a run behind its current row, with all complete rows in the output.
+// Ctrl-C, a request to terminate, and a terminal that is closed end a run behind its current row,
+// with all complete rows in the output, and let a rewrite end that has begun.
 class Interrupt {
 public:
-    // Takes over the process's interrupt signal; a closed pipe becomes a write error.
+    // Takes over the process's signals for these; a closed pipe becomes a write error.
     static void install();
     static bool requested();
 
-    // While one lives, everything is written and the tool waits for input: an interrupt then ends
-    // the process at once.
+    // While one lives, everything is written and the tool waits, for input or its turn: an
+    // interrupt then ends the process at once.
     class Waiting {
     public:
         explicit Waiting(bool willWait);

@@ -1,6 +1,6 @@
 #include <cstdio>
-#include <exception>
 #include <iostream>
+#include <new>
 
 #include "host/Cli.h"
 #include "host/Interrupt.h"
@@ -14,8 +14,11 @@ int main(int argc, char** argv) {
         return kiv::host::runTool(argc, argv,
                                   {std::cin, std::cout, std::cerr, kiv::platform::errorIsTerminal(),
                                    kiv::platform::outputIsTerminal()});
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "kiv: %s\n", e.what());
-        return kiv::host::unusable;
+    } catch (const std::bad_alloc&) {
+        std::fputs("kiv: expected memory for all of this, found none left\n", stderr);
+    } catch (...) { // what it says is no text for users
+        std::fputs("kiv: expected to finish, found a fault that has no message of its own\n",
+                   stderr);
     }
+    return kiv::host::unusable;
 }

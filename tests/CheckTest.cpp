@@ -168,6 +168,9 @@ TEST(Check, SaysAllThatIsWrong) {
         {"text behind", parameterText(sound()) + "more",
          R"(66:1: expected end of file behind "Half Angle", found "more" (warning)
 )"},
+        {"no line end", parameterText(sound()).erase(parameterText(sound()).size() - 2),
+         R"(65:9: expected a line end behind the last value, which may be cut, found end of file (warning)
+)"},
         {"no warning of what was not read", parameterText(valued(machineMatrix, "1 0 0 0 1 0 0 0")),
          R"(25:1: expected a number (value 9 of 9 of "Machine Coordinate Tranform Matrix"), found )"
          R"("Thermal"

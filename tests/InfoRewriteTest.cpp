@@ -236,10 +236,33 @@ TEST_F(RewriteTool, SaysWhyItRefuses) {
             EXPECT_EQ(copy(), row.copy == "a second name" ? row.file : row.copy) << row.name;
         }
     }
+    const fs::path other = fs::path(folder.path()) / "other",
+                   copyPath = fs::path(folder.path()) / "$tmp.prm";
+    fs::remove(copyPath);
+    fs::create_hard_link(folder.file(), other);
+    EXPECT_EQ(shown(run().err).find("DIR/Tg5.prm:1:1: expected a file of one name, found one of 2"),
+              0U);
+    fs::remove(folder.file());
+    std::error_code noLinks;
+    fs::create_symlink("other", folder.file(), noLinks);
+    if (!noLinks) {
+        EXPECT_EQ(
+            shown(run().err),
+            "DIR/Tg5.prm:1:1: expected the file itself, found a link to DIR/other; rewrite that\n");
+        fs::remove(folder.file());
+    }
+    write(parameterText());
+    std::ofstream(copyPath) << "old";
+    platform::failFileOperation = [](platform::FileOperation operation) {
+        return operation == platform::FileOperation::remove;
+    };
+    EXPECT_EQ(shown(run().err), "DIR/$tmp.prm:1:1: expected to delete this copy of an earlier "
+                                "rewrite, found that this failed; DIR/Tg5.prm is as before\n");
+    platform::failFileOperation = nullptr;
+    EXPECT_EQ(file(), parameterText());
     fs::create_directory(folder.path() + "/Tg8.prm");
     for (const char* name : {"Tg8.prm", "Tg9.prm", "some.prm"})
         EXPECT_EQ(tool({"rewrite", folder.path() + '/' + name}).code, 2) << name;
-    const fs::path copyPath = fs::path(folder.path()) / "$tmp.prm";
     fs::remove(copyPath);
     fs::create_directory(copyPath);
     write(parameterText());

@@ -321,6 +321,17 @@ TEST(Rewriting, ReplacesAnEarlierTemporaryFile) {
     fs::create_hard_link(failing.path(), "$tmp.prm"); // nothing is written through it
     EXPECT_NE(failing.run(), KIV_OK);
     EXPECT_EQ(failing.file(), incomplete);
+
+    Rewrite linked(parameterText());
+    fs::rename(linked.path(), "$tmp.prm");
+    fs::permissions("$tmp.prm", fs::perms(0444));
+    std::error_code noLinks;
+    fs::create_symlink(fs::absolute("$tmp.prm"), linked.path(), noLinks);
+    if (noLinks)
+        return;
+    EXPECT_EQ(linked.run(), KIV_CANNOT_OPEN);
+    EXPECT_EQ(linked.temporary(), parameterText());
+    EXPECT_EQ(fs::status("$tmp.prm").permissions(), fs::perms(0444));
 }
 
 TEST(Rewriting, LosesNoFileWhateverOperationFails) {

@@ -18,7 +18,7 @@
 #include "host/Interrupt.h"
 #include "host/parameters/ParameterFile.h"
 #include "simulator/Pose.h"
-#include "tests/ParameterRecord.h"
+#include "tests/FileFaults.h"
 #include "tests/ToolRunner.h"
 
 namespace {
@@ -68,6 +68,36 @@ TEST(Tool, SaysWhatATableThatIsNoTextLooksLike) {
         EXPECT_EQ(lines(result.err).size(), 1U) << result.err;
         EXPECT_NE(result.err.find(std::string("looks like ") + row.look), std::string::npos)
             << result.err;
+    }
+}
+
+// Of a value or row that may be cut; only check --strict counts it.
+TEST(Tool, SaysWhereALastLineEndIsMissing) {
+    const test::ParameterFolder folder;
+    const std::string text = test::contentOf(example).value_or("");
+    const std::string table = folder.path() + "/readings.csv",
+                      cut = "which may be cut, found end of file (warning)\n";
+    std::ofstream(folder.file(), std::ios::binary) << text.substr(0, text.size() - 2);
+    std::ofstream(table, std::ios::binary)
+        << test::header << "0," << test::good << "1,2,4000,1500,450,12.5,3,1,-2,20,0.1,0";
+    const struct {
+        std::vector<std::string> arguments;
+        std::size_t warnings;
+        int code;
+    } rows[] = {
+        {{"check", folder.file()}, 1, 0},      {{"check", "--strict", folder.file()}, 1, 1},
+        {{"info", folder.file()}, 1, 0},       {{"simulate", folder.file()}, 1, 0},
+        {{"run", folder.file(), table}, 2, 0}, {{"report", folder.file(), table}, 2, 0},
+        {{"rewrite", folder.file()}, 1, 0},    {{"check", "--strict", folder.file()}, 0, 0},
+    };
+    for (const auto& row : rows) {
+        const ToolResult result = tool(row.arguments);
+        EXPECT_EQ(result.code, row.code) << row.arguments[0];
+        std::size_t warnings = 0;
+        for (auto at = result.err.find(cut); at != result.err.npos;
+             at = result.err.find(cut, at + 1))
+            ++warnings;
+        EXPECT_EQ(warnings, row.warnings) << row.arguments[0] << result.err;
     }
 }
 
@@ -131,17 +161,17 @@ TEST(Tool, InterruptLeavesCompleteRows) {
 TEST(Tool, ParameterFileNamesGiveTheSensor) {
     const struct {
         const char* path;
-        const char* directory;
+        const char* folder;
         std::int32_t id;
     } good_names[] = {
-        {"Tg5.prm", ".", 5},     {"/a/b/Tg0.prm", "/a/b", 0},
-        {"a/Tg-1.prm", "a", -1}, {"Tg2147483647.prm", ".", 2147483647},
+        {"Tg5.prm", "", 5},       {"/a/b/Tg0.prm", "/a/b/", 0},
+        {"a/Tg-1.prm", "a/", -1}, {"Tg2147483647.prm", "", 2147483647},
         {"/Tg7.prm", "/", 7},
     };
     for (const auto& row : good_names) {
         const auto name = host::parseParameterFileName(row.path);
         ASSERT_TRUE(name) << row.path;
-        EXPECT_EQ(name->directory, row.directory);
+        EXPECT_EQ(name->folder, row.folder);
         EXPECT_EQ(name->id, row.id);
     }
     for (const char* path :

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -16,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/Files.h"
 #include "tests/ParameterRecord.h"
 
 namespace {
@@ -190,14 +192,15 @@ void copyFile(const std::string& request) {
     std::string source;
     std::string from;
     std::string to;
-    words >> target >> source >> from >> to;
+    words >> std::quoted(target) >> source >> from >> to;
     std::stringstream text;
     text << std::ifstream(source, std::ios::binary).rdbuf();
     std::string changed = text.str();
     ASSERT_NE(changed.find(from), std::string::npos) << request;
     changed.replace(changed.find(from), from.size(), to);
-    fs::create_directories(fs::absolute(target).parent_path());
-    std::ofstream(target, std::ios::binary) << changed;
+    const fs::path path = fs::absolute(kiv::host::pathOf(target));
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << changed;
 }
 
 void run(const std::vector<Transcript>& transcripts, bool separateErrors) {

@@ -177,9 +177,7 @@ int showFile(const InfoOptions& options, const Streams& streams) {
     const auto examined = examineFile(options.file, streams.err);
     if (!examined)
         return unusable;
-    for (const FileFinding& finding : examined->findings)
-        if (finding.error)
-            report(streams.err, options.file, finding);
+    reportForUse(streams.err, options.file, *examined);
     if (options.json)
         printJson(examined->parsed.document, streams.out);
     else

@@ -6,12 +6,16 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "host/Files.h"
+#include "host/Interrupt.h"
 #include "host/commands/RewriteCost.h"
 #include "host/parameters/Findings.h"
+#include "host/parameters/LeftCopy.h"
 #include "host/parameters/ParameterFile.h"
 #include "params/Parser.h"
 #include "params/Printer.h"
+#include "params/Survey.h"
 #include "support/platform/File.h"
+#include "support/platform/FolderLock.h"
 
 namespace kiv::host {
 
@@ -19,24 +23,47 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* temporaryName = "$tmp.prm";
-
 // The current folder while this lasts.
 class WorkingFolder {
 public:
-    explicit WorkingFolder(const std::string& folder) : home(fs::current_path()) {
-        fs::current_path(folder);
+    explicit WorkingFolder(const std::string& folder) : home(fs::current_path(failed)) {
+        fs::current_path(pathOf(folder), failed);
     }
-    ~WorkingFolder() {
-        std::error_code ignored;
-        fs::current_path(home, ignored);
-    }
+    ~WorkingFolder() { fs::current_path(home, failed); }
     WorkingFolder(const WorkingFolder&) = delete;
     WorkingFolder& operator=(const WorkingFolder&) = delete;
 
+    bool entered() const { return !failed; }
+
 private:
+    std::error_code failed;
     fs::path home;
 };
+
+bool isFile(const char* path) {
+    std::error_code ignored;
+    return fs::is_regular_file(path, ignored);
+}
+
+bool exists(const std::string& path) {
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
+// All rewrites in a folder make their copy under one name. False where they cannot be ordered; an
+// interrupt ends the waiting and the tool.
+bool waitForTurn(platform::FolderLock& turn, const std::string& folder, const Streams& streams) {
+    using enum platform::FolderLock::Result;
+    const std::string path = folder + '.';
+    auto result = turn.take(path.c_str(), false);
+    if (result == busy) {
+        if (streams.errIsTerminal)
+            streams.err << "kiv: waiting for the end of another rewrite in " << path << std::endl;
+        const Interrupt::Waiting waiting(true);
+        result = turn.take(path.c_str(), true);
+    }
+    return result == taken;
+}
 
 // That the file has this text, but for the kind of line ends; nothing when it cannot be read.
 std::optional<bool> holds(const std::string& path, std::string_view text) {
@@ -53,6 +80,16 @@ std::optional<bool> holds(const std::string& path, std::string_view text) {
             text.remove_prefix(1);
         }
     return file.failed() ? std::nullopt : std::optional(text.empty());
+}
+
+// The rewritten file shows no longer that the old one may be cut.
+void reportOpenEnd(const std::string& path, std::ostream& err) {
+    platform::InputFile file;
+    Survey survey;
+    if (file.open(path.c_str()))
+        surveyForRewrite(file, survey);
+    if (survey.openEnd)
+        report(err, path, {*survey.openEnd, false});
 }
 
 ParsedFile valuesIn(const std::string& path) {
@@ -103,11 +140,11 @@ private:
 };
 
 std::string Rewriting::obstacle() const {
-    if (!fs::is_regular_file(temporaryName))
+    if (!isFile(copyName))
         return "";
-    if (fs::equivalent(temporaryName, file))
+    if (platform::identityOf(copyName) == platform::identityOf(file.c_str()))
         return "a second name of " + file + "; keep it under its own name alone";
-    const auto [document, outcome] = valuesIn(temporaryName);
+    const auto [document, outcome] = valuesIn(copyName);
     if (outcome.code == KIV_CANNOT_OPEN)
         return "a file that cannot be read";
     if (outcome.code != KIV_OK || printed(document) == expected)
@@ -119,16 +156,13 @@ std::string Rewriting::obstacle() const {
 }
 
 int Rewriting::run(std::int32_t id) {
-    // What is there of it afterwards is from this rewrite.
-    if (fs::is_regular_file(temporaryName))
-        fs::remove(temporaryName);
     CKivPrm record;
     record.ReadCalibrationFile(".", static_cast<unsigned long>(id)); // for the path alone
     return record.PrmFileCopy();
 }
 
 State Rewriting::fileState() const {
-    if (!fs::exists(file))
+    if (!exists(file))
         return State::gone;
     const auto rewritten = holds(file, expected);
     const ParsedFile now = valuesIn(file);
@@ -140,9 +174,9 @@ State Rewriting::fileState() const {
 }
 
 State Rewriting::copyState() const {
-    if (!fs::exists(temporaryName))
+    if (!exists(copyName))
         return State::missing;
-    const auto rewritten = holds(temporaryName, expected);
+    const auto rewritten = holds(copyName, expected);
     if (!rewritten)
         return State::unreadable;
     return *rewritten && before.outcome.code == KIV_OK ? State::complete : State::incomplete;
@@ -150,12 +184,12 @@ State Rewriting::copyState() const {
 
 bool canCreateCopy() {
     platform::OutputFile probe;
-    return probe.create(temporaryName) && probe.close() && platform::removeFile(temporaryName);
+    return probe.create(copyName) && probe.close() && platform::removeFile(copyName);
 }
 
 // By what the disk shows and by trying again, since the library tells no more than the code.
 std::string_view Rewriting::failedStep(int code, State fileState) const {
-    const bool copied = fs::is_regular_file(temporaryName);
+    const bool copied = isFile(copyName);
     if (code != KIV_OK) {
         platform::InputFile source;
         return copied                                  ? "copy all of the file"
@@ -181,20 +215,40 @@ int rewriteFile(const RewriteOptions& options, const Streams& streams) {
     const auto name = requireParameterFileName(options.file, streams.err);
     if (!name)
         return unusable;
+    platform::FolderLock turn;
+    const bool ordered = waitForTurn(turn, name->folder, streams);
     ParsedFile before = valuesIn(options.file);
     if (before.outcome.code == KIV_CANNOT_OPEN) {
-        reportUnopened(streams.err, options.file, "a parameter file");
+        turn.release();
+        reportUnopenedParameters(streams.err, options.file);
         return unusable;
     }
-    const fs::path path(options.file);
-    const std::string copyPath = (path.parent_path() / temporaryName).string();
-    const WorkingFolder folder(name->directory);
-    Rewriting rewriting(path.filename().string(), std::move(before));
-    if (const std::string obstacle = rewriting.obstacle(); !obstacle.empty()) {
-        streams.err << copyPath << ":1:1: expected nothing that is needed, found " << obstacle
-                    << '\n';
+    const auto refuse = [&](const std::string& path, const std::string& expectedAndFound) {
+        streams.err << path << ":1:1: expected " << expectedAndFound << '\n';
         return unusable;
-    }
+    };
+    if (platform::isLink(options.file.c_str()))
+        return refuse(options.file, "the file itself, found a link to "
+                                        + platform::realPath(options.file.c_str())
+                                        + "; rewrite that");
+    reportOpenEnd(options.file, streams.err);
+    const WorkingFolder folder(name->folder + '.');
+    if (!ordered || !folder.entered())
+        return refuse(
+            options.file,
+            "a folder where rewrites wait for each other, found that it cannot be locked");
+    const std::string copyPath = name->folder + copyName;
+    Rewriting rewriting(name->name, std::move(before));
+    if (const std::string obstacle = rewriting.obstacle(); !obstacle.empty())
+        return refuse(copyPath, "nothing that is needed, found " + obstacle);
+    if (const auto names = platform::nameCount(name->name.c_str()); names > 1)
+        return refuse(options.file, "a file of one name, found one of " + std::to_string(names)
+                                        + " (hard links); under the others it would stay as it is");
+    // What is there of it afterwards is from this rewrite.
+    if (isFile(copyName) && !platform::removeFile(copyName))
+        return refuse(copyPath,
+                      "to delete this copy of an earlier rewrite, found that this failed; "
+                          + options.file + " is as before");
 
     const int code = rewriting.run(name->id);
     const State file = rewriting.fileState();

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <tuple>
 
-#include "host/Files.h"
+#include "host/parameters/LeftCopy.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/parameters/ValueWarnings.h"
 #include "params/Survey.h"
@@ -49,6 +49,8 @@ ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id) {
         findings.push_back({std::move(finding), false});
     if (survey.textBehind)
         findings.push_back({*survey.textBehind, false});
+    if (survey.openEnd)
+        findings.push_back({*survey.openEnd, false, true});
     examined.findings = inOrder(std::move(findings));
     return examined;
 }
@@ -56,7 +58,7 @@ ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id) {
 std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err) {
     platform::InputFile file;
     if (!file.open(path.c_str())) {
-        reportUnopened(err, path, "a parameter file");
+        reportUnopenedParameters(err, path);
         return std::nullopt;
     }
     const auto name = parseParameterFileName(path);
@@ -65,6 +67,12 @@ std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& e
         return examined;
     err << path << ":1:1: expected to read all of the file, found a read error\n";
     return std::nullopt;
+}
+
+void reportForUse(std::ostream& err, const std::string& path, const ExaminedFile& examined) {
+    for (const FileFinding& finding : examined.findings)
+        if (finding.error || finding.doubt)
+            report(err, path, finding);
 }
 
 void report(std::ostream& err, const std::string& path, const FileFinding& f) {

@@ -16,6 +16,7 @@ namespace kiv::host {
 struct FileFinding {
     Finding finding;
     bool error = false;
+    bool doubt = false; // a warning to whoever reads the file: it may not be all there
 };
 
 struct ExaminedFile {
@@ -25,6 +26,9 @@ struct ExaminedFile {
     std::size_t errors() const;
     std::size_t warnings() const { return findings.size() - errors(); }
 };
+
+// Those that are of interest to who uses the file.
+void reportForUse(std::ostream& err, const std::string& path, const ExaminedFile& examined);
 
 // With an id, the serial number is tested.
 ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id);

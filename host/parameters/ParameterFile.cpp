@@ -11,9 +11,18 @@
 
 namespace kiv::host {
 
+namespace {
+
+std::size_t nameStart(const std::string& path) {
+    const bool drives = std::filesystem::path::preferred_separator == '\\';
+    return path.find_last_of(drives ? "/\\:" : "/") + 1; // npos + 1 is 0
+}
+
+} // namespace
+
 std::optional<ParameterFileName> parseParameterFileName(const std::string& path) {
-    const std::filesystem::path whole(path);
-    const std::string name = whole.filename().string();
+    const std::size_t start = nameStart(path);
+    const std::string name = path.substr(start);
     if (!name.starts_with("Tg") || !name.ends_with(".prm") || name.size() < 7)
         return std::nullopt;
     const std::string digits = name.substr(2, name.size() - 6);
@@ -21,8 +30,7 @@ std::optional<ParameterFileName> parseParameterFileName(const std::string& path)
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), id);
     if (error != std::errc() || std::to_string(id) != digits)
         return std::nullopt;
-    std::string directory = whole.parent_path().string();
-    return ParameterFileName{directory.empty() ? "." : directory, id};
+    return ParameterFileName{path.substr(0, start), name, id};
 }
 
 std::optional<ParameterFileName> requireParameterFileName(const std::string& path,
@@ -30,7 +38,7 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
     auto name = parseParameterFileName(path);
     if (!name)
         err << path << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found \""
-            << std::filesystem::path(path).filename().string() << "\"\n";
+            << path.substr(nameStart(path)) << "\"\n";
     return name;
 }
 
@@ -39,9 +47,7 @@ bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& e
     const auto examined = name ? examineFile(path, err) : std::nullopt;
     if (!examined)
         return false;
-    for (const FileFinding& finding : examined->findings)
-        if (finding.error)
-            report(err, path, finding);
+    reportForUse(err, path, *examined);
     if (examined->errors() > 0)
         return false;
 

@@ -12,7 +12,8 @@ namespace kiv::host {
 
 // Where a parameter file lies and whose it is, from its path: a folder and Tg<id>.prm.
 struct ParameterFileName {
-    std::string directory; // "." where the path has none
+    std::string folder; // all of the path before the name: empty, or a separator ends it
+    std::string name;
     std::int32_t id;
 };
 

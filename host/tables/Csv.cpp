@@ -38,6 +38,7 @@ bool CsvReader::nextRow() {
     if (!std::getline(in, line))
         return false;
     ++lines;
+    open = in.eof();
     splitLine();
     return true;
 }

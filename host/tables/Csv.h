@@ -27,8 +27,9 @@ public:
     std::size_t rowBytes() const { return line.size() + 1; } // with the line's end
     // Of a cell, or of the line's end for an index behind the last; from 1, in bytes.
     std::size_t column(std::size_t cell) const;
-    bool failed() const;    // reading broke off before the end
-    bool wouldWait() const; // no further input is at hand
+    bool endsOpen() const { return open; } // no line end behind the last row
+    bool failed() const;                   // reading broke off before the end
+    bool wouldWait() const;                // no further input is at hand
 
 private:
     void splitLine();
@@ -39,6 +40,7 @@ private:
     char between = ',';
     std::size_t lines = 0;
     bool closed = true;
+    bool open = false;
 };
 
 // The cell without surrounding blanks and quotes.

@@ -1,6 +1,7 @@
 #include "host/tables/Table.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <ostream>
 #include <utility>
 
@@ -133,6 +134,14 @@ bool Table::checkRow() const {
         return false;
     }
     return true;
+}
+
+void Table::reportEnd() const {
+    limit.reportOthers(name, err);
+    if (csv.endsOpen())
+        err << name << ':' << csv.lineNumber() << ':' << csv.column(SIZE_MAX)
+            << ": expected a line end behind the last row, which may be cut, found end of file "
+               "(warning)\n";
 }
 
 std::optional<std::size_t> Table::find(std::string_view columnName) const {

@@ -73,8 +73,8 @@ public:
 
     // What was reported of the row, also where there were too many of a kind to show.
     const std::string& messages() const { return said; }
-    // How many of each kind were not shown.
-    void reportOthers() const { limit.reportOthers(name, err); }
+    // How many of each kind were not shown, and a last row that may be cut.
+    void reportEnd() const;
 
     bool failed() const { return csv.failed(); }
     bool wouldWait() const { return csv.wouldWait(); }

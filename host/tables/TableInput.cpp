@@ -14,7 +14,7 @@ bool TableInput::open(const std::string& file, std::span<const std::string_view>
 }
 
 bool TableInput::finish(Output& output, std::ostream& err) const {
-    rows->reportOthers();
+    rows->reportEnd();
     const bool readAll = !rows->failed();
     if (!readAll)
         err << input.name() << ':' << rows->lineNumber() + 1

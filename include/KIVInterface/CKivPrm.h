@@ -37,9 +37,9 @@ public:
     // changed. The file becomes writable; it is replaced only when the whole copy is on the disk.
     // KIV_OK, also when there is no such file or no path yet (nothing is done) and when the old
     // file could not be deleted (it stays, the copy in $tmp.prm) or the copy not be renamed (it is
-    // in $tmp.prm alone); KIV_CANNOT_OPEN when the file cannot be made writable or be read, or the
-    // copy not be written; KIV_BAD_FORMAT, with what was copied up to the fault in $tmp.prm. Takes
-    // a second; one at a time in a process.
+    // in $tmp.prm alone); KIV_CANNOT_OPEN when the file cannot be made writable or be read, is a
+    // link to $tmp.prm (nothing is touched), or the copy cannot be written; KIV_BAD_FORMAT, with
+    // what was copied up to the fault in $tmp.prm. Takes a second; one at a time in a process.
     int PrmFileCopy();
 
     // Called with the id (601 to 624) of every format error; shows nothing.

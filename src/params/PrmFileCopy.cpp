@@ -36,7 +36,11 @@ int CKivPrm::PrmFileCopy() {
         *prmPath ? platform::kindOf(prmPath) : platform::PathKind::missing;
     if (kind == platform::PathKind::missing)
         return KIV_OK;
-    if (kind != platform::PathKind::file || !platform::makeWritable(prmPath))
+    // Creating the temporary file would delete the only copy.
+    const bool isTemporary =
+        platform::isLink(prmPath)
+        && platform::identityOf(prmPath) == platform::identityOf(temporaryFile);
+    if (kind != platform::PathKind::file || isTemporary || !platform::makeWritable(prmPath))
         return KIV_CANNOT_OPEN;
 
     const kiv::ParseOutcome outcome = copyToTemporaryFile(prmPath);

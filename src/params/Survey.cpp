@@ -59,10 +59,17 @@ ParsedFile Surveyor::parse() {
         if (resumedAt == layout.block || findTitle(layout))
             readValues(layout);
     }
+    const Block last = blockTable.back().block;
+    const TextPlace end = scanner.place();
     if (!scanner.atEnd())
-        survey.textBehind =
-            findingAtWord(scanner, blockTable.back().block, "end of file behind \"Half Angle\"");
-    return reader.parsed(source);
+        survey.textBehind = findingAtWord(scanner, last, "end of file behind \"Half Angle\"");
+    ParsedFile parsed = reader.parsed(source);
+    const TextPlace now = scanner.place();
+    if (!survey.textBehind && parsed.document.find(last) && end.line == now.line
+        && end.column == now.column)
+        survey.openEnd = {last, end.line, end.column,
+                          "a line end behind the last value, which may be cut", "end of file"};
+    return parsed;
 }
 
 // True where the block's values come next.

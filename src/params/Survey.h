@@ -24,6 +24,7 @@ struct Survey {
     std::array<Extent, blockTable.size()> extents;
     std::vector<Finding> failures;     // the outcome's is the first
     std::optional<Finding> textBehind; // the last block
+    std::optional<Finding> openEnd;    // no white space ends the last value, which may be cut
 };
 
 // As parseParameterFile and parseForRewrite.

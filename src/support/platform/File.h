@@ -73,6 +73,16 @@ enum class PathKind { missing, file, other }; // a file is a regular one
 
 PathKind kindOf(const char* path);
 
+// Which file or folder a path leads to, the same for all its names and for links to it; empty when
+// there is none.
+std::string identityOf(const char* path);
+// The name itself is a symbolic link.
+bool isLink(const char* path);
+// Without links; as given when there is nothing there.
+std::string realPath(const char* path);
+// How many names a file has; 0 when there is none.
+std::size_t nameCount(const char* path);
+
 // Clears the read-only attribute; all other attributes and the times stay.
 bool makeWritable(const char* path);
 

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -198,6 +200,29 @@ PathKind kindOf(const char* path) {
     if (mustFail(FileOperation::status) || stat(NativePath(path), &status) != 0)
         return PathKind::missing;
     return S_ISREG(status.st_mode) ? PathKind::file : PathKind::other;
+}
+
+std::string identityOf(const char* path) {
+    struct stat status {};
+    if (stat(NativePath(path), &status) != 0)
+        return "";
+    return std::to_string(status.st_dev) + ' ' + std::to_string(status.st_ino);
+}
+
+bool isLink(const char* path) {
+    struct stat status {};
+    return lstat(NativePath(path), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+std::string realPath(const char* path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(NativePath(path), nullptr),
+                                                           &std::free);
+    return real ? real.get() : path;
+}
+
+std::size_t nameCount(const char* path) {
+    struct stat status {};
+    return stat(NativePath(path), &status) == 0 ? status.st_nlink : 0;
 }
 
 bool makeWritable(const char* path) {

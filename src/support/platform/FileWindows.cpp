@@ -30,6 +30,23 @@ bool isRegularFile(HANDLE file) {
            && !(information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+// Of a file or folder, behind all links; without any the count of its names is 0.
+BY_HANDLE_FILE_INFORMATION informationOn(const char* path, std::string* realPath = nullptr) {
+    BY_HANDLE_FILE_INFORMATION information{};
+    const HANDLE file = CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return information;
+    if (!GetFileInformationByHandle(file, &information))
+        information.nNumberOfLinks = 0;
+    char buffer[1024];
+    const DWORD length = realPath ? GetFinalPathNameByHandleA(file, buffer, sizeof buffer, 0) : 0;
+    if (length > 0 && length < sizeof buffer)
+        *realPath = buffer;
+    CloseHandle(file);
+    return information;
+}
+
 } // namespace
 
 bool InputFile::open(const char* path) {
@@ -120,6 +137,34 @@ PathKind kindOf(const char* path) {
         return PathKind::missing;
     const bool other = attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE);
     return other ? PathKind::other : PathKind::file;
+}
+
+std::string identityOf(const char* path) {
+    const BY_HANDLE_FILE_INFORMATION found = informationOn(path);
+    if (found.nNumberOfLinks == 0)
+        return "";
+    return std::to_string(found.dwVolumeSerialNumber) + ' ' + std::to_string(found.nFileIndexHigh)
+           + ' ' + std::to_string(found.nFileIndexLow);
+}
+
+bool isLink(const char* path) {
+    WIN32_FIND_DATAA entry;
+    const HANDLE search = FindFirstFileA(path, &entry);
+    if (search == INVALID_HANDLE_VALUE)
+        return false;
+    FindClose(search);
+    return (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)
+           && entry.dwReserved0 == IO_REPARSE_TAG_SYMLINK;
+}
+
+std::string realPath(const char* path) {
+    std::string real = path;
+    informationOn(path, &real);
+    return real;
+}
+
+std::size_t nameCount(const char* path) {
+    return informationOn(path).nNumberOfLinks;
 }
 
 bool makeWritable(const char* path) {

@@ -6,4 +6,9 @@ namespace kiv::platform {
 bool errorIsTerminal();
 bool outputIsTerminal();
 
+// Closing the terminal calls this, with a signal's number, in place of ending the process. On
+// Windows it does so from a thread of its own, for Ctrl-Break and the end of the session too, and
+// the system ends the process some seconds later all the same.
+void whenTerminalCloses(void (*action)(int));
+
 } // namespace kiv::platform

@@ -1,3 +1,5 @@
+#include <csignal>
+
 #include <unistd.h>
 
 #include "support/platform/Terminal.h"
@@ -10,6 +12,11 @@ bool errorIsTerminal() {
 
 bool outputIsTerminal() {
     return isatty(STDOUT_FILENO) == 1;
+}
+
+void whenTerminalCloses(void (*action)(int)) {
+    if (std::signal(SIGHUP, action) == SIG_IGN) // so started by nohup
+        std::signal(SIGHUP, SIG_IGN);
 }
 
 } // namespace kiv::platform

@@ -1,0 +1,51 @@
+#include "host/parameters/LeftCopy.h"
+
+#include <initializer_list>
+#include <ostream>
+
+#include "host/Files.h"
+#include "host/parameters/ParameterFile.h"
+#include "params/Survey.h"
+#include "support/platform/File.h"
+#include "support/platform/FolderLock.h"
+
+namespace kiv::host {
+
+namespace {
+
+bool isWholeFileOf(std::int32_t id, const std::string& path) {
+    platform::InputFile file;
+    Survey survey;
+    if (!file.open(path.c_str()))
+        return false;
+    const auto [document, outcome] = surveyForRewrite(file, survey);
+    return outcome.code == KIV_OK && !survey.openEnd
+           && document.find(Block::serialNumber)->integer == id;
+}
+
+} // namespace
+
+void reportUnopenedParameters(std::ostream& err, const std::string& path) {
+    const auto name = parseParameterFileName(path);
+    const std::string folder = name ? name->folder + '.' : "";
+    if (platform::kindOf(folder.c_str()) == platform::PathKind::other
+        && platform::kindOf(path.c_str()) == platform::PathKind::missing) {
+        platform::FolderLock lock;
+        if (lock.take(folder.c_str(), false) == platform::FolderLock::Result::busy) {
+            err << path << ":1:1: expected a parameter file, found that it is being rewritten; try "
+                << "again when that has ended\n";
+            return;
+        }
+        for (const std::string& copy : {name->folder + copyName, std::string(copyName)})
+            if (isWholeFileOf(name->id, copy)) {
+                err << path << ":1:1: expected a parameter file, found no such file, but all of "
+                    << "sensor " << name->id << " in " << copy
+                    << ", where a rewrite has left it when it was ended; rename that to " << path
+                    << '\n';
+                return;
+            }
+    }
+    reportUnopened(err, path, "a parameter file");
+}
+
+} // namespace kiv::host
