@@ -1,4 +1,4 @@
-// kiv info and kiv rewrite, and that docs/parameter-file.md says what they and the library do.
+// kiv info and kiv rewrite, and that the pages say what they and the library do.
 
 #include <algorithm>
 #include <bit>
@@ -69,8 +69,8 @@ std::vector<std::string> leavesOf(const Document& document) {
     return leaves;
 }
 
-std::string contentOfDocs() {
-    return contentOf(KIV_DOCS "/parameter-file.md").value_or("");
+std::string contentOfDocs(const std::string& page) {
+    return contentOf(KIV_DOCS "/" + page).value_or("");
 }
 
 TEST(Info, GivesEveryValueInJson) {
@@ -90,7 +90,7 @@ TEST(Info, GivesEveryValueInJson) {
     EXPECT_EQ(json["tilt_x_calibration_table"]["rows_deg"][3][0].dump(), "25.1");
     EXPECT_EQ(json["tilt_x_calibration_table"]["limit_low_deg"].dump(), "-29.9");
     EXPECT_EQ(json["local_coordinate_tranform_matrix"][1][2].dump(), "15.35");
-    const std::string docs = contentOfDocs();
+    const std::string docs = contentOfDocs("kiv.md");
     for (const std::string& name : names)
         EXPECT_NE(docs.find('`' + name + '`'), docs.npos) << name;
     EXPECT_EQ(names.size(), 24U + 25U);
@@ -344,7 +344,7 @@ std::string atEndInDocs(const BlockLayout& layout) {
 }
 
 TEST(Docs, HaveTheTablesOfTheCode) {
-    const std::string docs = contentOfDocs();
+    const std::string docs = contentOfDocs("parameter-file.md");
     for (std::size_t i = 0; i < blockTable.size(); ++i) {
         const BlockLayout& layout = blockTable[i];
         std::ostringstream row;
