@@ -37,9 +37,15 @@ public:
     std::size_t rows() const { return rowCount; }
     std::size_t rowsPerBin() const { return binRows; } // the last bin may have fewer
     std::span<const Bin> bins() const { return all; }
-    const Range& range(std::size_t bin, std::size_t ofSeries) const {
-        return ranges[bin * width + ofSeries];
+    Range range(std::size_t bin, std::size_t ofSeries) const;
+
+    // Of a series of directions in degrees: a bin's values are taken apart into those from 0 to 180
+    // and the others, so that a bin across the seam is two ranges and none from one side of the
+    // chart to the other.
+    const Range& half(std::size_t bin, std::size_t ofSeries, bool upper) const {
+        return ranges[(bin * width + ofSeries) * 2 + (upper ? 1 : 0)];
     }
+    bool acrossSeam(std::size_t bin, std::size_t ofSeries) const;
 
 private:
     void mergeNeighbours();
@@ -49,7 +55,7 @@ private:
     std::size_t binRows = 1;
     std::size_t rowCount = 0;
     std::vector<Bin> all;
-    std::vector<Range> ranges; // bin by bin
+    std::vector<Range> ranges; // bin by bin, two a series
 };
 
 } // namespace kiv::host
