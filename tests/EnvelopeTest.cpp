@@ -80,4 +80,28 @@ TEST(Envelope, WhatIsNotFiniteCountsAsNone) {
     EXPECT_EQ(envelope.range(1, 0).count, 0U);
 }
 
+// Bins of two rows. From 0 to 360 as well as from -180 to 180, no range spans the chart.
+TEST(Envelope, TellsBinsAcrossTheSeam) {
+    const struct {
+        double first, second;
+        bool across;
+        double lower, upper; // the other half's and that from 0 to 180
+    } cases[] = {{179, -178, true, -178, 179}, {-180, 180, true, -180, 180},
+                 {359, 2, true, 359, 2},       {170, 190, false, 190, 170},
+                 {-1, 1, false, -1, 1},        {-90, 90, false, -90, 90},
+                 {5, 175, false, 0, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.first);
+        Envelope envelope(2, 2);
+        for (const double value : {c.first, c.second, 0.0})
+            envelope.addRow(0, std::array{0.0, value});
+        EXPECT_EQ(envelope.acrossSeam(0, 1), c.across);
+        if (c.lower != c.upper) {
+            EXPECT_EQ(envelope.half(0, 1, false).largest, c.lower);
+            EXPECT_EQ(envelope.half(0, 1, true).least, c.upper);
+        }
+        EXPECT_FALSE(envelope.acrossSeam(0, 0));
+    }
+}
+
 } // namespace
