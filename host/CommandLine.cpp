@@ -39,8 +39,9 @@ std::string shownText(const std::string& text) {
     const bool control = std::any_of(text.begin(), text.end(), [](char c) {
         return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
     });
-    return blank || control ? "expected text without control characters, found " + kiv::quoted(text)
-                            : "";
+    return blank || control
+               ? "expected a text without control characters, found " + kiv::quoted(text)
+               : "";
 }
 
 // As a shell takes it for one word.

@@ -87,8 +87,8 @@ TEST(Report, Residuals) {
     EXPECT_TRUE(
         contains(host::reportPage(content),
                  "residual rx</th><td class=\"number\">5</td><td class=\"number\">-1.400000</td>"
-                 "<td class=\"number\">126.612006</td><td class=\"number\">-179.000000</td>"
-                 "<td class=\"number\">179.000000</td><td class=\"number\">113.254139</td>"
+                 "<td class=\"number\">126.612796</td><td class=\"number\">-179.000000</td>"
+                 "<td class=\"number\">179.000000</td><td class=\"number\">113.254580</td>"
                  "<td class=\"number\">179.125000</td>"));
 }
 

@@ -39,7 +39,7 @@ void appendArray(std::string& json, const char* name, std::size_t count, ValueOf
     json += ']';
 }
 
-// A bin across the seam shows its upper half; the lower one comes as [bin, mean, least, largest].
+// Of a bin across the seam the first side; the second one comes as [bin, mean, least, largest].
 void appendSeries(std::string& json, const Envelope& envelope, std::size_t q) {
     const std::size_t count = envelope.bins().size();
     const bool direction = isDirection(static_cast<Quantity>(q));
@@ -50,7 +50,7 @@ void appendSeries(std::string& json, const Envelope& envelope, std::size_t q) {
     const auto array = [&](const char* name, auto valueOf) {
         appendArray(json, name, count, [&](std::size_t i) {
             const Envelope::Range range =
-                acrossSeam(i) ? envelope.half(i, q, true) : envelope.range(i, q);
+                acrossSeam(i) ? envelope.side(i, q, 0) : envelope.range(i, q);
             return range.count == 0 ? NAN : static_cast<float>(valueOf(range));
         });
     };
@@ -66,9 +66,9 @@ void appendSeries(std::string& json, const Envelope& envelope, std::size_t q) {
         for (std::size_t i = 0; i < count; ++i) {
             if (!acrossSeam(i))
                 continue;
-            const Envelope::Range& lower = envelope.half(i, q, false);
+            const Envelope::Range& other = envelope.side(i, q, 1);
             json.append(separator).append("[").append(std::to_string(i));
-            for (const double value : {lower.mean(), lower.least, lower.largest})
+            for (const double value : {other.mean(), other.least, other.largest})
                 appendNumber(json += ',', static_cast<float>(value));
             json += ']';
             separator = ",";

@@ -1,6 +1,7 @@
 #include "host/report/Envelope.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace kiv::host {
@@ -14,6 +15,13 @@ void include(Envelope::Range& range, const Envelope::Range& other) {
     range.largest = range.count == 0 ? other.largest : std::max(range.largest, other.largest);
     range.sum += other.sum;
     range.count += other.count;
+}
+
+// On the side where it is within half a turn.
+void includeOnSide(Envelope::Range* sides, const Envelope::Range& other) {
+    const bool near =
+        other.count == 0 || sides[0].count == 0 || std::abs(other.mean() - sides[0].mean()) <= 180;
+    include(sides[near ? 0 : 1], other);
 }
 
 } // namespace
@@ -37,23 +45,16 @@ void Envelope::addRow(double x, std::span<const double> values, Mark mark) {
     bin.lastX = x;
     bin.noOrientation += mark == Mark::noOrientation ? 1 : 0;
     bin.refused += mark == Mark::refused ? 1 : 0;
-    Range* range = &ranges[ranges.size() - 2 * width];
+    Range* sides = &ranges[ranges.size() - 2 * width];
     for (std::size_t i = 0; i < width; ++i)
         if (std::isfinite(values[i]))
-            include(range[2 * i + (values[i] >= 0 && values[i] <= 180 ? 1 : 0)],
-                    {values[i], values[i], values[i], 1});
+            includeOnSide(sides + 2 * i, {values[i], values[i], values[i], 1});
 }
 
 Envelope::Range Envelope::range(std::size_t bin, std::size_t ofSeries) const {
-    Range both = half(bin, ofSeries, false);
-    include(both, half(bin, ofSeries, true));
+    Range both = side(bin, ofSeries, 0);
+    include(both, side(bin, ofSeries, 1));
     return both;
-}
-
-bool Envelope::acrossSeam(std::size_t bin, std::size_t ofSeries) const {
-    const Range both = range(bin, ofSeries);
-    return both.largest - both.least > 180 && half(bin, ofSeries, false).count > 0
-           && half(bin, ofSeries, true).count > 0;
 }
 
 void Envelope::mergeNeighbours() {
@@ -63,10 +64,11 @@ void Envelope::mergeNeighbours() {
         const Bin& second = all[2 * i + 1];
         all[i] = {first.firstX, second.lastX, first.noOrientation + second.noOrientation,
                   first.refused + second.refused};
-        for (std::size_t s = 0; s < 2 * width; ++s) {
-            Range merged = ranges[4 * i * width + s];
-            include(merged, ranges[(4 * i + 2) * width + s]);
-            ranges[2 * i * width + s] = merged;
+        for (std::size_t s = 0; s < width; ++s) {
+            std::array<Range, 2> merged{side(2 * i, s, 0), side(2 * i, s, 1)};
+            includeOnSide(merged.data(), side(2 * i + 1, s, 0));
+            includeOnSide(merged.data(), side(2 * i + 1, s, 1));
+            std::copy(merged.begin(), merged.end(), &ranges[(i * width + s) * 2]);
         }
     }
     all.resize(pairs, Bin{0, 0});

@@ -39,13 +39,15 @@ public:
     std::span<const Bin> bins() const { return all; }
     Range range(std::size_t bin, std::size_t ofSeries) const;
 
-    // Of a series of directions in degrees: a bin's values are taken apart into those from 0 to 180
-    // and the others, so that a bin across the seam is two ranges and none from one side of the
-    // chart to the other.
-    const Range& half(std::size_t bin, std::size_t ofSeries, bool upper) const {
-        return ranges[(bin * width + ofSeries) * 2 + (upper ? 1 : 0)];
+    // The same of directions in degrees, wherever their seam is: in two sides where some values of
+    // the bin are more than half a turn from the others, so that a bin across the seam is no range
+    // from one end of the chart to the other. The first side has values where any has.
+    const Range& side(std::size_t bin, std::size_t ofSeries, std::size_t second) const {
+        return ranges[(bin * width + ofSeries) * 2 + second];
     }
-    bool acrossSeam(std::size_t bin, std::size_t ofSeries) const;
+    bool acrossSeam(std::size_t bin, std::size_t ofSeries) const {
+        return side(bin, ofSeries, 1).count > 0;
+    }
 
 private:
     void mergeNeighbours();
