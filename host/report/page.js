@@ -105,11 +105,10 @@ function showValues(chart, bin) {
   chart.series.forEach(({ mean, least, largest, seam }, i) => {
     let text = "";
     if (bin >= 0 && mean[bin] !== null) {
-      text = degrees(mean[bin]);
+      const span = (low, high) => degrees(low) + " to " + degrees(high);
       const other = (seam || []).find((entry) => entry[0] === bin);
-      if (other) text = "";
-      if (other) text += degrees(least[bin]) + " over the seam to " + degrees(other[3]);
-      else if (thinned) text += " (" + degrees(least[bin]) + " to " + degrees(largest[bin]) + ")";
+      if (other) text = span(least[bin], largest[bin]) + ", " + span(other[2], other[3]);
+      else text = degrees(mean[bin]) + (thinned ? " (" + span(least[bin], largest[bin]) + ")" : "");
     }
     chart.values[i].textContent = text;
   });
