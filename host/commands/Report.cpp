@@ -19,9 +19,9 @@ namespace {
 // Now, or the moment that a build or a test which has to be the same again asks for.
 std::string timeOfRun() {
     const char* fixed = std::getenv("SOURCE_DATE_EPOCH");
-    const auto asked = fixed ? numberIn<std::int64_t>(fixed) : std::nullopt;
+    const auto asked = fixed ? numberIn<std::uint32_t>(fixed) : std::nullopt;
     const std::time_t now = std::time(nullptr);
-    return timeStampText({static_cast<double>(asked.value_or(now)), true});
+    return timeStampText({asked ? *asked : static_cast<double>(now), true});
 }
 
 // A row's messages without the place in front that they share.

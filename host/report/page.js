@@ -160,7 +160,7 @@ function makeChart(chart) {
     highlightCircleSize: 3,
     axes: {
       x: data.dates ? { ticker: Dygraph.dateTicker, axisLabelFormatter: Dygraph.dateAxisLabelFormatter }
-                  : { axisLabelFormatter: (value) => shown(value) },
+                    : { axisLabelFormatter: (value) => shown(value) },
       y: { axisLabelFormatter: tickLabel, axisLabelWidth: 80, valueRange: chart.wholeRange },
     },
     underlayCallback: (context, area, graph) => drawUnder(context, area, graph, chart),
@@ -181,7 +181,6 @@ function makeChart(chart) {
     },
     drawCallback: (graph, initial) => {
       plot.dataset.drawn = graph.numRows();
-      plot.dataset.breaks = table.breaks;
       if (initial) return;
       const dateWindow = graph.isZoomed("x") ? graph.xAxisRange() : null;
       follow(graph, (other) => other.graph.updateOptions({ dateWindow }));

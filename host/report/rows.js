@@ -28,7 +28,7 @@ function rangesOf(series, seam, bin, before) {
 function rowsOf(chart) {
   const seams = chart.series.map(
     ({ seam = [] }) => new Map(seam.map(([bin, mean, least, largest]) => [bin, [least, mean, largest]])));
-  const table = { rows: [], binOf: [], rowOf: [], breaks: 0 };
+  const table = { rows: [], binOf: [], rowOf: [] };
   let before = chart.series.map(() => null);
   for (let bin = 0; bin < binCount; ++bin) {
     const ranges = chart.series.map((series, i) => rangesOf(series, seams[i], bin, before[i]));
@@ -37,9 +37,7 @@ function rowsOf(chart) {
       table.rows.push([chartX(middleX(bin)), ...cells]);
     };
     const broken = (breaks) => {
-      if (!breaks.includes(true)) return;
-      push(ranges.map(([range = null], i) => (breaks[i] ? null : range)));
-      ++table.breaks;
+      if (breaks.includes(true)) push(ranges.map(([range = null], i) => (breaks[i] ? null : range)));
     };
     broken(ranges.map(([range], i) =>
       Boolean(chart.series[i].seam && range && before[i] && Math.abs(range[1] - before[i][1]) > 180)));
