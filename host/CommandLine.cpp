@@ -34,6 +34,28 @@ CLI::Validator numberFrom(double least, double largest) {
 
 constexpr double largestDeviation = 1e6;
 
+std::string shownText(const std::string& text) {
+    const bool blank = text.find_first_not_of(' ') == text.npos;
+    const bool control = std::any_of(text.begin(), text.end(), [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+    });
+    return blank || control
+               ? "expected a text without control characters, found " + kiv::quoted(text)
+               : "";
+}
+
+// As a shell takes it for one word.
+std::string wordText(const std::string& word) {
+    constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+                                  "-_./:\\=,+%@";
+    if (!word.empty() && word.find_first_not_of(plain) == word.npos)
+        return word;
+    std::string text = "'";
+    for (const char c : word)
+        text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return text += '\'';
+}
+
 } // namespace
 
 CommandLine::CommandLine() : app("", "kiv") {
@@ -120,6 +142,7 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
     columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
     columns.push_back(timeColumn);
+    columns.push_back(timeStampColumn);
     addTable(command, options.format, std::move(columns));
     command.add_option("--summary", options.summary);
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
@@ -134,8 +157,17 @@ void CommandLine::addRun() {
 }
 
 void CommandLine::addReport() {
-    addReadings(add("report", [this](const Streams& s) { return reportReadings(report, s); }),
-                report);
+    CLI::App& command =
+        add("report", [this](const Streams& s) { return reportReadings(report, s); });
+    addReadings(command, report);
+    command.add_option("--title", report.title)->check(shownText);
+    command.add_option("--length-unit", report.lengthUnit)->check(shownText);
+}
+
+void CommandLine::startedAs(int argc, const char* const* argv) {
+    report.commandLine = "kiv";
+    for (int i = 1; i < argc; ++i)
+        report.commandLine += ' ' + wordText(argv[i]);
 }
 
 void CommandLine::addSimulate() {
@@ -248,6 +280,7 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
         streams.err << "kiv: " << line.whyNoCommand(argv[1]) << '\n';
         return unusable;
     }
+    line.startedAs(argc, argv);
     try {
         line.app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

@@ -22,6 +22,9 @@ public:
     CommandLine(const CommandLine&) = delete;
     CommandLine& operator=(const CommandLine&) = delete;
 
+    // For a report: the words that the user gave.
+    void startedAs(int argc, const char* const* argv);
+
     CLI::App app;
     bool isCommand(const std::string& name) const;
     std::string whyNoCommand(const std::string& word) const;
@@ -44,7 +47,7 @@ private:
     void addHelp();
 
     RunOptions run;
-    ReadingsOptions report;
+    ReportOptions report;
     SimulateOptions simulate;
     HomeOptions home;
     CheckOptions check;

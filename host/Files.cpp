@@ -23,22 +23,26 @@ void reportUnopened(std::ostream& err, const std::string& name, const char* expe
     err << name << ":1:1: expected " << expected << ", found " << found << '\n';
 }
 
-bool Input::open(const std::string& name, const Streams& streams) {
+bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) {
     if (name == "-") {
         chosen = &streams.in;
         shownName = "standard input";
-        return true;
+    } else {
+        shownName = name;
+        chosen = &file;
+        std::error_code ignored;
+        if (!std::filesystem::is_directory(pathOf(name), ignored))
+            file.open(name, std::ios::binary);
+        if (std::filesystem::is_regular_file(pathOf(name), ignored))
+            bytes = std::filesystem::file_size(pathOf(name), ignored);
+        if (!file.is_open()) {
+            reportUnopened(streams.err, name, "a file that can be read");
+            return false;
+        }
     }
-    shownName = name;
-    chosen = &file;
-    std::error_code ignored;
-    if (!std::filesystem::is_directory(pathOf(name), ignored))
-        file.open(name, std::ios::binary);
-    if (std::filesystem::is_regular_file(pathOf(name), ignored))
-        bytes = std::filesystem::file_size(pathOf(name), ignored);
-    if (!file.is_open()) {
-        reportUnopened(streams.err, name, "a file that can be read");
-        return false;
+    if (hash) {
+        buffer.open(*chosen->rdbuf(), *hash);
+        hashed.emplace(&buffer);
     }
     return true;
 }

@@ -4,19 +4,21 @@
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
-#include <iosfwd>
+#include <istream>
+#include <optional>
 #include <string>
 
 #include "host/Cli.h"
+#include "host/Hashing.h"
 
 namespace kiv::host {
 
 // A text input or output by name, - standing for the tool's own stream.
 class Input {
 public:
-    // False, and a message, when the file cannot be opened.
-    bool open(const std::string& name, const Streams& streams);
-    std::istream& stream() { return *chosen; }
+    // False, and a message, when the file cannot be opened. What is read goes into the hash, too.
+    bool open(const std::string& name, const Streams& streams, Sha256* hash = nullptr);
+    std::istream& stream() { return hashed ? *hashed : *chosen; }
     const std::string& name() const { return shownName; }
     std::uintmax_t size() const { return bytes; } // 0 where unknown
 
@@ -24,6 +26,8 @@ private:
     std::uintmax_t bytes = 0;
     std::ifstream file;
     std::istream* chosen = nullptr;
+    HashingBuffer buffer;
+    std::optional<std::istream> hashed;
     std::string shownName;
 };
 

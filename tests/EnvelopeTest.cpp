@@ -80,4 +80,30 @@ TEST(Envelope, WhatIsNotFiniteCountsAsNone) {
     EXPECT_EQ(envelope.range(1, 0).count, 0U);
 }
 
+// Bins of four rows, that were two of two before. The seam is where the values have it.
+TEST(Envelope, TellsBinsAcrossTheSeam) {
+    const struct {
+        std::array<double, 4> rows;
+        std::array<double, 2> first, second; // least and largest of a side
+    } cases[] = {{{178, 179, -178, -177}, {178, 179}, {-178, -177}},
+                 {{-179, 179, 178, -178}, {-179, -178}, {178, 179}},
+                 {{359, 2, 1, 358}, {358, 359}, {1, 2}},
+                 {{186, -173, -172, 185}, {185, 186}, {-173, -172}},
+                 {{-80, 80, 90, -85}, {-85, 90}, {0, 0}}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.rows[0]);
+        Envelope envelope(2, 2);
+        for (const double value : c.rows)
+            envelope.addRow(0, std::array{0.0, value});
+        envelope.addRow(0, std::array{0.0, 0.0});
+        ASSERT_EQ(envelope.rowsPerBin(), 4U);
+        EXPECT_EQ(envelope.side(0, 1, 0).least, c.first[0]);
+        EXPECT_EQ(envelope.side(0, 1, 0).largest, c.first[1]);
+        EXPECT_EQ(envelope.side(0, 1, 1).least, c.second[0]);
+        EXPECT_EQ(envelope.side(0, 1, 1).largest, c.second[1]);
+        EXPECT_EQ(envelope.acrossSeam(0, 1), c.second[0] != 0);
+        EXPECT_FALSE(envelope.acrossSeam(0, 0));
+    }
+}
+
 } // namespace

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <regex>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -53,6 +54,44 @@ TEST(Report, SaysTheSameAsARun) {
     }
 }
 
+// The digest is that of the bytes below, from another program.
+TEST(Report, SaysWhatItWasMadeFrom) {
+    const std::string truth = "status,x,y,z,azimuth_deg,elevation_deg,level_x,level_y,temperature,"
+                              "ref_metric,ref_blocked,true_rx_deg,true_ry_deg,true_rz_deg\n"
+                              "2,3,4,0,12.5,3,1,-2,20,0.1,0,,,\n";
+    const test::ToolResult result = tool(
+        {"report", example, "-", "--title", "Bay <3>", "--length-unit", "\xC2\xB5m", "-q"}, truth);
+    std::smatch found;
+    EXPECT_TRUE(std::regex_search(
+        result.out, found,
+        std::regex("Run at</th><td class=\"text\">20\\d\\d-\\d\\d-\\d\\dT[0-9:]{8}Z</td>")));
+    for (const char* part :
+         {"<title>Bay &lt;3&gt;</title>", "<h1>Bay &lt;3&gt;</h1>",
+          " - --title &#39;Bay &lt;3&gt;&#39; --length-unit &#39;\xC2\xB5m&#39; -q</code>",
+          ">Example</td>",
+          "<code>f4105ea2b55ecd4135b6fbf904404a03daacd2596bb6c610fb812d50ba530457</code>",
+          "<code>7c2f16d7c38f207538c030abcd08dd3da29d219697c1b2a8446a39631ed45c5d</code>",
+          "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz) = machine matrix \xC2\xB7 M; right-handed",
+          "kiv 0.1.0, library 0.1.0", "Distance of the sensor, \xC2\xB5m<",
+          "distance</th><td class=\"number\">1</td><td class=\"number\">5.000000</td>",
+          "Temperature, in the unit of the thermal factors<"})
+        EXPECT_TRUE(contains(result.out, part)) << part;
+    EXPECT_TRUE(contains(tool({"report", example, "-", "--frame", "local", "-q"}, truth).out,
+                         "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx) = L \xC2\xB7 M"));
+}
+
+TEST(Report, Residuals) {
+    host::ReportContent content;
+    for (const double truth : {1.0, -1.0, 7.0, 179.0, -179.0})
+        content.summary.add({host::RowState::ok}, 2, std::array<double, 3>{truth, 0, 0});
+    EXPECT_TRUE(
+        contains(host::reportPage(content),
+                 "residual rx</th><td class=\"number\">5</td><td class=\"number\">-1.400000</td>"
+                 "<td class=\"number\">126.612796</td><td class=\"number\">-179.000000</td>"
+                 "<td class=\"number\">179.000000</td><td class=\"number\">113.254580</td>"
+                 "<td class=\"number\">179.125000</td>"));
+}
+
 TEST(Report, NothingFromOutsideIsMarkup) {
     const std::string evil = "</script><script>alert('1')//\xE2\x80\xA8&amp;\x01\"";
     const std::string page = report(header + "a," + good + "b,2,4000," + evil
@@ -89,38 +128,50 @@ TEST(Report, ListIsCappedAndCounted) {
 TEST(Report, RunsOverTimeWhereItCan) {
     const struct {
         const char* name;
+        const char* column;
         std::vector<std::string> times;
         std::string expected;
     } rows[] = {
-        {"rising", {"1.5", "2.5", "2.5", "7"}, "\"first\":[1.5,2.5,2.5,7]"},
-        {"gaps take the time before", {"1", "", "x", "4"}, "\"first\":[1,1,1,4]"},
-        {"large", {"1700000000.25", "1700000001"}, "\"first\":[1700000000.25,1700000001]"},
-        {"back", {"1", "3", "2"}, "Over the row number, as time_s goes back in line 4."},
-        {"none at first", {"", "3"}, "Over the row number, as time_s is no number in line 2."},
+        {"rising", "time_s", {"1.5", "2.5", "2.5", "7"}, "\"first\":[1.5,2.5,2.5,7]"},
+        {"gaps take the time before", "time_s", {"1", "", "x", "4"}, "\"first\":[1,1,1,4]"},
+        {"large", "time_s", {"1700000000.25", "1700000001"}, "[1700000000.25,1700000001]"},
+        {"back", "time_s", {"1", "3", "2"}, "as time_s goes back in line 4."},
+        {"none at first", "time_s", {"", "3"}, "as time_s is no number in line 2."},
+        {"no column", "other", {"1"}, "as the readings have no column time_s or time."},
+        {"dates",
+         "time",
+         {"2023-11-14T22:13:20.25Z", "2023-11-15 00:13:21.5+02:00", "2023-11-14T22:13:22"},
+         "{\"x\":\"time, UTC\",\"dates\":true,\"rowsPerBin\":1,\"rows\":3,\"reference\":"
+         "1700000000.25,\"first\":[1700000000.25,1700000001.5,1700000001.5]"},
+        {"dates of a clock", "time", {"1970-01-02T00:00"}, "{\"x\":\"time\",\"dates\":true"},
+        {"seconds are no date", "time", {"5"}, "as time is no ISO 8601 time in line 2."},
+        {"dates go back",
+         "time",
+         {"2023-11-14T22:13Z", "2023-11-14T22:13+01:00"},
+         "as time goes back in line 3."},
     };
-    std::string names = header.substr(0, header.size() - 1) + ",time_s\n";
-    const std::string cells = "a," + good.substr(0, good.size() - 1);
     for (const auto& row : rows) {
-        std::string readings = names;
+        std::string readings = header.substr(header.find(',') + 1);
+        readings.back() = ',';
+        readings += std::string(row.column) + '\n';
         for (const std::string& time : row.times)
-            readings += time.empty() ? cells + "\n" : cells + "," + time + "\n";
+            readings += good.substr(0, good.size() - 1) + (time.empty() ? "" : "," + time) + '\n';
         EXPECT_TRUE(contains(report(readings), row.expected)) << row.name;
     }
-    EXPECT_TRUE(contains(report(header + "a," + good + "b," + good),
-                         "Over the row number, as the readings have no column time_s."));
 }
 
 TEST(Report, AMillionRowsStayBelow5MB) {
     host::ReportContent content;
-    content.whyNotOverTime.clear();
+    content.axis.kind = host::XAxis::Kind::seconds;
     std::mt19937_64 random(1);
     std::uniform_real_distribution<double> angle(-180, 180);
     std::array<double, host::quantityCount> values{};
+    content.summary.add({host::RowState::ok}, 2, std::array<double, 3>{});
+    for (host::Statistics& statistics : content.ofReadings)
+        statistics.add(1);
     for (int row = 0; row < 1000000; ++row) {
-        for (std::size_t q = 0; q < values.size(); ++q) {
-            values[q] = angle(random);
-            content.statistics[q].add(values[q]);
-        }
+        for (double& value : values)
+            value = angle(random);
         if (row == 654321)
             values[4] = 4321.25;
         content.envelope.addRow(1.7e9 + row / 1000.0, values, host::Envelope::Mark::refused);
@@ -133,7 +184,7 @@ TEST(Report, AMillionRowsStayBelow5MB) {
 
 TEST(Report, LevelLimits) {
     host::ReportContent content;
-    content.statistics[at(host::Quantity::tiltX)].add(1);
+    content.ofReadings[at(host::Quantity::tiltX)].add(1);
     content.levelLimits = {0, 0, -9.5F, 8}; // as in mount modes 7 and 8
     const std::string page = host::reportPage(content);
     EXPECT_TRUE(contains(page, "X none, Y -9.5 to 8 degrees"));

@@ -230,6 +230,22 @@ TEST(Update, ComposesTheResultInMachineOrLocalCoordinates) {
     EXPECT_NEAR(info.rx, 0, 1e-10);
     EXPECT_NEAR(info.ry, 0, 1e-10);
     EXPECT_NEAR(info.rz, 0, 1e-10);
+
+    // Matrices of order 2 are packed into the front, the rest stays.
+    double packed[] = {2, 0.5, -1, 3};
+    sensor.setLocalMatrix(packed, 2);
+    sensor.updateKIVData(goodReading(), info);
+    sensor.ReadMatrix(result);
+    std::copy_n(packed, 4, local);
+    MatrixMultiply(local, SensorAccess::localInverse(sensor), 3, 3, 3, expected);
+    EXPECT_TRUE(test::isNear(result, expected, 1e-13));
+    sensor.setMachineMatrix(packed, 2);
+    sensor.setMcsFlag(true);
+    sensor.updateKIVData(goodReading(), info);
+    sensor.ReadMatrix(result);
+    std::copy_n(packed, 4, machine);
+    MatrixMultiply(machine, SensorAccess::transform(sensor), 3, 3, 3, expected);
+    EXPECT_TRUE(test::isNear(result, expected, 0));
 }
 
 TEST(Update, ThreeVectorModesReportTheModelsMatrixAndQvc) {
@@ -367,13 +383,15 @@ TEST(Update, CopyComputesTheSameAndStandsAlone) {
         sensor.ReadMatrix(m);
         EXPECT_EQ(copy.ReadMatrix(ofCopy), KIV_OK) << mode;
         EXPECT_TRUE(test::isNear(ofCopy, m, 0)) << mode;
-        for (const bool repushed : {false, true}) {
-            for (CKiv* each : {&sensor, &copy})
-                if (repushed) // scale factors, QVC and levels went along too
-                    each->setMountMode(mode);
+        CKiv pushed(sensor);
+        for (CKiv* each : {&copy, &pushed}) {
+            if (each == &pushed) { // scale factors, QVC and levels went along too
+                sensor.setMountMode(mode);
+                pushed.setMountMode(mode);
+            }
             sensor.updateKIVData(raw, info);
-            copy.updateKIVData(raw, fromCopy);
-            EXPECT_TRUE(sameBytes(info, fromCopy)) << mode << ' ' << repushed;
+            each->updateKIVData(raw, fromCopy);
+            EXPECT_TRUE(sameBytes(info, fromCopy)) << mode;
             EXPECT_NE(info.rz, 0) << mode;
         }
 

@@ -1,6 +1,9 @@
 #include "host/commands/Report.h"
 
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
 #include <ostream>
 
 #include "host/Interrupt.h"
@@ -8,44 +11,18 @@
 #include "host/report/ReportPage.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/ReadingsRun.h"
-#include "sensor/SensorAccess.h"
-#include "support/MountMode.h"
 
 namespace kiv::host {
 
 namespace {
 
-// Follows the column time_s. It can carry a chart when the first row has a time and none is before
-// the last; a row without one, or with cells missing, takes that of the row before.
-class TimeColumn {
-public:
-    explicit TimeColumn(const Table& table) : place(table.find("time_s")) {
-        if (!place)
-            problem = "the readings have no column time_s";
-    }
-
-    double at(const Table& table, Reason reason) {
-        if (!problem.empty())
-            return 0;
-        const std::string line = std::to_string(table.lineNumber());
-        double time = 0;
-        if (reason != Reason::rowShape && table.numberAt(*place, time)) {
-            if (time < last)
-                problem = "time_s goes back in line " + line;
-            last = time;
-        } else if (!std::isfinite(last)) {
-            problem = "time_s is no number in line " + line;
-        }
-        return last;
-    }
-
-    const std::string& whyNot() const { return problem; }
-
-private:
-    std::optional<std::size_t> place;
-    double last = -INFINITY;
-    std::string problem; // empty: the column can carry a chart
-};
+// Now, or the moment that a build or a test which has to be the same again asks for.
+std::string timeOfRun() {
+    const char* fixed = std::getenv("SOURCE_DATE_EPOCH");
+    const auto asked = fixed ? numberIn<std::uint32_t>(fixed) : std::nullopt;
+    const std::time_t now = std::time(nullptr);
+    return timeStampText({asked ? *asked : static_cast<double>(now), true});
+}
 
 // A row's messages without the place in front that they share.
 std::string reasonIn(std::string_view messages, const std::string& fileName, std::size_t line) {
@@ -67,20 +44,27 @@ Envelope::Mark markOf(RowState state) {
                                               : Envelope::Mark::none;
 }
 
+// The summary has the angles and residuals, the report the rest.
 void addRow(ReportContent& content, const RowResult& result, double time,
             const std::optional<std::array<double, 3>>& truth) {
     std::array<double, quantityCount> values;
     values.fill(NAN);
-    const auto set = [&](Quantity quantity, double value) {
+    const auto set = [&](Quantity quantity, double value) { values[at(quantity)] = value; };
+    const auto count = [&](Quantity quantity, double value) {
         if (std::isfinite(value))
-            content.statistics[at(quantity)].add(values[at(quantity)] = value);
+            content.ofReadings[at(quantity)].add(values[at(quantity)] = value);
     };
     const KIV_INFO& info = result.info;
+    const KIV_RAWINFO& raw = result.raw;
     if (result.state != RowState::refused) {
-        set(Quantity::tiltX, info.levelX);
-        set(Quantity::tiltY, info.levelY);
-        set(Quantity::azimuth, info.azimuth);
-        set(Quantity::elevation, info.elevation);
+        count(Quantity::tiltX, info.levelX);
+        count(Quantity::tiltY, info.levelY);
+        count(Quantity::azimuth, info.azimuth);
+        count(Quantity::elevation, info.elevation);
+        count(Quantity::distance,
+              std::hypot(double{raw.vector[0]}, double{raw.vector[1]}, double{raw.vector[2]}));
+        count(Quantity::temperature, raw.temperature);
+        count(Quantity::refMetric, raw.refMetric);
     }
     if (result.state == RowState::ok) {
         set(Quantity::rx, info.rx);
@@ -99,17 +83,21 @@ void addRow(ReportContent& content, const RowResult& result, double time,
 
 } // namespace
 
-int reportReadings(const ReadingsOptions& options, const Streams& streams) {
+int reportReadings(const ReportOptions& options, const Streams& streams) {
     if (options.output == "-" && streams.outIsTerminal) {
         streams.err << "kiv report: expected -o FILE for the page, found a terminal\n";
         return unusable;
     }
+    ReportContent content;
+    content.time = timeOfRun();
     ReadingsRun run(options, streams);
-    if (!run.open({}))
+    if (!run.open({}, &content.facts))
         return unusable;
 
     const Table& table = run.table();
-    ReportContent content;
+    content.title = options.title;
+    content.lengthUnit = options.lengthUnit;
+    content.commandLine = options.commandLine;
     content.parameterFile = options.parameterFile;
     content.readings = run.input().name();
     content.sensorId = parseParameterFileName(options.parameterFile)->id;
@@ -128,7 +116,7 @@ int reportReadings(const ReadingsOptions& options, const Streams& streams) {
                  reasonIn(table.messages(), content.readings, table.lineNumber())});
         return true;
     });
-    content.whyNotOverTime = time.whyNot();
+    content.axis = time.axis();
     content.cutShort = table.failed()           ? "reading broke off"
                        : Interrupt::requested() ? "the run was interrupted"
                                                 : nullptr;

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <tuple>
 
+#include "host/Hashing.h"
 #include "host/parameters/LeftCopy.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/parameters/ValueWarnings.h"
@@ -55,14 +56,22 @@ ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id) {
     return examined;
 }
 
-std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err) {
+std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err, Sha256* hash) {
     platform::InputFile file;
     if (!file.open(path.c_str())) {
         reportUnopenedParameters(err, path);
         return std::nullopt;
     }
     const auto name = parseParameterFileName(path);
-    ExaminedFile examined = examine(file, name ? std::optional(name->id) : std::nullopt);
+    const auto id = name ? std::optional(name->id) : std::nullopt;
+    ExaminedFile examined;
+    if (hash) {
+        HashingSource hashed(file, *hash);
+        examined = examine(hashed, id);
+        hashed.readOn();
+    } else {
+        examined = examine(file, id);
+    }
     if (!file.failed())
         return examined;
     err << path << ":1:1: expected to read all of the file, found a read error\n";

@@ -11,6 +11,8 @@
 
 namespace kiv::host {
 
+class Sha256;
+
 // What is to be said of a parameter file. Errors are what the library refuses and every value that
 // it cannot read; the rest are warnings.
 struct FileFinding {
@@ -34,8 +36,9 @@ void reportForUse(std::ostream& err, const std::string& path, const ExaminedFile
 ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id);
 
 // Reads any file; where its name tells the sensor's ID, the serial number is tested. Nothing, and a
-// message, when the file cannot be read.
-std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err);
+// message, when the file cannot be read. All of its bytes go into the hash.
+std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err,
+                                        Sha256* hash = nullptr);
 
 // As path:line:column: expected ..., found ...
 void report(std::ostream& err, const std::string& path, const FileFinding& finding);

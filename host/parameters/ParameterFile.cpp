@@ -6,6 +6,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/ConfigureSensor.h"
+#include "host/Hashing.h"
 #include "host/parameters/Findings.h"
 #include "params/RecordLoading.h"
 
@@ -42,9 +43,11 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
     return name;
 }
 
-bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err) {
+bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err,
+                       InputFacts* facts) {
     const auto name = requireParameterFileName(path, err);
-    const auto examined = name ? examineFile(path, err) : std::nullopt;
+    const auto examined =
+        name ? examineFile(path, err, facts ? &facts->parameterFile : nullptr) : std::nullopt;
     if (!examined)
         return false;
     reportForUse(err, path, *examined);
@@ -52,11 +55,15 @@ bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& e
         return false;
 
     RecordLoading::store(record, examined->parsed);
+    const BlockValues* owner = examined->parsed.document.find(Block::deviceOwner);
+    if (facts && owner)
+        facts->deviceOwner = owner->word;
     return true;
 }
 
-bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err) {
-    if (!loadParameterFile(path, record, err))
+bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err,
+                InputFacts* facts) {
+    if (!loadParameterFile(path, record, err, facts))
         return false;
     const int code = configureSensor(sensor, record);
     if (code != KIV_OK)

@@ -10,6 +10,8 @@ class CKivPrm;
 
 namespace kiv::host {
 
+struct InputFacts;
+
 // Where a parameter file lies and whose it is, from its path: a folder and Tg<id>.prm.
 struct ParameterFileName {
     std::string folder; // all of the path before the name: empty, or a separator ends it
@@ -25,10 +27,13 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
                                                           std::ostream& err);
 
 // Loads a file for measuring: one that the library would refuse, or that holds a value which the
-// library would take for 0, is refused, with every reason on err.
-bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err);
+// library would take for 0, is refused, with every reason on err. The facts learn the owner and the
+// bytes.
+bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err,
+                       InputFacts* facts = nullptr);
 
 // The same, and hands the record to a sensor; false, and a message, when that does not take it.
-bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err);
+bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err,
+                InputFacts* facts = nullptr);
 
 } // namespace kiv::host

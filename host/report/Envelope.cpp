@@ -1,6 +1,7 @@
 #include "host/report/Envelope.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace kiv::host {
@@ -16,12 +17,19 @@ void include(Envelope::Range& range, const Envelope::Range& other) {
     range.count += other.count;
 }
 
+// On the side where it is within half a turn.
+void includeOnSide(Envelope::Range* sides, const Envelope::Range& other) {
+    const bool near =
+        other.count == 0 || sides[0].count == 0 || std::abs(other.mean() - sides[0].mean()) <= 180;
+    include(sides[near ? 0 : 1], other);
+}
+
 } // namespace
 
 Envelope::Envelope(std::size_t seriesCount, std::size_t mostBins)
     : width(seriesCount), most(mostBins) {
     all.reserve(most);
-    ranges.reserve(most * width);
+    ranges.reserve(most * width * 2);
 }
 
 void Envelope::addRow(double x, std::span<const double> values, Mark mark) {
@@ -29,7 +37,7 @@ void Envelope::addRow(double x, std::span<const double> values, Mark mark) {
         mergeNeighbours();
     if (rowCount % binRows == 0) {
         all.push_back({x, x});
-        ranges.resize(ranges.size() + width);
+        ranges.resize(ranges.size() + 2 * width);
     }
     ++rowCount;
 
@@ -37,27 +45,34 @@ void Envelope::addRow(double x, std::span<const double> values, Mark mark) {
     bin.lastX = x;
     bin.noOrientation += mark == Mark::noOrientation ? 1 : 0;
     bin.refused += mark == Mark::refused ? 1 : 0;
-    Range* range = &ranges[ranges.size() - width];
+    Range* sides = &ranges[ranges.size() - 2 * width];
     for (std::size_t i = 0; i < width; ++i)
         if (std::isfinite(values[i]))
-            include(range[i], {values[i], values[i], values[i], 1});
+            includeOnSide(sides + 2 * i, {values[i], values[i], values[i], 1});
+}
+
+Envelope::Range Envelope::range(std::size_t bin, std::size_t ofSeries) const {
+    Range both = side(bin, ofSeries, 0);
+    include(both, side(bin, ofSeries, 1));
+    return both;
 }
 
 void Envelope::mergeNeighbours() {
-    const std::size_t half = all.size() / 2;
-    for (std::size_t i = 0; i < half; ++i) {
+    const std::size_t pairs = all.size() / 2;
+    for (std::size_t i = 0; i < pairs; ++i) {
         const Bin& first = all[2 * i];
         const Bin& second = all[2 * i + 1];
         all[i] = {first.firstX, second.lastX, first.noOrientation + second.noOrientation,
                   first.refused + second.refused};
         for (std::size_t s = 0; s < width; ++s) {
-            Range merged = range(2 * i, s);
-            include(merged, range(2 * i + 1, s));
-            ranges[i * width + s] = merged;
+            std::array<Range, 2> merged{side(2 * i, s, 0), side(2 * i, s, 1)};
+            includeOnSide(merged.data(), side(2 * i + 1, s, 0));
+            includeOnSide(merged.data(), side(2 * i + 1, s, 1));
+            std::copy(merged.begin(), merged.end(), &ranges[(i * width + s) * 2]);
         }
     }
-    all.resize(half, Bin{0, 0});
-    ranges.resize(half * width);
+    all.resize(pairs, Bin{0, 0});
+    ranges.resize(pairs * width * 2);
     binRows *= 2;
 }
 

@@ -37,8 +37,16 @@ public:
     std::size_t rows() const { return rowCount; }
     std::size_t rowsPerBin() const { return binRows; } // the last bin may have fewer
     std::span<const Bin> bins() const { return all; }
-    const Range& range(std::size_t bin, std::size_t ofSeries) const {
-        return ranges[bin * width + ofSeries];
+    Range range(std::size_t bin, std::size_t ofSeries) const;
+
+    // The same of directions in degrees, wherever their seam is: in two sides where some values of
+    // the bin are more than half a turn from the others, so that a bin across the seam is no range
+    // from one end of the chart to the other. The first side has values where any has.
+    const Range& side(std::size_t bin, std::size_t ofSeries, std::size_t second) const {
+        return ranges[(bin * width + ofSeries) * 2 + second];
+    }
+    bool acrossSeam(std::size_t bin, std::size_t ofSeries) const {
+        return side(bin, ofSeries, 1).count > 0;
     }
 
 private:
@@ -49,7 +57,7 @@ private:
     std::size_t binRows = 1;
     std::size_t rowCount = 0;
     std::vector<Bin> all;
-    std::vector<Range> ranges; // bin by bin
+    std::vector<Range> ranges; // bin by bin, two a series
 };
 
 } // namespace kiv::host

@@ -6,30 +6,13 @@
 #include <vector>
 
 #include "KIVInterface/Records.h"
+#include "host/Hashing.h"
 #include "host/report/Envelope.h"
+#include "host/report/Quantities.h"
+#include "host/report/TimeAxis.h"
 #include "host/summary/Summary.h"
-#include "host/tables/RowResult.h"
 
 namespace kiv::host {
-
-// What a report shows row by row, all in degrees; in the order of its charts.
-enum class Quantity : unsigned char {
-    rx,
-    ry,
-    rz,
-    tiltX,
-    tiltY,
-    azimuth,
-    elevation,
-    residualX,
-    residualY,
-    residualZ,
-};
-inline constexpr std::size_t quantityCount = 10;
-
-constexpr std::size_t at(Quantity quantity) {
-    return static_cast<std::size_t>(quantity);
-}
 
 // A row that was refused or has no orientation.
 struct BadRow {
@@ -43,26 +26,35 @@ inline constexpr std::size_t mostBins = 4096;
 inline constexpr std::size_t mostBadRowsListed = 200;
 
 struct ReportContent {
+    std::string title;      // empty: one of the sensor's
+    std::string lengthUnit; // empty: not known
+    std::string time;       // of the run
+    std::string commandLine;
     std::string parameterFile;
     std::string readings;
+    InputFacts facts;
     std::int32_t sensorId = 0;
     int mountMode = 0;
     bool localFrame = false;
     F_VECTOR4 levelLimits{};
 
     Summary summary;
-    std::array<Statistics, quantityCount> statistics = [] {
+    // Of what the summary has no statistics of.
+    std::array<Statistics, quantityCount> ofReadings = [] {
         std::array<Statistics, quantityCount> all;
-        for (const Quantity quantity : {Quantity::tiltX, Quantity::tiltY, Quantity::residualX,
-                                        Quantity::residualY, Quantity::residualZ})
-            all[at(quantity)] = Statistics(Statistics::Kind::linear);
+        for (std::size_t q = 0; q < quantityCount; ++q)
+            if (!isDirection(static_cast<Quantity>(q)) && q != at(Quantity::elevation))
+                all[q] = Statistics(Statistics::Kind::linear);
         return all;
     }();
-    Envelope envelope{quantityCount, mostBins}; // over time in seconds
-    std::string whyNotOverTime;                 // empty: the charts run over time
+    Envelope envelope{quantityCount, mostBins}; // over seconds; raw angles
+    XAxis axis;
     double referenceTime = 0;
     std::vector<BadRow> badRows;    // the first ones
     const char* cutShort = nullptr; // why the readings were not read to their end
+
+    const Statistics& statistics(Quantity quantity) const;
+    bool has(const Chart& chart) const;
 };
 
 // The whole report as one HTML file that loads nothing.

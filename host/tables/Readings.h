@@ -38,6 +38,8 @@ inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "tr
 
 // The column of the time stamp, in seconds.
 inline constexpr std::string_view timeColumn = "time_s";
+// The column of the time stamp as a date and a time of day.
+inline constexpr std::string_view timeStampColumn = "time";
 
 class Truth {
 public:

@@ -9,11 +9,11 @@
 
 namespace kiv::host {
 
-bool ReadingsRun::open(std::span<const std::string_view> results) {
+bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* facts) {
     const auto overwrites = [&](const std::string& output) {
         return refuseOverwriting(output, {options.parameterFile, options.readings}, streams.err);
     };
-    if (!loadSensor(options.parameterFile, parameters, sensor, streams.err)
+    if (!loadSensor(options.parameterFile, parameters, sensor, streams.err, facts)
         || overwrites(options.output) || overwrites(options.summary))
         return false;
     sensor.setMcsFlag(!options.localFrame);
@@ -21,7 +21,8 @@ bool ReadingsRun::open(std::span<const std::string_view> results) {
     const bool knowsFrames = !reportsOwnMatrix(mode);
     if (options.localFrame && !knowsFrames)
         streams.err << "kiv: --frame local has no effect in mount mode " << mode << '\n';
-    if (!readings.open(options.readings, readingColumns, results, options.format, streams))
+    if (!readings.open(options.readings, readingColumns, results, options.format, streams,
+                       facts ? &facts->readings : nullptr))
         return false;
     truth.emplace(table(), !options.localFrame || !knowsFrames);
     if (options.tolerance && !truth->comparable()) {

@@ -23,8 +23,8 @@ public:
         : options(asked), streams(own), rows(withResidualFigures) {}
 
     // False, and messages, when one of the files cannot be used. No column of the readings may have
-    // one of the names of the results.
-    bool open(std::span<const std::string_view> results);
+    // one of the names of the results. The facts are complete once all rows have been read.
+    bool open(std::span<const std::string_view> results, InputFacts* facts = nullptr);
 
     CKivPrm& record() { return parameters; }
     int mountMode() const { return mode; }

@@ -6,8 +6,8 @@ namespace kiv::host {
 
 bool TableInput::open(const std::string& file, std::span<const std::string_view> columns,
                       std::span<const std::string_view> reserved, const TableFormat& format,
-                      const Streams& streams) {
-    if (!input.open(file, streams))
+                      const Streams& streams, Sha256* hash) {
+    if (!input.open(file, streams, hash))
         return false;
     rows.emplace(input.stream(), input.name(), streams.err, columns, format);
     return rows->readHeader(reserved);

@@ -13,7 +13,7 @@ public:
     // False, and messages, when the file cannot be read or its row of names is not as asked for.
     bool open(const std::string& file, std::span<const std::string_view> columns,
               std::span<const std::string_view> reserved, const TableFormat& format,
-              const Streams& streams);
+              const Streams& streams, Sha256* hash = nullptr);
 
     Table& table() { return *rows; }
     const Table& table() const { return *rows; }

@@ -1,6 +1,6 @@
-# Opens a report in headless Chromium: no message on the console, every chart drawn, nothing of a hostile
-# file name run.
-#   cmake -DTOOL=... -DEXAMPLES=... -DWORK=... -P check_in_browser.cmake
+# Opens a report in headless Chromium: no message on the console, every chart drawn, in light, in dark, on a
+# narrow screen and in print, nothing of a hostile file name run.
+#   cmake -DTOOL=... -DEXAMPLES=... -DSCRIPTS=... -DWORK=... -P check_in_browser.cmake
 find_program(CHROMIUM NAMES chromium chromium-browser)
 if(NOT CHROMIUM)
     message("skipped: chromium is not installed")
@@ -8,12 +8,17 @@ if(NOT CHROMIUM)
 endif()
 file(REMOVE_RECURSE ${WORK})
 
-# What the page holds after its scripts have run, and what was written to the console.
+# What the page holds after its scripts have run, and what was written to the console. Behind them: options of
+# the browser in place of a wide window.
 function(open_page page dom console)
+    set(options ${ARGN})
+    if(NOT options)
+        set(options --window-size=1200,2600)
+    endif()
     execute_process(
         COMMAND ${CHROMIUM} --headless --no-sandbox --disable-gpu --disable-quic --no-first-run
             --disable-background-networking --disable-component-update --disable-sync
-            --user-data-dir=${WORK}/profile --enable-logging=stderr --window-size=1200,2600
+            --user-data-dir=${WORK}/profile --enable-logging=stderr ${options}
             --screenshot=${WORK}/page.png --dump-dom file://${page}
         TIMEOUT 120
         OUTPUT_VARIABLE content
@@ -43,7 +48,9 @@ execute_process(COMMAND ${TOOL} simulate ${EXAMPLES}/Tg5.prm --rows 9000 -o ${re
 file(APPEND "${readings}" "</script><script>document.body.remove()</script>\n"
     "100,2,4000,<img src=x onerror=document.body.remove()>,450,12.5,3,1,-2,20,0.1,0,0,0,0\n"
     "101,2,4000,1500,0,12.5,3,1,-2,20,0.1,0,0,0,0\n")
-execute_process(COMMAND ${TOOL} report ${EXAMPLES}/Tg5.prm ${readings} -q -o ${WORK}/page.html
+execute_process(
+    COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=1700000000 ${TOOL} report ${EXAMPLES}/Tg5.prm ${readings} -q
+        -o ${WORK}/page.html
     RESULT_VARIABLE result ERROR_VARIABLE messages)
 if(NOT result EQUAL 1)
     message(FATAL_ERROR "expected exit code 1 for readings with bad rows, found ${result}: ${messages}")
@@ -52,8 +59,12 @@ open_page(${WORK}/page.html dom console)
 if(console)
     message(FATAL_ERROR "expected nothing on the console, found: ${console}")
 endif()
+file(SIZE ${WORK}/page.png size)
+if(size LESS 50000)
+    message(FATAL_ERROR "expected a picture of a whole page, found ${size} bytes in ${WORK}/page.png")
+endif()
 
-foreach(chart angles tilts encoders residuals)
+foreach(chart angles tilts encoders residuals distance temperature metric)
     # dygraphs sets two canvases into the chart's element; the page counts the points that were drawn.
     string(REGEX MATCH "<figure id=\"${chart}\">.*" figure "${dom}")
     string(FIND "${figure}" "</figure>" end)
@@ -65,8 +76,37 @@ endforeach()
 if(NOT dom MATCHES "a&lt;/script&gt;&lt;script&gt;document.body.remove\\(\\)&lt;/b.csv</code>")
     message(FATAL_ERROR "expected the name of the readings as text, found: ${dom}")
 endif()
-file(REMOVE_RECURSE ${WORK}/profile)
-file(SIZE ${WORK}/page.png size)
-if(size LESS 50000)
-    message(FATAL_ERROR "expected a picture of a whole page, found ${size} bytes in ${WORK}/page.png")
+if(NOT dom MATCHES "Run at</th><td class=\"text\">2023-11-14T22:13:20Z<")
+    message(FATAL_ERROR "expected the time that SOURCE_DATE_EPOCH sets, found: ${dom}")
 endif()
+
+# A copy with the probe behind it.
+function(expect_seen print expected)
+    file(READ ${WORK}/page.html page)
+    file(READ ${CMAKE_CURRENT_LIST_DIR}/probe.html probe)
+    string(REPLACE "PRINT" ${print} probe "${probe}")
+    file(WRITE ${WORK}/probed.html "${page}${probe}")
+    open_page(${WORK}/probed.html dom console ${ARGN})
+    if(NOT dom MATCHES "${expected}</pre>" OR console)
+        string(REGEX MATCH "paper [^<]*</pre>" found "${dom}")
+        message(FATAL_ERROR "expected ${expected} with ${ARGN}, found: ${found} ${console}")
+    endif()
+endfunction()
+set(drawn "wider by 0; lines 7; strips 7")
+expect_seen(false "paper rgb\\(255, 255, 255\\); ${drawn}" --window-size=1200,900)
+expect_seen(false "paper rgb\\(20, 25, 31\\); ${drawn}" --window-size=400,900 --blink-settings=preferredColorScheme=0)
+expect_seen(true "paper rgb\\(255, 255, 255\\); ${drawn}" --window-size=1200,900 --blink-settings=preferredColorScheme=0)
+
+# The lines of charts: where they lead across the seam, a row breaks them, and no other series.
+file(READ ${SCRIPTS}/rows.js rows)
+file(READ ${CMAKE_CURRENT_LIST_DIR}/seam.html seam)
+string(REPLACE "ROWS" "${rows}" seam "${seam}")
+file(WRITE ${WORK}/seam.html "${seam}")
+open_page(${WORK}/seam.html dom console)
+string(CONCAT expected "found 1.5:170,1 3.5:178,2 5.5:179,3 5.5:-,3 5.5:-179,3 7.5:-175,4 9.5:-,5 11.5:179,6 13.5:-,7 "
+    "13.5:-179,7 15.5:-178,208 | 0,1,2,2,2,3,4,5,6,6,7 | 0,1,2,5,6,7,9,10<")
+string(FIND "${dom}" "${expected}" place)
+if(place EQUAL -1)
+    message(FATAL_ERROR "expected ${expected}\nfound: ${dom} ${console}")
+endif()
+file(REMOVE_RECURSE ${WORK}/profile)

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace kiv::host {
+
+// Text from outside, safe in an element and in a quoted attribute.
+void appendEscaped(std::string& html, std::string_view text);
+std::string escaped(std::string_view text);
+std::string code(std::string_view text);
+
+// In groups of three digits from five digits on.
+std::string countText(std::size_t count);
+std::string rowsText(std::size_t count);
+
+// Cells of HTML.
+void appendTableRow(std::string& html, std::string_view heading,
+                    std::initializer_list<std::string> cells, const char* cellClass = "number");
+
+} // namespace kiv::host

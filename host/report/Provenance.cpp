@@ -1,0 +1,74 @@
+#include "KIVInterface/Version.h"
+#include "host/report/Html.h"
+#include "host/report/Sections.h"
+#include "host/tables/Numbers.h"
+#include "support/MountMode.h"
+
+namespace kiv::host {
+
+namespace {
+
+std::string limitsText(float low, float high) {
+    return low < high ? shown(low) + " to " + shown(high) + " degrees" : "none";
+}
+
+std::string rotationText(const ReportContent& content) {
+    return content.localFrame && !reportsOwnMatrix(content.mountMode)
+               ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx)"
+               : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)";
+}
+
+std::string libraryVersion() {
+    return std::to_string(KIV_VERSION_MAJOR) + '.' + std::to_string(KIV_VERSION_MINOR) + '.'
+           + std::to_string(KIV_VERSION_PATCH);
+}
+
+// The rotation that the angles describe; M leads from the sensor's frame to the instrument's.
+std::string rotatedText(const ReportContent& content) {
+    if (reportsOwnMatrix(content.mountMode))
+        return "M";
+    return content.localFrame ? "L \xC2\xB7 M \xC2\xB7 M0\xE2\x81\xBB\xC2\xB9 \xC2\xB7 "
+                                "L\xE2\x81\xBB\xC2\xB9, L the local matrix, "
+                                "M0 the reference"
+                              : "machine matrix \xC2\xB7 M";
+}
+
+} // namespace
+
+void appendProvenance(std::string& html, const ReportContent& content) {
+    const F_VECTOR4& limits = content.levelLimits;
+    const auto line = [&](const char* heading, const std::string& cell) {
+        appendTableRow(html, heading, {cell}, "text");
+    };
+    html += "<section>\n<h2>What was run</h2>\n<table class=\"facts\">\n";
+    line("Run at", escaped(content.time));
+    line("Command", code(content.commandLine));
+    line("Readings", code(content.readings));
+    line("SHA-256", content.cutShort ? "none, as they were not read to their end"
+                                     : code(content.facts.readings.hex()));
+    line("Parameter file", code(content.parameterFile));
+    line("SHA-256", code(content.facts.parameterFile.hex()));
+    line("Sensor ID", std::to_string(content.sensorId));
+    line("Device owner", escaped(content.facts.deviceOwner));
+    line("Mount mode",
+         std::to_string(content.mountMode) + ", " + modelName(content.mountMode) + " model");
+    line("Angles", reportsOwnMatrix(content.mountMode) ? "of the sensor in the instrument"
+                   : content.localFrame ? "of the motion since the reference (local frame)"
+                                        : "in machine coordinates");
+    line("Convention",
+         rotationText(content) + " = " + rotatedText(content)
+             + "; right-handed, degrees. Instrument vector = M \xC2\xB7 sensor vector.");
+    line("Length unit",
+         content.lengthUnit.empty() ? "that of the readings" : escaped(content.lengthUnit));
+    line("Level limits",
+         "X " + limitsText(limits.x, limits.y) + ", Y " + limitsText(limits.z, limits.w));
+    const auto bins = content.envelope.bins();
+    if (content.axis.overTime() && !bins.empty())
+        line("Time", content.axis.text(bins.front().firstX) + " to "
+                         + content.axis.text(bins.back().lastX)
+                         + (content.axis.overDates() ? "" : " s"));
+    line("Software", "kiv " KIV_VERSION ", library " + libraryVersion());
+    html += "</table>\n</section>\n";
+}
+
+} // namespace kiv::host

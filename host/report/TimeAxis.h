@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cmath>
+#include <optional>
+#include <string>
+
+#include "host/tables/Reason.h"
+#include "host/tables/TimeStamp.h"
+
+namespace kiv::host {
+
+class Table;
+
+// What the charts of a report run over.
+struct XAxis {
+    enum class Kind : unsigned char {
+        row,      // the row number
+        seconds,  // of the column time_s
+        dateTime, // of the column time, as clocks show
+        utc,      // of the column time
+    };
+    Kind kind = Kind::row;
+    std::string whyRow; // why there is no time
+
+    bool overTime() const { return kind != Kind::row; }
+    bool overDates() const { return kind >= Kind::dateTime; }
+    const char* name() const;
+    std::string text(double time) const;
+};
+
+// Follows the column time_s or, where there is none, time. It can carry a chart when the first row
+// has a time and none is before the last; a row without one, or with cells missing, takes that of
+// the row before.
+class TimeColumn {
+public:
+    explicit TimeColumn(const Table& table);
+
+    // Seconds.
+    double at(const Table& table, Reason reason);
+    const XAxis& axis() const { return shown; }
+
+private:
+    std::optional<double> timeOf(const Table& table);
+    void giveUp(std::string why);
+
+    std::optional<std::size_t> place;
+    bool stamps = false; // no numbers
+    double last = -INFINITY;
+    XAxis shown;
+};
+
+} // namespace kiv::host
