@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+#include "docs/programs/PoseErrors.h"
+
+// Long simulations that try what the library says of its own results: the bounds and the
+// uncertainties of src/uncertainty/. All go the whole way of a host, in machine coordinates, with
+// the example sensor's encoders and tilt tables from -35 to 35 whose limits are 29 degrees.
+namespace kiv::docs {
+
+// Exact readings.
+struct BoundTrial {
+    std::size_t rows = 0; // with an orientation
+    std::size_t good = 0;
+    std::size_t wronglyGood = 0; // their error is above the bound and 2e-5 degrees
+    std::size_t right = 0;       // error below 0.001 degrees
+    std::size_t rightNotGood = 0;
+    // Of good rows, degrees.
+    double largestError = 0;
+    double largestExcess = 0; // of the error over the bound
+};
+
+BoundTrial tryBound(const Case& which, const Range& range, std::size_t count);
+
+// Noisy readings: residuals of good rows over their standard uncertainty.
+struct NoiseTrial {
+    std::size_t rows = 0;
+    std::size_t good = 0;
+    double leastUncertainty = 0;          // degrees
+    std::array<double, 3> deviation = {}; // rx, ry, rz; 1 where the uncertainty is right
+    std::array<double, 3> within2 = {};   // share within twice the uncertainty
+};
+
+NoiseTrial tryNoise(int mode, const Range& range, std::size_t count);
+
+// A Monte Carlo evaluation (JCGM 101) beside the propagation, at good rows: the largest difference
+// of the two's standard uncertainties, as a part of the Monte Carlo's.
+double tryMonteCarlo(int mode, const Range& range, std::size_t poses, std::size_t draws);
+
+} // namespace kiv::docs
