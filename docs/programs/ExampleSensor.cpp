@@ -26,11 +26,12 @@ ExampleSensor::ExampleSensor(const std::string& folder) : calibration(loaded(rec
     record.getMachineMatrix(machine, 3);
 }
 
-KIV_RAWINFO ExampleSensor::read(const simulator::Pose& pose) {
+bool ExampleSensor::read(const simulator::Pose& pose, KIV_RAWINFO& raw) {
     simulator::Readings readings;
     if (!simulator::readingsOf(mounting, pose, readings))
-        throw std::runtime_error("a pose out of the sensor's reach");
-    return rawOf(pose, readings);
+        return false;
+    raw = rawOf(pose, readings);
+    return true;
 }
 
 KIV_RAWINFO ExampleSensor::rawOf(const simulator::Pose& pose, const simulator::Readings& readings) {

@@ -22,8 +22,8 @@ public:
     CKiv sensor;
     simulator::Mounting mounting;
 
-    // The readings of a pose; throws where the sensor does not reach it.
-    KIV_RAWINFO read(const simulator::Pose& pose);
+    // The readings of a pose; false where the sensor's line of sight does not reach it.
+    bool read(const simulator::Pose& pose, KIV_RAWINFO& raw);
     // From a pose's corrected readings.
     KIV_RAWINFO rawOf(const simulator::Pose& pose, const simulator::Readings& readings);
 

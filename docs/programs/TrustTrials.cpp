@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <stdexcept>
 
 #include "docs/programs/ExampleSensor.h"
-#include "host/tables/Numbers.h"
+#include "host/summary/Statistics.h"
 #include "simulator/Noise.h"
 #include "uncertainty/Propagation.h"
 #include "uncertainty/Trust.h"
@@ -50,7 +51,7 @@ struct Trial {
         : example(KIV_SENSORS "/wide" + std::to_string(mode)),
           poses(seed,
                 {range.mostTilt, -range.steepest, range.steepest, simulator::invertedIn(mode)}),
-          random(seed) {
+          random(seed + static_cast<std::uint64_t>(mode)) {
         if (mount) {
             mount(example.mounting);
             example.sensor.setScaleFactors(example.mounting.scaleFactors, 8);
@@ -77,7 +78,8 @@ struct Trial {
 };
 
 void tryBound(BoundTrial& result, Trial& trial, const Pose& pose) {
-    if (!trial.update(trial.example.read(pose)))
+    KIV_RAWINFO raw;
+    if (!trial.example.read(pose, raw) || !trial.update(raw))
         return;
     const double error = largest(residuals(trial.example, pose, trial.info));
     const bool good = trial.trust.trust == Trust::good;
@@ -115,7 +117,9 @@ NoiseTrial tryNoise(int mode, const Range& range, std::size_t count) {
     result.leastUncertainty = INFINITY;
     for (std::size_t i = 0; i < count; ++i) {
         const Pose pose = trial.poses.next();
-        KIV_RAWINFO raw = trial.example.read(pose);
+        KIV_RAWINFO raw;
+        if (!trial.example.read(pose, raw))
+            continue;
         noise.addTo(raw, trial.random);
         if (!trial.update(raw))
             continue;
@@ -146,9 +150,10 @@ double tryMonteCarlo(int mode, const Range& range, std::size_t poses, std::size_
     Propagation propagation(trial.example.sensor, uncertainties());
     double worst = 0;
     for (std::size_t done = 0; done < poses;) {
-        const KIV_RAWINFO raw = trial.example.read(trial.poses.next());
+        KIV_RAWINFO raw;
         AngleUncertainty u;
-        if (!trial.update(raw) || trial.trust.trust != Trust::good)
+        if (!trial.example.read(trial.poses.next(), raw) || !trial.update(raw)
+            || trial.trust.trust != Trust::good)
             continue;
         if (!propagation.of(trial.example.sensor, raw, trial.info, u))
             throw std::runtime_error("no uncertainty of a good row");
