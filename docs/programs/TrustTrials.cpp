@@ -145,10 +145,11 @@ NoiseTrial tryNoise(int mode, const Range& range, std::size_t count) {
     return result;
 }
 
-double tryMonteCarlo(int mode, const Range& range, std::size_t poses, std::size_t draws) {
+std::vector<double> tryMonteCarlo(int mode, const Range& range, std::size_t poses,
+                                  std::size_t draws) {
     Trial trial(mode, range);
     Propagation propagation(trial.example.sensor, uncertainties());
-    double worst = 0;
+    std::vector<double> differences;
     for (std::size_t done = 0; done < poses;) {
         KIV_RAWINFO raw;
         AngleUncertainty u;
@@ -177,11 +178,11 @@ double tryMonteCarlo(int mode, const Range& range, std::size_t poses, std::size_
         const auto n = static_cast<double>(draws);
         for (std::size_t k = 0; k < 3; ++k) {
             const double deviation = std::sqrt((squares[k] - sum[k] * sum[k] / n) / (n - 1));
-            worst = std::max(worst, std::abs(u.standard[k] / deviation - 1));
+            differences.push_back(u.standard[k] / deviation - 1);
         }
         ++done;
     }
-    return worst;
+    return differences;
 }
 
 } // namespace kiv::docs

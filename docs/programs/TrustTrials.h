@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <vector>
 
 #include "docs/programs/PoseErrors.h"
 
@@ -35,8 +36,9 @@ struct NoiseTrial {
 
 NoiseTrial tryNoise(int mode, const Range& range, std::size_t count);
 
-// A Monte Carlo evaluation (JCGM 101) beside the propagation, at good rows: the largest difference
-// of the two's standard uncertainties, as a part of the Monte Carlo's.
-double tryMonteCarlo(int mode, const Range& range, std::size_t poses, std::size_t draws);
+// A Monte Carlo evaluation (JCGM 101) beside the propagation, at good rows: the difference of the
+// two's standard uncertainties as a part of the Monte Carlo's, of each row's three angles.
+std::vector<double> tryMonteCarlo(int mode, const Range& range, std::size_t poses,
+                                  std::size_t draws);
 
 } // namespace kiv::docs

@@ -47,9 +47,13 @@ F_VECTOR4 ReadingsRun::levelLimits() {
 
 bool ReadingsRun::readUncertainties() {
     uncertainties = options.uncertainties;
-    return options.uncertaintyFile.empty()
-           || host::readUncertainties(options.uncertaintyFile, mode, uncertainties.emplace(),
-                                      streams.err);
+    if (options.uncertaintyFile.empty())
+        return true;
+    if (options.uncertaintyFile == "-" && options.readings == "-") {
+        streams.err << "kiv: expected readings or uncertainties from standard input, found both\n";
+        return false;
+    }
+    return host::readUncertainties(options.uncertaintyFile, mode, uncertainties.emplace(), streams);
 }
 
 bool ReadingsRun::writeSummary() const {

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
+#include <istream>
 #include <iterator>
 #include <optional>
 #include <ostream>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -166,14 +167,13 @@ private:
 } // namespace
 
 bool readUncertainties(const std::string& file, int mountMode, Uncertainties& uncertainties,
-                       std::ostream& err) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) {
-        reportUnopened(err, file, "a file of uncertainties");
+                       const Streams& streams) {
+    Input input;
+    if (!input.open(file, streams))
         return false;
-    }
-    std::string text{std::istreambuf_iterator<char>(in), {}};
-    return UncertaintyReader(file, std::move(text), err).read(mountMode, uncertainties);
+    std::string text{std::istreambuf_iterator<char>(input.stream()), {}};
+    return UncertaintyReader(input.name(), std::move(text), streams.err)
+        .read(mountMode, uncertainties);
 }
 
 } // namespace kiv::host
