@@ -17,7 +17,7 @@ struct SensorAccess {
     static const double* encoderOffset(const CKiv& sensor) { return sensor.encoderOffset; }
     static const double* localMatrix(const CKiv& sensor) { return sensor.localMatrix; }
     static const double* localInverse(const CKiv& sensor) { return sensor.localInverse; }
-    static const float* tiltOffset(const CKiv& sensor) { return sensor.tiltOffset; }
+    static const float* thermalFactor(const CKiv& sensor) { return sensor.thermalFactor; }
     static const float* scaleFactors(const CKiv& sensor) { return sensor.scaleFactors; }
     static const float* level1Parameters(const CKiv& sensor) { return sensor.level1Parameters; }
     static const float* level2Parameters(const CKiv& sensor) { return sensor.level2Parameters; }

@@ -45,7 +45,7 @@ bool reads(int mountMode, Source source) {
 
 // The measured direction, and across it to the left and upwards.
 struct Propagation::Sight {
-    explicit Sight(const KIV_RAWINFO& raw) {
+    explicit Sight(const KIV_RAWINFO& raw) : temperature(raw.temperature) {
         const double v[3] = {raw.vector[0], raw.vector[1], raw.vector[2]};
         const double rho = std::hypot(v[0], v[1]);
         length = std::hypot(rho, v[2]);
@@ -57,19 +57,21 @@ struct Propagation::Sight {
         above = {-rise * x, -rise * y, level};
     }
 
+    double temperature;
     double length;
     AngleTriple side, above;
 };
 
 Propagation::Propagation(const CKiv& sensor, const Uncertainties& uncertainties)
     : work(sensor), given(uncertainties), mode(SensorAccess::mountMode(sensor)),
-      local(!reportsOwnMatrix(mode) && !SensorAccess::mcsFlag(sensor)),
-      tiltOffsets{SensorAccess::tiltOffset(sensor)[0], SensorAccess::tiltOffset(sensor)[1]} {
+      local(!reportsOwnMatrix(mode) && !SensorAccess::mcsFlag(sensor)) {
+    std::copy_n(SensorAccess::thermalFactor(sensor), 4, thermalFactor);
     std::copy_n(SensorAccess::localMatrix(sensor), 9, localMatrix);
 }
 
 struct Propagation::Moved {
     double angles[3]; // radians
+    double level[2];  // X and Y, corrected, degrees
     double matrix[9]; // the model's, for the local frame alone
 };
 
@@ -77,6 +79,8 @@ bool Propagation::update(const KIV_RAWINFO& raw, Moved& out) {
     KIV_INFO info;
     if (SensorUpdate::run(work, raw, info) != UpdateOutcome::oriented)
         return false;
+    out.level[0] = info.levelX;
+    out.level[1] = info.levelY;
     const double* transform = SensorAccess::transform(work);
     matrixAngles(reportsOwnMatrix(mode) ? transform : SensorAccess::result(work), local,
                  out.angles);
@@ -89,6 +93,8 @@ void Propagation::setSlope(Channel channel, const Moved& from, const Moved& to, 
     Slope& slope = slopes[channel];
     for (std::size_t i = 0; i < 3; ++i)
         slope.angles[i] = turnBetween(from.angles[i], to.angles[i]) / distance;
+    if (channel == lx || channel == ly)
+        slope.level = (to.level[channel - lx] - from.level[channel - lx]) / distance;
     if (!local)
         return;
     // The skew part of the difference times the mean's transpose.
@@ -147,8 +153,10 @@ bool Propagation::slopesAt(const KIV_RAWINFO& raw, const Sight& sight) {
          std::hypot(given[Source::azimuth], given[Source::azimuthOffset]), true},
         {el, &KIV_RAWINFO::elevationRaw,
          std::hypot(given[Source::elevation], given[Source::elevationOffset]), true},
-        {lx, &KIV_RAWINFO::levelXRaw, given[Source::levelX], reads(mode, Source::levelX)},
-        {ly, &KIV_RAWINFO::levelYRaw, given[Source::levelY], true},
+        {lx, &KIV_RAWINFO::levelXRaw, std::hypot(given[Source::levelX], given[Source::tiltOffsetX]),
+         reads(mode, Source::levelX)},
+        {ly, &KIV_RAWINFO::levelYRaw, std::hypot(given[Source::levelY], given[Source::tiltOffsetY]),
+         true},
         {temp, &KIV_RAWINFO::temperature, given[Source::temperature],
          given[Source::temperature] > 0},
     };
@@ -166,26 +174,6 @@ bool Propagation::slopesAt(const KIV_RAWINFO& raw, const Sight& sight) {
             return false;
     }
 
-    for (const Channel channel : {offX, offY}) {
-        const Source source = channel == offX ? Source::tiltOffsetX : Source::tiltOffsetY;
-        if (given[source] == 0 || !reads(mode, source))
-            continue;
-        Moved ends[2];
-        float values[2];
-        bool good = true;
-        for (int i = 0; i < 2; ++i) {
-            F_VECTOR2 offsets = tiltOffsets;
-            float& value = channel == offX ? offsets.x : offsets.y;
-            value = static_cast<float>(value + (i == 0 ? -given[source] : given[source]));
-            values[i] = value;
-            work.setTiltOffset(offsets);
-            good = good && update(raw, ends[i]);
-        }
-        work.setTiltOffset(tiltOffsets);
-        if (!good)
-            return false;
-        setSlope(channel, ends[0], ends[1], static_cast<double>(values[1]) - values[0]);
-    }
     return true;
 }
 
@@ -225,11 +213,15 @@ AngleTriple Propagation::part(Source source, const Sight& sight, AngleTriple Slo
         add(temp, 1);
         break;
     case Source::tiltOffsetX:
-        add(offX, 1);
+    case Source::tiltOffsetY: {
+        // Taken from the curve's value before the gain.
+        const Channel channel = source == Source::tiltOffsetX ? lx : ly;
+        const float* factor = thermalFactor + (channel == lx ? 0 : 2);
+        const double gain = static_cast<double>(factor[0]) * sight.temperature + factor[1];
+        if (slopes[channel].level != 0)
+            add(channel, -gain / slopes[channel].level);
         break;
-    case Source::tiltOffsetY:
-        add(offY, 1);
-        break;
+    }
     }
     return sum;
 }

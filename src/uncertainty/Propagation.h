@@ -32,19 +32,20 @@ public:
     // After the update that captured the reference.
     void captured(const CKiv& sensor, const KIV_RAWINFO& raw);
 
-    // After an update of the sensor that gave an orientation, from the same readings; at most 18
+    // After an update of the sensor that gave an orientation, from the same readings; at most 14
     // updates. False where the model has no orientation on both sides of the readings.
     bool of(const CKiv& sensor, const KIV_RAWINFO& raw, const KIV_INFO& info,
             AngleUncertainty& out);
 
 private:
-    // Quantities that are moved: an encoder and its offset act alike and are moved as one.
-    enum Channel : unsigned char { side, above, az, el, lx, ly, temp, offX, offY, channelCount };
+    // Quantities that are moved. A reading and its offset act alike and are moved as one.
+    enum Channel : unsigned char { side, above, az, el, lx, ly, temp, channelCount };
     // Per unit of the moved quantity: of the angles in radians, and the rotation of the model's
     // matrix in the instrument's frame, a rotation vector in radians.
     struct Slope {
         AngleTriple angles{};
         AngleTriple turn{};
+        double level = 0; // of the corrected level, degrees, where a level is moved
     };
     struct Sight;
 
@@ -63,7 +64,7 @@ private:
     Uncertainties given;
     int mode;
     bool local;
-    F_VECTOR2 tiltOffsets; // degrees
+    float thermalFactor[4];
     double localMatrix[9];
     std::array<Slope, channelCount> slopes;
     // Each source's rotation of the reference, in the instrument's frame.
