@@ -89,7 +89,7 @@ std::vector<Goal> allGoals() {
         goals.push_back({std::string(model.name) + " update with all uncertainties / without",
                          {ofMode("update_with_uncertainties", model.mode) + "/library"},
                          {ofMode("update", model.mode) + "/library"},
-                         21});
+                         20});
 
     const auto throughput = [&](const std::string& text, const std::string& operation, int mode,
                                 double bound) {

@@ -20,7 +20,7 @@ struct ReadingsOptions {
     // Standard uncertainties of the readings, where the angles' are wanted: a file, or numbers.
     std::string uncertaintyFile;
     std::optional<Uncertainties> uncertainties;
-    bool quiet = false;              // no progress, of the summary the counts alone
+    bool quiet = false; // no progress, of the summary the counts alone
 };
 
 } // namespace kiv::host
