@@ -85,7 +85,7 @@ TEST(Trust, EachReasonHasItsWord) {
         {"levels_disagree", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.2F; }},
         {"good", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.02F; }},
         {"outside_limits", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw = 20.1F; }},
-        {"seam", 9, {3, 1e-4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.01F; }},
+        {"seam", 9, {3, 1e-4, 20, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.01F; }},
     };
     for (const Row& row : rows) {
         CKiv sensor;
@@ -117,9 +117,9 @@ TEST(Trust, AReferenceThatIsNotGoodSpoilsTheLocalFrame) {
     }
 }
 
-// In the local frame, with uncertain parameters that act on reference and row at once, and a
-// vector's uncertainties by the line of sight, which no table of readings has.
-TEST(Propagation, AgreesWithDrawsOfReferenceParametersAndReadings) {
+// With uncertain parameters, which in the local frame act on reference and row at once, and a
+// vector's uncertainties by the line of sight.
+void expectAgreementWithDraws(bool machineFrame) {
     constexpr int draws = 4000;
     constexpr double tolerance = 0.06; // five deviations of a deviation of so many draws
     CKiv configured;
@@ -127,7 +127,7 @@ TEST(Propagation, AgreesWithDrawsOfReferenceParametersAndReadings) {
     double local[9];
     rotation_x(local, 0.4);
     configured.setLocalMatrix(local, 3);
-    configured.setMcsFlag(false);
+    configured.setMcsFlag(machineFrame);
     configured.setThermalFactor({0.01F, 0.8F, 0.02F, 0.6F});
     KIV_RAWINFO first = readingsAt(1, {3, 4, 90, 20});
     KIV_RAWINFO second = readingsAt(1, {2, 5, 120, 25, 30});
@@ -204,6 +204,13 @@ TEST(Propagation, AgreesWithDrawsOfReferenceParametersAndReadings) {
             EXPECT_NEAR(found.correlation[1], sums[0][2] / std::sqrt(sums[0][0] * sums[2][2]),
                         tolerance);
         }
+    }
+}
+
+TEST(Propagation, AgreesWithDrawsOfReferenceParametersAndReadings) {
+    for (const bool machineFrame : {true, false}) {
+        SCOPED_TRACE(machineFrame ? "machine" : "local");
+        expectAgreementWithDraws(machineFrame);
     }
 }
 
