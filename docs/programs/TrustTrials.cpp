@@ -20,8 +20,6 @@ using simulator::Pose;
 constexpr double singlePrecision = 2e-5; // degrees, of the reported angles
 constexpr double rightError = 0.001;     // degrees
 constexpr std::uint64_t seed = 20;
-// The angles' uncertainties are then 0.005 degrees and more at tilts to 5 and sights to 45.
-constexpr simulator::Noise noise{0.3, 0.01, 0.01};
 
 // Reported less true angles, degrees.
 AngleTriple residuals(const ExampleSensor& example, const Pose& pose, const KIV_INFO& info) {
@@ -36,7 +34,7 @@ double largest(const AngleTriple& values) {
     return std::max({std::abs(values[0]), std::abs(values[1]), std::abs(values[2])});
 }
 
-Uncertainties uncertainties() {
+Uncertainties uncertaintiesOf(const simulator::Noise& noise) {
     Uncertainties u;
     for (const Source source : {Source::vector1, Source::vector2, Source::vector3})
         u[source] = noise.vector;
@@ -110,9 +108,10 @@ BoundTrial tryBound(const Case& which, const Range& range, std::size_t count) {
     return result;
 }
 
-NoiseTrial tryNoise(int mode, const Range& range, std::size_t count) {
+NoiseTrial tryNoise(int mode, const simulator::Noise& noise, const Range& range,
+                    std::size_t count) {
     Trial trial(mode, range);
-    Propagation propagation(trial.example.sensor, uncertainties());
+    Propagation propagation(trial.example.sensor, uncertaintiesOf(noise));
     NoiseTrial result;
     result.leastUncertainty = INFINITY;
     for (std::size_t i = 0; i < count; ++i) {
@@ -148,7 +147,7 @@ NoiseTrial tryNoise(int mode, const Range& range, std::size_t count) {
 std::vector<double> tryMonteCarlo(int mode, const Range& range, std::size_t poses,
                                   std::size_t draws) {
     Trial trial(mode, range);
-    Propagation propagation(trial.example.sensor, uncertainties());
+    Propagation propagation(trial.example.sensor, uncertaintiesOf(usualNoise));
     std::vector<double> differences;
     for (std::size_t done = 0; done < poses;) {
         KIV_RAWINFO raw;
@@ -163,7 +162,7 @@ std::vector<double> tryMonteCarlo(int mode, const Range& range, std::size_t pose
         AngleTriple squares{};
         for (std::size_t i = 0; i < draws; ++i) {
             KIV_RAWINFO drawn = raw;
-            noise.addTo(drawn, trial.random);
+            usualNoise.addTo(drawn, trial.random);
             KIV_INFO info{};
             if (!trial.example.update(drawn, info))
                 throw std::runtime_error("no orientation of a draw");

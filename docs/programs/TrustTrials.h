@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "docs/programs/PoseErrors.h"
+#include "simulator/Noise.h"
 
 // Long simulations that try what the library says of its own results: the bounds and the
 // uncertainties of src/uncertainty/. All go the whole way of a host, in machine coordinates, with
@@ -25,6 +26,11 @@ struct BoundTrial {
 
 BoundTrial tryBound(const Case& which, const Range& range, std::size_t count);
 
+// Of the size that makes the angles' uncertainties 0.005 degrees and more at tilts to 5 and sights
+// to 45, and of the size of single precision's own steps.
+inline constexpr simulator::Noise usualNoise{0.3, 0.01, 0.01};
+inline constexpr simulator::Noise leastNoise{0.001, 1e-5, 1e-6};
+
 // Noisy readings: residuals of good rows over their standard uncertainty.
 struct NoiseTrial {
     std::size_t rows = 0;
@@ -34,10 +40,11 @@ struct NoiseTrial {
     std::array<double, 3> within2 = {};   // share within twice the uncertainty
 };
 
-NoiseTrial tryNoise(int mode, const Range& range, std::size_t count);
+NoiseTrial tryNoise(int mode, const simulator::Noise& noise, const Range& range, std::size_t count);
 
-// A Monte Carlo evaluation (JCGM 101) beside the propagation, at good rows: the difference of the
-// two's standard uncertainties as a part of the Monte Carlo's, of each row's three angles.
+// A Monte Carlo evaluation (JCGM 101) with the usual noise beside the propagation, at good rows:
+// the difference of the two's standard uncertainties as a part of the Monte Carlo's, of each row's
+// three angles.
 std::vector<double> tryMonteCarlo(int mode, const Range& range, std::size_t poses,
                                   std::size_t draws);
 
