@@ -10,6 +10,7 @@
 #include "host/HelpTexts.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/Readings.h"
+#include "host/tables/UncertaintyFile.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
 
@@ -31,8 +32,6 @@ CLI::Validator numberFrom(double least, double largest) {
     };
     return {check, ""};
 }
-
-constexpr double largestDeviation = 1e6;
 
 } // namespace
 

@@ -106,6 +106,8 @@ private:
             flat = Json::parse(text, take).is_object();
         } catch (const Json::parse_error& e) {
             return report(e.byte > 0 ? e.byte - 1 : 0, "JSON", shortest(e.byte));
+        } catch (const Json::out_of_range&) {
+            return report(0, "JSON with numbers within double precision", "a larger one");
         }
         return flat || report(0, "a JSON object of names and numbers", "another value");
     }
@@ -139,11 +141,12 @@ private:
     }
 
     bool entryIsNumber(const Entry& entry) const {
-        if (entry.value.is_number() && entry.value.get<double>() >= 0)
+        if (entry.value.is_number() && entry.value.get<double>() >= 0
+            && entry.value.get<double>() <= largestDeviation)
             return true;
         const std::size_t colon = text.find(':', entry.place + entry.name.size());
         const std::size_t value = text.find_first_not_of(" \t\r\n", colon + 1);
-        return report(value, "a number from 0 for " + kiv::quoted(entry.name),
+        return report(value, "a number from 0 to 1e6 for " + kiv::quoted(entry.name),
                       entry.value.is_null() ? "another value" : entry.value.dump());
     }
 
