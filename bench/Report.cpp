@@ -85,6 +85,12 @@ std::vector<Goal> allGoals() {
                          {ofMode("update", model.mode) + "/library"},
                          1.2});
 
+    for (const auto& model : models)
+        goals.push_back({std::string(model.name) + " update with all uncertainties / without",
+                         {ofMode("update_with_uncertainties", model.mode) + "/library"},
+                         {ofMode("update", model.mode) + "/library"},
+                         20});
+
     const auto throughput = [&](const std::string& text, const std::string& operation, int mode,
                                 double bound) {
         const std::string name = ofMode(operation, mode) + "/real_time/threads:";

@@ -10,6 +10,7 @@
 #include "host/commands/Simulate.h"
 #include "host/tables/Numbers.h"
 #include "support/MountMode.h"
+#include "uncertainty/Trust.h"
 
 namespace kiv::bench {
 
@@ -64,6 +65,8 @@ public:
 
         KIV_INFO info;
         cases.sensor.updateKIVData(raw, info);
+        const RowTrust row = trust.judge(cases.sensor, raw, info, false);
+        host::appendNumber(text, static_cast<float>(row.modelError));
         double matrix[9];
         const int code = cases.sensor.ReadMatrix(matrix);
         for (const float value :
@@ -86,6 +89,7 @@ private:
 
     SensorCases& cases;
     bool threeVector;
+    TrustJudge trust{cases.sensor, {-9, 9, -9, 9}};
 };
 
 void updateAndConvert(benchmark::State& state, int mode) {

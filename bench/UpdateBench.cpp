@@ -8,6 +8,7 @@
 #include "bench/Benchmark.h"
 #include "simulator/RandomPoses.h"
 #include "support/MountMode.h"
+#include "uncertainty/Propagation.h"
 
 namespace kiv::bench {
 
@@ -29,6 +30,20 @@ void updateInLocalFrame(benchmark::State& state, int mode) {
     cases.sensor.setMcsFlag(false);
     update(state, mode);
     cases.sensor.setMcsFlag(true);
+}
+
+// The standard uncertainties of all that can have one.
+void propagate(benchmark::State& state, int mode) {
+    SensorCases& cases = casesOf(mode);
+    Uncertainties uncertainties;
+    uncertainties.of.fill(0.01);
+    Propagation propagation(cases.sensor, uncertainties);
+    forEachCase(state, [&](std::size_t i) {
+        const KIV_INFO info = updated(cases.sensor, cases.readings[i]);
+        AngleUncertainty out;
+        propagation.of(cases.sensor, cases.readings[i], info, out);
+        return out;
+    });
 }
 
 // One of the readings that every mode uses is infinite or not a number.
@@ -81,6 +96,7 @@ void updateOnThreads(benchmark::State& state, int mode, bool shared) {
         add("update" + ofMode + "/library", update, mode);
         if (mode % 2 == 1)
             continue;
+        add("update_with_uncertainties" + ofMode + "/library", propagate, mode);
         if (!reportsOwnMatrix(mode))
             add("update_in_local_frame" + ofMode + "/library", updateInLocalFrame, mode);
         add("update_not_finite" + ofMode + "/library", updateNotFinite, mode);

@@ -10,6 +10,7 @@
 #include "host/HelpTexts.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/Readings.h"
+#include "host/tables/UncertaintyFile.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
 
@@ -31,8 +32,6 @@ CLI::Validator numberFrom(double least, double largest) {
     };
     return {check, ""};
 }
-
-constexpr double largestDeviation = 1e6;
 
 std::string shownText(const std::string& text) {
     const bool blank = text.find_first_not_of(' ') == text.npos;
@@ -146,7 +145,30 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     addTable(command, options.format, std::move(columns));
     command.add_option("--summary", options.summary);
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
+    command.add_flag("--strict", options.strict);
     command.add_flag("-q,--quiet", options.quiet);
+}
+
+// Each as the noise of simulate.
+void CommandLine::addUncertainties(CLI::App& command, ReadingsOptions& options) {
+    CLI::Option* file = command.add_option("--uncertainties", options.uncertaintyFile);
+    const auto uncertainty = [&](const char* name, std::initializer_list<Source> sources) {
+        command
+            .add_option_function<double>(
+                name,
+                [&options, all = std::vector<Source>(sources)](const double& value) {
+                    if (!options.uncertainties)
+                        options.uncertainties.emplace();
+                    for (const Source source : all)
+                        (*options.uncertainties)[source] = value;
+                })
+            ->excludes(file)
+            ->check(numberFrom(0, largestDeviation));
+    };
+    uncertainty("--u-vector", {Source::vector1, Source::vector2, Source::vector3});
+    uncertainty("--u-encoder", {Source::azimuth, Source::elevation});
+    uncertainty("--u-level", {Source::levelX, Source::levelY});
+    uncertainty("--u-temperature", {Source::temperature});
 }
 
 void CommandLine::addRun() {
@@ -154,6 +176,7 @@ void CommandLine::addRun() {
     addReadings(command, run);
     addKeep(command, run.format);
     command.add_flag("--stop-on-bad", run.stopOnBad);
+    addUncertainties(command, run);
 }
 
 void CommandLine::addReport() {

@@ -37,6 +37,7 @@ private:
     void addTable(CLI::App& command, TableFormat& format, std::vector<std::string_view> columns);
     void addKeep(CLI::App& command, TableFormat& format);
     void addReadings(CLI::App& command, ReadingsOptions& options);
+    void addUncertainties(CLI::App& command, ReadingsOptions& options);
     void addRun();
     void addReport();
     void addSimulate();

@@ -194,13 +194,6 @@ std::string digits(double value, int count) {
     return {text, end};
 }
 
-std::string tableLine(const std::vector<std::string>& cells) {
-    std::string line = "|";
-    for (const std::string& cell : cells)
-        line += ' ' + cell + " |";
-    return line;
-}
-
 void append(std::vector<std::string>& cells, const Errors& errors, bool roundingDecides = false) {
     for (const double value : {errors.median, errors.largest})
         cells.push_back(roundingDecides ? docs::about + digits(value, 1) : digits(value, 2));
@@ -208,15 +201,16 @@ void append(std::vector<std::string>& cells, const Errors& errors, bool rounding
 
 // Every model at three tilts and two steepnesses.
 void addModelTable(std::vector<std::string>& lines) {
-    lines.push_back(tableLine({"Model", "Modes", "Case", "Sights to", "Tilts to 0.5: median",
-                               "largest", "to 5: median", "largest", "to 20: median", "largest"}));
+    lines.push_back(
+        docs::tableLine({"Model", "Modes", "Case", "Sights to", "Tilts to 0.5: median", "largest",
+                         "to 5: median", "largest", "to 20: median", "largest"}));
     lines.push_back("|---|---|---|---|---|---|---|---|---|---|");
     for (const Row& row : models)
         for (const double steep : steepest) {
             std::vector<std::string> cells{row.model, row.modes, row.text, digits(steep, 2)};
             for (const double tilt : tilts)
                 append(cells, docs::modelErrors(row.which, {tilt, steep}));
-            lines.push_back(tableLine(cells));
+            lines.push_back(docs::tableLine(cells));
         }
     for (const double steep : steepest) {
         std::vector<std::string> h{"Home angles", "", "horizontal", digits(steep, 2)};
@@ -226,14 +220,14 @@ void addModelTable(std::vector<std::string>& lines) {
             append(h, errors.horizontal);
             append(v, errors.vertical);
         }
-        lines.push_back(tableLine(h));
-        lines.push_back(tableLine(v));
+        lines.push_back(docs::tableLine(h));
+        lines.push_back(docs::tableLine(v));
     }
 }
 
 // Every mode through a whole update.
 void addUpdateTable(std::vector<std::string>& lines) {
-    lines.push_back(tableLine({"Model", "Mode", "Case", "Median", "Largest"}));
+    lines.push_back(docs::tableLine({"Model", "Mode", "Case", "Median", "Largest"}));
     lines.push_back("|---|---|---|---|---|");
     for (const Row& row : models) {
         if (row.which.mount)
@@ -243,18 +237,18 @@ void addUpdateTable(std::vector<std::string>& lines) {
             one.modes = {mode};
             std::vector<std::string> cells{row.model, std::to_string(mode), row.text};
             append(cells, docs::updateErrors(one, row.range));
-            lines.push_back(tableLine(cells));
+            lines.push_back(docs::tableLine(cells));
         }
     }
 }
 
 void addEdgeTable(std::vector<std::string>& lines) {
-    lines.push_back(tableLine({"Model", "Modes", "At the edge", "Median", "Largest"}));
+    lines.push_back(docs::tableLine({"Model", "Modes", "At the edge", "Median", "Largest"}));
     lines.push_back("|---|---|---|---|---|");
     for (const Row& row : edges) {
         std::vector<std::string> cells{row.model, row.modes, row.text};
         append(cells, docs::modelErrors(row.which, row.range), row.roundingDecides);
-        lines.push_back(tableLine(cells));
+        lines.push_back(docs::tableLine(cells));
     }
 }
 
@@ -264,8 +258,7 @@ int run(int argc, char** argv) {
     addUpdateTable(lines);
     addEdgeTable(lines);
     if (argc == 1) {
-        for (const std::string& line : lines)
-            std::cout << (line.starts_with("| Model") ? "\n" : "") << line << '\n';
+        docs::printTables(lines, std::cout);
         return 0;
     }
     if (argc != 3 || std::string_view(argv[1]) != "--check") {
@@ -273,7 +266,9 @@ int run(int argc, char** argv) {
         return 2;
     }
     std::ifstream page(argv[2]);
-    return docs::sameTables(docs::tableLines(page), lines, std::cerr) ? 0 : 1;
+    return docs::sameTables(docs::tableLines(page, docs::trustSection, false), lines, std::cerr)
+               ? 0
+               : 1;
 }
 
 } // namespace

@@ -38,12 +38,29 @@ bool sameLine(const std::string& page, const std::string& computed) {
 
 } // namespace
 
-std::vector<std::string> tableLines(std::istream& page) {
+std::vector<std::string> tableLines(std::istream& page, const std::string& section, bool inside) {
     std::vector<std::string> lines;
-    for (std::string line; std::getline(page, line);)
-        if (line.starts_with('|'))
+    bool within = false;
+    for (std::string line; std::getline(page, line);) {
+        if (line.starts_with("## "))
+            within = line == section;
+        if (line.starts_with('|') && within == inside)
             lines.push_back(line);
+    }
     return lines;
+}
+
+std::string tableLine(const std::vector<std::string>& cells) {
+    std::string line = "|";
+    for (const std::string& cell : cells)
+        line += ' ' + cell + " |";
+    return line;
+}
+
+void printTables(const std::vector<std::string>& lines, std::ostream& out) {
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        out << (i + 1 < lines.size() && lines[i + 1].starts_with("|---") ? "\n" : "") << lines[i]
+            << '\n';
 }
 
 bool sameTables(const std::vector<std::string>& page, const std::vector<std::string>& computed,

@@ -7,8 +7,16 @@
 // Markdown tables on a page of the documentation.
 namespace kiv::docs {
 
-// The lines of every table on a page.
-std::vector<std::string> tableLines(std::istream& page);
+// The section of docs/accuracy.md whose tables are another program's than the others.
+inline const std::string trustSection = "## Trust and uncertainty";
+
+// The lines of every table of a page's section, given by its heading, or of all others.
+std::vector<std::string> tableLines(std::istream& page, const std::string& section, bool inside);
+
+std::string tableLine(const std::vector<std::string>& cells);
+
+// An empty line in front of each table.
+void printTables(const std::vector<std::string>& lines, std::ostream& out);
 
 // In front of a number of which only the size is known.
 inline const std::string about = "about ";

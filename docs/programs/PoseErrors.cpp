@@ -4,10 +4,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "KIVInterface/ConfigureSensor.h"
-#include "sensor/SensorAccess.h"
-#include "sensor/Update.h"
-#include "simulator/InverseCalibration.h"
+#include "docs/programs/ExampleSensor.h"
 #include "simulator/TypicalMounting.h"
 #include "support/ZelUtil.h"
 #include "tests/ModelCases.h"
@@ -73,32 +70,6 @@ Computation modelError(const Mounting& mounting) {
     };
 }
 
-// The example sensor in another mount mode, from a raw reading to the reported angles.
-struct ExampleSensor {
-    explicit ExampleSensor(int mode) {
-        const std::string folder = std::string(KIV_SENSORS "/mode") + std::to_string(mode);
-        if (record.ReadCalibrationFile(folder.c_str(), 5) != KIV_OK
-            || configureSensor(sensor, record) != KIV_OK)
-            throw std::runtime_error("cannot use the parameter file in " + folder);
-        record.getMachineMatrix(machine, 3);
-    }
-
-    // The first measurement becomes the reference and has no angles: it is repeated.
-    KIV_INFO update(const KIV_RAWINFO& raw) {
-        KIV_INFO info;
-        UpdateOutcome outcome = SensorUpdate::run(sensor, raw, info);
-        if (outcome == UpdateOutcome::reference)
-            outcome = SensorUpdate::run(sensor, raw, info);
-        if (outcome != UpdateOutcome::oriented)
-            throw noOrientation(SensorAccess::mountMode(sensor));
-        return info;
-    }
-
-    CKivPrm record;
-    CKiv sensor;
-    double machine[9];
-};
-
 void rotationOf(const KIV_INFO& info, double* out) {
     double rx[9];
     double ry[9];
@@ -111,17 +82,16 @@ void rotationOf(const KIV_INFO& info, double* out) {
     MatrixMultiply(product, rz, 3, 3, 3, out);
 }
 
-Computation updateError(const std::shared_ptr<ExampleSensor>& example, int mode) {
-    const auto calibration = std::make_shared<simulator::InverseCalibration>(example->record);
+Computation updateError(const std::shared_ptr<ExampleSensor>& example) {
     return [=](const Pose& pose, const Readings& readings) {
-        KIV_RAWINFO raw{};
-        raw.status = 2;
-        calibration->rawReadings(pose, readings, 21, raw);
+        KIV_INFO info;
+        if (!example->update(example->rawOf(pose, readings), info))
+            throw noOrientation(example->mounting.mode);
         double reported[9];
-        rotationOf(example->update(raw), reported);
-        double inMachine[9];
-        MatrixMultiply(example->machine, pose.rotation, 3, 3, 3, inMachine);
-        return test::degreesApart(reported, mode >= 7 ? pose.rotation : inMachine);
+        rotationOf(info, reported);
+        double expected[9];
+        example->trueRotation(pose, expected);
+        return test::degreesApart(reported, expected);
     };
 }
 
@@ -148,9 +118,9 @@ Errors modelErrors(const Case& which, const Range& range) {
 
 Errors updateErrors(const Case& which, const Range& range) {
     return errorsOverModes(which, [&](int mode, std::size_t count) {
-        const auto example = std::make_shared<ExampleSensor>(mode);
-        const Mounting mounting = simulator::mountingOf(example->record);
-        return errorsIn(which, mounting, range, count, updateError(example, mode));
+        const auto example =
+            std::make_shared<ExampleSensor>(KIV_SENSORS "/mode" + std::to_string(mode));
+        return errorsIn(which, example->mounting, range, count, updateError(example));
     });
 }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <iterator>
 #include <ostream>
+#include <span>
 
 #include "host/tables/ReadingsRun.h"
 #include "sensor/SensorAccess.h"
@@ -16,8 +17,9 @@ namespace kiv::host {
 namespace {
 
 // Behind the carried columns. Angles are degrees; m<row><column> is the result matrix, code that of
-// ReadMatrix.
-constexpr std::array<std::string_view, 22> resultColumns{"state",
+// ReadMatrix. The last six are there where they are asked for: uncertainties, and in the local
+// frame those of the reference.
+constexpr std::array<std::string_view, 30> resultColumns{"state",
                                                          "reason",
                                                          "azimuth_corrected_deg",
                                                          "elevation_corrected_deg",
@@ -38,10 +40,25 @@ constexpr std::array<std::string_view, 22> resultColumns{"state",
                                                          "m20",
                                                          "m21",
                                                          "m22",
-                                                         "code"};
+                                                         "code",
+                                                         "trust",
+                                                         "model_error_deg",
+                                                         "u_rx_deg",
+                                                         "u_ry_deg",
+                                                         "u_rz_deg",
+                                                         "u_reference_rx_deg",
+                                                         "u_reference_ry_deg",
+                                                         "u_reference_rz_deg"};
+
+std::span<const std::string_view> columnsOf(const ReadingsRun& run) {
+    const std::size_t left = !run.withUncertainties() ? 6 : run.localFrame() ? 0 : 3;
+    return std::span(resultColumns).first(resultColumns.size() - left);
+}
 
 // What the update did not compute, and what is no number, stays empty.
-void appendResult(std::string& text, const RowResult& result, int mode, const Table& table) {
+void appendResult(std::string& text, const RowResult& result, const ReadingsRun& run) {
+    const Table& table = run.table();
+    const int mode = run.mountMode();
     const char separator = table.separator();
     char row[32 * resultColumns.size()]; // no number takes more
     char* end = row;
@@ -66,6 +83,21 @@ void appendResult(std::string& text, const RowResult& result, int mode, const Ta
     cells(info.qvc, 3, modelled && threeVector);
     cells(result.matrix, 9, oriented && !threeVector);
     cells(&result.code, 1, reached);
+    *end++ = separator;
+    if (oriented)
+        for (const char* word = wordOf(result.trust.trust); *word; ++word)
+            *end++ = *word;
+    const auto modelError = static_cast<float>(result.trust.modelError);
+    cells(&modelError, 1, oriented);
+    const auto triple = [&](const AngleTriple& values) {
+        const float digits[] = {static_cast<float>(values[0]), static_cast<float>(values[1]),
+                                static_cast<float>(values[2])};
+        cells(digits, 3, result.hasUncertainty);
+    };
+    if (run.withUncertainties())
+        triple(result.uncertainty.standard);
+    if (run.withUncertainties() && run.localFrame())
+        triple(result.uncertainty.reference);
     *end++ = '\n';
     text += rowStateNames[static_cast<std::size_t>(result.state)];
     text.push_back(separator);
@@ -85,13 +117,13 @@ int runReadings(const RunOptions& options, const Streams& streams) {
     const Table& table = run.table();
     std::string& text = run.output().text();
     table.appendCarriedNames(text);
-    for (const std::string_view name : resultColumns)
+    for (const std::string_view name : columnsOf(run))
         text.append(name).push_back(table.separator());
     text.back() = '\n';
 
     run.forEach([&](const RowResult& result, const auto&, bool inputWouldWait) {
         table.appendCarriedCells(text);
-        appendResult(text, result, run.mountMode(), table);
+        appendResult(text, result, run);
         return run.output().endRow(inputWouldWait)
                && (!options.stopOnBad || run.summary().allGood());
     });

@@ -27,6 +27,7 @@ void Summary::add(const RowResult& result, std::size_t line,
         reference = line;
     if (result.state != RowState::ok)
         return;
+    ++trusts[static_cast<std::size_t>(result.trust.trust)];
     const std::array<double, 3> values{result.info.rx, result.info.ry, result.info.rz};
     for (std::size_t i = 0; i < 3; ++i)
         angles[i].add(values[i]);
@@ -63,15 +64,20 @@ void Summary::printCounts(std::ostream& out) const {
         separator = ", ";
     }
     out << '\n';
-    separator = "reasons: ";
-    for (std::size_t i = 1; i < reasons.size(); ++i) {
-        if (reasons[i] == 0)
-            continue;
-        out << separator << reasons[i] << ' ' << reasonWords[i].word;
-        separator = ", ";
-    }
-    if (*separator == ',')
-        out << '\n';
+    const auto list = [&](const char* start, const auto& numbers, std::size_t from, auto word) {
+        separator = start;
+        for (std::size_t i = from; i < numbers.size(); ++i) {
+            if (numbers[i] == 0)
+                continue;
+            out << separator << numbers[i] << ' ' << word(i);
+            separator = ", ";
+        }
+        if (*separator == ',')
+            out << '\n';
+    };
+    list("reasons: ", reasons, 1, [](std::size_t i) { return reasonWords[i].word; });
+    if (!allTrusted())
+        list("trust: ", trusts, 0, [](std::size_t i) { return trustWords[i]; });
 }
 
 void Summary::printStatistics(std::ostream& out) const {

@@ -23,6 +23,9 @@ public:
     bool allGood() const {
         return count(RowState::noOrientation) == 0 && count(RowState::refused) == 0;
     }
+    // Of the rows in state ok.
+    bool allTrusted() const { return count(Trust::good) == count(RowState::ok); }
+    std::size_t count(Trust trust) const { return trusts[static_cast<std::size_t>(trust)]; }
     std::size_t rows() const;
     std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
     std::size_t count(Reason reason) const { return reasons[static_cast<std::size_t>(reason)]; }
@@ -48,6 +51,7 @@ private:
     bool residualFigures;
     std::array<std::size_t, rowStateNames.size()> counts{};
     std::array<std::size_t, reasonWords.size()> reasons{};
+    std::array<std::size_t, trustWords.size()> trusts{};
     std::size_t reference = 0;
     std::array<Statistics, 3> angles;
     std::size_t withTruth = 0;

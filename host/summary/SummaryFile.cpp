@@ -33,11 +33,13 @@ Json residualOf(const Summary::Residual& residual) {
 } // namespace
 
 std::string summaryText(const Summary& summary, const ReadingsOptions& options, int mountMode) {
-    Json states, reasons, angles, residuals;
+    Json states, reasons, trust, angles, residuals;
     for (std::size_t i = 0; i < rowStateNames.size(); ++i)
         states[rowStateNames[i]] = summary.count(static_cast<RowState>(i));
     for (std::size_t i = 1; i < reasonWords.size(); ++i)
         reasons[reasonWords[i].word] = summary.count(static_cast<Reason>(i));
+    for (std::size_t i = 0; i < trustWords.size(); ++i)
+        trust[trustWords[i]] = summary.count(static_cast<Trust>(i));
     for (std::size_t i = 0; i < angleNames.size(); ++i) {
         angles[angleNames[i]] = figuresOf(summary.angle(i));
         residuals[angleNames[i]] = residualOf(summary.residual(i));
@@ -52,6 +54,7 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
         {"rows", summary.rows()},
         {"states", states},
         {"reasons", reasons},
+        {"trust", trust},
         {"reference_line", summary.referenceLine() > 0 ? Json(summary.referenceLine()) : Json()},
         {"angles", angles},
         {"compared_rows", summary.compared()},

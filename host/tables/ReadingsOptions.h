@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/tables/TableFormat.h"
+#include "uncertainty/Uncertainties.h"
 
 namespace kiv::host {
 
@@ -15,7 +16,11 @@ struct ReadingsOptions {
     TableFormat format;
     std::string summary;             // a file for the summary, where one is wanted
     std::optional<double> tolerance; // of every angle against its true one, degrees
-    bool quiet = false;              // no progress, of the summary the counts alone
+    bool strict = false;             // rows that are not good count for the exit code
+    // Standard uncertainties of the readings, where the angles' are wanted: a file, or numbers.
+    std::string uncertaintyFile;
+    std::optional<Uncertainties> uncertainties;
+    bool quiet = false; // no progress, of the summary the counts alone
 };
 
 } // namespace kiv::host

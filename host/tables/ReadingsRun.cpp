@@ -4,14 +4,16 @@
 
 #include "host/parameters/ParameterFile.h"
 #include "host/summary/SummaryFile.h"
+#include "host/tables/UncertaintyFile.h"
 #include "sensor/SensorAccess.h"
-#include "support/MountMode.h"
 
 namespace kiv::host {
 
 bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* facts) {
     const auto overwrites = [&](const std::string& output) {
-        return refuseOverwriting(output, {options.parameterFile, options.readings}, streams.err);
+        return refuseOverwriting(output,
+                                 {options.parameterFile, options.readings, options.uncertaintyFile},
+                                 streams.err);
     };
     if (!loadSensor(options.parameterFile, parameters, sensor, streams.err, facts)
         || overwrites(options.output) || overwrites(options.summary))
@@ -21,6 +23,8 @@ bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* fa
     const bool knowsFrames = !reportsOwnMatrix(mode);
     if (options.localFrame && !knowsFrames)
         streams.err << "kiv: --frame local has no effect in mount mode " << mode << '\n';
+    if (!readUncertainties())
+        return false;
     if (!readings.open(options.readings, readingColumns, results, options.format, streams,
                        facts ? &facts->readings : nullptr))
         return false;
@@ -34,6 +38,23 @@ bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* fa
         return false;
     }
     return written.open(options.output, streams);
+}
+
+F_VECTOR4 ReadingsRun::levelLimits() {
+    F_VECTOR4 limits{};
+    parameters.GetKIVLevelLimits(limits);
+    return limits;
+}
+
+bool ReadingsRun::readUncertainties() {
+    uncertainties = options.uncertainties;
+    if (options.uncertaintyFile.empty())
+        return true;
+    if (options.uncertaintyFile == "-" && options.readings == "-") {
+        streams.err << "kiv: expected readings or uncertainties from standard input, found both\n";
+        return false;
+    }
+    return host::readUncertainties(options.uncertaintyFile, mode, uncertainties.emplace(), streams);
 }
 
 bool ReadingsRun::writeSummary() const {
@@ -63,7 +84,8 @@ int ReadingsRun::finish() {
     const bool close = withinTolerance();
     if (Interrupt::requested())
         return interrupted;
-    return rows.allGood() && close ? allGood : someRowsBad;
+    const bool trusted = !options.strict || rows.allTrusted();
+    return rows.allGood() && close && trusted ? allGood : someRowsBad;
 }
 
 } // namespace kiv::host

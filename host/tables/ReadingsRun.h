@@ -13,6 +13,7 @@
 #include "host/tables/RowLoop.h"
 #include "host/tables/RowResult.h"
 #include "host/tables/TableInput.h"
+#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -28,6 +29,9 @@ public:
 
     CKivPrm& record() { return parameters; }
     int mountMode() const { return mode; }
+    bool withUncertainties() const { return uncertainties.has_value(); }
+    // Whether the angles are those of the motion since the reference.
+    bool localFrame() const { return options.localFrame && !reportsOwnMatrix(mode); }
     const TableInput& input() const { return readings; }
     const Table& table() const { return readings.table(); }
     Output& output() { return written; }
@@ -38,7 +42,7 @@ public:
     template <typename Each>
     void forEach(Each each) {
         Progress progress(streams.err, streams.errIsTerminal && !options.quiet, readings.size());
-        RowRunner runner(sensor, readings.table());
+        RowRunner runner(sensor, readings.table(), levelLimits(), uncertainties);
         RowResult result;
         const auto next = [&] { return runner.next(result); };
         forEachRow(table(), next, [&](bool inputWouldWait) {
@@ -53,6 +57,8 @@ public:
     int finish();
 
 private:
+    F_VECTOR4 levelLimits();
+    bool readUncertainties();
     bool writeSummary() const;
     bool withinTolerance() const;
 
@@ -61,6 +67,7 @@ private:
     CKivPrm parameters;
     CKiv sensor;
     int mode = 0;
+    std::optional<Uncertainties> uncertainties;
     TableInput readings;
     Output written;
     std::optional<Truth> truth;

@@ -61,8 +61,24 @@ bool allNumbers(const CKiv& sensor, const KIV_INFO& info) {
 
 } // namespace
 
-RowRunner::RowRunner(CKiv& kiv, Table& readings)
-    : sensor(kiv), table(readings), mode(SensorAccess::mountMode(kiv)) {}
+RowRunner::RowRunner(CKiv& kiv, Table& readings, const F_VECTOR4& levelLimits,
+                     const std::optional<Uncertainties>& uncertainties)
+    : sensor(kiv), table(readings), mode(SensorAccess::mountMode(kiv)), trust(kiv, levelLimits) {
+    if (uncertainties)
+        propagation.emplace(kiv, *uncertainties);
+}
+
+void RowRunner::judge(RowResult& result) {
+    const bool reference = result.state == RowState::reference;
+    result.trust = trust.judge(sensor, result.raw, result.info, reference);
+    if (!propagation)
+        return;
+    if (reference)
+        propagation->captured(sensor, result.raw);
+    else
+        result.hasUncertainty =
+            propagation->of(sensor, result.raw, result.info, result.uncertainty);
+}
 
 bool RowRunner::next(RowResult& result) {
     if (!table.nextRow())
@@ -77,8 +93,10 @@ bool RowRunner::next(RowResult& result) {
     result.state = stateOf(outcome);
     if (outcome > UpdateOutcome::modelFailed && !allNumbers(sensor, result.info))
         result.state = RowState::noOrientation;
-    if (result.state == RowState::ok || result.state == RowState::reference)
+    if (result.state == RowState::ok || result.state == RowState::reference) {
+        judge(result);
         return true;
+    }
 
     if (result.state == RowState::status)
         result.reason = Reason::status;

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <array>
+#include <optional>
 
 #include "KIVInterface/Records.h"
 #include "host/tables/Readings.h"
+#include "uncertainty/Propagation.h"
+#include "uncertainty/Trust.h"
 
 class CKiv;
 
@@ -29,20 +32,30 @@ struct RowResult {
     KIV_INFO info{};
     double matrix[9] = {};
     int code = 0; // of ReadMatrix
+    // In state ok.
+    RowTrust trust{};
+    bool hasUncertainty = false;
+    AngleUncertainty uncertainty{};
 };
 
 // Takes the rows of a table of readings through a sensor.
 class RowRunner {
 public:
-    RowRunner(CKiv& sensor, Table& table);
+    // Limits as the record has them; without uncertainties of the readings the angles get none.
+    RowRunner(CKiv& sensor, Table& table, const F_VECTOR4& levelLimits,
+              const std::optional<Uncertainties>& uncertainties);
 
     // The next row's result, whatever is wrong with it reported; false at the end of the table.
     bool next(RowResult& result);
 
 private:
+    void judge(RowResult& result);
+
     CKiv& sensor;
     Table& table;
     int mode;
+    TrustJudge trust;
+    std::optional<Propagation> propagation;
 };
 
 } // namespace kiv::host

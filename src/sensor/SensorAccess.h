@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "KIVInterface/CKiv.h"
 
 namespace kiv {
@@ -10,15 +12,28 @@ struct SensorAccess {
     static const CKivModel* model(const CKiv& sensor) { return sensor.model.get(); }
     static int mountMode(const CKiv& sensor) { return sensor.mountMode; }
     static const double* transform(const CKiv& sensor) { return sensor.transform; }
+    static const double* result(const CKiv& sensor) { return sensor.result; }
+    static bool mcsFlag(const CKiv& sensor) { return sensor.mcsFlag; }
     static const double* encoderOffset(const CKiv& sensor) { return sensor.encoderOffset; }
+    static const double* localMatrix(const CKiv& sensor) { return sensor.localMatrix; }
     static const double* localInverse(const CKiv& sensor) { return sensor.localInverse; }
+    static const float* thermalFactor(const CKiv& sensor) { return sensor.thermalFactor; }
+    static const float* scaleFactors(const CKiv& sensor) { return sensor.scaleFactors; }
     static const float* level1Parameters(const CKiv& sensor) { return sensor.level1Parameters; }
+    static const float* level2Parameters(const CKiv& sensor) { return sensor.level2Parameters; }
     static const float* qvcParameters(const CKiv& sensor) { return sensor.qvcParameters; }
     static int levelXCount(const CKiv& sensor) { return sensor.levelXCount; }
     static const float* levelXTable(const CKiv& sensor) { return sensor.levelXTable.get(); }
     static const double* levelXSpline(const CKiv& sensor) { return sensor.levelXSpline.get(); }
+    static int levelYCount(const CKiv& sensor) { return sensor.levelYCount; }
     static const float* levelYTable(const CKiv& sensor) { return sensor.levelYTable.get(); }
     static const float* azimuthComp(const CKiv& sensor) { return sensor.azimuthComp.get(); }
+
+    // The reference orientation of another sensor, as if captured.
+    static void takeReference(CKiv& sensor, const CKiv& from) {
+        std::copy_n(from.refInverse, 9, sensor.refInverse);
+        sensor.referenceSet = true;
+    }
 };
 
 } // namespace kiv

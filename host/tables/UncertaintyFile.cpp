@@ -1,0 +1,182 @@
+#include "host/tables/UncertaintyFile.h"
+
+#include <algorithm>
+#include <array>
+#include <istream>
+#include <iterator>
+#include <optional>
+#include <ostream>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "host/Files.h"
+#include "host/tables/Numbers.h"
+#include "params/Quoted.h"
+
+namespace kiv::host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Name {
+    std::string_view text;
+    std::array<std::optional<Source>, 2> sources; // one or two alike
+    bool bySight = false;
+};
+
+constexpr std::array<Name, 14> names{{
+    {"x", {Source::vector1, {}}},
+    {"y", {Source::vector2, {}}},
+    {"z", {Source::vector3, {}}},
+    {"vector_along", {Source::vector1, {}}, true},
+    {"vector_across", {Source::vector2, Source::vector3}, true},
+    {"azimuth_deg", {Source::azimuth, {}}},
+    {"elevation_deg", {Source::elevation, {}}},
+    {"level_x", {Source::levelX, {}}},
+    {"level_y", {Source::levelY, {}}},
+    {"temperature", {Source::temperature, {}}},
+    {"azimuth_offset_deg", {Source::azimuthOffset, {}}},
+    {"elevation_offset_deg", {Source::elevationOffset, {}}},
+    {"tilt_offset_x_deg", {Source::tiltOffsetX, {}}},
+    {"tilt_offset_y_deg", {Source::tiltOffsetY, {}}},
+}};
+
+constexpr bool ofVector(Source source) {
+    return source <= Source::vector3;
+}
+
+struct Entry {
+    std::string name;
+    Json value;
+    std::size_t place; // of the name in the text
+};
+
+class UncertaintyReader {
+public:
+    UncertaintyReader(const std::string& fileName, std::string content, std::ostream& messages)
+        : file(fileName), text(std::move(content)), err(messages) {}
+
+    bool read(int mode, Uncertainties& uncertainties) {
+        if (!parse())
+            return false;
+        bool good = true;
+        const Entry* vector = nullptr; // the first entry of it
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            const Entry& entry = entries[i];
+            const Name* name = known(entry, i, mode);
+            if (!name || !entryIsNumber(entry)) {
+                good = false;
+                continue;
+            }
+            if (ofVector(*name->sources[0])) {
+                if (vector && name->bySight != uncertainties.bySight)
+                    good = report(entry.place, "x, y and z, or vector_along and vector_across",
+                                  kiv::quoted(vector->name) + " and " + kiv::quoted(entry.name));
+                vector = vector ? vector : &entry;
+                uncertainties.bySight = name->bySight;
+            }
+            for (const std::optional<Source>& source : name->sources)
+                if (source)
+                    uncertainties[*source] = entry.value.get<double>();
+        }
+        return good;
+    }
+
+private:
+    bool parse() {
+        bool flat = true;
+        std::size_t from = 0;
+        const auto take = [&](int depth, Json::parse_event_t event, Json& parsed) {
+            if (event == Json::parse_event_t::key && depth == 1) {
+                const auto name = parsed.get<std::string>();
+                const std::size_t found = text.find('"' + name + '"', from);
+                from = found == text.npos ? from : found + 1;
+                entries.push_back({name, {}, found == text.npos ? 0 : found});
+            } else if (event == Json::parse_event_t::value && depth == 1 && !entries.empty()) {
+                entries.back().value = parsed;
+                from = std::max(from, entries.back().place + entries.back().name.size() + 2);
+            }
+            return true;
+        };
+        try {
+            flat = Json::parse(text, take).is_object();
+        } catch (const Json::parse_error& e) {
+            return report(e.byte > 0 ? e.byte - 1 : 0, "JSON", shortest(e.byte));
+        } catch (const Json::out_of_range&) {
+            return report(0, "JSON with numbers within double precision", "a larger one");
+        }
+        return flat || report(0, "a JSON object of names and numbers", "another value");
+    }
+
+    std::string shortest(std::size_t byte) const {
+        return byte == 0 || byte > text.size() ? "the end" : kiv::quoted(text.substr(byte - 1, 1));
+    }
+
+    const Name* known(const Entry& entry, std::size_t i, int mode) const {
+        const auto name = std::find_if(names.begin(), names.end(),
+                                       [&](const Name& each) { return each.text == entry.name; });
+        if (name == names.end()) {
+            std::string all;
+            for (const Name& each : names)
+                all.append(all.empty() ? "one of " : ", ").append(each.text);
+            report(entry.place, all, kiv::quoted(entry.name));
+            return nullptr;
+        }
+        if (!reads(mode, *name->sources[0])) {
+            report(entry.place, "what mount mode " + std::to_string(mode) + " reads",
+                   kiv::quoted(entry.name));
+            return nullptr;
+        }
+        const auto same = [&](const Entry& each) { return each.name == entry.name; };
+        const auto before = entries.begin() + static_cast<std::ptrdiff_t>(i);
+        if (std::any_of(entries.begin(), before, same)) {
+            report(entry.place, "each name once", kiv::quoted(entry.name) + " again");
+            return nullptr;
+        }
+        return &*name;
+    }
+
+    bool entryIsNumber(const Entry& entry) const {
+        if (entry.value.is_number() && entry.value.get<double>() >= 0
+            && entry.value.get<double>() <= largestDeviation)
+            return true;
+        const std::size_t colon = text.find(':', entry.place + entry.name.size());
+        const std::size_t value = text.find_first_not_of(" \t\r\n", colon + 1);
+        return report(value, "a number from 0 to 1e6 for " + kiv::quoted(entry.name),
+                      entry.value.is_null() ? "another value" : entry.value.dump());
+    }
+
+    // At a byte of the text; always false.
+    bool report(std::size_t place, std::string_view expected, std::string_view found) const {
+        const std::string_view before = std::string_view(text).substr(0, place);
+        const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+        const std::size_t start = before.rfind('\n');
+        const std::size_t column = place - (start == before.npos ? 0 : start + 1) + 1;
+        err << file << ':' << line << ':' << column << ": expected " << expected << ", found "
+            << found << '\n';
+        return false;
+    }
+
+    const std::string& file;
+    std::string text;
+    std::ostream& err;
+    std::vector<Entry> entries;
+};
+
+} // namespace
+
+bool readUncertainties(const std::string& file, int mountMode, Uncertainties& uncertainties,
+                       const Streams& streams) {
+    Input input;
+    if (!input.open(file, streams))
+        return false;
+    std::string text{std::istreambuf_iterator<char>(input.stream()), {}};
+    return UncertaintyReader(input.name(), std::move(text), streams.err)
+        .read(mountMode, uncertainties);
+}
+
+} // namespace kiv::host

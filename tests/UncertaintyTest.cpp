@@ -1,0 +1,236 @@
+// How far a row can be trusted: what docs/programs/TrustTrials.cpp does not try.
+
+#include <array>
+#include <cmath>
+#include <functional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "sensor/SensorAccess.h"
+#include "sensor/Update.h"
+#include "simulator/Mounting.h"
+#include "simulator/Random.h"
+#include "tests/Allocations.h"
+#include "tests/PreparedSensor.h"
+#include "uncertainty/Propagation.h"
+#include "uncertainty/Trust.h"
+
+namespace {
+
+using namespace kiv;
+using simulator::Pose;
+using test::prepare;
+
+constexpr F_VECTOR4 limits{-19, 19, -19, 19};
+
+// A sensor of test::prepare in a pose: its raw readings are the corrected ones.
+struct Place {
+    double pitch, roll;        // degrees
+    double azimuth, elevation; // of the measured direction, degrees
+    double yaw = 0;
+};
+
+KIV_RAWINFO readingsAt(int mode, const Place& place) {
+    simulator::Mounting m;
+    m.mode = mode;
+    m.level1Parameters[3] = -30;
+    m.level2Parameters[3] = -65;
+    Pose pose;
+    simulator::rotationFromYawPitchRoll(place.yaw, place.pitch,
+                                        place.roll + (simulator::invertedIn(mode) ? 180 : 0),
+                                        pose.rotation);
+    const double azimuth = place.azimuth * simulator::radians;
+    const double elevation = place.elevation * simulator::radians;
+    pose.position[0] = 4000 * std::cos(elevation) * std::cos(azimuth);
+    pose.position[1] = 4000 * std::cos(elevation) * std::sin(azimuth);
+    pose.position[2] = 4000 * std::sin(elevation);
+    simulator::Readings readings;
+    EXPECT_TRUE(simulator::readingsOf(m, pose, readings));
+    KIV_RAWINFO raw = test::goodReading();
+    for (int i = 0; i < 3; ++i)
+        raw.vector[i] = static_cast<float>(pose.position[i]);
+    raw.azimuthRaw = static_cast<float>(readings.azimuth);
+    raw.elevationRaw = static_cast<float>(readings.elevation);
+    raw.levelXRaw = static_cast<float>(readings.levelX);
+    raw.levelYRaw = static_cast<float>(readings.levelY);
+    return raw;
+}
+
+RowTrust judged(TrustJudge& judge, CKiv& sensor, const KIV_RAWINFO& raw) {
+    KIV_INFO info;
+    const UpdateOutcome outcome = SensorUpdate::run(sensor, raw, info);
+    EXPECT_GE(outcome, UpdateOutcome::reference);
+    return judge.judge(sensor, raw, info, outcome == UpdateOutcome::reference);
+}
+
+TEST(Trust, EachReasonHasItsWord) {
+    struct Row {
+        const char* word;
+        int mode;
+        Place place;
+        std::function<void(KIV_RAWINFO&)> disturb = [](KIV_RAWINFO&) {};
+        float factor1 = 0, factor3 = 0;
+    };
+    const Row rows[] = {
+        {"good", 1, {3, 4, 90, 20}},
+        {"two_signs", 1, {3, 4, 90, -20}},
+        {"not_settled", 1, {15, 10, 100, 10}, [](KIV_RAWINFO&) {}, 1},
+        {"near_level_sight", 4, {3, 4, 60, 1e-8}},
+        {"roll_unseen", 4, {3, 4, 60, 20}, [](KIV_RAWINFO&) {}, 0, 85},
+        {"roll_unseen", 5, {0, 0, 60, 89.99}},
+        {"outside_limits", 4, {0, 19.5, 0, 10}},
+        {"mirror_near", 8, {15, 9, 0, 60}},
+        {"good", 8, {5, 3, 0, 60}},
+        {"levels_disagree", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.2F; }},
+        {"good", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.02F; }},
+        {"outside_limits", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw = 20.1F; }},
+        {"seam", 9, {3, 1e-4, 20, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.01F; }},
+    };
+    for (const Row& row : rows) {
+        CKiv sensor;
+        prepare(sensor, row.mode);
+        const float factors[] = {0, row.factor1, 0, row.factor3, 1, 1, 1, 0};
+        sensor.setScaleFactors(factors, 8);
+        sensor.setMountMode(row.mode);
+        TrustJudge judge(sensor, limits);
+        KIV_RAWINFO raw = readingsAt(row.mode, row.place);
+        row.disturb(raw);
+        judged(judge, sensor, raw);
+        EXPECT_STREQ(wordOf(judged(judge, sensor, raw).trust), row.word)
+            << row.mode << ' ' << row.place.pitch << ' ' << row.place.elevation;
+    }
+}
+
+// Each row's error in the local frame is its own and the reference's.
+TEST(Trust, AReferenceThatIsNotGoodSpoilsTheLocalFrame) {
+    for (const bool machine : {true, false}) {
+        CKiv sensor;
+        prepare(sensor, 1);
+        sensor.setMcsFlag(machine);
+        TrustJudge judge(sensor, limits);
+        const RowTrust reference = judged(judge, sensor, readingsAt(1, {3, 4, 90, -20}));
+        EXPECT_EQ(reference.trust, Trust::twoSigns);
+        const RowTrust row = judged(judge, sensor, readingsAt(1, {3, 4, 90, 20}));
+        EXPECT_EQ(row.trust, machine ? Trust::good : Trust::reference);
+        EXPECT_EQ(row.modelError > reference.modelError, !machine);
+    }
+}
+
+// With uncertain parameters, which in the local frame act on reference and row at once, and a
+// vector's uncertainties by the line of sight.
+void expectAgreementWithDraws(bool machineFrame) {
+    constexpr int draws = 4000;
+    constexpr double tolerance = 0.06; // five deviations of a deviation of so many draws
+    CKiv configured;
+    prepare(configured, 1);
+    double local[9];
+    rotation_x(local, 0.4);
+    configured.setLocalMatrix(local, 3);
+    configured.setMcsFlag(machineFrame);
+    configured.setThermalFactor({0.01F, 0.8F, 0.02F, 0.6F});
+    KIV_RAWINFO first = readingsAt(1, {3, 4, 90, 20});
+    KIV_RAWINFO second = readingsAt(1, {2, 5, 120, 25, 30});
+    for (KIV_RAWINFO* raw : {&first, &second})
+        raw->levelXRaw += 1, raw->levelYRaw += 1;
+
+    Uncertainties u;
+    u.bySight = true;
+    u[Source::vector1] = 5;
+    u[Source::vector2] = u[Source::vector3] = 0.5;
+    u[Source::azimuth] = 0.02;
+    u[Source::elevation] = 0.015;
+    u[Source::levelX] = u[Source::levelY] = 0.02;
+    u[Source::temperature] = 0.3;
+    u[Source::azimuthOffset] = u[Source::elevationOffset] = 0.03;
+    u[Source::tiltOffsetX] = u[Source::tiltOffsetY] = 0.04;
+
+    CKiv sensor(configured);
+    Propagation propagation(sensor, u);
+    KIV_INFO info;
+    ASSERT_EQ(SensorUpdate::run(sensor, first, info), UpdateOutcome::reference);
+    propagation.captured(sensor, first);
+    ASSERT_EQ(SensorUpdate::run(sensor, second, info), UpdateOutcome::oriented);
+    const KIV_INFO middle = info;
+    AngleUncertainty found;
+    const std::size_t before = test::allocationCount();
+    ASSERT_TRUE(propagation.of(sensor, second, info, found));
+    EXPECT_EQ(test::allocationCount(), before);
+    SensorUpdate::run(sensor, second, info);
+    EXPECT_EQ(info.rx, middle.rx); // the sensor is as it was
+    EXPECT_EQ(found.contribution[at(Source::vector1)][2], 0);
+
+    // Drawn without and with the reference's readings.
+    simulator::Random random(5);
+    for (const bool drawReference : {false, true}) {
+        std::array<std::array<double, 3>, 3> sums{};
+        for (int i = 0; i < draws; ++i) {
+            CKiv drawn(configured);
+            const auto by = [&](Source source) { return u[source] * random.normal(); };
+            const auto disturbed = [&](KIV_RAWINFO raw) {
+                const double x = raw.vector[0], y = raw.vector[1], z = raw.vector[2];
+                const double rho = std::hypot(x, y), r = std::hypot(rho, z);
+                const double along = by(Source::vector1) / r;
+                const double side = by(Source::vector2) / rho;
+                const double above = by(Source::vector3) / r;
+                raw.vector[0] = static_cast<float>(x + along * x - side * y - above * z * x / rho);
+                raw.vector[1] = static_cast<float>(y + along * y + side * x - above * z * y / rho);
+                raw.vector[2] = static_cast<float>(z + along * z + above * rho);
+                raw.azimuthRaw += static_cast<float>(by(Source::azimuth));
+                raw.elevationRaw += static_cast<float>(by(Source::elevation));
+                raw.levelXRaw += static_cast<float>(by(Source::levelX));
+                raw.levelYRaw += static_cast<float>(by(Source::levelY));
+                raw.temperature += static_cast<float>(by(Source::temperature));
+                return raw;
+            };
+            drawn.setEncoderOffset(
+                {static_cast<float>(by(Source::azimuthOffset) * simulator::radians),
+                 static_cast<float>(by(Source::elevationOffset) * simulator::radians)});
+            drawn.setTiltOffset({static_cast<float>(by(Source::tiltOffsetX)),
+                                 static_cast<float>(by(Source::tiltOffsetY))});
+            drawn.updateKIVData(drawReference ? disturbed(first) : first, info);
+            drawn.updateKIVData(disturbed(second), info);
+            const double off[] = {info.rx - middle.rx, info.ry - middle.ry, info.rz - middle.rz};
+            for (std::size_t j = 0; j < 3; ++j)
+                for (std::size_t k = 0; k < 3; ++k)
+                    sums[j][k] += off[j] * off[k] / draws;
+        }
+        for (std::size_t j = 0; j < 3; ++j) {
+            const double whole =
+                std::hypot(found.standard[j], drawReference ? found.reference[j] : 0);
+            EXPECT_NEAR(whole / std::sqrt(sums[j][j]), 1, tolerance) << j << drawReference;
+        }
+        if (!drawReference) {
+            EXPECT_NEAR(found.correlation[1], sums[0][2] / std::sqrt(sums[0][0] * sums[2][2]),
+                        tolerance);
+        }
+    }
+}
+
+TEST(Propagation, AgreesWithDrawsOfReferenceParametersAndReadings) {
+    for (const bool machineFrame : {true, false}) {
+        SCOPED_TRACE(machineFrame ? "machine" : "local");
+        expectAgreementWithDraws(machineFrame);
+    }
+}
+
+TEST(Propagation, UnwrapsAnglesAtHalfATurn) {
+    CKiv sensor;
+    prepare(sensor, 6);
+    KIV_RAWINFO raw = readingsAt(6, {3, 4, 90, 20, 180});
+    Uncertainties u;
+    u[Source::azimuth] = 0.01;
+    Propagation propagation(sensor, u);
+    KIV_INFO info;
+    SensorUpdate::run(sensor, raw, info);
+    SensorUpdate::run(sensor, raw, info);
+    ASSERT_NEAR(std::abs(info.rz), 180, 1);
+    raw.azimuthRaw += static_cast<float>(info.rz - std::copysign(180.0, info.rz));
+    SensorUpdate::run(sensor, raw, info);
+    ASSERT_NEAR(std::abs(info.rz), 180, 0.003);
+    AngleUncertainty found;
+    ASSERT_TRUE(propagation.of(sensor, raw, info, found));
+    EXPECT_NEAR(found.standard[2], 0.01, 2e-4);
+}
+
+} // namespace
