@@ -1,28 +1,23 @@
 #include "host/parameters/ParameterFile.h"
 
-#include <charconv>
 #include <filesystem>
 #include <ostream>
 
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/ConfigureSensor.h"
 #include "host/parameters/Findings.h"
+#include "params/ParameterFileName.h"
 #include "params/RecordLoading.h"
 
 namespace kiv::host {
 
 std::optional<ParameterFileName> parseParameterFileName(const std::string& path) {
     const std::filesystem::path whole(path);
-    const std::string name = whole.filename().string();
-    if (!name.starts_with("Tg") || !name.ends_with(".prm") || name.size() < 7)
-        return std::nullopt;
-    const std::string digits = name.substr(2, name.size() - 6);
-    std::int32_t id = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), id);
-    if (error != std::errc() || std::to_string(id) != digits)
+    const auto id = sensorIdIn(whole.filename().string());
+    if (!id)
         return std::nullopt;
     std::string directory = whole.parent_path().string();
-    return ParameterFileName{directory.empty() ? "." : directory, id};
+    return ParameterFileName{directory.empty() ? "." : directory, *id};
 }
 
 std::optional<ParameterFileName> requireParameterFileName(const std::string& path,
