@@ -36,8 +36,8 @@ int withBlock(const kiv_parameters* parameters, const char* name, const void* re
     return use(*parameters->file->document.find(*block));
 }
 
-constexpr std::initializer_list<int32_t> numeric = {KIV_BLOCK_NUMBERS, KIV_BLOCK_MATRIX, KIV_BLOCK_ENCODER_TABLE,
-                          KIV_BLOCK_TILT_TABLE};
+constexpr std::initializer_list<int32_t> numeric = {KIV_BLOCK_NUMBERS, KIV_BLOCK_MATRIX,
+                                                    KIV_BLOCK_ENCODER_TABLE, KIV_BLOCK_TILT_TABLE};
 
 } // namespace
 

@@ -16,8 +16,8 @@
 // Where the library meets a host that knows no exceptions.
 namespace kiv::c {
 
-// Runs a body that gives a status code. What it throws is memory, or another resource of the system, that
-// was refused.
+// Runs a body that gives a status code. What it throws is memory, or another resource of the
+// system, that was refused.
 template <typename Body>
 int guarded(Body body) noexcept {
     try {

@@ -7,8 +7,8 @@
 #include "KIVInterface/Records.h"
 #include "c/Boundary.h"
 
-// The records of both surfaces are the same bytes. If one of these fires, the change breaks every host that
-// was compiled before: undo it.
+// The records of both surfaces are the same bytes. If one of these fires, the change breaks every
+// host that was compiled before: undo it.
 #define KIV_SAME(c, cpp, field, member)                                                            \
     static_assert(offsetof(c, field) == offsetof(cpp, member)                                      \
                   && std::is_same_v<decltype(c::field), decltype(cpp::member)>)

@@ -130,8 +130,9 @@ int kiv_sensor_set_known_vector(kiv_sensor* sensor, const double* v) {
 }
 
 int kiv_sensor_set_encoder_offset(kiv_sensor* sensor, float azimuth, float elevation) {
-    return change(sensor, true,
-                  [=](CKiv& s) { return s.setEncoderOffset(F_VECTOR2{azimuth, elevation}); });
+    return change(sensor, true, [=](CKiv& s) {
+        return s.setEncoderOffset(F_VECTOR2{azimuth, elevation});
+    });
 }
 
 int kiv_sensor_set_tilt_offset(kiv_sensor* sensor, float x, float y) {

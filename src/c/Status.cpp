@@ -10,7 +10,8 @@ static_assert(KIV_STATUS_BAD_FORMAT == int{KIV_BAD_FORMAT});
 static_assert(KIV_STATUS_NO_TRANSFORM == int{KIV_NO_TRANSFORM});
 
 #define KIV_TEXT_OF(number) #number
-#define KIV_DOTTED(major, minor, patch) KIV_TEXT_OF(major) "." KIV_TEXT_OF(minor) "." KIV_TEXT_OF(patch)
+#define KIV_DOTTED(major, minor, patch)                                                            \
+    KIV_TEXT_OF(major) "." KIV_TEXT_OF(minor) "." KIV_TEXT_OF(patch)
 
 const char* kiv_version(void) {
     return KIV_DOTTED(KIV_VERSION_MAJOR, KIV_VERSION_MINOR, KIV_VERSION_PATCH);

@@ -140,9 +140,8 @@ std::vector<Finding> errorsIn(const ParsedFile& parsed, const Survey& survey) {
     std::vector<Finding> errors = parsed.outcome.unread;
     errors.insert(errors.end(), survey.failures.begin(), survey.failures.end());
     const auto placeOf = [](const Finding& f) { return std::tie(f.line, f.column); };
-    std::stable_sort(errors.begin(), errors.end(), [&](const Finding& a, const Finding& b) {
-        return placeOf(a) < placeOf(b);
-    });
+    std::stable_sort(errors.begin(), errors.end(),
+                     [&](const Finding& a, const Finding& b) { return placeOf(a) < placeOf(b); });
     const auto samePlace = [&](const Finding& a, const Finding& b) {
         return placeOf(a) == placeOf(b);
     };

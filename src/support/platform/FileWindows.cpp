@@ -21,8 +21,8 @@ HANDLE native(std::intptr_t handle) {
 // Of a path; without any when there is no such file.
 constexpr DWORD noFile = INVALID_FILE_ATTRIBUTES;
 
-// A path for the functions that take wide characters; one that is no UTF-8, or too long, becomes empty,
-// which names no file.
+// A path for the functions that take wide characters; one that is no UTF-8, or too long, becomes
+// empty, which names no file.
 class WidePath {
 public:
     explicit WidePath(Utf8Path path) {
