@@ -48,17 +48,11 @@ struct Free {
     }
 };
 
-template <typename Handle>
-Handle* made(int (*function)(Handle**)) {
+// What create(&handle) hands out.
+template <typename Handle, typename Create>
+Handle* made(Create create) {
     Handle* handle = nullptr;
-    check(function(&handle));
-    return handle;
-}
-
-template <typename Handle, typename Source>
-Handle* made(int (*function)(const Source*, Handle**), const Source* source) {
-    Handle* handle = nullptr;
-    check(function(source, &handle));
+    check(create(&handle));
     return handle;
 }
 
@@ -90,46 +84,29 @@ private:
 // What one sensor's parameter file says.
 class Parameters {
 public:
-    Parameters() : handle(detail::made(kiv_parameters_new)) {}
-    // A path in UTF-8.
-    explicit Parameters(const std::string& path) : Parameters() { load(path); }
+    Parameters() : handle(detail::made<kiv_parameters>(kiv_parameters_new)) {}
+    explicit Parameters(const std::string& path) : Parameters() { load(path); } // UTF-8
     static Parameters fromText(const std::string& text) {
-        Parameters parameters;
-        parameters.loaded(kiv_parameters_load_text(parameters.get(), text.data(), text.size()),
-                          "text");
-        return parameters;
+        Parameters made;
+        made.loaded(kiv_parameters_load_text(made.get(), text.data(), text.size()), "text");
+        return made;
     }
-    void load(const std::string& path) { loaded(kiv_parameters_load(get(), path.c_str()), path); }
     Parameters copy() const {
-        return Parameters(detail::made<kiv_parameters, kiv_parameters>(kiv_parameters_copy, get()));
+        return Parameters(detail::made<kiv_parameters>(
+            [&](kiv_parameters** out) { return kiv_parameters_copy(get(), out); }));
     }
 
-    std::string text() const {
-        const char* text = nullptr;
-        std::size_t size = 0;
-        check(kiv_parameters_text(get(), &text, &size));
-        return {text, size};
+    void load(const std::string& path) { loaded(kiv_parameters_load(get(), path.c_str()), path); }
+    void rewrite(const std::string& path) const {
+        check(kiv_parameters_rewrite(get(), path.c_str()));
     }
-    std::int32_t integer(const char* block) const {
-        std::int32_t value = 0;
-        check(kiv_parameters_integer(get(), block, &value));
-        return value;
-    }
-    std::string word(const char* block) const {
-        const char* text = nullptr;
-        check(kiv_parameters_word(get(), block, &text));
-        return text;
-    }
+    // Of a block, by its name.
     std::vector<float> numbers(const char* block) const {
         std::size_t count = 0;
         check(kiv_parameters_number_count(get(), block, &count));
-        std::vector<float> values(count + 1); // never null
+        std::vector<float> values(count);
         check(kiv_parameters_numbers(get(), block, values.data(), count));
-        values.pop_back();
         return values;
-    }
-    void rewrite(const std::string& path) const {
-        check(kiv_parameters_rewrite(get(), path.c_str()));
     }
 
     kiv_parameters* get() const noexcept { return handle.get(); } // for the functions of kiv.h
@@ -144,11 +121,11 @@ private:
         check(kiv_parameters_fault_count(get(), &count));
         std::vector<Fault> faults(count);
         for (std::size_t i = 0; i < count; ++i) {
+            Fault& f = faults[i];
             const char *expected = nullptr, *found = nullptr;
-            check(kiv_parameters_fault(get(), i, &faults[i].line, &faults[i].column, &expected,
-                                       &found));
-            faults[i].expected = expected;
-            faults[i].found = found;
+            check(kiv_parameters_fault(get(), i, &f.line, &f.column, &expected, &found));
+            f.expected = expected;
+            f.found = found;
         }
         throw ParameterFileError(name, std::move(faults));
     }
@@ -160,12 +137,15 @@ private:
 class Sensor {
 public:
     explicit Sensor(const Parameters& parameters, Frame frame = Frame::machine)
-        : handle(detail::made<kiv_sensor, kiv_parameters>(kiv_sensor_new, parameters.get())) {
+        : handle(detail::made<kiv_sensor>(
+            [&](kiv_sensor** out) { return kiv_sensor_new(parameters.get(), out); })) {
         setFrame(frame);
     }
     Sensor copy() const {
-        return Sensor(detail::made<kiv_sensor, kiv_sensor>(kiv_sensor_copy, get()));
+        return Sensor(detail::made<kiv_sensor>(
+            [&](kiv_sensor** out) { return kiv_sensor_copy(get(), out); }));
     }
+
     void setFrame(Frame frame) { check(kiv_sensor_set_frame(get(), static_cast<int>(frame))); }
 
     Result update(const Reading& reading) {
@@ -200,7 +180,7 @@ public:
         check(kiv_sensor_capture_reference(get(), &reading));
     }
 
-    kiv_sensor* get() const noexcept { return handle.get(); } // for the setters of kiv.h
+    kiv_sensor* get() const noexcept { return handle.get(); } // for the functions of kiv.h
 
 private:
     explicit Sensor(kiv_sensor* own) : handle(own) {}

@@ -17,7 +17,7 @@ namespace Kiv
         public float LevelX, LevelY, Temperature;  // raw
         public float RefMetric;
         public int Unused2;
-        [MarshalAs(UnmanagedType.I4)] public int RefBlocked; // 0 or 1; its first byte is the flag
+        public byte RefBlocked;                    // 1: does not become the reference
     }
 
     [StructLayout(LayoutKind.Sequential)]

@@ -16,7 +16,7 @@ public static class MinimalHost
             using (var sensor = new Kiv.Sensor(arguments.Length > 0 ? arguments[0] : "Tg5.prm"))
                 foreach (var r in sensor.Update(new[] { reading, second }))
                     Console.Write(string.Format(CultureInfo.InvariantCulture,
-                        "rx {0:F4}  ry {1:F4}  rz {2:F4} degrees\n", r.Rx, r.Ry, r.Rz));
+                        "rx {0:F4}  ry {1:F4}  rz {2:F4} degrees\n", (double)r.Rx, (double)r.Ry, (double)r.Rz));
             return 0;
         }
         catch (Kiv.KivException error)
