@@ -1,6 +1,9 @@
 include(CMakePackageConfigHelpers)
 
-install(TARGETS KIVInterface EXPORT KIVInterfaceTargets)
+install(TARGETS KIVInterface kiv_c EXPORT KIVInterfaceTargets)
+if(KIV_LLVM_DLLTOOL)
+    install(FILES ${kiv_lib} DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 set(kiv_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KIVInterface)
@@ -21,7 +24,8 @@ install(FILES
 file(RELATIVE_PATH kiv_prefix_from_pc
     /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/KIVInterface.pc.in KIVInterface.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KIVInterface.pc
+configure_file(cmake/kiv.pc.in kiv.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KIVInterface.pc ${CMAKE_CURRENT_BINARY_DIR}/kiv.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(KIV_BUILD_TOOL)

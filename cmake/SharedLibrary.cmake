@@ -1,3 +1,13 @@
+# kiv_version_resource(TARGET FILE): what Windows shows of a DLL.
+if(WIN32)
+    enable_language(RC)
+endif()
+function(kiv_version_resource target file)
+    cmake_path(GET file STEM name)
+    configure_file(src/module/version.rc.in ${target}.rc @ONLY)
+    target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+endfunction()
+
 # The shared library: the core's objects behind the module's frame, exporting its classes alone.
 add_library(KIVInterface SHARED $<TARGET_OBJECTS:kiv_core> src/module/CKIVInterfaceApp.cpp)
 add_library(KIVInterface::KIVInterface ALIAS KIVInterface)
@@ -9,9 +19,7 @@ set_target_properties(KIVInterface PROPERTIES VERSION ${PROJECT_VERSION} SOVERSI
 kiv_compile_options(KIVInterface)
 
 if(WIN32)
-    enable_language(RC)
-    configure_file(src/module/version.rc.in version.rc @ONLY)
-    target_sources(KIVInterface PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
+    kiv_version_resource(KIVInterface KIVInterface.dll)
     set_target_properties(KIVInterface PROPERTIES PREFIX "")
 else()
     set(exports ${PROJECT_SOURCE_DIR}/src/module/exports.map)

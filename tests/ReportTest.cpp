@@ -83,7 +83,7 @@ TEST(Report, SaysWhatItWasMadeFrom) {
 TEST(Report, Residuals) {
     host::ReportContent content;
     for (const double truth : {1.0, -1.0, 7.0, 179.0, -179.0})
-        content.summary.add({host::RowState::ok}, 2, std::array<double, 3>{truth, 0, 0});
+        content.summary.add({RowState::ok}, 2, std::array<double, 3>{truth, 0, 0});
     EXPECT_TRUE(
         contains(host::reportPage(content),
                  "residual rx</th><td class=\"number\">5</td><td class=\"number\">-1.400000</td>"
@@ -166,7 +166,7 @@ TEST(Report, AMillionRowsStayBelow5MB) {
     std::mt19937_64 random(1);
     std::uniform_real_distribution<double> angle(-180, 180);
     std::array<double, host::quantityCount> values{};
-    content.summary.add({host::RowState::ok}, 2, std::array<double, 3>{});
+    content.summary.add({RowState::ok}, 2, std::array<double, 3>{});
     for (host::Statistics& statistics : content.ofReadings)
         statistics.add(1);
     for (int row = 0; row < 1000000; ++row) {

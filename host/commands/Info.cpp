@@ -1,7 +1,6 @@
 #include "host/commands/Info.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <ostream>
 #include <string_view>
 
@@ -9,6 +8,7 @@
 
 #include "host/parameters/Findings.h"
 #include "host/tables/Numbers.h"
+#include "params/BlockNames.h"
 #include "support/MountMode.h"
 
 namespace kiv::host {
@@ -19,44 +19,6 @@ namespace {
 using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
                                   std::int64_t, std::uint64_t, float>;
 
-// In print and in JSON; a name ends with the unit. Values of other blocks have none.
-struct ValueNames {
-    Block block;
-    std::initializer_list<const char*> names;
-};
-
-const ValueNames valueNames[] = {
-    {Block::angleOffset, {"azimuth_deg", "elevation_deg"}},
-    {Block::transformVector, {"x", "y", "z"}},
-    {Block::thermalFactor, {"x_slope", "x_intercept", "y_slope", "y_intercept"}},
-    {Block::tiltOffset, {"x_deg", "y_deg"}},
-    {Block::qvc, {"x", "z", "y", "axis_x_deg", "axis_z_deg", "start_deg"}},
-    {Block::levelX,
-     {"value_1", "value_2", "value_3", "axis_y_deg", "axis_z_deg", "zero_offset_deg", "gain"}},
-    {Block::levelY,
-     {"value_1", "value_2", "value_3", "axis_y_deg", "axis_z_deg", "zero_offset_deg", "gain"}},
-    {Block::halfAngle, {"azimuth_deg", "elevation_deg"}},
-};
-
-std::span<const char* const> namesOf(Block block) {
-    for (const ValueNames& row : valueNames)
-        if (row.block == block)
-            return {row.names.begin(), row.names.size()};
-    return {};
-}
-
-bool isMatrix(Block block) {
-    return block == Block::localMatrix || block == Block::machineMatrix;
-}
-
-// The title in lower case, with underscores.
-std::string keyOf(const BlockLayout& layout) {
-    std::string key(layout.title);
-    for (char& c : key)
-        c = c == ' ' ? '_' : c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    return key;
-}
-
 Json rowsOf(const BlockValues& values, std::size_t columns) {
     Json rows = Json::array();
     for (auto row = values.numbers.begin(); row != values.numbers.end();
@@ -66,7 +28,7 @@ Json rowsOf(const BlockValues& values, std::size_t columns) {
 }
 
 Json numbersOf(const BlockLayout& layout, const BlockValues& values) {
-    const auto names = namesOf(layout.block);
+    const auto names = valueNamesOf(layout.block);
     if (isMatrix(layout.block))
         return rowsOf(values, 3);
     if (values.numbers.size() == 1)
@@ -90,12 +52,13 @@ Json jsonOf(const BlockLayout& layout, const BlockValues& values) {
         return numbersOf(layout, values);
     case BlockKind::encoderTable:
         return {{"rows_deg", rowsOf(values, 2)}};
-    case BlockKind::tiltTable:
-        return {{"rows_deg", rowsOf(values, 2)},
-                {"limit_low_deg", values.trailing[0]},
-                {"limit_high_deg", values.trailing[1]},
-                {"further_value", values.trailing[2]},
-                {"closing_word", values.word}};
+    case BlockKind::tiltTable: {
+        Json table{{"rows_deg", rowsOf(values, 2)}};
+        for (std::size_t i = 0; i < values.trailing.size(); ++i)
+            table[valueNamesOf(layout.block)[i]] = values.trailing[i];
+        table["closing_word"] = values.word;
+        return table;
+    }
     }
     return nullptr;
 }
@@ -114,7 +77,7 @@ std::string rangeOf(const BlockValues& values, std::size_t column) {
 // One line each.
 std::vector<std::string> linesOf(const BlockLayout& layout, const BlockValues& values) {
     constexpr std::size_t width = 60;
-    const auto names = namesOf(layout.block);
+    const auto names = valueNamesOf(layout.block);
     std::vector<std::string> lines(1);
     switch (layout.kind) {
     case BlockKind::sensorId:
@@ -165,7 +128,7 @@ void printJson(const Document& document, std::ostream& out) {
     Json all;
     for (const BlockLayout& layout : blockTable) {
         const BlockValues* values = document.find(layout.block);
-        all[keyOf(layout)] = values ? jsonOf(layout, *values) : Json();
+        all[keyOf(layout.block)] = values ? jsonOf(layout, *values) : Json();
     }
     // Words may hold bytes that are no UTF-8.
     out << all.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 #include <tuple>
+#include <utility>
 
 #include "host/Hashing.h"
 #include "host/parameters/LeftCopy.h"
@@ -13,25 +14,6 @@
 
 namespace kiv::host {
 
-namespace {
-
-auto placeOf(const FileFinding& f) {
-    return std::tie(f.finding.line, f.finding.column);
-}
-
-// What else is wrong at the place of an error follows from it.
-std::vector<FileFinding> inOrder(std::vector<FileFinding> findings) {
-    std::stable_sort(findings.begin(), findings.end(),
-                     [](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
-    const auto follows = [](const FileFinding& a, const FileFinding& b) {
-        return a.error && b.error && placeOf(a) == placeOf(b);
-    };
-    findings.erase(std::unique(findings.begin(), findings.end(), follows), findings.end());
-    return findings;
-}
-
-} // namespace
-
 std::size_t ExaminedFile::errors() const {
     return static_cast<std::size_t>(std::count_if(findings.begin(), findings.end(),
                                                   [](const FileFinding& f) { return f.error; }));
@@ -41,18 +23,20 @@ ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id) {
     Survey survey;
     ExaminedFile examined;
     examined.parsed = surveyParameterFile(source, id, survey);
-    std::vector<FileFinding> findings;
-    for (const Finding& finding : examined.parsed.outcome.unread)
-        findings.push_back({finding, true});
-    for (const Finding& finding : survey.failures)
-        findings.push_back({finding, true});
-    for (Finding& finding : valueWarnings(examined.parsed, survey))
-        findings.push_back({std::move(finding), false});
+    std::vector<FileFinding>& findings = examined.findings;
+    for (Finding& error : errorsIn(examined.parsed, survey))
+        findings.push_back({std::move(error), true});
+    for (Finding& warning : valueWarnings(examined.parsed, survey))
+        findings.push_back({std::move(warning), false});
     if (survey.textBehind)
         findings.push_back({*survey.textBehind, false});
     if (survey.openEnd)
         findings.push_back({*survey.openEnd, false, true});
-    examined.findings = inOrder(std::move(findings));
+    const auto placeOf = [](const FileFinding& f) {
+        return std::tie(f.finding.line, f.finding.column);
+    };
+    std::stable_sort(findings.begin(), findings.end(),
+                     [&](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
     return examined;
 }
 

@@ -1,6 +1,5 @@
 #include "host/parameters/ParameterFile.h"
 
-#include <charconv>
 #include <filesystem>
 #include <ostream>
 
@@ -8,6 +7,7 @@
 #include "KIVInterface/ConfigureSensor.h"
 #include "host/Hashing.h"
 #include "host/parameters/Findings.h"
+#include "params/ParameterFileName.h"
 #include "params/RecordLoading.h"
 
 namespace kiv::host {
@@ -24,14 +24,8 @@ std::size_t nameStart(const std::string& path) {
 std::optional<ParameterFileName> parseParameterFileName(const std::string& path) {
     const std::size_t start = nameStart(path);
     const std::string name = path.substr(start);
-    if (!name.starts_with("Tg") || !name.ends_with(".prm") || name.size() < 7)
-        return std::nullopt;
-    const std::string digits = name.substr(2, name.size() - 6);
-    std::int32_t id = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), id);
-    if (error != std::errc() || std::to_string(id) != digits)
-        return std::nullopt;
-    return ParameterFileName{path.substr(0, start), name, id};
+    const auto id = sensorIdIn(name);
+    return id ? std::optional(ParameterFileName{path.substr(0, start), name, *id}) : std::nullopt;
 }
 
 std::optional<ParameterFileName> requireParameterFileName(const std::string& path,

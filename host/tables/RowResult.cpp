@@ -1,9 +1,7 @@
 #include "host/tables/RowResult.h"
 
-#include <cmath>
 #include <string>
 
-#include "models/Geometry.h"
 #include "sensor/SensorAccess.h"
 #include "sensor/Update.h"
 #include "support/MountMode.h"
@@ -34,29 +32,6 @@ Reason whereNotFinite(int mode) {
     return principle == Principle::threeVectors || principle == Principle::twoLevels
                ? Reason::alongVertical
                : Reason::overflow;
-}
-
-RowState stateOf(UpdateOutcome outcome) {
-    switch (outcome) {
-    case UpdateOutcome::badStatus:
-        return RowState::status;
-    case UpdateOutcome::modelFailed:
-        return RowState::noOrientation;
-    case UpdateOutcome::noReference:
-        return RowState::noReference;
-    case UpdateOutcome::reference:
-        return RowState::reference;
-    case UpdateOutcome::oriented:
-        break;
-    }
-    return RowState::ok;
-}
-
-// The models of modes 5 to 10 report a result also where its entries are no numbers, and a machine
-// or local matrix can spoil any model's.
-bool allNumbers(const CKiv& sensor, const KIV_INFO& info) {
-    return allFinite(SensorAccess::transform(sensor), 9) && std::isfinite(info.rx)
-           && std::isfinite(info.ry) && std::isfinite(info.rz);
 }
 
 } // namespace
@@ -90,9 +65,7 @@ bool RowRunner::next(RowResult& result) {
     }
     const UpdateOutcome outcome = SensorUpdate::run(sensor, result.raw, result.info);
     result.code = sensor.ReadMatrix(result.matrix);
-    result.state = stateOf(outcome);
-    if (outcome > UpdateOutcome::modelFailed && !allNumbers(sensor, result.info))
-        result.state = RowState::noOrientation;
+    result.state = stateAfter(sensor, outcome, result.info);
     if (result.state == RowState::ok || result.state == RowState::reference) {
         judge(result);
         return true;

@@ -1,29 +1,16 @@
 #pragma once
 
-#include <array>
 #include <optional>
 
 #include "KIVInterface/Records.h"
 #include "host/tables/Readings.h"
+#include "sensor/RowState.h"
 #include "uncertainty/Propagation.h"
 #include "uncertainty/Trust.h"
 
 class CKiv;
 
 namespace kiv::host {
-
-// What became of a row of readings.
-enum class RowState : unsigned char {
-    ok,            // the angles are computed
-    status,        // the measurement status is not 2
-    noReference,   // no reference orientation has been captured yet
-    reference,     // this row became the reference
-    noOrientation, // the model has none for it
-    refused,       // the readings are no use and never reached the library
-};
-
-inline constexpr std::array<const char*, 6> rowStateNames{
-    "ok", "status", "no_reference", "reference", "no_orientation", "refused"};
 
 struct RowResult {
     RowState state = RowState::refused;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "params/BlockReader.h"
@@ -140,6 +141,19 @@ ParsedFile surveyParameterFile(ByteSource& source, std::optional<std::int32_t> i
 
 ParsedFile surveyForRewrite(ByteSource& source, Survey& survey) {
     return Surveyor(source, Purpose::rewrite, std::nullopt, survey).parse();
+}
+
+std::vector<Finding> errorsIn(const ParsedFile& parsed, const Survey& survey) {
+    std::vector<Finding> errors = parsed.outcome.unread;
+    errors.insert(errors.end(), survey.failures.begin(), survey.failures.end());
+    const auto placeOf = [](const Finding& f) { return std::tie(f.line, f.column); };
+    std::stable_sort(errors.begin(), errors.end(),
+                     [&](const Finding& a, const Finding& b) { return placeOf(a) < placeOf(b); });
+    const auto samePlace = [&](const Finding& a, const Finding& b) {
+        return placeOf(a) == placeOf(b);
+    };
+    errors.erase(std::unique(errors.begin(), errors.end(), samePlace), errors.end());
+    return errors;
 }
 
 } // namespace kiv

@@ -31,4 +31,8 @@ struct Survey {
 ParsedFile surveyParameterFile(ByteSource& source, std::optional<std::int32_t> id, Survey& survey);
 ParsedFile surveyForRewrite(ByteSource& source, Survey& survey);
 
+// The failures and every value that could not be read, in the text's order, one at a place: what
+// else is wrong there follows from it.
+std::vector<Finding> errorsIn(const ParsedFile& parsed, const Survey& survey);
+
 } // namespace kiv

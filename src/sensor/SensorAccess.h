@@ -3,12 +3,21 @@
 #include <algorithm>
 
 #include "KIVInterface/CKiv.h"
+#include "support/Copies.h"
 
 namespace kiv {
 
-// What the library's own tools and tests may see of a sensor beyond its public members. No members
+// What the library's own parts, tools and tests may see of a sensor, and do with it, beyond its
+// public members. No members
 // of CKiv itself: the class is exported whole, and these are not for hosts.
 struct SensorAccess {
+    static bool hasReference(const CKiv& sensor) { return sensor.referenceSet; }
+    static void forgetReference(CKiv& sensor) { sensor.referenceSet = false; }
+    static void copyReference(const CKiv& from, CKiv& to) {
+        copyValues(from.refInverse, to.refInverse);
+        to.referenceSet = from.referenceSet;
+    }
+    static bool inMachineFrame(const CKiv& sensor) { return sensor.mcsFlag; }
     static const CKivModel* model(const CKiv& sensor) { return sensor.model.get(); }
     static int mountMode(const CKiv& sensor) { return sensor.mountMode; }
     static const double* transform(const CKiv& sensor) { return sensor.transform; }

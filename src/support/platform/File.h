@@ -21,6 +21,11 @@ inline bool mustFail(FileOperation operation) {
     return failFileOperation && failFileOperation(operation);
 }
 
+// A path in UTF-8 everywhere. Windows takes a plain const char* to be in the process's code page.
+struct Utf8Path {
+    const char* text;
+};
+
 class InputFile final : public ByteSource {
 public:
     InputFile() = default;
@@ -30,11 +35,15 @@ public:
 
     // False when the path cannot be opened for reading or is not a regular file.
     bool open(const char* path);
+    bool open(Utf8Path path);
     std::size_t read(char* buffer, std::size_t size) override;
     bool failed() const override { return readFailed; }
     void close();
 
 private:
+    template <typename Path>
+    bool openPath(Path path);
+
     std::intptr_t handle = -1;
     bool readFailed = false;
 };
@@ -50,6 +59,7 @@ public:
     // A new file in place of one of that name, which is removed, never written to: it may have a
     // second name. False when there is none.
     bool create(const char* path);
+    bool create(Utf8Path path);
     // What fails here shows in close.
     void write(std::string_view text) override;
     void flush();
@@ -59,6 +69,8 @@ public:
     bool close();
 
 private:
+    template <typename Path>
+    bool createPath(Path path);
     void append(std::string_view text);
     void drain();
 
@@ -88,10 +100,14 @@ bool makeWritable(const char* path);
 
 // Not a folder.
 bool removeFile(const char* path);
+bool removeFile(Utf8Path path);
 
 // Never replaces a file; goes from one volume to another, too. After a failure the file is where it
 // was, and nothing at the other path that was not there before.
 bool renameFile(const char* from, const char* to);
+
+// Within a volume: at every moment the path names a whole file, the old one or the new one.
+bool replaceFile(Utf8Path by, Utf8Path path);
 
 // The current directory as the platform spells it (a separator ends it only at a root), through a
 // buffer of 255 characters; empty when it does not fit.

@@ -124,6 +124,10 @@ bool InputFile::open(const char* path) {
     return false;
 }
 
+bool InputFile::open(Utf8Path path) {
+    return open(path.text);
+}
+
 std::size_t InputFile::read(char* buffer, std::size_t size) {
     ssize_t n = -1;
     if (!mustFail(FileOperation::read))
@@ -155,6 +159,10 @@ bool OutputFile::create(const char* path) {
         return false;
     folder = openFolder(native);
     return true;
+}
+
+bool OutputFile::create(Utf8Path path) {
+    return create(path.text);
 }
 
 void OutputFile::write(std::string_view text) {
@@ -236,6 +244,18 @@ bool makeWritable(const char* path) {
 
 bool removeFile(const char* path) {
     return !mustFail(FileOperation::remove) && unlink(NativePath(path)) == 0;
+}
+
+bool removeFile(Utf8Path path) {
+    return removeFile(path.text);
+}
+
+bool replaceFile(Utf8Path by, Utf8Path path) {
+    const NativePath target(path.text);
+    if (mustFail(FileOperation::rename) || rename(NativePath(by.text), target) != 0)
+        return false;
+    syncAndCloseFolder(openFolder(target));
+    return true;
 }
 
 bool renameFile(const char* from, const char* to) {

@@ -1,6 +1,7 @@
 #include "support/platform/File.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 #define WIN32_LEAN_AND_MEAN
@@ -19,6 +20,45 @@ HANDLE native(std::intptr_t handle) {
 
 // Of a path; without any when there is no such file.
 constexpr DWORD noFile = INVALID_FILE_ATTRIBUTES;
+
+// A path for the functions that take wide characters; one that is no UTF-8, or too long, becomes
+// empty, which names no file.
+class WidePath {
+public:
+    explicit WidePath(Utf8Path path) {
+        if (MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path.text, -1, text,
+                                static_cast<int>(std::size(text)))
+            == 0)
+            text[0] = L'\0';
+    }
+    operator const wchar_t*() const { return text; }
+
+private:
+    wchar_t text[4096] = {};
+};
+
+HANDLE openToRead(const char* path) {
+    return CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                       OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+}
+
+HANDLE openToRead(Utf8Path path) {
+    return CreateFileW(WidePath(path), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                       OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+}
+
+HANDLE openNew(const char* path) {
+    DeleteFileA(path);
+    return CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+HANDLE openNew(Utf8Path path) {
+    const WidePath wide(path);
+    DeleteFileW(wide);
+    return CreateFileW(wide, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
 
 DWORD attributesOf(const char* path) {
     return mustFail(FileOperation::status) ? noFile : GetFileAttributesA(path);
@@ -49,13 +89,13 @@ BY_HANDLE_FILE_INFORMATION informationOn(const char* path, std::string* realPath
 
 } // namespace
 
-bool InputFile::open(const char* path) {
+template <typename Path>
+bool InputFile::openPath(Path path) {
     close();
     readFailed = false;
     if (mustFail(FileOperation::open))
         return false;
-    const HANDLE file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+    const HANDLE file = openToRead(path);
     if (file == INVALID_HANDLE_VALUE)
         return false;
     handle = reinterpret_cast<std::intptr_t>(file);
@@ -63,6 +103,14 @@ bool InputFile::open(const char* path) {
         return true;
     close();
     return false;
+}
+
+bool InputFile::open(const char* path) {
+    return openPath(path);
+}
+
+bool InputFile::open(Utf8Path path) {
+    return openPath(path);
 }
 
 std::size_t InputFile::read(char* buffer, std::size_t size) {
@@ -83,17 +131,24 @@ void InputFile::close() {
     handle = -1;
 }
 
-bool OutputFile::create(const char* path) {
+template <typename Path>
+bool OutputFile::createPath(Path path) {
     close();
     size = 0;
     writeFailed = false;
     if (mustFail(FileOperation::open))
         return false;
-    DeleteFileA(path);
-    const HANDLE file = CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = openNew(path);
     handle = reinterpret_cast<std::intptr_t>(file);
     return file != INVALID_HANDLE_VALUE;
+}
+
+bool OutputFile::create(const char* path) {
+    return createPath(path);
+}
+
+bool OutputFile::create(Utf8Path path) {
+    return createPath(path);
 }
 
 void OutputFile::write(std::string_view text) {
@@ -177,6 +232,16 @@ bool makeWritable(const char* path) {
 
 bool removeFile(const char* path) {
     return !mustFail(FileOperation::remove) && DeleteFileA(path);
+}
+
+bool removeFile(Utf8Path path) {
+    return !mustFail(FileOperation::remove) && DeleteFileW(WidePath(path));
+}
+
+bool replaceFile(Utf8Path by, Utf8Path path) {
+    return !mustFail(FileOperation::rename)
+           && MoveFileExW(WidePath(by), WidePath(path),
+                          MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
 bool renameFile(const char* from, const char* to) {

@@ -1,0 +1,56 @@
+# The C surface: a second shared library of the core's objects, exporting the functions of kiv.h alone.
+add_library(kiv_c_objects OBJECT
+    src/c/Blocks.cpp
+    src/c/Parameters.cpp
+    src/c/Sensor.cpp
+    src/c/Settings.cpp
+    src/c/Status.cpp
+    src/c/Update.cpp)
+target_link_libraries(kiv_c_objects PUBLIC kiv_core)
+kiv_compile_options(kiv_c_objects)
+
+add_library(kiv_c SHARED $<TARGET_OBJECTS:kiv_c_objects>)
+if(MINGW)
+    # The core's objects ask the linker to export the classes: here they are without that request.
+    set(kiv_core_plain ${PROJECT_BINARY_DIR}/libkiv_core_plain.a)
+    add_custom_command(OUTPUT ${kiv_core_plain}
+        COMMAND ${CMAKE_OBJCOPY} --remove-section=.drectve $<TARGET_FILE:kiv_core> ${kiv_core_plain}
+        DEPENDS kiv_core VERBATIM)
+    target_sources(kiv_c PRIVATE ${kiv_core_plain})
+    target_link_libraries(kiv_c PRIVATE ${kiv_core_plain})
+else()
+    target_sources(kiv_c PRIVATE $<TARGET_OBJECTS:kiv_core>)
+endif()
+add_library(KIVInterface::kiv ALIAS kiv_c)
+target_include_directories(kiv_c
+    INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+set_target_properties(kiv_c PROPERTIES
+    OUTPUT_NAME kiv EXPORT_NAME kiv VERSION ${PROJECT_VERSION} SOVERSION 1)
+kiv_compile_options(kiv_c)
+
+set(kiv_def ${PROJECT_SOURCE_DIR}/src/c/kiv.def)
+if(WIN32)
+    target_sources(kiv_c PRIVATE ${kiv_def})
+    kiv_version_resource(kiv_c kiv.dll)
+    set_target_properties(kiv_c PROPERTIES PREFIX "")
+    if(NOT MSVC)
+        # The import library for Visual C++ and all that links as it does.
+        find_program(KIV_LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14 llvm-dlltool-19)
+        if(KIV_LLVM_DLLTOOL)
+            set(kiv_lib ${PROJECT_BINARY_DIR}/kiv.lib)
+            add_custom_command(OUTPUT ${kiv_lib}
+                COMMAND ${KIV_LLVM_DLLTOOL} -m i386:x86-64 -d ${kiv_def} -l ${kiv_lib} DEPENDS ${kiv_def} VERBATIM)
+            add_custom_target(kiv_msvc_import ALL DEPENDS ${kiv_lib})
+        else()
+            message(STATUS "No llvm-dlltool: kiv.lib, the import library for Visual C++, is not made")
+        endif()
+    endif()
+else()
+    set(kiv_exports ${PROJECT_SOURCE_DIR}/src/c/exports.map)
+    target_link_options(kiv_c PRIVATE -Wl,--version-script=${kiv_exports})
+    set_target_properties(kiv_c PROPERTIES LINK_DEPENDS ${kiv_exports})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+        # Its run-time library is inside, so that it meets none of the host's.
+        target_link_options(kiv_c PRIVATE -static-libstdc++ -static-libgcc -Wl,--gc-sections -Wl,-z,defs)
+    endif()
+endif()

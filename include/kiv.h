@@ -1,0 +1,261 @@
+/*
+ * KIVInterface for every language that can call C. Rules for all functions:
+ *
+ * Status: every int that a function gives is a status code, 0 for success (KIV_STATUS_...). A call
+ * that refuses writes nothing and leaves its handle as it was; a refused load changes the list of
+ * faults, nothing else. Nothing throws, prints or ends the process.
+ *
+ * Null: a null handle or pointer gives 20, except where a pointer is said to be optional. Freeing
+ * null does nothing.
+ *
+ * Ownership: what a ..._new or ..._copy hands out is freed once, by the ..._free of its kind; using
+ * or freeing a handle after that is undefined. Arrays belong to the caller and are used during the
+ * call alone. Texts that a function hands out belong to the library: those from a handle live until
+ * it is loaded again or freed, the others as long as the library is loaded.
+ *
+ * Threads: handles share nothing, so that different threads use different handles at the same time.
+ * Calls on one sensor wait for one another. Parameters may be read by several threads at once, but
+ * not while they are loaded. No thread may use a handle that another one frees.
+ *
+ * Texts: UTF-8, paths too, on every platform; a backslash in a path separates folders, as a slash
+ * does. Words from a parameter file are the file's bytes.
+ *
+ * Arrays: matrices are 3 x 3, row-major, 9 doubles; a count or capacity is one of elements.
+ */
+#ifndef KIV_H
+#define KIV_H
+
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Version and status ---- */
+
+/* Of this header. */
+#define KIV_VERSION_MAJOR 0
+#define KIV_VERSION_MINOR 1
+#define KIV_VERSION_PATCH 0
+
+/* Of the library: such as "1.2.3", and 10000 * major + 100 * minor + patch. */
+const char* kiv_version(void);
+int32_t kiv_version_number(void);
+
+enum {
+    KIV_STATUS_OK = 0,
+    KIV_STATUS_BAD_ARGUMENT = 20, /* null, or an argument out of its range */
+    KIV_STATUS_NO_MEMORY = 21,    /* memory was refused */
+    KIV_STATUS_CANNOT_OPEN = 550, /* the file cannot be opened, read or written */
+    KIV_STATUS_NOT_LOADED = 551,  /* no parameter file has been loaded */
+    KIV_STATUS_BAD_FORMAT = 553,  /* the parameter file does not follow its format */
+    KIV_STATUS_NO_TRANSFORM = 554 /* there is no matrix, no reference or no solution */
+};
+
+/* Never null, also for a code that the library does not use. */
+const char* kiv_status_text(int status);
+
+/* ---- Parameters: what one sensor's parameter file says ---- */
+
+typedef struct kiv_parameters kiv_parameters;
+
+int kiv_parameters_new(kiv_parameters** out);
+void kiv_parameters_free(kiv_parameters* parameters); /* sensors made from them stay */
+int kiv_parameters_copy(const kiv_parameters* parameters, kiv_parameters** out);
+
+/*
+ * Loads a parameter file, or its text of size bytes; what was loaded before goes. Where the file's
+ * name is Tg<sensor ID>.prm, the file must be that sensor's. 550 (no such file, or no regular one),
+ * or 553: also for a value that cannot be read, which is never taken for 0.
+ */
+int kiv_parameters_load(kiv_parameters* parameters, const char* path);
+int kiv_parameters_load_text(kiv_parameters* parameters, const char* text, size_t size);
+
+/*
+ * What the last load refused, in the order of the text: the block that does not follow the format
+ * and every value that could not be read. 0 after a load that gave another code than 553. Line and
+ * column count from 1, the column in bytes.
+ */
+int kiv_parameters_fault_count(const kiv_parameters* parameters, size_t* count);
+int kiv_parameters_fault(const kiv_parameters* parameters, size_t index, int64_t* line,
+                         int64_t* column, const char** expected, const char** found);
+
+/* The text that was loaded, byte for byte; size does not count the null character behind it. 551.
+ */
+int kiv_parameters_text(const kiv_parameters* parameters, const char** text, size_t* size);
+
+/*
+ * The blocks of a parameter file, by the names that kiv info --json prints ("angle_offset"), in the
+ * order of the file; kiv_block_name gives null behind the last one.
+ */
+enum {
+    KIV_BLOCK_INTEGER = 0,
+    KIV_BLOCK_WORD = 1,
+    KIV_BLOCK_NUMBERS = 2,       /* a fixed count of numbers */
+    KIV_BLOCK_MATRIX = 3,        /* 9 numbers, row-major */
+    KIV_BLOCK_ENCODER_TABLE = 4, /* rows of angle and correction, degrees */
+    KIV_BLOCK_TILT_TABLE = 5     /* rows of knot and tilt, degrees; three limits; a word */
+};
+const char* kiv_block_name(size_t index);
+int kiv_block_kind(const char* block, int32_t* kind);
+/* Of a value of the block's numbers, or of a tilt table's limits, with its unit at the end
+ * ("azimuth_deg"); null where there is no such name. */
+const char* kiv_block_value_name(const char* block, size_t index);
+
+/*
+ * The values of a block, in the file's units. 20 for a block that is not known or has no such
+ * values, 551 when nothing is loaded.
+ */
+int kiv_parameters_integer(const kiv_parameters* parameters, const char* block, int32_t* value);
+/* Also that which closes a tilt table. */
+int kiv_parameters_word(const kiv_parameters* parameters, const char* block, const char** word);
+/* A table has two numbers a row. capacity: of values, at least the count, else 20. */
+int kiv_parameters_number_count(const kiv_parameters* parameters, const char* block, size_t* count);
+int kiv_parameters_numbers(const kiv_parameters* parameters, const char* block, float* values,
+                           size_t capacity);
+/* Of a tilt table: low and high limit in degrees, and the further value; 3 floats. */
+int kiv_parameters_limits(const kiv_parameters* parameters, const char* block, float* limits);
+
+/*
+ * Writes what was loaded into a file in the writer's layout, numbers with six decimals; a file that
+ * is there is replaced once the whole text is on the disk, never before. The path plus "$tmp" is
+ * used on the way. 551, 550.
+ */
+int kiv_parameters_rewrite(const kiv_parameters* parameters, const char* path);
+
+/* ---- Sensor: turns readings into orientations ---- */
+
+typedef struct kiv_sensor kiv_sensor;
+
+/* One measurement's raw readings; 52 bytes. */
+typedef struct kiv_reading {
+    int32_t unused1; /* not read */
+    int32_t status;  /* 2: a measurement that yields an orientation */
+    float vector[3]; /* measured vector in the instrument frame, the instrument's length unit */
+    float azimuth;   /* of the encoder, degrees */
+    float elevation; /* the same */
+    float level_x;   /* raw; in mount modes 5 and 6 the numerator of a ratio */
+    float level_y;   /* raw; in mount modes 5 and 6 also the denominator */
+    float temperature;
+    float ref_metric; /* the reference orientation is captured only at 0.4 or less */
+    int32_t unused2;  /* not read */
+    bool ref_blocked; /* true: this measurement does not become the reference */
+} kiv_reading;
+
+/* One measurement's results; 48 bytes. What was not computed is 0. */
+typedef struct kiv_result {
+    int32_t unused1; /* 0 */
+    float azimuth;   /* corrected readings, degrees */
+    float elevation;
+    float level_x;
+    float level_y;
+    float rx; /* rotation angles, degrees; mind the order */
+    float rz;
+    float ry;
+    int32_t unused2; /* 0 */
+    float qvc[3];    /* mount modes 7 and above: x, y, z of the QVC vector */
+} kiv_result;
+
+/* Configured with all that the parameters say. 551. */
+int kiv_sensor_new(const kiv_parameters* parameters, kiv_sensor** out);
+void kiv_sensor_free(kiv_sensor* sensor);
+/* With its settings, its reference and its count of readings. */
+int kiv_sensor_copy(const kiv_sensor* sensor, kiv_sensor** out);
+
+/*
+ * The frame of rx, ry, rz, by default the machine's; the local one is that of the reference
+ * orientation. Without effect in mount modes 7 and above.
+ */
+enum { KIV_FRAME_LOCAL = 0, KIV_FRAME_MACHINE = 1 };
+int kiv_sensor_set_frame(kiv_sensor* sensor, int frame);
+int kiv_sensor_frame(const kiv_sensor* sensor, int32_t* frame);
+
+/*
+ * Each replaces what the parameters say. Scale factors, QVC and level parameters reach the model
+ * with the next kiv_sensor_set_mount_mode. The model's kind and parity are those of the parameters'
+ * mount mode: they stay.
+ */
+int kiv_sensor_set_mount_mode(kiv_sensor* sensor, int32_t mode);
+int kiv_sensor_mount_mode(const kiv_sensor* sensor, int32_t* mode);
+/* rows of angle and correction in degrees, 2 * rows floats; 0 rows take the correction away. */
+int kiv_sensor_set_azimuth_table(kiv_sensor* sensor, const float* table, size_t rows);
+int kiv_sensor_set_elevation_table(kiv_sensor* sensor, const float* table, size_t rows);
+/* rows (at least 1) of raw reading and tilt in degrees, 2 * rows floats, the readings rising or
+ * falling. */
+int kiv_sensor_set_tilt_x_table(kiv_sensor* sensor, const float* table, size_t rows);
+int kiv_sensor_set_tilt_y_table(kiv_sensor* sensor, const float* table, size_t rows);
+/* The first count values of a block of 7, 7, 6 and 8; the others stay. */
+int kiv_sensor_set_level1_parameters(kiv_sensor* sensor, const float* values, size_t count);
+int kiv_sensor_set_level2_parameters(kiv_sensor* sensor, const float* values, size_t count);
+int kiv_sensor_set_qvc_parameters(kiv_sensor* sensor, const float* values, size_t count);
+int kiv_sensor_set_scale_factors(kiv_sensor* sensor, const float* values, size_t count);
+int kiv_sensor_set_local_matrix(kiv_sensor* sensor, const double* m);
+/* The inverse of the file's machine matrix. */
+int kiv_sensor_set_machine_matrix(kiv_sensor* sensor, const double* m);
+/* 3 doubles, kept and not used. */
+int kiv_sensor_set_known_vector(kiv_sensor* sensor, const double* v);
+/* Radians. */
+int kiv_sensor_set_encoder_offset(kiv_sensor* sensor, float azimuth, float elevation);
+/* Degrees. */
+int kiv_sensor_set_tilt_offset(kiv_sensor* sensor, float x, float y);
+int kiv_sensor_set_thermal_factor(kiv_sensor* sensor, float x_slope, float x_intercept,
+                                  float y_slope, float y_intercept);
+
+/* What became of a reading, as in column state of kiv run. */
+enum {
+    KIV_STATE_OK = 0,             /* the angles are computed */
+    KIV_STATE_STATUS = 1,         /* the measurement status is not 2: corrected readings alone */
+    KIV_STATE_NO_REFERENCE = 2,   /* no reference orientation has been captured yet */
+    KIV_STATE_REFERENCE = 3,      /* this reading became the reference */
+    KIV_STATE_NO_ORIENTATION = 4, /* the model has none for it; angles may be no numbers */
+    KIV_STATE_REFUSED = 5         /* not finite, or a zero vector: it did not reach the sensor */
+};
+/* As kiv run prints it: "ok", "no_reference"; null for another number. */
+const char* kiv_state_name(int state);
+
+/*
+ * One reading, or count of them in the order in which they were measured; 0 whatever came of them.
+ * The first one that can becomes the reference orientation. A refused reading gives a result of
+ * zeros. Allocates nothing. matrices, 9 doubles a reading, and states, 1 byte a reading, are
+ * optional; the matrices are the identity where none was computed, and in mount modes 7 and above.
+ */
+int kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out);
+int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
+                           kiv_result* out, double* matrices, uint8_t* states);
+
+/*
+ * The matrix of the last reading that reached the sensor, 9 doubles, as above. 554, with m filled
+ * all the same, when its status was not 2 or there was none.
+ */
+int kiv_sensor_matrix(kiv_sensor* sensor, double* m);
+
+/*
+ * The reference: whether there is one; which reading it is; where that came among those that the
+ * sensor was given, from 0, or -1 when it was captured. 554 without a reference.
+ */
+int kiv_sensor_has_reference(const kiv_sensor* sensor, bool* has);
+int kiv_sensor_reference_reading(const kiv_sensor* sensor, kiv_reading* reading);
+int kiv_sensor_reference_index(const kiv_sensor* sensor, int64_t* index);
+
+/*
+ * Makes a reading the reference, in place of one that is there: a later part of a recording then
+ * gives what it gives within the whole. Nothing else of the sensor changes. 554 for a reading that
+ * an update would not make the reference.
+ */
+int kiv_sensor_capture_reference(kiv_sensor* sensor, const kiv_reading* reading);
+
+/*
+ * Home angles in degrees from frame_x (first axis of the tilt frame, 3 doubles), a direction (3),
+ * two angles in degrees (2: the first enters home_h, the second home_v) and two tilts in degrees
+ * (2: about x and about y). 554 when the tilt frame is singular.
+ */
+int kiv_home_angles(const double* frame_x, const double* direction, const double* angles,
+                    const double* tilt, double* home_h, double* home_v);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,191 @@
+#pragma once
+
+// kiv.h for C++17 and later, of any compiler and standard library: nothing but C crosses the
+// library's boundary. Handles are freed by themselves and can be moved; a refused call throws
+// kiv::Error. Everything else is as kiv.h says.
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "kiv.h"
+
+namespace kiv {
+
+using Reading = kiv_reading;
+using Result = kiv_result;
+
+enum class Frame { local = KIV_FRAME_LOCAL, machine = KIV_FRAME_MACHINE };
+
+// A status code other than 0.
+class Error : public std::runtime_error {
+public:
+    explicit Error(int status) : Error(status, kiv_status_text(status)) {}
+    Error(int status, const std::string& text) : std::runtime_error(text), number(status) {}
+    int status() const noexcept { return number; }
+
+private:
+    int number;
+};
+
+inline void check(int status) {
+    if (status != KIV_STATUS_OK)
+        throw Error(status);
+}
+
+namespace detail {
+
+template <auto free>
+struct Free {
+    template <typename Handle>
+    void operator()(Handle* handle) const noexcept {
+        free(handle);
+    }
+};
+
+// What create(&handle) hands out.
+template <typename Handle, typename Create>
+Handle* made(Create create) {
+    Handle* handle = nullptr;
+    check(create(&handle));
+    return handle;
+}
+
+} // namespace detail
+
+struct Fault {
+    std::int64_t line; // from 1, as the column
+    std::int64_t column;
+    std::string expected;
+    std::string found;
+};
+
+// A parameter file that does not follow its format.
+class ParameterFileError : public Error {
+public:
+    ParameterFileError(const std::string& name, std::vector<Fault> faults)
+        : Error(KIV_STATUS_BAD_FORMAT, textOf(name, faults)), all(std::move(faults)) {}
+    const std::vector<Fault>& faults() const noexcept { return all; } // at least one
+
+private:
+    static std::string textOf(const std::string& name, const std::vector<Fault>& faults) {
+        const Fault& f = faults.front();
+        return name + ':' + std::to_string(f.line) + ':' + std::to_string(f.column) + ": expected "
+               + f.expected + ", found " + f.found;
+    }
+    std::vector<Fault> all;
+};
+
+// What one sensor's parameter file says.
+class Parameters {
+public:
+    Parameters() : handle(detail::made<kiv_parameters>(kiv_parameters_new)) {}
+    explicit Parameters(const std::string& path) : Parameters() { load(path); } // UTF-8
+    static Parameters fromText(const std::string& text) {
+        Parameters made;
+        made.loaded(kiv_parameters_load_text(made.get(), text.data(), text.size()), "text");
+        return made;
+    }
+    Parameters copy() const {
+        return Parameters(detail::made<kiv_parameters>(
+            [&](kiv_parameters** out) { return kiv_parameters_copy(get(), out); }));
+    }
+
+    void load(const std::string& path) { loaded(kiv_parameters_load(get(), path.c_str()), path); }
+    void rewrite(const std::string& path) const {
+        check(kiv_parameters_rewrite(get(), path.c_str()));
+    }
+    // Of a block, by its name.
+    std::vector<float> numbers(const char* block) const {
+        std::size_t count = 0;
+        check(kiv_parameters_number_count(get(), block, &count));
+        std::vector<float> values(count);
+        check(kiv_parameters_numbers(get(), block, values.data(), count));
+        return values;
+    }
+
+    kiv_parameters* get() const noexcept { return handle.get(); } // for the functions of kiv.h
+
+private:
+    explicit Parameters(kiv_parameters* own) : handle(own) {}
+
+    void loaded(int status, const std::string& name) const {
+        if (status != KIV_STATUS_BAD_FORMAT)
+            return check(status);
+        std::size_t count = 0;
+        check(kiv_parameters_fault_count(get(), &count));
+        std::vector<Fault> faults(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            Fault& f = faults[i];
+            const char *expected = nullptr, *found = nullptr;
+            check(kiv_parameters_fault(get(), i, &f.line, &f.column, &expected, &found));
+            f.expected = expected;
+            f.found = found;
+        }
+        throw ParameterFileError(name, std::move(faults));
+    }
+
+    std::unique_ptr<kiv_parameters, detail::Free<kiv_parameters_free>> handle;
+};
+
+// Turns readings into orientations.
+class Sensor {
+public:
+    explicit Sensor(const Parameters& parameters, Frame frame = Frame::machine)
+        : handle(detail::made<kiv_sensor>(
+            [&](kiv_sensor** out) { return kiv_sensor_new(parameters.get(), out); })) {
+        setFrame(frame);
+    }
+    Sensor copy() const {
+        return Sensor(detail::made<kiv_sensor>(
+            [&](kiv_sensor** out) { return kiv_sensor_copy(get(), out); }));
+    }
+
+    void setFrame(Frame frame) { check(kiv_sensor_set_frame(get(), static_cast<int>(frame))); }
+
+    Result update(const Reading& reading) {
+        Result result;
+        check(kiv_sensor_update(get(), &reading, &result));
+        return result;
+    }
+    // Contiguous ranges (a vector, an array, a span), as many results as readings at least. Where
+    // they are wanted, room for as many states (KIV_STATE_...) and matrices of 9 doubles.
+    template <typename Readings, typename Results>
+    void update(const Readings& readings, Results&& results, std::uint8_t* states = nullptr,
+                double* matrices = nullptr) {
+        const std::size_t count = std::size(readings);
+        if (std::size(results) < count)
+            throw Error(KIV_STATUS_BAD_ARGUMENT);
+        if (count > 0) // else the pointers may be null
+            check(kiv_sensor_update_many(get(), std::data(readings), count, std::data(results),
+                                         matrices, states));
+    }
+
+    bool hasReference() const {
+        bool has = false;
+        check(kiv_sensor_has_reference(get(), &has));
+        return has;
+    }
+    Reading reference() const {
+        Reading reading;
+        check(kiv_sensor_reference_reading(get(), &reading));
+        return reading;
+    }
+    void captureReference(const Reading& reading) {
+        check(kiv_sensor_capture_reference(get(), &reading));
+    }
+
+    kiv_sensor* get() const noexcept { return handle.get(); } // for the functions of kiv.h
+
+private:
+    explicit Sensor(kiv_sensor* own) : handle(own) {}
+
+    std::unique_ptr<kiv_sensor, detail::Free<kiv_sensor_free>> handle;
+};
+
+} // namespace kiv

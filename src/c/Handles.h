@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "KIVInterface/CKiv.h"
+#include "KIVInterface/CKivPrm.h"
+#include "c/Boundary.h"
+#include "params/Document.h"
+#include "params/Finding.h"
+
+namespace kiv::c {
+
+struct LoadedFile {
+    std::string text;
+    Document document;
+    CKivPrm record;
+};
+
+} // namespace kiv::c
+
+struct kiv_parameters {
+    std::shared_ptr<kiv::c::LoadedFile> file; // never changed once it is here: copies share it
+    std::vector<kiv::Finding> faults;
+};
+
+struct kiv_sensor {
+    kiv_sensor() = default;
+    kiv_sensor(const kiv_sensor& other)
+        : kiv_sensor(other, std::lock_guard<std::mutex>(other.lock)) {}
+    kiv_sensor& operator=(const kiv_sensor&) = delete;
+
+    mutable std::mutex lock; // of all that follows
+    CKiv sensor;
+    std::int64_t given = 0; // readings so far
+    std::int64_t referenceIndex = -1;
+    KIV_RAWINFO reference{};
+
+private:
+    kiv_sensor(const kiv_sensor& other, const std::lock_guard<std::mutex>&)
+        : sensor(other.sensor), given(other.given), referenceIndex(other.referenceIndex),
+          reference(other.reference) {}
+};

@@ -1,0 +1,44 @@
+#include "KIVInterface/CKiv.h"
+#include "KIVInterface/StatusCodes.h"
+#include "KIVInterface/Version.h" // the compiler compares its macros with those of kiv.h
+#include "c/Boundary.h"
+
+static_assert(KIV_STATUS_OK == int{KIV_OK} && KIV_STATUS_BAD_ARGUMENT == int{KIV_BAD_ARGUMENT});
+static_assert(KIV_STATUS_CANNOT_OPEN == int{KIV_CANNOT_OPEN});
+static_assert(KIV_STATUS_NOT_LOADED == int{KIV_NOT_LOADED});
+static_assert(KIV_STATUS_BAD_FORMAT == int{KIV_BAD_FORMAT});
+static_assert(KIV_STATUS_NO_TRANSFORM == int{KIV_NO_TRANSFORM});
+
+#define KIV_TEXT_OF(number) #number
+#define KIV_DOTTED(major, minor, patch)                                                            \
+    KIV_TEXT_OF(major) "." KIV_TEXT_OF(minor) "." KIV_TEXT_OF(patch)
+
+const char* kiv_version(void) {
+    return KIV_DOTTED(KIV_VERSION_MAJOR, KIV_VERSION_MINOR, KIV_VERSION_PATCH);
+}
+
+int32_t kiv_version_number(void) {
+    return 10000 * KIV_VERSION_MAJOR + 100 * KIV_VERSION_MINOR + KIV_VERSION_PATCH;
+}
+
+const char* kiv_status_text(int status) {
+    return status == KIV_STATUS_NO_MEMORY ? "memory was refused" : kivStatusText(status);
+}
+
+int kiv_home_angles(const double* frame_x, const double* direction, const double* angles,
+                    const double* tilt, double* home_h, double* home_v) {
+    if (!frame_x || !direction || !angles || !tilt || !home_h || !home_v)
+        return KIV_STATUS_BAD_ARGUMENT;
+    return kiv::c::guarded([&] {
+        const auto vector = [](const double* v) { return D_VECTOR3{v[0], v[1], v[2]}; };
+        double h = 0;
+        double v = 0;
+        CKiv anySensor;
+        if (!anySensor.Calc_HV0(vector(frame_x), vector(direction), {angles[0], angles[1]},
+                                {tilt[0], tilt[1], 0}, &h, &v))
+            return KIV_STATUS_NO_TRANSFORM;
+        *home_h = h;
+        *home_v = v;
+        return KIV_STATUS_OK;
+    });
+}

@@ -1,0 +1,584 @@
+// The functions of kiv.h: the digits are those of the C++ surface and of kiv run, refusals leave
+// everything as it was.
+
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <set>
+#include <tuple>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "KIVInterface/ConfigureSensor.h"
+#include "kiv.h"
+#include "tests/Allocations.h"
+#include "tests/FileFaults.h"
+#include "tests/PreparedSensor.h"
+#include "tests/ToolRunner.h"
+
+namespace {
+
+using namespace kiv::test;
+using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
+                                  std::int64_t, std::uint64_t, float>;
+
+struct Free {
+    void operator()(kiv_parameters* p) const { kiv_parameters_free(p); }
+    void operator()(kiv_sensor* s) const { kiv_sensor_free(s); }
+};
+using Parameters = std::unique_ptr<kiv_parameters, Free>;
+using Sensor = std::unique_ptr<kiv_sensor, Free>;
+
+Parameters loaded(const std::string& path) {
+    kiv_parameters* made = nullptr;
+    EXPECT_EQ(kiv_parameters_new(&made), 0);
+    EXPECT_EQ(kiv_parameters_load(made, path.c_str()), 0);
+    return Parameters(made);
+}
+
+Sensor sensorOf(const Parameters& parameters, int frame = KIV_FRAME_MACHINE) {
+    kiv_sensor* made = nullptr;
+    EXPECT_EQ(kiv_sensor_new(parameters.get(), &made), 0);
+    EXPECT_EQ(kiv_sensor_set_frame(made, frame), 0);
+    return Sensor(made);
+}
+
+kiv_reading goodOne() {
+    return std::bit_cast<kiv_reading>(goodReading());
+}
+
+std::string exampleInMode(int mode) {
+    std::string text = contentOf(example).value_or("");
+    const std::string title = "Mounting Mode\n";
+    return text.replace(text.find(title) + title.size(), 1, std::to_string(mode));
+}
+
+struct Results {
+    std::vector<kiv_result> results;
+    std::vector<double> matrices;
+    std::vector<std::uint8_t> states;
+
+    explicit Results(std::size_t n) : results(n), matrices(9 * n), states(n) {}
+    bool operator==(const Results& other) const {
+        return std::memcmp(results.data(), other.results.data(), 48 * results.size()) == 0
+               && matrices == other.matrices && states == other.states;
+    }
+};
+
+Results runMany(const Sensor& sensor, const std::vector<kiv_reading>& readings,
+                std::size_t from = 0) {
+    Results r(readings.size() - from);
+    EXPECT_EQ(kiv_sensor_update_many(sensor.get(), &readings[from], readings.size() - from,
+                                     r.results.data(), r.matrices.data(), r.states.data()),
+              0);
+    return r;
+}
+
+// A table of the tool, by column; what is no number in a row is NaN.
+struct Columns {
+    std::vector<std::string> names;
+    std::vector<std::vector<std::string>> rows;
+
+    explicit Columns(const std::string& text) {
+        for (const std::string& line : lines(text)) {
+            std::vector<std::string> cells;
+            std::istringstream in(line);
+            for (std::string cell; std::getline(in, cell, ',');)
+                cells.push_back(cell);
+            (names.empty() ? names : rows.emplace_back()) = cells;
+        }
+    }
+    std::string cell(std::size_t row, const std::string& name) const {
+        const auto at =
+            static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
+        return at < rows[row].size() ? rows[row][at] : "";
+    }
+    template <typename T = float>
+    T number(std::size_t row, const std::string& name) const {
+        const std::string text = cell(row, name);
+        T value{};
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        const bool whole = error == std::errc() && end == text.data() + text.size();
+        return whole ? value : std::numeric_limits<T>::quiet_NaN();
+    }
+};
+
+std::vector<kiv_reading> readingsIn(const Columns& table) {
+    std::vector<kiv_reading> readings(table.rows.size());
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        const auto at = [&](const char* name) { return table.number(i, name); };
+        readings[i] = {0,
+                       table.cell(i, "status") == "2" ? 2 : 1,
+                       {at("x"), at("y"), at("z")},
+                       at("azimuth_deg"),
+                       at("elevation_deg"),
+                       at("level_x"),
+                       at("level_y"),
+                       at("temperature"),
+                       at("ref_metric"),
+                       0,
+                       table.cell(i, "ref_blocked") == "1"};
+        if (std::isnan(at("status")) || table.cell(i, "ref_blocked").size() != 1)
+            readings[i].azimuth = std::numeric_limits<float>::quiet_NaN();
+    }
+    return readings;
+}
+
+TEST(CSurface, GivesTheBitsOfTheClassesAndOfTheTool) {
+    const ParameterFolder folder;
+    std::set<std::string> statesSeen;
+    for (int mode = 1; mode <= 10; ++mode) {
+        std::ofstream(folder.file(), std::ios::binary) << exampleInMode(mode);
+        std::string table = tool({"simulate", folder.file(), "--rows", "150", "--bad-share", "0.2",
+                                  "--trajectory", "random", "--seed", "3"})
+                                .out;
+        // One before the reference, and one along the vertical.
+        table.insert(table.find('\n') + 1, "0,2,3000,1000,500,10,-12,1,-1,20,0.1,1,0,0,0\n");
+        table += "0,2,0,0,3000,0,0,0,0,20,0.1,0,0,0,0\n";
+        const auto readings = readingsIn(Columns(table));
+        ASSERT_GT(readings.size(), 100U);
+        for (const int frame : {KIV_FRAME_LOCAL, KIV_FRAME_MACHINE}) {
+            SCOPED_TRACE("mode " + std::to_string(mode) + ", frame " + std::to_string(frame));
+            const Columns expected(tool({"run", folder.file(), "-", "--frame",
+                                         frame ? "machine" : "local", "--messages", "0"},
+                                        table)
+                                       .out);
+            const auto parameters = loaded(folder.file());
+            const Results all = runMany(sensorOf(parameters, frame), readings);
+            const Sensor single = sensorOf(parameters, frame);
+            CKivPrm record;
+            CKiv sensor;
+            record.ReadCalibrationFile(folder.path().c_str(), 5);
+            kiv::configureSensor(sensor, record);
+            sensor.setMcsFlag(frame != 0);
+
+            ASSERT_EQ(expected.rows.size(), readings.size());
+            for (std::size_t i = 0; i < readings.size(); ++i) {
+                SCOPED_TRACE("row " + std::to_string(i));
+                const std::string state = expected.cell(i, "state");
+                statesSeen.insert(state);
+                ASSERT_EQ(kiv_state_name(all.states[i]), state);
+                const kiv_result& r = all.results[i];
+                const std::tuple<const char*, float, bool> cells[] = {
+                    {"azimuth_corrected_deg", r.azimuth, state != "refused"},
+                    {"level_x_corrected_deg", r.level_x, state != "refused"},
+                    {"rx_deg", r.rx, state == "ok"},
+                    {"ry_deg", r.ry, state == "ok"},
+                    {"rz_deg", r.rz, state == "ok"},
+                    {"qvc_y", r.qvc[1], state == "ok" && mode >= 7}};
+                for (const auto& [name, value, shown] : cells)
+                    if (shown) {
+                        EXPECT_EQ(expected.number(i, name), value) << name;
+                    }
+                if (state == "ok" && mode < 7) {
+                    EXPECT_EQ(expected.number<double>(i, "m12"), all.matrices[9 * i + 5]);
+                }
+                kiv_result one;
+                ASSERT_EQ(kiv_sensor_update(single.get(), &readings[i], &one), 0);
+                EXPECT_EQ(std::memcmp(&one, &r, sizeof r), 0);
+                if (state == "refused")
+                    continue;
+                KIV_INFO info;
+                sensor.updateKIVData(std::bit_cast<KIV_RAWINFO>(readings[i]), info);
+                EXPECT_EQ(std::memcmp(&info, &r, sizeof r), 0);
+                double m[9], expectedMatrix[9];
+                EXPECT_EQ(kiv_sensor_matrix(single.get(), m), sensor.ReadMatrix(expectedMatrix));
+                EXPECT_EQ(std::memcmp(m, expectedMatrix, sizeof m), 0);
+                EXPECT_EQ(std::memcmp(m, &all.matrices[9 * i], sizeof m), 0);
+            }
+        }
+    }
+    EXPECT_EQ(statesSeen.size(), 6U);
+}
+
+TEST(CSurface, APartOfARecordingRunsFromACapturedReference) {
+    const auto parameters = loaded(example);
+    std::vector<kiv_reading> readings(8, goodOne());
+    for (std::size_t i = 0; i < readings.size(); ++i)
+        readings[i].azimuth += static_cast<float>(i);
+    readings[0].status = 1;
+    readings[1].ref_blocked = true;
+    readings[2].vector[1] = std::numeric_limits<float>::infinity();
+
+    const Sensor whole = sensorOf(parameters, KIV_FRAME_LOCAL);
+    const Sensor part = sensorOf(parameters, KIV_FRAME_LOCAL);
+    bool has = true;
+    kiv_reading reference{};
+    std::int64_t index = 77;
+    EXPECT_EQ(kiv_sensor_has_reference(whole.get(), &has), 0);
+    EXPECT_FALSE(has);
+    EXPECT_EQ(kiv_sensor_reference_reading(whole.get(), &reference), 554);
+    EXPECT_EQ(kiv_sensor_reference_index(whole.get(), &index), 554);
+    const Results all = runMany(whole, readings);
+    EXPECT_EQ(std::vector<std::uint8_t>(all.states.begin(), all.states.begin() + 5),
+              (std::vector<std::uint8_t>{1, 2, 5, 3, 0}));
+    EXPECT_EQ(kiv_sensor_has_reference(whole.get(), &has), 0);
+    EXPECT_EQ(kiv_sensor_reference_reading(whole.get(), &reference), 0);
+    EXPECT_EQ(kiv_sensor_reference_index(whole.get(), &index), 0);
+    EXPECT_TRUE(has && index == 3 && std::memcmp(&reference, &readings[3], 52) == 0);
+
+    // Over a reference of its own, which those that cannot be one do not take away.
+    kiv_result ignored;
+    EXPECT_EQ(kiv_sensor_update(part.get(), &readings[6], &ignored), 0);
+    const Results before = runMany(part, readings, 4);
+    for (const std::size_t i : {0U, 1U, 2U})
+        EXPECT_EQ(kiv_sensor_capture_reference(part.get(), &readings[i]), 554) << i;
+    EXPECT_TRUE(runMany(part, readings, 4) == before);
+    EXPECT_EQ(kiv_sensor_capture_reference(part.get(), &reference), 0);
+    EXPECT_EQ(kiv_sensor_reference_index(part.get(), &index), 0);
+    EXPECT_EQ(index, -1);
+    kiv_sensor* copied = nullptr;
+    ASSERT_EQ(kiv_sensor_copy(part.get(), &copied), 0);
+    for (const Results& results :
+         {runMany(part, readings, 4), runMany(Sensor(copied), readings, 4)})
+        EXPECT_EQ(std::memcmp(results.results.data(), &all.results[4], 4 * 48), 0);
+}
+
+// In the manner of kiv info --json.
+Json valuesOf(const kiv_parameters* p, const std::string& block) {
+    const char* name = block.c_str();
+    std::int32_t kind = -1, integer = 0;
+    std::size_t count = 0;
+    EXPECT_EQ(kiv_block_kind(name, &kind), 0);
+    const char* word = nullptr;
+    if (kind == KIV_BLOCK_INTEGER)
+        return kiv_parameters_integer(p, name, &integer) == 0 ? Json(integer) : Json();
+    if (kind == KIV_BLOCK_WORD)
+        return kiv_parameters_word(p, name, &word) == 0 ? Json(word) : Json();
+    EXPECT_EQ(kiv_parameters_number_count(p, name, &count), 0);
+    std::vector<float> numbers(count);
+    EXPECT_EQ(kiv_parameters_numbers(p, name, numbers.data(), count - 1), 20);
+    EXPECT_EQ(kiv_parameters_numbers(p, name, numbers.data(), count), 0);
+    const auto rows = [&](std::size_t columns) {
+        Json made = Json::array();
+        for (std::size_t i = 0; i < count; i += columns)
+            made.push_back(std::vector<float>(&numbers[i], &numbers[i] + columns));
+        return made;
+    };
+    if (kind == KIV_BLOCK_MATRIX)
+        return rows(3);
+    if (kind == KIV_BLOCK_ENCODER_TABLE)
+        return {{"rows_deg", rows(2)}};
+    Json named;
+    if (kind == KIV_BLOCK_TILT_TABLE) {
+        named["rows_deg"] = rows(2);
+        numbers.resize(3);
+        EXPECT_EQ(kiv_parameters_limits(p, name, numbers.data()), 0);
+    }
+    for (std::size_t i = 0; const char* value = kiv_block_value_name(name, i); ++i)
+        named[value] = numbers[i];
+    if (kind == KIV_BLOCK_TILT_TABLE && kiv_parameters_word(p, name, &word) == 0)
+        named["closing_word"] = word;
+    return !named.is_null() ? named : count == 1 ? Json(numbers[0]) : Json(numbers);
+}
+
+TEST(CSurface, ReadsTheBlocksAsTheToolPrintsThem) {
+    const auto parameters = loaded(example);
+    Json all;
+    for (std::size_t i = 0; const char* name = kiv_block_name(i); ++i)
+        all[name] = valuesOf(parameters.get(), name);
+    EXPECT_EQ(all, Json::parse(tool({"info", "--json", example}).out));
+    std::int32_t integer = 0;
+    float limits[3];
+    EXPECT_EQ(kiv_parameters_integer(parameters.get(), "qvc", &integer), 20);
+    EXPECT_EQ(kiv_parameters_integer(parameters.get(), "mode", &integer), 20);
+    EXPECT_EQ(kiv_parameters_limits(parameters.get(), "qvc", limits), 20);
+}
+
+TEST(CSurface, TellsEveryFaultAndKeepsWhatWasLoaded) {
+    using kiv::Block;
+    const ParameterFolder folder;
+    const std::string path = folder.path() + "/\xC3\xA4\xE4\xBD\x8D Tg.prm"; // UTF-8
+    const std::filesystem::path native(std::u8string(path.begin(), path.end()));
+    std::ofstream(native, std::ios::binary) << parameterText();
+    const auto parameters = loaded(path);
+    const std::string bad =
+        parameterText({.values = {{Block::tiltOffset, "1 x"}, {Block::admOffset, "y"}},
+                       .titles = {{Block::qvc, "QVX"}}});
+    EXPECT_EQ(kiv_parameters_load_text(parameters.get(), bad.data(), bad.size()), 553);
+    std::vector<std::string> faults;
+    std::size_t count = 0, size = 0;
+    EXPECT_EQ(kiv_parameters_fault_count(parameters.get(), &count), 0);
+    std::int64_t line = 0, column = 0;
+    const char *expected = nullptr, *found = nullptr, *text = nullptr;
+    for (std::size_t i = 0; i < count; ++i) {
+        EXPECT_EQ(kiv_parameters_fault(parameters.get(), i, &line, &column, &expected, &found), 0);
+        faults.push_back(std::to_string(line) + ':' + std::to_string(column) + ": expected "
+                         + expected + ", found " + found);
+    }
+    std::ofstream(folder.file(), std::ios::binary) << bad;
+    EXPECT_EQ(kiv_parameters_fault(parameters.get(), count, &line, &column, &expected, &found), 20);
+    std::vector<std::string> shown = lines(tool({"check", folder.file()}).err);
+    std::erase_if(shown, [](const auto& l) { return l.ends_with("(warning)"); });
+    for (std::string& l : shown)
+        l.erase(0, folder.file().size() + 1);
+    EXPECT_GE(count, 3U);
+    EXPECT_EQ(faults, shown);
+
+    EXPECT_EQ(kiv_parameters_text(parameters.get(), &text, &size), 0);
+    EXPECT_EQ(std::string(text, size), parameterText());
+    EXPECT_EQ(kiv_parameters_load(parameters.get(), folder.path().c_str()), 550);
+    EXPECT_EQ(kiv_parameters_fault_count(parameters.get(), &count), 0);
+    EXPECT_EQ(count, 0U);
+    std::ofstream(folder.path() + "/Tg6.prm") << parameterText();
+    EXPECT_EQ(kiv_parameters_load(parameters.get(), (folder.path() + "\\Tg6.prm").c_str()), 553);
+
+    // Over itself, with every file operation failing in turn.
+    const std::string rewritten = [&] {
+        const auto other = loaded(path);
+        EXPECT_EQ(kiv_parameters_rewrite(other.get(), path.c_str()), 0);
+        return contentOf(native).value_or("");
+    }();
+    int code = KIV_STATUS_CANNOT_OPEN;
+    for (int k = 1; code == KIV_STATUS_CANNOT_OPEN && k < 20; ++k) {
+        std::ofstream(native, std::ios::binary) << "old";
+        const FailingOperation failing(k);
+        code = kiv_parameters_rewrite(parameters.get(), path.c_str());
+        EXPECT_EQ(contentOf(native), code == 0 ? rewritten : "old") << k;
+    }
+    EXPECT_EQ(code, 0);
+    EXPECT_FALSE(exists(std::filesystem::path(native) += "$tmp"));
+}
+
+// Each pointer null in its turn.
+template <typename... P, std::size_t... I>
+void refuseNulls(const char* name, std::size_t optional, int (*f)(P...), std::tuple<P...> given,
+                 std::index_sequence<I...>) {
+    const auto tryOne = [&](auto place) {
+        constexpr std::size_t i = decltype(place)::value;
+        if constexpr (std::is_pointer_v<std::tuple_element_t<i, std::tuple<P...>>>) {
+            auto arguments = given;
+            std::get<i>(arguments) = nullptr;
+            EXPECT_EQ(std::apply(f, arguments), i >= optional ? 0 : 20) << name << ", place " << i;
+        }
+    };
+    (tryOne(std::integral_constant<std::size_t, I>()), ...);
+    EXPECT_NE(std::apply(f, given), 20) << name;
+}
+
+#define REFUSES_NULLS(f, ...) REFUSES_NULLS_BEFORE(9, f, __VA_ARGS__)
+#define REFUSES_NULLS_BEFORE(optional, f, ...)                                                     \
+    [&]<typename... P>(int (*function)(P...)) {                                                    \
+        refuseNulls(#f, optional, function, std::tuple<P...>(__VA_ARGS__),                         \
+                    std::index_sequence_for<P...>());                                              \
+    }(f)
+
+TEST(CSurface, RefusesANullInEveryPlace) {
+    const ParameterFolder folder;
+    const auto parameters = loaded(example);
+    const auto sensor = sensorOf(parameters);
+    kiv_parameters* const p = parameters.get();
+    kiv_sensor* const s = sensor.get();
+    const kiv_reading reading = goodOne();
+    kiv_reading copied;
+    kiv_result result;
+    kiv_parameters* newP = nullptr;
+    kiv_sensor* newS = nullptr;
+    double d[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1}, d2[9] = {1, 1, 1};
+    float f[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+    std::int64_t line, column;
+    std::int32_t integer;
+    std::size_t size;
+    const char *text, *found;
+    std::uint8_t state;
+    bool has;
+    const std::string target = folder.file();
+
+    REFUSES_NULLS(kiv_parameters_new, &newP);
+    kiv_parameters_free(newP);
+    REFUSES_NULLS(kiv_parameters_copy, p, &newP);
+    kiv_parameters_free(newP);
+    REFUSES_NULLS(kiv_sensor_new, p, &newS);
+    kiv_sensor_free(newS);
+    REFUSES_NULLS(kiv_sensor_copy, s, &newS);
+    kiv_sensor_free(newS);
+    kiv_parameters_free(nullptr);
+    kiv_sensor_free(nullptr);
+    REFUSES_NULLS(kiv_parameters_load_text, p, "x", std::size_t{1});
+    REFUSES_NULLS(kiv_parameters_fault_count, p, &size);
+    REFUSES_NULLS(kiv_parameters_fault, p, std::size_t{0}, &line, &column, &text, &found);
+    REFUSES_NULLS(kiv_parameters_load, p, example.c_str());
+    REFUSES_NULLS(kiv_parameters_text, p, &text, &size);
+    REFUSES_NULLS(kiv_block_kind, "qvc", &integer);
+    REFUSES_NULLS(kiv_parameters_integer, p, "mounting_mode", &integer);
+    REFUSES_NULLS(kiv_parameters_word, p, "device_owner", &text);
+    REFUSES_NULLS(kiv_parameters_number_count, p, "qvc", &size);
+    REFUSES_NULLS(kiv_parameters_numbers, p, "qvc", f, std::size_t{9});
+    REFUSES_NULLS(kiv_parameters_limits, p, "tilt_x_calibration_table", f);
+    REFUSES_NULLS(kiv_parameters_rewrite, p, target.c_str());
+    REFUSES_NULLS(kiv_sensor_set_frame, s, KIV_FRAME_MACHINE);
+    REFUSES_NULLS(kiv_sensor_frame, s, &integer);
+    REFUSES_NULLS(kiv_sensor_set_mount_mode, s, 4);
+    REFUSES_NULLS(kiv_sensor_mount_mode, s, &integer);
+    for (const auto set : {kiv_sensor_set_azimuth_table, kiv_sensor_set_elevation_table,
+                           kiv_sensor_set_tilt_x_table, kiv_sensor_set_tilt_y_table})
+        REFUSES_NULLS(set, s, f, std::size_t{2});
+    for (const auto set : {kiv_sensor_set_level1_parameters, kiv_sensor_set_level2_parameters,
+                           kiv_sensor_set_qvc_parameters, kiv_sensor_set_scale_factors})
+        REFUSES_NULLS(set, s, f, std::size_t{6});
+    for (const auto set :
+         {kiv_sensor_set_local_matrix, kiv_sensor_set_machine_matrix, kiv_sensor_set_known_vector})
+        REFUSES_NULLS(set, s, d);
+    REFUSES_NULLS(kiv_sensor_set_encoder_offset, s, 0.0F, 0.0F);
+    REFUSES_NULLS(kiv_sensor_set_tilt_offset, s, 0.0F, 0.0F);
+    REFUSES_NULLS(kiv_sensor_set_thermal_factor, s, 0.0F, 1.0F, 0.0F, 1.0F);
+    REFUSES_NULLS(kiv_sensor_capture_reference, s, &reading);
+    REFUSES_NULLS(kiv_sensor_update, s, &reading, &result);
+    REFUSES_NULLS_BEFORE(4, kiv_sensor_update_many, s, &reading, std::size_t{1}, &result, d,
+                         &state);
+    REFUSES_NULLS(kiv_sensor_matrix, s, d);
+    REFUSES_NULLS(kiv_sensor_has_reference, s, &has);
+    REFUSES_NULLS(kiv_sensor_reference_reading, s, &copied);
+    REFUSES_NULLS(kiv_sensor_reference_index, s, &line);
+    REFUSES_NULLS(kiv_home_angles, d, d2, d, d2, d, d);
+    EXPECT_EQ(kiv_block_value_name(nullptr, 0), nullptr);
+
+    EXPECT_EQ(kiv_sensor_set_frame(s, 2), 20);
+    EXPECT_EQ(kiv_sensor_set_tilt_x_table(s, f, 0), 20);
+    EXPECT_EQ(kiv_sensor_set_tilt_x_table(s, f, SIZE_MAX / 4 + 2), 20);
+    EXPECT_EQ(kiv_sensor_set_azimuth_table(s, f, SIZE_MAX), 20);
+    EXPECT_EQ(kiv_sensor_set_qvc_parameters(s, f, 7), 20);
+    EXPECT_EQ(kiv_state_name(6), nullptr);
+    EXPECT_EQ(kiv_state_name(-1), nullptr);
+    ASSERT_EQ(kiv_parameters_new(&newP), 0);
+    const Parameters empty(newP);
+    EXPECT_EQ(kiv_sensor_new(empty.get(), &newS), 551);
+    EXPECT_EQ(kiv_parameters_text(empty.get(), &text, &size), 551);
+    EXPECT_EQ(kiv_parameters_number_count(empty.get(), "qvc", &size), 551);
+    EXPECT_EQ(kiv_parameters_rewrite(empty.get(), target.c_str()), 551);
+}
+
+// The setters against those of the class, on sensors that differ in everything else.
+TEST(CSurface, SettersReachTheSensor) {
+    const auto parameters = loaded(example);
+    const auto sensor = sensorOf(parameters);
+    CKiv classes;
+    prepare(classes, 4);
+    const float rows[] = {-20, -20, -5, -5, 5, 5, 20, 20};
+    const double identity[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+    const float factors[] = {0, 0, 0, 0, 1, 1, 1, 0};
+    kiv_sensor* const s = sensor.get();
+    const int codes[] = {kiv_sensor_set_tilt_x_table(s, rows, 4),
+                         kiv_sensor_set_tilt_y_table(s, rows, 4),
+                         kiv_sensor_set_azimuth_table(s, rows, 0),
+                         kiv_sensor_set_elevation_table(s, rows, 0),
+                         kiv_sensor_set_thermal_factor(s, 0, 1, 0, 1),
+                         kiv_sensor_set_local_matrix(s, identity),
+                         kiv_sensor_set_machine_matrix(s, identity),
+                         kiv_sensor_set_scale_factors(s, factors, 8),
+                         kiv_sensor_set_encoder_offset(s, 0, 0),
+                         kiv_sensor_set_tilt_offset(s, 0, 0),
+                         kiv_sensor_set_mount_mode(s, 4)};
+    for (const int code : codes)
+        EXPECT_EQ(code, 0);
+    kiv_reading reading = goodOne();
+    for (int i = 0; i < 3; ++i) {
+        kiv_result result;
+        KIV_INFO info;
+        EXPECT_EQ(kiv_sensor_update(s, &reading, &result), 0);
+        classes.updateKIVData(std::bit_cast<KIV_RAWINFO>(reading), info);
+        EXPECT_EQ(std::memcmp(&info, &result, sizeof info), 0) << i;
+        reading.azimuth += 7;
+        reading.level_y += 1;
+    }
+    const double x[] = {1, 0, 0}, direction[] = {0.8, 0.5, 0.1}, angles[] = {1, 2}, tilt[] = {3, 4};
+    double h = 0, v = 0, expectedH = 0, expectedV = 0;
+    EXPECT_EQ(kiv_home_angles(x, direction, angles, tilt, &h, &v), 0);
+    classes.Calc_HV0({1, 0, 0}, {0.8, 0.5, 0.1}, {1, 2}, {3, 4, 0}, &expectedH, &expectedV);
+    EXPECT_TRUE(h == expectedH && v == expectedV);
+    const double zero[3] = {};
+    EXPECT_EQ(kiv_home_angles(zero, direction, angles, tilt, &h, &v), 554);
+}
+
+TEST(CSurface, SurvivesEveryRefusedAllocation) {
+    const ParameterFolder folder;
+    const auto parameters = loaded(example);
+    const auto sensor = sensorOf(parameters);
+    kiv_parameters* const p = parameters.get();
+    kiv_sensor* const s = sensor.get();
+    const std::string text = parameterText(), target = folder.file();
+    const kiv_reading reading = goodOne();
+    std::vector<float> rows(2 * 800);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i] = static_cast<float>(i / 2) * 0.25F;
+    double h = 0, v = 0;
+    const double d[] = {1, 1, 0};
+    kiv_result first, again;
+    ASSERT_EQ(kiv_sensor_update(s, &reading, &first), 0);
+    const auto calls = allocationCount();
+    ASSERT_EQ(kiv_sensor_update(s, &reading, &first), 0);
+    EXPECT_EQ(allocationCount(), calls);
+
+    const auto made = [](auto* handle, int code) {
+        if (code == 0)
+            Free()(handle);
+        return code;
+    };
+    const std::pair<const char*, std::function<int()>> operations[] = {
+        {"new",
+         [&, q = p]() mutable {
+             int c = kiv_parameters_new(&q);
+             return made(q, c);
+         }},
+        {"copy",
+         [&, q = p]() mutable {
+             int c = kiv_parameters_copy(p, &q);
+             return made(q, c);
+         }},
+        {"sensor",
+         [&, q = s]() mutable {
+             int c = kiv_sensor_new(p, &q);
+             return made(q, c);
+         }},
+        {"sensor copy",
+         [&, q = s]() mutable {
+             int c = kiv_sensor_copy(s, &q);
+             return made(q, c);
+         }},
+        {"azimuth", [&] { return kiv_sensor_set_azimuth_table(s, rows.data(), 800); }},
+        {"tilt", [&] { return kiv_sensor_set_tilt_y_table(s, rows.data(), 800); }},
+        {"capture", [&] { return kiv_sensor_capture_reference(s, &reading); }},
+        {"home", [&] { return kiv_home_angles(d, d, d, d, &h, &v); }},
+        {"rewrite", [&] { return kiv_parameters_rewrite(p, target.c_str()); }},
+        {"load", [&] { return kiv_parameters_load(p, target.c_str()); }},
+        {"text", [&] { return kiv_parameters_load_text(p, text.data(), text.size()); }},
+        {"fault", [&] { return kiv_parameters_load_text(p, "x", 1) == 553 ? 0 : 21; }},
+    };
+    for (const auto& [name, operation] : operations) {
+        SCOPED_TRACE(name);
+        const std::string source = contentOf(example).value_or("");
+        int code = 21;
+        for (std::size_t n = 1; code == 21 && n < 2000; ++n) {
+            failAllocation(n);
+            code = operation();
+            failAllocation(0);
+            if (code == 0)
+                continue;
+            ASSERT_EQ(kiv_sensor_update(s, &reading, &again), 0);
+            EXPECT_EQ(std::memcmp(&again, &first, sizeof first), 0) << n;
+        }
+        EXPECT_EQ(code, 0);
+        ASSERT_EQ(kiv_sensor_update(s, &reading, &first), 0); // with what was set
+    }
+    const char* whole = nullptr;
+    std::size_t size = 0;
+    EXPECT_EQ(kiv_parameters_text(p, &whole, &size), 0);
+    EXPECT_EQ(std::string(whole, size), text);
+}
+
+TEST(CSurface, TellsVersionAndTexts) {
+    EXPECT_EQ(kiv_version() + std::string("\n"), tool({"--version"}).out);
+    EXPECT_EQ(kiv_version_number(),
+              10000 * KIV_VERSION_MAJOR + 100 * KIV_VERSION_MINOR + KIV_VERSION_PATCH);
+    std::set<std::string> texts;
+    for (const int code : {0, 20, 21, 550, 551, 553, 554, 1})
+        texts.insert(kiv_status_text(code));
+    EXPECT_EQ(texts.size(), 8U);
+}
+
+} // namespace
