@@ -18,15 +18,6 @@ bool allNumbers(const CKiv& sensor, const KIV_INFO& info) {
 
 } // namespace
 
-bool isUsable(const KIV_RAWINFO& raw) {
-    const float(&v)[3] = raw.vector;
-    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2])
-           && (v[0] != 0 || v[1] != 0 || v[2] != 0) && std::isfinite(raw.azimuthRaw)
-           && std::isfinite(raw.elevationRaw) && std::isfinite(raw.levelXRaw)
-           && std::isfinite(raw.levelYRaw) && std::isfinite(raw.temperature)
-           && std::isfinite(raw.refMetric);
-}
-
 RowState stateAfter(const CKiv& sensor, UpdateOutcome outcome, const KIV_INFO& info) {
     if (outcome == UpdateOutcome::badStatus)
         return RowState::status;
