@@ -10,7 +10,7 @@
 >>> [kiv.State(state).name for state in results["state"]]
 ['REFERENCE', 'OK']
 >>> print("%.4f" % results["rz_deg"][1])
--13.5117
+-14.6572
 """
 
 from . import _library

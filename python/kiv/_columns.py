@@ -110,6 +110,8 @@ class Readings:
             values = values.to_numpy(object, na_value=np.nan)  # a type of pandas' own
         try:
             array = np.asarray(values)
+            if array.dtype.kind in "SU":  # of what is a list numbers, too, are text now
+                array = np.asarray(values, object)
         except ValueError:  # rows of different lengths
             array = np.empty((0, 0))
         if array.ndim != 1:

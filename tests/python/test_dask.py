@@ -21,7 +21,6 @@ def test_a_recording_in_files(tmp_path, monkeypatch):
     file, whole = tmp_path / "Tg5.prm", tmp_path / "whole.csv"
     file.write_text(EXAMPLE)
     rows = kiv_tool("simulate", file, "--rows", 4000, "--bad-share", 0.05).splitlines(True)
-    rows[1:1] = [row[:-1] + "\n" for row in rows[1:1]]
     whole.write_text("".join(rows))
     parts = []
     for start in range(1, len(rows), 400):
