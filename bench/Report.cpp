@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <initializer_list>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace kiv::bench {
@@ -104,6 +105,15 @@ std::vector<Goal> allGoals() {
         peer(std::string("rewrite of ") + (tokens + 1) + " tokens / fscanf and fprintf", "rewrite",
              "/fprintf", 0.45, tokens);
 
+    for (const auto& [what, text] : {std::pair{"/library", "a million readings in one call, "},
+                                     std::pair{"/with_states", "the same with their states, "}})
+        for (const auto& model : models) {
+            const std::string name = ofMode("million_readings", model.mode);
+            goals.push_back({text + std::string(model.name) + " / loop of updates",
+                             {name + what},
+                             {name + "/loop"},
+                             1.03});
+        }
     for (const auto& model : models)
         goals.push_back({std::string("kiv run, a row, ") + model.name + " / its update and numbers",
                          {ofMode("run_row", model.mode) + "/library"},

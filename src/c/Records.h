@@ -41,10 +41,14 @@ KIV_SAME(kiv_result, KIV_INFO, qvc, qvc);
 
 namespace kiv::c {
 
-inline KIV_RAWINFO recordOf(const kiv_reading& reading) {
-    KIV_RAWINFO raw;
-    std::memcpy(&raw, &reading, sizeof raw);
-    return raw;
+// The library reads and writes the host's records as its own; no code here looks into them by their
+// names in kiv.h, so that no two types ever meet in one place of memory.
+inline const KIV_RAWINFO& recordOf(const kiv_reading& reading) {
+    return reinterpret_cast<const KIV_RAWINFO&>(reading);
+}
+
+inline KIV_INFO& recordOf(kiv_result& result) {
+    return reinterpret_cast<KIV_INFO&>(result);
 }
 
 } // namespace kiv::c

@@ -76,7 +76,7 @@ int kiv_sensor_capture_reference(kiv_sensor* sensor, const kiv_reading* reading)
         return KIV_STATUS_BAD_ARGUMENT;
     return guarded([=] {
         const std::lock_guard guard(sensor->lock);
-        const KIV_RAWINFO raw = recordOf(*reading);
+        const KIV_RAWINFO& raw = recordOf(*reading);
         KIV_INFO info;
         CKiv trial(sensor->sensor);
         SensorAccess::forgetReference(trial);

@@ -1,7 +1,6 @@
 #include "sensor/Update.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "c/Handles.h"
 #include "c/Records.h"
@@ -21,13 +20,11 @@ static_assert(KIV_STATE_OK == int(RowState::ok) && KIV_STATE_STATUS == int(RowSt
               && KIV_STATE_REFUSED == int(RowState::refused));
 
 // One reading, of a locked sensor.
-void update(kiv_sensor& sensor, const kiv_reading& reading, kiv_result& out, double* matrix,
+void update(kiv_sensor& sensor, const KIV_RAWINFO& raw, KIV_INFO& info, double* matrix,
             std::uint8_t* state) {
-    const KIV_RAWINFO raw = recordOf(reading);
-    KIV_INFO info{};
     RowState became = RowState::refused;
     if (isUsable(raw)) {
-        const UpdateOutcome outcome = SensorUpdate::run(sensor.sensor, raw, info);
+        const UpdateOutcome outcome = SensorUpdate::runAlone(sensor.sensor, raw, info);
         if (outcome == UpdateOutcome::reference) {
             sensor.reference = raw;
             sensor.referenceIndex = sensor.given;
@@ -36,13 +33,14 @@ void update(kiv_sensor& sensor, const kiv_reading& reading, kiv_result& out, dou
             sensor.sensor.ReadMatrix(matrix);
         if (state)
             became = stateAfter(sensor.sensor, outcome, info);
-    } else if (matrix) {
-        std::copy_n(identity, 9, matrix);
+    } else {
+        info = KIV_INFO{};
+        if (matrix)
+            std::copy_n(identity, 9, matrix);
     }
     if (state)
         *state = static_cast<std::uint8_t>(became);
     ++sensor.given;
-    std::memcpy(&out, &info, sizeof out);
 }
 
 } // namespace
@@ -63,8 +61,8 @@ int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size
     return guarded([=] {
         const std::lock_guard guard(sensor->lock);
         for (std::size_t i = 0; i < count; ++i)
-            update(*sensor, readings[i], out[i], matrices ? matrices + 9 * i : nullptr,
-                   states ? states + i : nullptr);
+            update(*sensor, recordOf(readings[i]), recordOf(out[i]),
+                   matrices ? matrices + 9 * i : nullptr, states ? states + i : nullptr);
         return KIV_STATUS_OK;
     });
 }
@@ -72,5 +70,8 @@ int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size
 int kiv_sensor_matrix(kiv_sensor* sensor, double* m) {
     if (!sensor || !m)
         return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] { return sensor->sensor.ReadMatrix(m); }); // it has a lock of its own
+    return guarded([=] {
+        const std::lock_guard guard(sensor->lock);
+        return sensor->sensor.ReadMatrix(m);
+    });
 }

@@ -20,8 +20,16 @@ enum class RowState : unsigned char {
 inline constexpr std::array<const char*, 6> rowStateNames{
     "ok", "status", "no_reference", "reference", "no_orientation", "refused"};
 
-// Readings that are finite and whose vector is not zero.
-bool isUsable(const KIV_RAWINFO& raw);
+// Readings that are finite and whose vector is not zero. In line and without branches, as every
+// reading is asked: 0 times what is not finite is no number.
+inline bool isUsable(const KIV_RAWINFO& raw) {
+    const float(&v)[3] = raw.vector;
+    const float zero =
+        ((v[0] * 0 + v[1] * 0) + (v[2] * 0 + raw.azimuthRaw * 0))
+        + ((raw.elevationRaw * 0 + raw.levelXRaw * 0) + (raw.levelYRaw * 0 + raw.temperature * 0))
+        + raw.refMetric * 0;
+    return zero == 0 && (v[0] != 0 || v[1] != 0 || v[2] != 0);
+}
 
 // Of the readings that were last taken through the sensor, with what came of them.
 RowState stateAfter(const CKiv& sensor, UpdateOutcome outcome, const KIV_INFO& info);

@@ -39,8 +39,12 @@ float correctedAngle(CEncoder& encoder, float raw) {
 } // namespace
 
 UpdateOutcome SensorUpdate::run(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info) {
-    info = KIV_INFO{};
     const std::lock_guard<std::mutex> guard(sensor.lock);
+    return runAlone(sensor, raw, info);
+}
+
+UpdateOutcome SensorUpdate::runAlone(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info) {
+    info = KIV_INFO{};
     sensor.matrixValid = false;
 
     bool outsideX = false;
