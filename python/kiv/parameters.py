@@ -41,7 +41,7 @@ class Parameters:
     4
     >>> parameters["angle_offset"].tolist()
     [12.5, -3.25]
-    >>> parameters["tilt_x_table"].shape
+    >>> parameters["tilt_x_calibration_table"].shape
     (41, 2)
     """
 

@@ -36,7 +36,7 @@ class Sensor:
     >>> results["state"].value_counts()[["ok", "reference"]].tolist()
     [1999, 1]
     >>> [round(float(angle), 4) for angle in results.loc[1, ["rx_deg", "ry_deg", "rz_deg"]]]
-    [-2.8225, 3.8208, 3.7046]
+    [-2.8215, 3.8208, 3.7047]
     """
 
     def __init__(self, parameters: Parameters, frame: str = "machine") -> None:
