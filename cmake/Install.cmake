@@ -37,8 +37,9 @@ endif()
 if(PROJECT_IS_TOP_LEVEL)
     # Where the links between them hold.
     install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+    install(FILES python/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/python)
     install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
         FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN programs EXCLUDE)
     install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS
-        PATTERN CMakeLists.txt EXCLUDE)
+        PATTERN CMakeLists.txt EXCLUDE PATTERN __pycache__ EXCLUDE)
 endif()

@@ -1,8 +1,5 @@
 #include "sensor/RowState.h"
 
-#include <cmath>
-
-#include "models/Geometry.h"
 #include "sensor/SensorAccess.h"
 
 namespace kiv {
@@ -12,8 +9,11 @@ namespace {
 // The models of modes 5 to 10 report a result also where its entries are no numbers, and a machine
 // or local matrix can spoil any model's.
 bool allNumbers(const CKiv& sensor, const KIV_INFO& info) {
-    return allFinite(SensorAccess::transform(sensor), 9) && std::isfinite(info.rx)
-           && std::isfinite(info.ry) && std::isfinite(info.rz);
+    const double* t = SensorAccess::transform(sensor); // 0 times what is not finite is no number
+    const double zero = (t[0] * 0 + t[1] * 0 + t[2] * 0) + (t[3] * 0 + t[4] * 0 + t[5] * 0)
+                        + (t[6] * 0 + t[7] * 0 + t[8] * 0);
+    const float angles = info.rx * 0 + info.ry * 0 + info.rz * 0;
+    return zero == 0 && angles == 0;
 }
 
 } // namespace

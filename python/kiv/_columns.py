@@ -1,0 +1,199 @@
+"""Columns of readings into the library's records, its records into columns of results."""
+
+from __future__ import annotations
+
+import enum
+import numbers
+import sys
+from collections.abc import Mapping
+from typing import Any, Dict, Optional
+
+import numpy as np
+from numpy.typing import NDArray
+
+from . import _library
+from .errors import ReadingsError
+
+Array = NDArray[Any]
+
+# The records of kiv.h, under the names of kiv run's columns; state is where a result is unused.
+_reading_fields = {
+    "status": ("i4", 4),
+    "x": ("f4", 8),
+    "y": ("f4", 12),
+    "z": ("f4", 16),
+    "azimuth_deg": ("f4", 20),
+    "elevation_deg": ("f4", 24),
+    "level_x": ("f4", 28),
+    "level_y": ("f4", 32),
+    "temperature": ("f4", 36),
+    "ref_metric": ("f4", 40),
+    "ref_blocked": ("?", 48),
+}
+_corrected = {
+    "azimuth_corrected_deg": ("f4", 4),
+    "elevation_corrected_deg": ("f4", 8),
+    "level_x_corrected_deg": ("f4", 12),
+    "level_y_corrected_deg": ("f4", 16),
+}
+_angles = {"rx_deg": ("f4", 20), "ry_deg": ("f4", 28), "rz_deg": ("f4", 24)}
+_qvc = {"qvc_x": ("f4", 36), "qvc_y": ("f4", 40), "qvc_z": ("f4", 44)}
+
+
+def _record(fields: Mapping[str, tuple[str, int]], size: int) -> np.dtype[np.void]:
+    formats, offsets = zip(*fields.values())
+    return np.dtype(
+        {"names": list(fields), "formats": formats, "offsets": offsets, "itemsize": size}
+    )
+
+
+READING = _record(_reading_fields, 52)
+RESULT = _record({"state": ("u1", 0), **_corrected, **_angles, **_qvc}, 48)
+MATRIX = [f"m{row}{column}" for row in range(3) for column in range(3)]
+
+
+class State(enum.IntEnum):
+    """What became of a reading, as kiv run's column state says it."""
+
+    OK = 0  # the angles are computed
+    STATUS = 1  # the measurement status is not 2: corrected readings alone
+    NO_REFERENCE = 2  # no reference orientation has been captured yet
+    REFERENCE = 3  # this reading became the reference
+    NO_ORIENTATION = 4  # the model has none for it
+    REFUSED = 5  # a value is missing or not finite, or the vector is zero
+
+
+def is_frame(values: object) -> bool:
+    pandas = sys.modules.get("pandas")  # who has a frame has loaded it
+    return pandas is not None and isinstance(values, pandas.DataFrame)
+
+
+class Readings:
+    """Checked columns of readings, all of one length, which is count."""
+
+    def __init__(self, argument: str, readings: Any) -> None:
+        self._argument = argument
+        names = self._names(readings)
+        for name in _reading_fields:
+            if name not in names:
+                raise ReadingsError(argument, name, None, "a column of this name", "none")
+        self._columns = {name: self._numbers(name, readings[name]) for name in _reading_fields}
+        self.count = len(self._columns["status"])
+        for name, values in self._columns.items():
+            if len(values) != self.count:
+                raise ReadingsError(
+                    argument, name, None, f"{self.count} rows as in column status", f"{len(values)}"
+                )
+        self._no_use: Optional[Array] = None
+        with np.errstate(invalid="ignore"):
+            status, blocked = self._columns["status"], self._columns["ref_blocked"]
+            self._require("status", status.astype(np.int32) != status, "a whole number of 32 bits")
+            self._require("ref_blocked", (blocked != 0) != blocked, "0, 1, false or true")
+
+    def _names(self, readings: Any) -> Any:
+        if is_frame(readings):
+            return readings.columns
+        if isinstance(readings, Mapping):
+            return readings
+        if isinstance(readings, np.ndarray) and readings.dtype.names is not None:
+            return readings.dtype.names
+        raise TypeError(
+            f"{self._argument}: expected a dict of arrays, a structured array or a DataFrame, "
+            f"found {type(readings).__name__}"
+        )
+
+    def _numbers(self, name: str, values: Any) -> Array:
+        """A column's values; a missing one is NaN."""
+        if isinstance(values, np.ma.MaskedArray):
+            values = np.ma.filled(values.astype(np.float64), np.nan)  # type: ignore[no-untyped-call]
+        elif hasattr(values, "to_numpy") and not isinstance(values.dtype, np.dtype):
+            values = values.to_numpy(object, na_value=np.nan)  # a type of pandas' own
+        try:
+            array = np.asarray(values)
+            if array.dtype.kind in "SU":  # of what is a list numbers, too, are text now
+                array = np.asarray(values, object)
+        except ValueError:  # rows of different lengths
+            array = np.empty((0, 0))
+        if array.ndim != 1:
+            raise ReadingsError(
+                self._argument, name, None, "one dimension", f"the shape {array.shape}"
+            )
+        if array.dtype.kind in "biuf":
+            return array
+        for row, value in enumerate(array.tolist()):
+            if value is not None and not isinstance(value, numbers.Real):
+                raise ReadingsError(self._argument, name, row, "a number", repr(value))
+        return array.astype(np.float64)
+
+    def _require(self, name: str, wrong: Array, expected: str) -> None:
+        """A missing value makes the row no use, another wrong one is an error."""
+        if not wrong.any():
+            return
+        values = self._columns[name]
+        missing = np.isnan(values)
+        if (wrong & ~missing).any():
+            row = int(np.argmax(wrong & ~missing))
+            raise ReadingsError(self._argument, name, row, expected, str(values[row]))
+        self._no_use = missing if self._no_use is None else self._no_use | missing
+
+    def fill(self, records: Array, start: int) -> None:
+        """The rows from start on, one for each of the records."""
+        part = slice(start, start + len(records))
+        with np.errstate(over="ignore", invalid="ignore"):  # the library refuses what is not finite
+            for name, values in self._columns.items():
+                records[name] = values[part]
+        if self._no_use is not None:
+            records["x"][self._no_use[part]] = np.nan
+
+
+class Results:
+    """The records of n results, and the columns over them; NaN where kiv run leaves a cell empty."""
+
+    def __init__(self, n: int, matrices: bool, mode: int) -> None:
+        self._three_vectors = mode >= 7
+        self._states = np.empty(n, np.uint8)
+        self._records = np.empty(n, RESULT)
+        self._matrices = np.empty((n, 9)) if matrices else None
+
+    def update(self, sensor: _library.Sensor, readings: Array, start: int) -> None:
+        """With the results of these readings, the rows from start on."""
+        rows = slice(start, start + len(readings))
+        records, states = self._records[rows], self._states[rows]
+        matrices = None if self._matrices is None else self._matrices[rows]
+        sensor.update(readings, records, matrices, states)
+
+        others = np.flatnonzero(states != State.OK)
+        became = states[others]
+        unmodelled = others[(became != State.NO_REFERENCE) & (became != State.REFERENCE)]
+        everywhere = slice(None)
+        for fields, empty in (
+            (_corrected, others[became == State.REFUSED]),
+            (_angles, others),
+            (_qvc, unmodelled if self._three_vectors else everywhere),
+        ):
+            for name in fields:
+                records[name][empty] = np.nan
+        if matrices is not None:
+            matrices[everywhere if self._three_vectors else others] = np.nan
+        records["state"] = states
+
+    def table(self, like: Any) -> Any:
+        """Of the kind of the readings."""
+        columns: Dict[str, Any] = {name: self._records[name] for name in RESULT.names or ()}
+        if self._matrices is not None:
+            columns.update(zip(MATRIX, self._matrices.T))
+        if is_frame(like):
+            pandas = sys.modules["pandas"]
+            words = [state.name.lower() for state in State]
+            columns["state"] = pandas.Categorical.from_codes(self._states.view(np.int8), words)
+            return pandas.DataFrame(columns, index=like.index, copy=False)
+        columns["state"] = self._states
+        if isinstance(like, Mapping):
+            return columns
+        if self._matrices is None:
+            return self._records
+        types = [(name, values.dtype) for name, values in columns.items()]
+        table = np.empty(len(self._records), types)
+        for name, values in columns.items():
+            table[name] = values
+        return table

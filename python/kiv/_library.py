@@ -1,0 +1,222 @@
+"""The functions of kiv.h over the library; nothing else of the package knows ctypes."""
+
+from __future__ import annotations
+
+import ctypes
+import os
+import sys
+import weakref
+from ctypes import byref, c_bool, c_char_p, c_int, c_int32, c_int64, c_size_t, c_void_p
+from typing import Any, Callable, List, Optional, Tuple
+
+import numpy as np
+from numpy.typing import NDArray
+
+from .errors import Error, Fault
+
+NO_MEMORY, CANNOT_OPEN, BAD_FORMAT = 21, 550, 553
+LOCAL, MACHINE = 0, 1
+INTEGER, WORD, NUMBERS, MATRIX, ENCODER_TABLE, TILT_TABLE = range(6)
+
+Array = NDArray[Any]
+
+
+def _library() -> ctypes.CDLL:
+    name = "kiv.dll" if sys.platform == "win32" else "libkiv.so.1"
+    beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), name)
+    path = os.environ.get("KIV_LIBRARY") or beside
+    try:
+        return ctypes.CDLL(path)
+    except OSError as error:
+        raise ImportError(f"cannot load the library {path}, see KIV_LIBRARY: {error}") from error
+
+
+_dll = _library()
+
+
+def _text(name: str, *arguments: Any) -> Callable[..., Optional[str]]:
+    function = getattr(_dll, name)
+    function.argtypes, function.restype = arguments, c_char_p
+
+    def call(*values: Any) -> Optional[str]:
+        text = function(*values)
+        return None if text is None else _decoded(text)
+
+    return call
+
+
+def _decoded(text: Optional[bytes]) -> str:
+    return (text or b"").decode("utf-8", "backslashreplace")
+
+
+_status_text = _text("kiv_status_text", c_int)
+version = _text("kiv_version")
+block_name = _text("kiv_block_name", c_size_t)
+
+
+def check(code: int) -> None:
+    if code == NO_MEMORY:
+        raise MemoryError(_status_text(code))
+    if code != 0:
+        raise Error(code, f"{_status_text(code)} ({code})")
+
+
+def _asked(name: str, *arguments: Any) -> Callable[..., int]:
+    function = getattr(_dll, name)
+    function.argtypes, function.restype = arguments, c_int
+    return function  # type: ignore[no-any-return]
+
+
+def _called(name: str, *arguments: Any) -> Callable[..., None]:
+    """Like _asked; a status code other than 0 is raised."""
+    function = _asked(name, *arguments)
+
+    def call(*values: Any) -> None:
+        check(function(*values))
+
+    return call
+
+
+_P = c_void_p  # a handle, an array, or a place for one value
+_parameters_new = _called("kiv_parameters_new", _P)
+_parameters_load = _asked("kiv_parameters_load", _P, c_char_p)
+_parameters_load_text = _asked("kiv_parameters_load_text", _P, c_char_p, c_size_t)
+_parameters_fault_count = _called("kiv_parameters_fault_count", _P, _P)
+_parameters_fault = _called("kiv_parameters_fault", _P, c_size_t, _P, _P, _P, _P)
+_parameters_text = _called("kiv_parameters_text", _P, _P, _P)
+_parameters_rewrite = _called("kiv_parameters_rewrite", _P, c_char_p)
+_parameters_integer = _called("kiv_parameters_integer", _P, c_char_p, _P)
+_parameters_word = _called("kiv_parameters_word", _P, c_char_p, _P)
+_parameters_number_count = _called("kiv_parameters_number_count", _P, c_char_p, _P)
+_parameters_numbers = _called("kiv_parameters_numbers", _P, c_char_p, _P, c_size_t)
+_parameters_limits = _called("kiv_parameters_limits", _P, c_char_p, _P)
+_block_kind = _called("kiv_block_kind", c_char_p, _P)
+_sensor_new = _called("kiv_sensor_new", _P, _P)
+_sensor_copy = _called("kiv_sensor_copy", _P, _P)
+_sensor_set_frame = _called("kiv_sensor_set_frame", _P, c_int)
+_sensor_frame = _called("kiv_sensor_frame", _P, _P)
+_sensor_mount_mode = _called("kiv_sensor_mount_mode", _P, _P)
+_sensor_update_many = _called("kiv_sensor_update_many", _P, _P, c_size_t, _P, _P, _P)
+_sensor_has_reference = _called("kiv_sensor_has_reference", _P, _P)
+_sensor_reference_reading = _called("kiv_sensor_reference_reading", _P, _P)
+_sensor_reference_index = _called("kiv_sensor_reference_index", _P, _P)
+_sensor_capture_reference = _called("kiv_sensor_capture_reference", _P, _P)
+for _free in ("kiv_parameters_free", "kiv_sensor_free"):
+    getattr(_dll, _free).argtypes, getattr(_dll, _free).restype = (_P,), None
+
+
+def block_kind(block: str) -> int:
+    kind = c_int32()
+    _block_kind(block.encode(), byref(kind))
+    return kind.value
+
+
+def _pointer(array: Optional[Array]) -> Optional[int]:
+    return None if array is None else array.ctypes.data
+
+
+class _Handle:
+    """Owns what made(place) hands out."""
+
+    def __init__(self, made: Callable[[Any], None], free: str) -> None:
+        place = c_void_p()
+        made(byref(place))
+        self.pointer = place.value
+        weakref.finalize(self, getattr(_dll, free), place.value)
+
+
+class Parameters(_Handle):
+    def __init__(self) -> None:
+        super().__init__(_parameters_new, "kiv_parameters_free")
+
+    def load(self, path: bytes) -> int:
+        return _parameters_load(self.pointer, path)
+
+    def load_text(self, text: bytes) -> int:
+        return _parameters_load_text(self.pointer, text, len(text))
+
+    def faults(self) -> Tuple[Fault, ...]:
+        count, line, column = c_size_t(), c_int64(), c_int64()
+        expected, found = c_char_p(), c_char_p()
+        _parameters_fault_count(self.pointer, byref(count))
+        faults: List[Fault] = []
+        for i in range(count.value):
+            places = (byref(line), byref(column), byref(expected), byref(found))
+            _parameters_fault(self.pointer, i, *places)
+            words = _decoded(expected.value), _decoded(found.value)
+            faults.append(Fault(line.value, column.value, *words))
+        return tuple(faults)
+
+    def text(self) -> bytes:
+        text, size = c_void_p(), c_size_t()
+        _parameters_text(self.pointer, byref(text), byref(size))
+        return ctypes.string_at(text.value or 0, size.value)
+
+    def integer(self, block: str) -> int:
+        value = c_int32()
+        _parameters_integer(self.pointer, block.encode(), byref(value))
+        return value.value
+
+    def word(self, block: str) -> str:
+        word = c_char_p()
+        _parameters_word(self.pointer, block.encode(), byref(word))
+        return _decoded(word.value)
+
+    def numbers(self, block: str) -> NDArray[np.float32]:
+        count = c_size_t()
+        _parameters_number_count(self.pointer, block.encode(), byref(count))
+        values = np.empty(count.value, np.float32)
+        _parameters_numbers(self.pointer, block.encode(), _pointer(values), count.value)
+        return values
+
+    def limits(self, block: str) -> NDArray[np.float32]:
+        values = np.empty(3, np.float32)
+        _parameters_limits(self.pointer, block.encode(), _pointer(values))
+        return values
+
+    def rewrite(self, path: bytes) -> None:
+        _parameters_rewrite(self.pointer, path)
+
+
+class Sensor(_Handle):
+    def __init__(self, made: Callable[[Any], None]) -> None:
+        super().__init__(made, "kiv_sensor_free")
+
+    @staticmethod
+    def new(parameters: Parameters) -> Sensor:
+        return Sensor(lambda place: _sensor_new(parameters.pointer, place))
+
+    def copy(self) -> Sensor:
+        return Sensor(lambda place: _sensor_copy(self.pointer, place))
+
+    def _number(self, ask: Callable[..., None], place: Any) -> int:
+        ask(self.pointer, byref(place))
+        return int(place.value)
+
+    def frame(self) -> int:
+        return self._number(_sensor_frame, c_int32())
+
+    def set_frame(self, frame: int) -> None:
+        _sensor_set_frame(self.pointer, frame)
+
+    def mount_mode(self) -> int:
+        return self._number(_sensor_mount_mode, c_int32())
+
+    def has_reference(self) -> bool:
+        return bool(self._number(_sensor_has_reference, c_bool()))
+
+    def reference_index(self) -> int:
+        return self._number(_sensor_reference_index, c_int64())
+
+    def reference_reading(self, record: Array) -> None:
+        _sensor_reference_reading(self.pointer, _pointer(record))
+
+    def capture_reference(self, record: Array) -> None:
+        _sensor_capture_reference(self.pointer, _pointer(record))
+
+    def update(
+        self, readings: Array, results: Array, matrices: Optional[Array], states: Array
+    ) -> None:
+        """As many as there are readings; the interpreter lock is free meanwhile."""
+        pointers = _pointer(results), _pointer(matrices), _pointer(states)
+        _sensor_update_many(self.pointer, _pointer(readings), len(readings), *pointers)

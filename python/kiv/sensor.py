@@ -1,0 +1,186 @@
+"""A sensor, which turns readings into orientations."""
+
+from __future__ import annotations
+
+import threading
+from typing import TYPE_CHECKING, Any, Callable, Dict, Mapping, Optional, Tuple, Union, overload
+
+import numpy as np
+from numpy.typing import ArrayLike, NDArray
+
+from . import _columns, _library
+from .parameters import Parameters
+
+if TYPE_CHECKING:
+    from pandas import DataFrame
+
+_FRAMES = {"local": _library.LOCAL, "machine": _library.MACHINE}
+_PART = 1 << 14  # rows of readings at a time: they stay in the processor's cache
+
+
+class Sensor:
+    """One sensor with the parameters of its file.
+
+    frame: of the angles; "machine", those of the sensor in machine coordinates, or "local", those
+    of its motion since the reference orientation. Mount modes 7 and above know no frames.
+
+    The first reading that qualifies becomes the reference orientation and yields no angles. A copy
+    (module copy) and a pickle have the reference with them.
+
+    Sensors share nothing: two of them on two threads use two processors. Calls on one sensor wait
+    for one another.
+
+    >>> import pandas
+    >>> sensor = Sensor(Parameters("Tg5.prm"))
+    >>> results = sensor.run(pandas.read_csv("readings.csv"))
+    >>> results["state"].value_counts()[["ok", "reference"]].tolist()
+    [1999, 1]
+    >>> [round(float(angle), 4) for angle in results.loc[1, ["rx_deg", "ry_deg", "rz_deg"]]]
+    [-2.8215, 3.8208, 3.7047]
+    """
+
+    def __init__(self, parameters: Parameters, frame: str = "machine") -> None:
+        if not isinstance(parameters, Parameters):
+            raise TypeError(
+                f"parameters: expected kiv.Parameters, found {type(parameters).__name__}"
+            )
+        self._parameters = parameters
+        self._handle = _library.Sensor.new(parameters._handle)
+        self._run = threading.Lock()
+        self.frame = frame
+
+    @property
+    def parameters(self) -> Parameters:
+        return self._parameters
+
+    @property
+    def frame(self) -> str:
+        """"machine" or "local"; the next readings' angles are in it."""
+        return {value: name for name, value in _FRAMES.items()}[self._handle.frame()]
+
+    @frame.setter
+    def frame(self, frame: str) -> None:
+        if frame not in _FRAMES:
+            raise ValueError(f"frame: expected 'machine' or 'local', found {frame!r}")
+        self._handle.set_frame(_FRAMES[frame])
+
+    @property
+    def mount_mode(self) -> int:
+        """1 to 10, which says the model."""
+        return self._handle.mount_mode()
+
+    @property
+    def reference(self) -> Optional[Dict[str, Union[int, float, bool]]]:
+        """The reading that is the reference, by the names of its columns; None without one."""
+        record = self._reference_record()
+        return None if record is None else dict(zip(_columns.READING.names or (), record[0].item()))
+
+    @property
+    def reference_row(self) -> Optional[int]:
+        """Its place among all rows that were run, from 0; None where it was captured."""
+        if not self._handle.has_reference():
+            return None
+        index = self._handle.reference_index()
+        return None if index < 0 else index
+
+    def capture_reference(self, reading: Any) -> None:
+        """Makes a reading the reference, in place of one that is there.
+
+        reading: values by the names of run's columns, such as a dict or a row of a table. A later
+        part of a recording then gives what it gives within the whole. Raises Error (code 554) where
+        run would not make it the reference.
+        """
+        names = _columns.READING.names or ()
+        given = getattr(getattr(reading, "dtype", None), "names", None) or reading.keys()
+        columns = {name: [reading[name]] for name in names if name in given}
+        record = np.zeros(1, _columns.READING)
+        _columns.Readings("reading", columns).fill(record, 0)
+        self._handle.capture_reference(record)
+
+    def _reference_record(self) -> Optional[NDArray[np.void]]:
+        if not self._handle.has_reference():
+            return None
+        record = np.zeros(1, _columns.READING)
+        self._handle.reference_reading(record)
+        return record
+
+    @overload
+    def run(self, readings: NDArray[np.void], matrices: bool = False) -> NDArray[np.void]: ...
+
+    @overload
+    def run(
+        self, readings: Mapping[str, ArrayLike], matrices: bool = False
+    ) -> Dict[str, NDArray[Any]]: ...
+
+    @overload
+    def run(self, readings: DataFrame, matrices: bool = False) -> DataFrame: ...
+
+    def run(self, readings: Any, matrices: bool = False) -> Any:
+        """Orientations of n readings, in the order in which they were measured.
+
+        readings: a dict of arrays, a structured array or a DataFrame, n rows with numbers in the
+        columns
+
+        - status: 2 for a measurement that yields an orientation
+        - x, y, z: the measured vector in the instrument frame, z up, the instrument's length unit
+        - azimuth_deg, elevation_deg: raw encoder angles, degrees
+        - level_x, level_y: raw tilt readings, in the unit of the tilt tables' first column
+        - temperature: in the unit of the thermal factors
+        - ref_metric: at 0.4 or less the row may become the reference
+        - ref_blocked: true or 1, the row does not become the reference; false or 0
+
+        Others are not looked at. All are taken in single precision.
+
+        Gives a table of the same kind, n rows (a frame with the index of the readings), with
+
+        - state: in a frame a categorical of the words of ``kiv run``: ok, status, no_reference,
+          reference, no_orientation, refused; else the numbers of kiv.State
+        - azimuth_corrected_deg, elevation_corrected_deg, level_x_corrected_deg,
+          level_y_corrected_deg: degrees
+        - rx_deg, ry_deg, rz_deg: rotations about x, y and z, degrees; Rx Ry Rz, in the local frame
+          Rz Ry Rx
+        - qvc_x, qvc_y, qvc_z: the QVC vector of mount modes 7 and above
+        - with matrices, m00 to m22: the rotation matrix of mount modes 1 to 6, row by row
+
+        in single, the matrix in double precision; NaN where there is none. A row with a value that
+        is missing (NaN, masked) or not finite in single precision is refused and never reaches the sensor, as is one
+        with a zero vector. Raises ReadingsError, before the first row, for a column that is not
+        there or does not fit, and for a value that is no number.
+
+        The arrays of a dict and the columns of a frame are views of common records.
+        """
+        given = _columns.Readings("readings", readings)
+        results = _columns.Results(given.count, matrices, self.mount_mode)
+        part = np.zeros(min(given.count, _PART), _columns.READING)
+        with self._run:
+            for start in range(0, given.count, _PART):
+                filled = part[: given.count - start]
+                given.fill(filled, start)
+                results.update(self._handle, filled, start)
+        return results.table(readings)
+
+    def __copy__(self) -> Sensor:
+        made = Sensor.__new__(Sensor)
+        made._parameters = self._parameters
+        made._handle = self._handle.copy()
+        made._run = threading.Lock()
+        return made
+
+    def __deepcopy__(self, memo: Dict[int, Any]) -> Sensor:
+        return self.__copy__()
+
+    def __reduce__(self) -> Tuple[Callable[..., Sensor], Tuple[Parameters, str, Optional[bytes]]]:
+        record = self._reference_record()
+        reference = None if record is None else record.tobytes()
+        return _restored, (self._parameters, self.frame, reference)
+
+    def __repr__(self) -> str:
+        has = "with a" if self._handle.has_reference() else "without a"
+        return f"<kiv.Sensor, mount mode {self.mount_mode}, {self.frame} frame, {has} reference>"
+
+
+def _restored(parameters: Parameters, frame: str, reference: Optional[bytes]) -> Sensor:
+    sensor = Sensor(parameters, frame)
+    if reference is not None:
+        sensor._handle.capture_reference(np.frombuffer(reference, _columns.READING).copy())
+    return sensor

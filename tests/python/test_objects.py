@@ -1,0 +1,151 @@
+"""Parameters, copies and pickles, the guide's lines, the wheel."""
+
+import copy
+import pickle
+import re
+import subprocess
+import sys
+import threading
+from zipfile import ZipFile
+
+import numpy as np
+import pytest
+
+import kiv
+from test_run import ONE, columns, sensor
+from tool import EXAMPLE, ROOT
+
+
+def test_parameters_give_the_files_values(tmp_path):
+    parameters = kiv.Parameters(ROOT / "examples/Tg5.prm")
+    assert len(parameters.blocks) == 24 and parameters.text == EXAMPLE.encode()
+    assert parameters["serial_number"] == 5 and parameters["device_owner"] == "Example"
+    assert parameters["machine_coordinate_tranform_matrix"].shape == (3, 3) and parameters["az_calibration_table"].shape == (360, 2)
+    assert parameters.limits("tilt_y_calibration_table") == (-9, 9)
+    for wrong in (lambda: parameters["no_block"], lambda: parameters.limits("az_calibration_table")):
+        with pytest.raises(KeyError):
+            wrong()
+    parameters.rewrite(tmp_path / "Ünë.prm")
+    again = kiv.Parameters(tmp_path / "Ünë.prm")
+    for block in parameters.blocks:
+        if isinstance(parameters[block], np.ndarray):  # six decimals
+            np.testing.assert_allclose(again[block], parameters[block], atol=1e-6)
+        else:
+            assert again[block] == parameters[block]
+    with pytest.raises(OSError):
+        parameters.rewrite(tmp_path / "none" / "Tg5.prm")
+
+
+def test_a_fault_in_a_parameter_file_has_its_place(tmp_path):
+    file = tmp_path / "Tg5.prm"
+    file.write_text(EXAMPLE.replace("12.5\t-3.25", "12.5\tn/a"))
+    with pytest.raises(kiv.ParameterFileError) as refused:
+        kiv.Parameters(file)
+    for error in (refused.value, pickle.loads(pickle.dumps(refused.value))):
+        assert (error.line, error.column, error.code) == (16, 6, 553)
+        assert "number" in error.expected and "n/a" in error.found
+        assert str(error).startswith(f"{file}:16:6: expected ")
+    with pytest.raises(kiv.ParameterFileError):
+        kiv.Parameters.from_text("")
+
+
+@pytest.mark.parametrize("make, kind", [
+    (lambda path: path / "Tg5.prm", FileNotFoundError),
+    (lambda path: path, OSError),
+    (lambda path: "Tg\0.prm", ValueError),
+])
+def test_files_that_cannot_be_read(make, kind, tmp_path):
+    with pytest.raises(kind):
+        kiv.Parameters(make(tmp_path))
+
+
+def test_wrong_arguments():
+    one = sensor()
+    for wrong, kind in ((lambda: kiv.Sensor("Tg5.prm"), TypeError),
+                        (lambda: sensor(4, "world"), ValueError),
+                        (lambda: setattr(one, "frame", 1), ValueError),
+                        (lambda: one.capture_reference(dict(ONE, status=1)), kiv.Error),
+                        (lambda: one.capture_reference(dict(x=1)), kiv.ReadingsError)):
+        with pytest.raises(kind):
+            wrong()
+    assert one.frame == "machine" and one.reference is None
+
+
+def in_another_process(one):
+    code = ("import pickle, sys; s, r = pickle.load(sys.stdin.buffer);"
+            "sys.stdout.buffer.write(pickle.dumps(s.run(r)))")
+
+    pickled = pickle.loads(pickle.dumps(one))
+
+    def run(readings):
+        given = pickle.dumps((pickled, readings))
+        work = subprocess.run([sys.executable, "-c", code], input=given, stdout=-1, check=True)
+        return pickle.loads(work.stdout)
+
+    return run
+
+
+def captured(one):
+    made = kiv.Sensor(one.parameters, one.frame)
+    made.capture_reference(one.reference)
+    return made.run
+
+
+@pytest.mark.parametrize("mode", [2, 4, 6, 8, 10])
+@pytest.mark.parametrize("twin", [lambda one: copy.copy(one).run, lambda one: copy.deepcopy(one).run,
+                                  captured, in_another_process])
+def test_a_twin_has_the_reference(twin, mode):
+    one = sensor(mode, "local")
+    readings = columns(6, ref_blocked=[1, 1, 0, 0, 0, 0])
+    one.run(readings)
+    assert one.reference_row == 2 and one.reference["azimuth_deg"] == 14.5
+    run = twin(one)
+    for name, values in run(readings).items():
+        np.testing.assert_array_equal(values, one.run(readings)[name])
+    one.capture_reference(dict(ONE, azimuth_deg=40))  # the twin keeps its own
+    assert one.reference_row is None
+    assert (run(readings)["rz_deg"] != one.run(readings)["rz_deg"]).all() or mode >= 7
+
+
+def test_one_sensor_on_threads_gives_whole_runs():
+    one = sensor(6)
+    given = columns(50_000)
+    one.run(given)
+    expected = one.run(given)["rx_deg"]
+    results = []
+    threads = [threading.Thread(target=lambda: results.append(one.run(given))) for _ in range(4)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert len(results) == 4
+    for result in results:
+        np.testing.assert_array_equal(result["rx_deg"], expected)
+
+
+def test_the_guides_lines(capsys, monkeypatch):
+    monkeypatch.chdir(ROOT / "examples")
+    lines = re.search(r"```python\n(.*?)```", (ROOT / "docs/host-guide.md").read_text(), re.S)[1]
+    readings = columns(2, azimuth_deg=[12.5, 27.5])
+    exec(lines, dict(readings=readings))
+    results = sensor().run(readings)
+    expected = "rx %.4f  ry %.4f  rz %.4f degrees\n" % tuple(results[f"r{axis}_deg"][1] for axis in "xyz")
+    assert capsys.readouterr().out == expected
+
+
+def test_the_wheel_works_by_itself(tmp_path, monkeypatch):
+    wheels = []
+    for folder in ("a", "b"):
+        (tmp_path / folder).mkdir()
+        command = [sys.executable, ROOT / "python/make-wheel", kiv._library._dll._name, tmp_path / folder]
+        wheels.append(subprocess.run(command, check=True, capture_output=True, text=True).stdout.strip())
+    assert open(wheels[0], "rb").read() == open(wheels[1], "rb").read()
+    assert re.fullmatch(r"kiv-[\d.]+-py3-none-manylinux_2_\d+_x86_64\.whl", wheels[0].split("/")[-1])
+    with ZipFile(wheels[0]) as archive:
+        archive.extractall(tmp_path / "installed")
+    monkeypatch.delenv("KIV_LIBRARY")
+    monkeypatch.setenv("PYTHONPATH", str(tmp_path / "installed"))
+    code = "import doctest, kiv; print(kiv.__file__, *doctest.testmod(kiv))"
+    run = subprocess.run([sys.executable, "-c", code], cwd=ROOT / "examples", capture_output=True, text=True)
+    file, failed, attempted = run.stdout.split()
+    assert file.startswith(str(tmp_path)) and int(attempted) > 5 and failed == "0", run.stdout + run.stderr

@@ -1,0 +1,153 @@
+"""Sensor.run: the tool's digits, the kinds of tables, what does not fit."""
+
+import numpy as np
+import pytest
+
+import kiv
+from tool import in_mode, kiv_tool, number, same_bits, table
+
+ONE = dict(status=2, x=4000, y=1500, z=450, azimuth_deg=12.5, elevation_deg=3, level_x=1, level_y=-2,
+           temperature=20, ref_metric=0.1, ref_blocked=0)
+
+
+def columns(n=6, **others):
+    made = {name: np.full(n, value, "f4") for name, value in ONE.items()}
+    made["azimuth_deg"] += np.arange(n, dtype="f4")
+    return {**made, **others}
+
+
+def sensor(mode=4, frame="machine"):
+    return kiv.Sensor(kiv.Parameters.from_text(in_mode(mode)), frame)
+
+
+@pytest.mark.parametrize("mode", range(1, 11))
+def test_digits_are_the_tools(mode, tmp_path):
+    file, csv = tmp_path / "Tg5.prm", tmp_path / "r.csv"
+    file.write_text(in_mode(mode))
+    text = kiv_tool("simulate", file, "--rows", 200, "--bad-share", 0.2, "--trajectory", "random")
+    first = "0,2,3000,1000,500,10,-12,1,-1,20,0.1,1,0,0,0\n"  # not the reference
+    vertical = "0,2,0,0,3000,0,0,0,0,20,0.1,0,0,0,0\n"
+    csv.write_text(text.replace("\n", "\n" + first, 1) + vertical)
+    readings = {name: [number(cell) for cell in cells] for name, cells in table(csv.read_text()).items()}
+    for frame in ("machine", "local"):
+        expected = table(kiv_tool("run", file, csv, "--frame", frame))
+        results = kiv.Sensor(kiv.Parameters(file), frame).run(readings, matrices=True)
+        words = [kiv.State(state).name.lower() for state in results["state"]]
+        assert words == list(expected["state"]) and {"ok", "reference", "refused", "status"} < set(words)
+        assert set(results) == set(expected) - set(readings) - {"reason", "code", "trust", "model_error_deg"}
+        same_bits(results, expected)
+
+
+def structured(given):
+    table = np.zeros(len(given["x"]), [(name, "f8") for name in given])
+    for name, values in given.items():
+        table[name] = values
+    return table
+
+
+def frame(given):
+    return pytest.importorskip("pandas").DataFrame(given, index=range(100, 100 + len(given["x"])))
+
+
+@pytest.mark.parametrize("matrices", [False, True])
+@pytest.mark.parametrize("kind", [structured, frame])
+def test_a_table_comes_back_as_its_kind(kind, matrices):
+    expected = sensor(6).run(columns(time_s=np.arange(6.0)), matrices)
+    given = kind(columns())
+    results = sensor(6).run(given, matrices)
+    assert type(results) is type(given)
+    assert list(getattr(results, "columns", results.dtype.names if kind is structured else ())) == list(expected)
+    for name, values in expected.items():
+        if kind is frame and name == "state":
+            assert results[name].tolist() == ["reference"] + ["ok"] * 5
+        else:
+            np.testing.assert_array_equal(results[name], values)
+    if kind is frame:
+        assert results.index.tolist() == given.index.tolist()
+
+
+def read_only():
+    values = np.full(6, 450, "f4")
+    values.flags.writeable = False
+    return values
+
+
+@pytest.mark.parametrize("name, values", [
+    ("z", read_only()),
+    ("z", np.full((6, 7), 450.0)[:, 3]),
+    ("z", np.full(12, 450.0)[::-2]),
+    ("z", np.full(6, 450, ">f4")),
+    ("z", np.full(6, 450, "u2")),
+    ("z", np.frombuffer(b"\0" + np.full(6, 450, "f4").tobytes(), "u1")[1:].view("f4")),
+    ("z", np.ma.masked_array([450.0] * 5 + [7], [0] * 5 + [1])),
+    ("z", [450, 450.0, 450, 450, 450, None]),
+    ("status", np.array([2, 2, 2, 2, 2, np.nan])),
+    ("ref_blocked", [False, False, True, True, True, None]),
+    ("temperature", np.array([20, 20, 20, 20, 20, 1e39])),
+    ("level_x", np.array([1, 1, 1, 1, 1, np.inf])),
+], ids=lambda value: "")
+def test_values_of_any_type(name, values):
+    expected = sensor().run(columns())
+    results = sensor().run(columns(**{name: values}))
+    states = results["state"].tolist()
+    last = isinstance(values, list) or not abs(np.ma.filled(values.astype("f8"), np.nan)[5]) < 1e38
+    assert states == [kiv.State.REFERENCE] + [kiv.State.OK] * 4 + [kiv.State.REFUSED if last else kiv.State.OK]
+    np.testing.assert_array_equal(results["rz_deg"][:5], expected["rz_deg"][:5])
+    assert np.isnan(results["azimuth_corrected_deg"][5]) == last
+
+
+@pytest.mark.parametrize("name, values, row, found", [
+    ("x", None, None, "none"),
+    ("x", [4000] * 5, None, "5"),
+    ("x", np.ones((6, 1)), None, "(6, 1)"),
+    ("x", 4000, None, "()"),
+    ("x", [1, 2, "n/a", 4, 5, 6], 2, "n/a"),
+    ("x", [1, 2, [3], 4, 5, 6], None, ""),
+    ("x", np.full(6, 1j), 0, "1j"),
+    ("x", np.zeros(6, "M8[s]"), 0, "1970"),
+    ("status", [2, 2, 2, 2.5, 2, 2], 3, "2.5"),
+    ("status", [2, 2, 2, 2, 2**31, 2], 4, "2147483648"),
+    ("ref_blocked", [0, 1, 2, 0, 0, 0], 2, "2"),
+], ids=lambda value: "")
+def test_refusals_name_the_place_and_leave_the_sensor(name, values, row, found):
+    given = columns(**{name: values})
+    if values is None:
+        del given[name]
+    one = sensor()
+    with pytest.raises(kiv.ReadingsError) as refused:
+        one.run(given)
+    error = refused.value
+    assert (error.argument, error.column) == ("readings", name) and found in str(error)
+    assert error.row == row
+    assert one.reference is None
+
+
+@pytest.mark.parametrize("readings", [None, [1, 2], np.zeros(3), "readings.csv"])
+def test_what_is_no_table(readings):
+    with pytest.raises(TypeError, match="readings: expected a dict"):
+        sensor().run(readings)
+
+
+def test_pandas_own_types():
+    pandas = pytest.importorskip("pandas")
+    given = frame(columns())
+    given["status"] = pandas.array([2, 2, 2, 2, 2, None], "Int64")
+    given["ref_blocked"] = pandas.array([False] * 5 + [None], "boolean")
+    assert sensor().run(given)["state"].tolist() == ["reference", "ok", "ok", "ok", "ok", "refused"]
+
+
+def test_no_rows():
+    for given in (columns(0), structured(columns(0)), frame(columns(0))):
+        assert len(sensor(8).run(given, matrices=True)["rx_deg"]) == 0
+
+
+def test_a_million_rows_are_those_of_their_parts():
+    n = 1_000_000
+    given = columns(n, azimuth_deg=np.linspace(-170, 170, n, dtype="f4"))
+    results = sensor(6).run(given)
+    parts = sensor(6)
+    cuts = [0, 1, 16384, 700_001, n]
+    for a, b in zip(cuts, cuts[1:]):
+        part = parts.run({name: values[a:b] for name, values in given.items()})
+        for name, values in part.items():
+            np.testing.assert_array_equal(values, results[name][a:b])
