@@ -143,6 +143,8 @@ def test_the_wheel_works_by_itself(tmp_path, monkeypatch):
     assert re.fullmatch(r"kiv-[\d.]+-py3-none-manylinux_2_\d+_x86_64\.whl", wheels[0].split("/")[-1])
     with ZipFile(wheels[0]) as archive:
         archive.extractall(tmp_path / "installed")
+        packed = {name[4:] for name in archive.namelist() if name.startswith("kiv/")}
+        assert packed == {p.name for p in (ROOT / "python/kiv").glob("*.*")} | {"libkiv.so.1"}
     monkeypatch.delenv("KIV_LIBRARY")
     monkeypatch.setenv("PYTHONPATH", str(tmp_path / "installed"))
     code = "import doctest, kiv; print(kiv.__file__, *doctest.testmod(kiv))"
