@@ -504,8 +504,8 @@ TEST(CSurface, SurvivesEveryRefusedAllocation) {
     const std::string text = parameterText(), target = folder.file();
     const kiv_reading reading = goodOne();
     std::vector<float> rows(2 * 800);
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        rows[i] = static_cast<float>(i / 2) * 0.25F;
+    for (std::size_t i = 0; i < rows.size(); i += 2)
+        rows[i] = rows[i + 1] = static_cast<float>(i) * 0.125F;
     double h = 0, v = 0;
     const double d[] = {1, 1, 0};
     kiv_result first, again;
