@@ -144,21 +144,21 @@ bool Propagation::slopesAt(const KIV_RAWINFO& raw, const Sight& sight) {
 
     struct Reading {
         Channel channel;
+        bool always; // also where it is exactly known: its rounding counts
         float KIV_RAWINFO::*reading;
         double size;
-        bool always; // also where it is exactly known: its rounding counts
     };
     const Reading readings[] = {
-        {az, &KIV_RAWINFO::azimuthRaw,
-         std::hypot(given[Source::azimuth], given[Source::azimuthOffset]), true},
-        {el, &KIV_RAWINFO::elevationRaw,
-         std::hypot(given[Source::elevation], given[Source::elevationOffset]), true},
-        {lx, &KIV_RAWINFO::levelXRaw, std::hypot(given[Source::levelX], given[Source::tiltOffsetX]),
-         reads(mode, Source::levelX)},
-        {ly, &KIV_RAWINFO::levelYRaw, std::hypot(given[Source::levelY], given[Source::tiltOffsetY]),
-         true},
-        {temp, &KIV_RAWINFO::temperature, given[Source::temperature],
-         given[Source::temperature] > 0},
+        {az, true, &KIV_RAWINFO::azimuthRaw,
+         std::hypot(given[Source::azimuth], given[Source::azimuthOffset])},
+        {el, true, &KIV_RAWINFO::elevationRaw,
+         std::hypot(given[Source::elevation], given[Source::elevationOffset])},
+        {lx, reads(mode, Source::levelX), &KIV_RAWINFO::levelXRaw,
+         std::hypot(given[Source::levelX], given[Source::tiltOffsetX])},
+        {ly, true, &KIV_RAWINFO::levelYRaw,
+         std::hypot(given[Source::levelY], given[Source::tiltOffsetY])},
+        {temp, given[Source::temperature] > 0, &KIV_RAWINFO::temperature,
+         given[Source::temperature]},
     };
     for (const Reading& each : readings) {
         if (!each.always)
