@@ -54,6 +54,7 @@ TEST(ToolProcess, RewritesInAFolderWaitForEachOther) {
     ASSERT_EQ(lock.take(folder.path().c_str(), false), FolderLock::Result::taken);
     std::atomic<int> good = 0;
     std::vector<std::thread> threads;
+    threads.reserve(std::size(ids));
     for (const int id : ids)
         threads.emplace_back([&, out = file(id) + std::to_string(threads.size()), id] {
             good += run("rewrite \"" + file(id) + "\" > \"" + out + '"') == 0;
@@ -85,6 +86,7 @@ public:
         if (child < 0)
             child = fork();
         if (child == 0) {
+            std::signal(SIGHUP, SIG_DFL); // which nohup would hand on ignored
             execl(KIV_TOOL, "kiv", "rewrite", file.c_str(), nullptr);
             _exit(1);
         }
