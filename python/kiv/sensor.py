@@ -143,9 +143,9 @@ class Sensor:
         - with matrices, m00 to m22: the rotation matrix of mount modes 1 to 6, row by row
 
         in single, the matrix in double precision; NaN where there is none. A row with a value that
-        is missing (NaN, masked) or not finite in single precision is refused and never reaches the sensor, as is one
-        with a zero vector. Raises ReadingsError, before the first row, for a column that is not
-        there or does not fit, and for a value that is no number.
+        is missing (NaN, masked) or not finite in single precision is refused and never reaches the
+        sensor, as is one with a zero vector. Raises ReadingsError, before the first row, for a
+        column that is not there or does not fit, and for a value that is no number.
 
         The arrays of a dict and the columns of a frame are views of common records.
         """

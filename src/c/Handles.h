@@ -44,3 +44,18 @@ private:
         : sensor(other.sensor), given(other.given), referenceIndex(other.referenceIndex),
           reference(other.reference) {}
 };
+
+namespace kiv::c {
+
+// Runs a body that gives a status code while no other call is in the sensor.
+template <typename Sensor, typename Body>
+int locked(Sensor* sensor, bool argumentsFit, Body body) {
+    if (!sensor || !argumentsFit)
+        return KIV_STATUS_BAD_ARGUMENT;
+    return guarded([&]() -> int {
+        const std::lock_guard guard(sensor->lock);
+        return body();
+    });
+}
+
+} // namespace kiv::c

@@ -38,20 +38,14 @@ int kiv_sensor_copy(const kiv_sensor* sensor, kiv_sensor** out) {
 }
 
 int kiv_sensor_has_reference(const kiv_sensor* sensor, bool* has) {
-    if (!sensor || !has)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] {
-        const std::lock_guard guard(sensor->lock);
+    return locked(sensor, has, [=] {
         *has = SensorAccess::hasReference(sensor->sensor);
         return KIV_STATUS_OK;
     });
 }
 
 int kiv_sensor_reference_reading(const kiv_sensor* sensor, kiv_reading* reading) {
-    if (!sensor || !reading)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] {
-        const std::lock_guard guard(sensor->lock);
+    return locked(sensor, reading, [=] {
         if (!SensorAccess::hasReference(sensor->sensor))
             return KIV_STATUS_NO_TRANSFORM;
         std::memcpy(reading, &sensor->reference, sizeof *reading);
@@ -60,10 +54,7 @@ int kiv_sensor_reference_reading(const kiv_sensor* sensor, kiv_reading* reading)
 }
 
 int kiv_sensor_reference_index(const kiv_sensor* sensor, int64_t* index) {
-    if (!sensor || !index)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] {
-        const std::lock_guard guard(sensor->lock);
+    return locked(sensor, index, [=] {
         if (!SensorAccess::hasReference(sensor->sensor))
             return KIV_STATUS_NO_TRANSFORM;
         *index = sensor->referenceIndex;
@@ -72,17 +63,14 @@ int kiv_sensor_reference_index(const kiv_sensor* sensor, int64_t* index) {
 }
 
 int kiv_sensor_capture_reference(kiv_sensor* sensor, const kiv_reading* reading) {
-    if (!sensor || !reading)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] {
-        const std::lock_guard guard(sensor->lock);
+    return locked(sensor, reading, [=] {
         const KIV_RAWINFO& raw = recordOf(*reading);
         KIV_INFO info;
         CKiv trial(sensor->sensor);
         SensorAccess::forgetReference(trial);
         if (!isUsable(raw) || SensorUpdate::run(trial, raw, info) != UpdateOutcome::reference)
             return KIV_STATUS_NO_TRANSFORM;
-        SensorAccess::copyReference(trial, sensor->sensor);
+        SensorAccess::takeReference(sensor->sensor, trial);
         sensor->reference = raw;
         sensor->referenceIndex = -1;
         return KIV_STATUS_OK;

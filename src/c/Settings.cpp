@@ -13,20 +13,12 @@ namespace {
 // set gives a code, for the sensor itself.
 template <typename Set>
 int change(kiv_sensor* sensor, bool argumentsFit, Set set) {
-    if (!sensor || !argumentsFit)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([&] {
-        const std::lock_guard guard(sensor->lock);
-        return set(sensor->sensor);
-    });
+    return locked(sensor, argumentsFit, [&] { return set(sensor->sensor); });
 }
 
 template <typename Ask>
 int ask(const kiv_sensor* sensor, int32_t* out, Ask value) {
-    if (!sensor || !out)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([&] {
-        const std::lock_guard guard(sensor->lock);
+    return locked(sensor, out, [&] {
         *out = value(sensor->sensor);
         return KIV_STATUS_OK;
     });

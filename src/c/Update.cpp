@@ -56,10 +56,7 @@ int kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result
 
 int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
                            kiv_result* out, double* matrices, uint8_t* states) {
-    if (!sensor || !readings || !out)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] {
-        const std::lock_guard guard(sensor->lock);
+    return locked(sensor, readings && out, [=] {
         for (std::size_t i = 0; i < count; ++i)
             update(*sensor, recordOf(readings[i]), recordOf(out[i]),
                    matrices ? matrices + 9 * i : nullptr, states ? states + i : nullptr);
@@ -68,10 +65,5 @@ int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size
 }
 
 int kiv_sensor_matrix(kiv_sensor* sensor, double* m) {
-    if (!sensor || !m)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] {
-        const std::lock_guard guard(sensor->lock);
-        return sensor->sensor.ReadMatrix(m);
-    });
+    return locked(sensor, m, [=] { return sensor->sensor.ReadMatrix(m); });
 }

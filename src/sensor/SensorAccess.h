@@ -3,26 +3,20 @@
 #include <algorithm>
 
 #include "KIVInterface/CKiv.h"
-#include "support/Copies.h"
 
 namespace kiv {
 
 // What the library's own parts, tools and tests may see of a sensor, and do with it, beyond its
-// public members. No members
-// of CKiv itself: the class is exported whole, and these are not for hosts.
+// public members. No members of CKiv itself: the class is exported whole, and these are not for
+// hosts.
 struct SensorAccess {
     static bool hasReference(const CKiv& sensor) { return sensor.referenceSet; }
     static void forgetReference(CKiv& sensor) { sensor.referenceSet = false; }
-    static void copyReference(const CKiv& from, CKiv& to) {
-        copyValues(from.refInverse, to.refInverse);
-        to.referenceSet = from.referenceSet;
-    }
     static bool inMachineFrame(const CKiv& sensor) { return sensor.mcsFlag; }
     static const CKivModel* model(const CKiv& sensor) { return sensor.model.get(); }
     static int mountMode(const CKiv& sensor) { return sensor.mountMode; }
     static const double* transform(const CKiv& sensor) { return sensor.transform; }
     static const double* result(const CKiv& sensor) { return sensor.result; }
-    static bool mcsFlag(const CKiv& sensor) { return sensor.mcsFlag; }
     static const double* encoderOffset(const CKiv& sensor) { return sensor.encoderOffset; }
     static const double* localMatrix(const CKiv& sensor) { return sensor.localMatrix; }
     static const double* localInverse(const CKiv& sensor) { return sensor.localInverse; }

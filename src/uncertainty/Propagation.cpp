@@ -64,7 +64,7 @@ struct Propagation::Sight {
 
 Propagation::Propagation(const CKiv& sensor, const Uncertainties& uncertainties)
     : work(sensor), given(uncertainties), mode(SensorAccess::mountMode(sensor)),
-      local(!reportsOwnMatrix(mode) && !SensorAccess::mcsFlag(sensor)) {
+      local(!reportsOwnMatrix(mode) && !SensorAccess::inMachineFrame(sensor)) {
     std::copy_n(SensorAccess::thermalFactor(sensor), 4, thermalFactor);
     std::copy_n(SensorAccess::localMatrix(sensor), 9, localMatrix);
 }

@@ -48,7 +48,6 @@ private:
         double level = 0; // of the corrected level, degrees, where a level is moved
     };
     struct Sight;
-
     struct Moved;
 
     bool update(const KIV_RAWINFO& raw, Moved& out);

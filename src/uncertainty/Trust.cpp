@@ -237,7 +237,7 @@ RowTrust TrustJudge::judge(const CKiv& sensor, const KIV_RAWINFO& raw, const KIV
         return row;
     }
     const bool own = reportsOwnMatrix(mode);
-    const bool local = !own && !SensorAccess::mcsFlag(sensor);
+    const bool local = !own && !SensorAccess::inMachineFrame(sensor);
     if (local) {
         row.modelError += ofReference.modelError;
         if (row.trust == Trust::good && ofReference.trust != Trust::good)
