@@ -58,10 +58,13 @@ std::span<const std::string_view> columnsOf(const ReadingsRun& run) {
 // What the update did not compute, and what is no number, stays empty.
 void appendResult(std::string& text, const RowResult& result, const ReadingsRun& run) {
     const Table& table = run.table();
-    const int mode = run.mountMode();
     const char separator = table.separator();
-    char row[32 * resultColumns.size()]; // no number takes more
+    char row[32 * resultColumns.size()]; // no number and no word takes more
     char* end = row;
+    const auto word = [&](const char* letters) {
+        while (*letters)
+            *end++ = *letters++;
+    };
     const auto cells = [&](const auto* values, std::size_t count, bool computed) {
         for (std::size_t i = 0; i < count; ++i) {
             *end++ = separator;
@@ -74,8 +77,12 @@ void appendResult(std::string& text, const RowResult& result, const ReadingsRun&
     const bool modelled = result.state == RowState::ok || result.state == RowState::reference
                           || result.state == RowState::noReference;
     const bool oriented = result.state == RowState::ok;
-    const bool threeVector = reportsOwnMatrix(mode);
+    const bool threeVector = reportsOwnMatrix(run.mountMode());
 
+    word(rowStateNames[static_cast<std::size_t>(result.state)]);
+    *end++ = separator;
+    word(wordsOf(result.reason).word);
+    char* const numbers = end;
     const float corrected[] = {info.azimuth, info.elevation, info.levelX, info.levelY};
     const float angles[] = {info.rx, info.ry, info.rz};
     cells(corrected, 4, reached);
@@ -85,8 +92,7 @@ void appendResult(std::string& text, const RowResult& result, const ReadingsRun&
     cells(&result.code, 1, reached);
     *end++ = separator;
     if (oriented)
-        for (const char* word = wordOf(result.trust.trust); *word; ++word)
-            *end++ = *word;
+        word(wordOf(result.trust.trust));
     const auto modelError = static_cast<float>(result.trust.modelError);
     cells(&modelError, 1, oriented);
     const auto triple = [&](const AngleTriple& values) {
@@ -99,13 +105,9 @@ void appendResult(std::string& text, const RowResult& result, const ReadingsRun&
     if (run.withUncertainties() && run.localFrame())
         triple(result.uncertainty.reference);
     *end++ = '\n';
-    text += rowStateNames[static_cast<std::size_t>(result.state)];
-    text.push_back(separator);
-    text += wordsOf(result.reason).word;
-    const std::size_t numbers = text.size();
-    text.append(row, end);
     if (table.decimalComma())
-        std::replace(text.begin() + static_cast<std::ptrdiff_t>(numbers), text.end(), '.', ',');
+        std::replace(numbers, end, '.', ',');
+    text.append(row, end);
 }
 
 } // namespace

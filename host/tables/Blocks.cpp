@@ -48,7 +48,8 @@ bool BlockReader::next(Block& block) {
     }
     begun.assign(text, end);
     text.resize(end);
-    lines += static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    for (std::size_t i = 0; i < end; i = text.find('\n', i) + 1)
+        ++lines;
     return end > 0;
 }
 

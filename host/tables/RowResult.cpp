@@ -67,7 +67,7 @@ void RowRunner::run(Table& table, RowResult& result) {
         result.state = RowState::refused;
         return;
     }
-    const UpdateOutcome outcome = SensorUpdate::run(sensor, result.raw, result.info);
+    const UpdateOutcome outcome = SensorUpdate::runAlone(sensor, result.raw, result.info);
     result.code = sensor.ReadMatrix(result.matrix);
     result.state = stateAfter(sensor, outcome, result.info);
     if (result.state == RowState::ok || result.state == RowState::reference) {

@@ -78,6 +78,11 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
             carried.push_back(found.size());
         found.push_back(columnName);
     }
+    for (const std::size_t place : carried)
+        if (carriedRuns.empty() || carriedRuns.back().second + 1 != place)
+            carriedRuns.emplace_back(place, place);
+        else
+            carriedRuns.back().second = place;
     const auto placeOf = [&](std::string_view columnName) {
         return static_cast<std::size_t>(std::find(found.begin(), found.end(), columnName)
                                         - found.begin());
@@ -157,6 +162,10 @@ std::optional<std::size_t> Table::find(std::string_view columnName) const {
 }
 
 bool Table::numberAt(std::size_t place, double& value) const {
+    if (place >= csv.cells().size())
+        return false;
+    if (readPlainNumber(csv.cells()[place], value))
+        return true;
     const auto number = numberOf<double>(cell(place));
     if (!number || !std::isfinite(*number))
         return false;
@@ -170,9 +179,16 @@ void Table::appendCarriedNames(std::string& out) const {
 }
 
 void Table::appendCarriedCells(std::string& out) const {
+    const auto& cells = csv.cells();
+    if (cells.size() == names.size()) {
+        for (const auto& [first, last] : carriedRuns)
+            out.append(cells[first].data(), cells[last].data() + cells[last].size())
+                .push_back(separator());
+        return;
+    }
     for (const std::size_t place : carried) {
-        if (place < csv.cells().size())
-            out.append(csv.cells()[place]);
+        if (place < cells.size())
+            out.append(cells[place]);
         out.push_back(separator());
     }
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "host/MessageLimit.h"
@@ -93,6 +94,10 @@ private:
                       std::span<const std::string_view> missing);
     template <typename Number>
     std::optional<Number> numberOf(std::string_view text) const;
+    template <typename Number>
+    bool readPlainNumber(std::string_view cell, Number& value) const;
+    template <typename Number>
+    bool readOrReport(std::size_t i, Number& value);
 
     CsvReader csv;
     const std::string* name = nullptr;
@@ -102,6 +107,8 @@ private:
     std::vector<std::size_t> columns;     // where each wanted column stands
     std::vector<std::string> names;       // raw text of all
     std::vector<std::size_t> carried;
+    // The same as runs of columns side by side: the first and the last of each.
+    std::vector<std::pair<std::size_t, std::size_t>> carriedRuns;
 };
 
 template <typename Number>
@@ -115,8 +122,22 @@ std::optional<Number> Table::numberOf(std::string_view text) const {
     return numberIn<Number>(withPoint);
 }
 
+// Most cells are digits alone: no blanks, quotes or plus.
+template <typename Number>
+bool Table::readPlainNumber(std::string_view cell, Number& value) const {
+    const char* const last = cell.data() + cell.size();
+    const auto [end, error] = std::from_chars(cell.data(), last, value);
+    return end == last && error == std::errc() && std::isfinite(static_cast<double>(value))
+           && !format.decimalComma;
+}
+
 template <typename Number>
 bool Table::readNumber(std::size_t i, Number& value) {
+    return readPlainNumber(csv.cells()[columns[i]], value) || readOrReport(i, value);
+}
+
+template <typename Number>
+bool Table::readOrReport(std::size_t i, Number& value) {
     const std::optional<Number> number = numberOf<Number>(text(i));
     if (number && std::isfinite(static_cast<double>(*number))) {
         value = *number;

@@ -18,7 +18,7 @@ struct TableFormat {
     std::vector<Name> otherNames;     // of columns
     bool keepAll = false;             // the columns that are read are carried, too
     std::size_t mostMessages = 20;    // of a kind
-    std::size_t blockBytes = 1 << 16; // read at once; not for users
+    std::size_t blockBytes = 1 << 14; // read at once; not for users
 
     std::string_view nameOf(std::string_view column) const {
         for (const Name& name : otherNames)
