@@ -183,6 +183,7 @@ void CommandLine::addReport() {
     CLI::App& command =
         add("report", [this](const Streams& s) { return reportReadings(report, s); });
     addReadings(command, report);
+    addUncertainties(command, report);
     command.add_option("--title", report.title)->check(shownText);
     command.add_option("--length-unit", report.lengthUnit)->check(shownText);
 }

@@ -38,14 +38,19 @@ std::string reasonIn(std::string_view messages, const std::string& fileName, std
     return reason;
 }
 
-Envelope::Mark markOf(RowState state) {
-    return state == RowState::refused         ? Envelope::Mark::refused
-           : state == RowState::noOrientation ? Envelope::Mark::noOrientation
-                                              : Envelope::Mark::none;
+bool isDoubtful(const RowResult& result) {
+    return result.state == RowState::ok && result.trust.trust != Trust::good;
+}
+
+Envelope::Mark markOf(const RowResult& result) {
+    return result.state == RowState::refused         ? Envelope::Mark::refused
+           : result.state == RowState::noOrientation ? Envelope::Mark::noOrientation
+           : isDoubtful(result)                      ? Envelope::Mark::notGood
+                                                     : Envelope::Mark::none;
 }
 
 // The summary has the angles and residuals, the report the rest.
-void addRow(ReportContent& content, const RowResult& result, double time,
+void addRow(ReportContent& content, const RowResult& result, std::size_t line, double time,
             const std::optional<std::array<double, 3>>& truth) {
     std::array<double, quantityCount> values;
     values.fill(NAN);
@@ -75,8 +80,15 @@ void addRow(ReportContent& content, const RowResult& result, double time,
             set(Quantity::residualY, withinHalfTurn(info.ry - (*truth)[1]));
             set(Quantity::residualZ, withinHalfTurn(info.rz - (*truth)[2]));
         }
+        if (result.hasUncertainty)
+            for (std::size_t i = 0; i < 3; ++i)
+                count(static_cast<Quantity>(at(Quantity::uncertaintyX) + i),
+                      result.uncertainty.standard[i]);
     }
-    content.envelope.addRow(time, values, markOf(result.state));
+    content.budget.add(result);
+    content.envelope.addRow(time, values, markOf(result));
+    if (isDoubtful(result) && content.doubtfulRows.size() < mostBadRowsListed)
+        content.doubtfulRows.push_back({line, time, result.trust});
     if (result.state == RowState::reference)
         content.referenceTime = time;
 }
@@ -103,13 +115,14 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     content.sensorId = parseParameterFileName(options.parameterFile)->id;
     content.mountMode = run.mountMode();
     content.localFrame = options.localFrame;
+    content.uncertainties = run.givenUncertainties();
     run.record().GetKIVLevelLimits(content.levelLimits);
 
     TimeColumn time(table);
     run.forEach([&](const RowResult& result, const auto& trueAngles, bool) {
         const double t = time.at(table, result.reason);
-        addRow(content, result, t, trueAngles);
-        if (markOf(result.state) != Envelope::Mark::none
+        addRow(content, result, table.lineNumber(), t, trueAngles);
+        if ((result.state == RowState::refused || result.state == RowState::noOrientation)
             && content.badRows.size() < mostBadRowsListed)
             content.badRows.push_back(
                 {table.lineNumber(), t, result.state,

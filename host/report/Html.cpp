@@ -1,5 +1,7 @@
 #include "host/report/Html.h"
 
+#include <charconv>
+
 namespace kiv::host {
 
 void appendEscaped(std::string& html, std::string_view text) {
@@ -51,8 +53,15 @@ std::string rowsText(std::size_t count) {
     return countText(count) + (count == 1 ? " row" : " rows");
 }
 
-void appendTableRow(std::string& html, std::string_view heading,
-                    std::initializer_list<std::string> cells, const char* cellClass) {
+std::string percentText(double share) {
+    char digits[32];
+    const auto [end, error] =
+        std::to_chars(digits, digits + sizeof digits, 100 * share, std::chars_format::fixed, 1);
+    return std::string(digits, end) + " %";
+}
+
+void appendTableRow(std::string& html, std::string_view heading, std::span<const std::string> cells,
+                    const char* cellClass) {
     html.append("<tr><th scope=\"row\">").append(heading).append("</th>");
     for (const std::string& cell : cells)
         html.append("<td class=\"").append(cellClass).append("\">").append(cell).append("</td>");

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -15,9 +16,15 @@ std::string code(std::string_view text);
 // In groups of three digits from five digits on.
 std::string countText(std::size_t count);
 std::string rowsText(std::size_t count);
+std::string percentText(double share); // of 1, with one decimal
 
 // Cells of HTML.
-void appendTableRow(std::string& html, std::string_view heading,
-                    std::initializer_list<std::string> cells, const char* cellClass = "number");
+void appendTableRow(std::string& html, std::string_view heading, std::span<const std::string> cells,
+                    const char* cellClass = "number");
+inline void appendTableRow(std::string& html, std::string_view heading,
+                           std::initializer_list<std::string> cells,
+                           const char* cellClass = "number") {
+    appendTableRow(html, heading, std::span(cells.begin(), cells.size()), cellClass);
+}
 
 } // namespace kiv::host
