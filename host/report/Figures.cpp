@@ -1,6 +1,4 @@
 #include <span>
-#include <string>
-#include <vector>
 
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
@@ -21,19 +19,10 @@ void appendFigures(std::string& html, const ReportContent& content, Quantity qua
                least = degreesText(s.least), largest = degreesText(s.largest);
     if (quantity < Quantity::residualX || quantity > Quantity::residualZ)
         return appendTableRow(html, name, {countText(s.count), mean, deviation, least, largest});
-    const Summary& summary = content.summary;
-    const std::size_t angle = at(quantity) - at(Quantity::residualX);
-    std::vector<std::string> cells{countText(s.count),
-                                   mean,
-                                   deviation,
-                                   least,
-                                   largest,
-                                   degreesText(s.rootMeanSquare),
-                                   degreesText(summary.residual(angle).magnitudes.at(0.95))};
-    for (const Summary::Coverage* coverage : {&summary.coverageOfGood(), &summary.coverage()})
-        if (summary.coverage().rows > 0)
-            cells.push_back(coverage->rows > 0 ? percentText(*coverage->share(angle)) : "");
-    appendTableRow(html, name, cells);
+    const auto& residual = content.summary.residual(at(quantity) - at(Quantity::residualX));
+    appendTableRow(html, name,
+                   {countText(s.count), mean, deviation, least, largest,
+                    degreesText(s.rootMeanSquare), degreesText(residual.magnitudes.at(0.95))});
 }
 
 void appendTable(std::string& html, const ReportContent& content, const char* title,
@@ -52,9 +41,6 @@ void appendTable(std::string& html, const ReportContent& content, const char* ti
     if (residuals)
         html += "<th class=\"number\">Root mean square</th>"
                 "<th class=\"number\">95 % quantile</th>";
-    if (residuals && content.summary.coverage().rows > 0)
-        html += "<th class=\"number\">Within 2 u, good rows</th>"
-                "<th class=\"number\">Within 2 u, all rows</th>";
     html += "</tr></thead>\n";
     for (const Chart& chart : shown) {
         html += "<tbody>\n";
@@ -74,12 +60,7 @@ void appendStatistics(std::string& html, const ReportContent& content) {
     appendTable(html, content, "Further readings", all.last(3));
     html += "<p class=\"note\">Angles over the rows in state ok, readings over all rows that were "
             "not refused. Means and extremes of angles are those of directions. The quantile is of "
-            "the magnitude, at most 0.1 % too large.";
-    if (content.summary.coverage().rows > 0)
-        html += " 2 u is twice the row's standard uncertainty: 95.4 % of the residuals should be "
-                "within it where their errors are normal, differ from row to row, and outweigh "
-                "the model's own.";
-    html += "</p>\n";
+            "the magnitude, at most 0.1 % too large.</p>\n";
 }
 
 } // namespace kiv::host

@@ -60,8 +60,8 @@ std::string percentText(double share) {
     return std::string(digits, end) + " %";
 }
 
-void appendTableRow(std::string& html, std::string_view heading, std::span<const std::string> cells,
-                    const char* cellClass) {
+void appendTableRow(std::string& html, std::string_view heading,
+                    std::initializer_list<std::string> cells, const char* cellClass) {
     html.append("<tr><th scope=\"row\">").append(heading).append("</th>");
     for (const std::string& cell : cells)
         html.append("<td class=\"").append(cellClass).append("\">").append(cell).append("</td>");

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <initializer_list>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,12 +18,7 @@ std::string rowsText(std::size_t count);
 std::string percentText(double share); // of 1, with one decimal
 
 // Cells of HTML.
-void appendTableRow(std::string& html, std::string_view heading, std::span<const std::string> cells,
-                    const char* cellClass = "number");
-inline void appendTableRow(std::string& html, std::string_view heading,
-                           std::initializer_list<std::string> cells,
-                           const char* cellClass = "number") {
-    appendTableRow(html, heading, std::span(cells.begin(), cells.size()), cellClass);
-}
+void appendTableRow(std::string& html, std::string_view heading,
+                    std::initializer_list<std::string> cells, const char* cellClass = "number");
 
 } // namespace kiv::host

@@ -1,5 +1,3 @@
-#include <initializer_list>
-
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 #include "host/tables/Numbers.h"
@@ -16,15 +14,10 @@ std::string threeDigits(double value) {
     return text;
 }
 
-void appendShares(std::string& html, std::string_view input, const std::string& size,
-                  const AngleTriple& shares) {
-    appendTableRow(html, input,
-                   {size, percentText(shares[0]), percentText(shares[1]), percentText(shares[2])});
-}
-
-void appendDegrees(std::string& html, std::string_view heading, const AngleTriple& degrees) {
-    appendTableRow(html, heading,
-                   {"", threeDigits(degrees[0]), threeDigits(degrees[1]), threeDigits(degrees[2])});
+// A row of the table: what it is, the input's own uncertainty, and a cell for each angle.
+void appendRow(std::string& html, std::string_view heading, const std::string& input,
+               const AngleTriple& values, std::string (*textOf)(double)) {
+    appendTableRow(html, heading, {input, textOf(values[0]), textOf(values[1]), textOf(values[2])});
 }
 
 // Those that are uncertain and that the angles can depend on.
@@ -39,8 +32,14 @@ void appendInputs(std::string& html, const ReportContent& content) {
         for (const std::optional<Source>& source : name.sources)
             for (std::size_t i = 0; source && i < shares.size(); ++i)
                 shares[i] += content.budget.share(*source)[i];
-        appendShares(html, name.words, shown(given[first]), shares);
+        appendRow(html, name.words, shown(given[first]), shares, percentText);
     }
+}
+
+void appendCoverage(std::string& html, const char* heading, const Summary::Coverage& coverage) {
+    if (coverage.rows > 0)
+        appendRow(html, heading, "", {*coverage.share(0), *coverage.share(1), *coverage.share(2)},
+                  percentText);
 }
 
 } // namespace
@@ -49,24 +48,32 @@ void appendUncertainty(std::string& html, const ReportContent& content) {
     if (!content.hasUncertainty())
         return;
     const UncertaintyBudget& budget = content.budget;
+    const Summary& summary = content.summary;
     const bool local = content.localFrame && !reportsOwnMatrix(content.mountMode);
-    html += "<section>\n<h2>Where the uncertainty comes from</h2>\n<table>\n<thead><tr>"
-            "<th>Input</th><th class=\"number\">Its standard uncertainty</th>";
+    html += "<section>\n<h2>Uncertainty of the angles</h2>\n<table>\n<thead><tr><th>Share of the "
+            "variance</th><th class=\"number\">Input's standard uncertainty</th>";
     for (const char* angle : angleNames)
         html.append("<th class=\"number\">").append(angle).append("</th>");
     html += "</tr></thead>\n<tbody>\n";
     appendInputs(html, content);
-    appendShares(html, "rounding to single precision", "", budget.roundingShare());
-    html += "</tbody>\n<tfoot>\n";
-    appendDegrees(html, "standard uncertainty, degrees", budget.standard());
+    appendRow(html, "rounding to single precision", "", budget.roundingShare(), percentText);
+    html += "</tbody>\n<tbody>\n";
+    appendRow(html, "standard uncertainty, degrees", "", budget.standard(), threeDigits);
     if (local)
-        appendDegrees(html, "of the reference, not in it, degrees", budget.reference());
-    html.append("</tfoot>\n</table>\n<p class=\"note\">Shares of each angle's variance, their mean "
-                "over ")
+        appendRow(html, "of the reference, degrees", "", budget.reference(), threeDigits);
+    appendCoverage(html, "residuals within twice that, good rows", summary.coverageOfGood());
+    if (!summary.allTrusted())
+        appendCoverage(html, "residuals within twice that, all rows", summary.coverage());
+    html.append("</tbody>\n</table>\n<p class=\"note\">From the uncertainties of the inputs alone, "
+                "without the model's own error: mean shares and root mean squares over ")
         .append(rowsText(budget.rows()))
-        .append("; below them root mean squares. The model's own error is not in it.");
+        .append(".");
     if (local)
-        html += " The reference's readings give all rows the same error, which has a line of its "
+        html += " What comes from the reference's readings is the same error in all rows, and not "
+                "in the line above it.";
+    if (summary.coverage().rows > 0)
+        html += " Within twice the row's standard uncertainty should be 95.4 % of the residuals, "
+                "where their errors are normal, differ from row to row and outweigh the model's "
                 "own.";
     html += "</p>\n</section>\n";
 }

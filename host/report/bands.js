@@ -22,52 +22,50 @@ function bandOf(chart, i, row) {
   return chart.bands === "zero" ? [-half, half] : [cell[0] - half, cell[2] + half];
 }
 
-// Rows without a gap between them, as canvas points; of a single one two pixels can be seen.
-function fillBand(context, points, withEdges) {
-  if (points.length === 1) points = [-1, 1].map((shift) => ({ ...points[0], x: points[0].x + shift }));
-  const path = (lines) => {
-    context.beginPath();
-    for (const line of lines)
-      line.forEach(([x, y], i) => (i || line !== lines[0] ? context.lineTo(x, y) : context.moveTo(x, y)));
-  };
-  const high = points.map(({ x, high }) => [x, high]);
-  const low = points.map(({ x, low }) => [x, low]);
-  path([high, [...low].reverse()]);
-  context.globalAlpha = 0.18;
-  context.fill();
-  context.globalAlpha = 0.8;
-  if (withEdges)
-    for (const edge of [high, low]) {
-      path([edge]);
-      context.stroke();
-    }
+// Stretches of a drawn series without a gap, as canvas points; of a single row two pixels.
+function stretchesOf(chart, { points, setName, dygraph: graph }) {
+  const i = chart.series.findIndex(({ name }) => name === setName);
+  const stretches = [[]];
+  for (const point of points) {
+    const band = bandOf(chart, i, point.idx);
+    if (band)
+      stretches[stretches.length - 1].push({
+        x: point.canvasx,
+        low: graph.toDomYCoord(band[0]),
+        high: graph.toDomYCoord(band[1]),
+      });
+    else stretches.push([]);
+  }
+  const widened = ([only]) => [{ ...only, x: only.x - 1 }, { ...only, x: only.x + 1 }];
+  return stretches
+    .filter((stretch) => stretch.length)
+    .map((stretch) => (stretch.length === 1 ? widened(stretch) : stretch));
 }
 
-function drawBands(context, area, graph, chart) {
-  context.save();
-  context.beginPath();
-  context.rect(area.x, area.y, area.w, area.h);
-  context.clip();
-  context.lineWidth = 1;
-  chart.series.forEach((_, i) => {
-    if (!graph.visibility()[i]) return;
-    context.fillStyle = context.strokeStyle = color("series-" + i);
-    let points = [];
-    const finish = () => {
-      if (points.length) fillBand(context, points, chart.bands === "zero");
-      points = [];
-    };
-    chart.table.rows.forEach(([x], row) => {
-      const band = bandOf(chart, i, row);
-      if (band)
-        points.push({
-          x: graph.toDomXCoord(x),
-          low: graph.toDomYCoord(band[0]),
-          high: graph.toDomYCoord(band[1]),
-        });
-      else finish();
-    });
-    finish();
-  });
-  context.restore();
-}
+// Plotters of a chart: one for under its lines, one for over them.
+const trace = (context, stretch, edge) => {
+  for (const point of stretch) context.lineTo(point.x, point[edge]);
+};
+
+const plotBands = (chart) => (series) => {
+  const { drawingContext: context, color } = series;
+  context.fillStyle = color;
+  context.globalAlpha = 0.18;
+  for (const stretch of stretchesOf(chart, series)) {
+    context.beginPath();
+    trace(context, stretch, "high");
+    trace(context, stretch.reverse(), "low");
+    context.fill();
+  }
+};
+
+const plotBandEdges = (chart) => (series) => {
+  const { drawingContext: context } = series;
+  context.lineWidth = 1.5;
+  for (const stretch of stretchesOf(chart, series))
+    for (const edge of ["high", "low"]) {
+      context.beginPath();
+      trace(context, stretch, edge);
+      context.stroke();
+    }
+};

@@ -52,7 +52,6 @@ function plotEdges({ points, drawingContext: context, plotArea, color, strokeWid
 function drawUnder(context, area, graph, chart) {
   context.save();
   context.font = fontSize - 1 + "px system-ui, sans-serif";
-  if (chart.bands) drawBands(context, area, graph, chart);
   if (data.reference !== undefined) drawReference(context, area, graph);
   if (chart.limits) drawLimits(context, area, graph, chart);
   context.restore();
@@ -144,9 +143,12 @@ function makeChart(chart) {
   chart.graph = new Dygraph(plot, table.rows, {
     labels: [data.x, ...chart.series.map((series) => series.name)],
     customBars: true,
-    plotter: thinned
-      ? [Dygraph.Plotters.errorPlotter, plotEdges, Dygraph.Plotters.linePlotter]
-      : Dygraph.Plotters.linePlotter,
+    plotter: [
+      ...(chart.bands ? [plotBands(chart)] : []),
+      ...(thinned ? [Dygraph.Plotters.errorPlotter, plotEdges] : []),
+      Dygraph.Plotters.linePlotter,
+      ...(chart.bands === "zero" ? [plotBandEdges(chart)] : []),
+    ],
     fillAlpha: 0.3,
     strokeWidth: 1.2,
     colors: seriesColors(chart),

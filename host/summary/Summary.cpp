@@ -53,7 +53,7 @@ void Summary::add(const RowResult& result, std::size_t line,
 void Summary::Coverage::add(const std::array<double, 3>& differences, const AngleTriple& standard) {
     ++rows;
     for (std::size_t i = 0; i < 3; ++i)
-        within[i] += std::abs(differences[i]) <= 2 * standard[i] ? 1 : 0;
+        within[i] += std::abs(differences[i]) <= 2 * standard[i] ? 1U : 0U;
 }
 
 std::optional<double> Summary::Coverage::share(std::size_t angle) const {
