@@ -114,7 +114,7 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     content.readings = run.input().name();
     content.sensorId = parseParameterFileName(options.parameterFile)->id;
     content.mountMode = run.mountMode();
-    content.localFrame = options.localFrame;
+    content.localFrame = run.localFrame();
     content.uncertainties = run.givenUncertainties();
     run.record().GetKIVLevelLimits(content.levelLimits);
 

@@ -44,7 +44,7 @@ struct ReportContent {
     InputFacts facts;
     std::int32_t sensorId = 0;
     int mountMode = 0;
-    bool localFrame = false;
+    bool localFrame = false; // the angles are those of the motion since the reference
     F_VECTOR4 levelLimits{};
 
     Summary summary;

@@ -2,7 +2,6 @@
 #include "host/report/Sections.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/SourceNames.h"
-#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -49,7 +48,6 @@ void appendUncertainty(std::string& html, const ReportContent& content) {
         return;
     const UncertaintyBudget& budget = content.budget;
     const Summary& summary = content.summary;
-    const bool local = content.localFrame && !reportsOwnMatrix(content.mountMode);
     html += "<section>\n<h2>Uncertainty of the angles</h2>\n<table>\n<thead><tr><th>Share of the "
             "variance</th><th class=\"number\">Input's standard uncertainty</th>";
     for (const char* angle : angleNames)
@@ -59,7 +57,7 @@ void appendUncertainty(std::string& html, const ReportContent& content) {
     appendRow(html, "rounding to single precision", "", budget.roundingShare(), percentText);
     html += "</tbody>\n<tbody>\n";
     appendRow(html, "standard uncertainty, degrees", "", budget.standard(), threeDigits);
-    if (local)
+    if (content.localFrame)
         appendRow(html, "of the reference, degrees", "", budget.reference(), threeDigits);
     appendCoverage(html, "residuals within twice that, good rows", summary.coverageOfGood());
     if (!summary.allTrusted())
@@ -68,7 +66,7 @@ void appendUncertainty(std::string& html, const ReportContent& content) {
                 "without the model's own error: mean shares and root mean squares over ")
         .append(rowsText(budget.rows()))
         .append(".");
-    if (local)
+    if (content.localFrame)
         html += " What comes from the reference's readings is the same error in all rows, and not "
                 "in the line above it.";
     if (summary.coverage().rows > 0)
