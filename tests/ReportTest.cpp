@@ -129,13 +129,13 @@ TEST(Report, UncertaintiesWhereTheyAreAskedFor) {
         std::vector<std::string> expected, missing;
     } rows[] = {
         {{}, "", {}, {"Uncertainty of the angles", "twice the standard", "uncertainty of rx"}},
-        {{"--u-vector", "0.3"},
+        {{"--u-vector", "0.3", "--u-level", "0.002"},
          "",
          {"vector y, length unit</th><td class=\"number\">0.3</td>", "\"bands\":\"value\"",
           "\"bands\":\"zero\"", "figure id=\"uncertainties\"", "uncertainty of rx</th>",
           "within twice that, good rows</th><td class=\"number\"></td><td class=\"number\">100.0 "
           "%"},
-         {"across", "raw azimuth", "of the reference, degrees", "all rows</th>"}},
+         {"across", "raw azimuth", "raw level X", "of the reference, degrees", "all rows</th>"}},
         {{"--uncertainties", "-", "--frame", "local"},
          "{\"vector_across\": 0.3, \"azimuth_deg\": 0.001, \"tilt_offset_y_deg\": 0}",
          {"vector across the line of sight, length unit</th><td class=\"number\">0.3</td>",
