@@ -1,16 +1,16 @@
 // Bands of twice the standard uncertainty, to either side of the angles, of zero for residuals. A
-// bin's is the largest of its rows, so that what lies outside the band is outside its row's own.
+// bin's is the largest of its rows, so that no row's own reaches out of it.
 const uncertainties = data.charts.find(({ id }) => id === "uncertainties");
 const halfWidth = (i, bin) => {
   const { mean, largest = mean } = uncertainties.series[i];
   return mean[bin] === null ? null : 2 * largest[bin];
 };
 
-// A band that is in view by itself, whatever the single rows: the middle one of the residuals'.
+// What of the residuals' bands is in view: nine in ten, as single ones may be without bounds.
 const usualBands = (chart) =>
   chart.bands !== "zero" ? [] : chart.series.flatMap((series, i) => {
     const halves = series.mean.map((_, bin) => halfWidth(i, bin)).filter((half) => half !== null);
-    const usual = halves.sort((a, b) => a - b)[halves.length >> 1];
+    const usual = halves.sort((a, b) => a - b)[Math.floor(0.9 * halves.length)];
     return usual === undefined ? [] : [-usual, usual];
   });
 
