@@ -199,6 +199,7 @@ void CommandLine::addReport() {
     CLI::App& command =
         add("report", [this](const Streams& s) { return reportReadings(report, s); });
     addReadings(command, report)->expected(1);
+    addUncertainties(command, report);
     command.add_option("--title", report.title)->check(shownText);
     command.add_option("--length-unit", report.lengthUnit)->check(shownText);
 }

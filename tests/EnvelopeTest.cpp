@@ -22,7 +22,7 @@ TEST(Envelope, BinsDoubleWhenFull) {
         Envelope envelope(1, 8);
         for (std::size_t row = 0; row < c.rows; ++row)
             envelope.addRow(10.0 * static_cast<double>(row),
-                            std::array{static_cast<double>(row * row)});
+                            std::array{static_cast<double>(row * row)}, Mark::notGood);
         EXPECT_EQ(envelope.rowsPerBin(), c.rowsPerBin);
         ASSERT_EQ(envelope.bins().size(), c.bins);
         for (std::size_t bin = 0; bin < c.bins; ++bin) {
@@ -34,6 +34,7 @@ TEST(Envelope, BinsDoubleWhenFull) {
             const Envelope::Range& range = envelope.range(bin, 0);
             EXPECT_EQ(envelope.bins()[bin].firstX, 10.0 * static_cast<double>(first)) << bin;
             EXPECT_EQ(envelope.bins()[bin].lastX, 10.0 * static_cast<double>(last)) << bin;
+            EXPECT_EQ(envelope.bins()[bin].notGood, last - first + 1) << bin;
             EXPECT_EQ(range.least, static_cast<double>(first * first)) << bin;
             EXPECT_EQ(range.largest, static_cast<double>(last * last)) << bin;
             EXPECT_EQ(range.mean(), sum / static_cast<double>(last - first + 1)) << bin;

@@ -1,5 +1,6 @@
 // The page of kiv report as text; tests/report/ opens it in a browser.
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -90,6 +91,111 @@ TEST(Report, Residuals) {
                  "<td class=\"number\">126.612796</td><td class=\"number\">-179.000000</td>"
                  "<td class=\"number\">179.000000</td><td class=\"number\">113.254580</td>"
                  "<td class=\"number\">179.125000</td>"));
+}
+
+// Level Y beyond its limit of 9 degrees, and once beyond its table, too.
+TEST(Report, RowsThatAreNotGood) {
+    const auto tilted = [](const char* level) {
+        return "2,4000,1500,450,12.5,3,1," + std::string(level) + ",20,0.1,0\n";
+    };
+    const struct {
+        std::string readings;
+        std::vector<std::string> expected;
+    } rows[] = {
+        {"b," + good,
+         {"verdict good", "0 without an orientation</p>", "computed, all are good</td>",
+          "\"notGood\":[]"}},
+        {"b," + tilted("9.5") + "c," + good + "d," + tilted("-10.5"),
+         {"verdict warn", "0 without an orientation, 2 not good</p>",
+          "computed<br>1 <code>good</code><br>2 <code>outside_limits</code>: a tilt is outside",
+          "\"notGood\":[[1,1],[3,1]]", "Rows that are not good</h2>\n<p>2 rows.</p>",
+          "<td class=\"number\">5</td><td class=\"number\">4</td><td class=\"state not-good\">"
+          "outside_limits</td><td class=\"number\">0.00"}},
+        {"b," + tilted("9.5") + "c,2\n", {"verdict bad", "1 refused", "1 not good</p>"}},
+    };
+    for (const auto& row : rows) {
+        const std::string page = report(header + "a," + good + row.readings);
+        for (const std::string& part : row.expected)
+            EXPECT_TRUE(contains(page, part)) << part;
+        EXPECT_EQ(contains(page, "state not-good"), contains(page, "Rows that are not good"));
+    }
+}
+
+// Without options for it nothing on the page tells of uncertainties.
+TEST(Report, UncertaintiesWhereTheyAreAskedFor) {
+    const struct {
+        std::vector<std::string> options;
+        std::string uncertainties;
+        std::vector<std::string> expected, missing;
+    } rows[] = {
+        {{}, "", {}, {"Uncertainty of the angles", "twice the standard", "uncertainty of rx"}},
+        {{"--u-vector", "0.3", "--u-level", "0.002"},
+         "",
+         {"vector y, length unit</th><td class=\"number\">0.3</td>", "\"bands\":\"value\"",
+          "\"bands\":\"zero\"", "figure id=\"uncertainties\"", "uncertainty of rx</th>",
+          "within twice that, good rows</th><td class=\"number\"></td><td class=\"number\">100.0 "
+          "%"},
+         {"across", "raw azimuth", "raw level X", "of the reference, degrees", "all rows</th>"}},
+        {{"--uncertainties", "-", "--frame", "local"},
+         "{\"vector_across\": 0.3, \"azimuth_deg\": 0.001, \"tilt_offset_y_deg\": 0}",
+         {"vector across the line of sight, length unit</th><td class=\"number\">0.3</td>",
+          "raw azimuth, degrees</th><td class=\"number\">0.001</td>", "of the reference, degrees",
+          "without the reference's part", "\"bands\":\"value\""},
+         {"vector x", "along", "tilt offset", "within twice that"}},
+    };
+    for (const auto& row : rows) {
+        std::vector<std::string> arguments{"report", example, KIV_EXAMPLES "/readings.csv", "-q"};
+        arguments.insert(arguments.end(), row.options.begin(), row.options.end());
+        std::string page = tool(arguments, row.uncertainties).out;
+        page.resize(page.find("<footer>")
+                    + page.substr(page.find("<footer>")).find("</script>")); // the data, no scripts
+        for (const std::string& part : row.expected)
+            EXPECT_TRUE(contains(page, part)) << part;
+        for (const std::string& part : row.missing)
+            EXPECT_FALSE(contains(page, part)) << part;
+    }
+}
+
+// Two rows with an uncertainty; the rest have none, whatever stands in their fields.
+TEST(Report, BudgetAndShareWithinTheBand) {
+    host::RowResult row;
+    row.hasUncertainty = true;
+    const auto set = [&](double azimuth, double levelY, double rounding) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            row.uncertainty.contribution[at(Source::azimuth)][i] = azimuth;
+            row.uncertainty.contribution[at(Source::levelY)][i] = -levelY;
+            row.uncertainty.rounding[i] = rounding;
+            row.uncertainty.standard[i] = std::hypot(azimuth, levelY, rounding);
+            row.uncertainty.reference[i] = 7 * rounding;
+        }
+    };
+    host::UncertaintyBudget budget;
+    host::Summary summary;
+    const auto add = [&](RowState state, Trust trust, float rx, double trueX) {
+        row.state = state;
+        row.trust.trust = trust;
+        row.info.rx = rx;
+        budget.add(row);
+        summary.add(row, 2, std::array<double, 3>{trueX, 0, 0});
+    };
+    set(2, 1, 2);
+    add(RowState::ok, Trust::good, 179.5F, -174.5); // 2 u is 6
+    add(RowState::refused, Trust::good, 0, 0);
+    set(0, 4, 3);
+    add(RowState::ok, Trust::mirrorNear, 10.5F, 0); // 2 u is 10
+    row.hasUncertainty = false;
+    add(RowState::ok, Trust::good, 1, 0);
+
+    EXPECT_EQ(budget.rows(), 2U);
+    EXPECT_DOUBLE_EQ(budget.share(Source::azimuth)[0], (4. / 9 + 0) / 2);
+    EXPECT_DOUBLE_EQ(budget.share(Source::levelY)[1], (1. / 9 + 16. / 25) / 2);
+    EXPECT_DOUBLE_EQ(budget.roundingShare()[2], (4. / 9 + 9. / 25) / 2);
+    EXPECT_DOUBLE_EQ(budget.standard()[0], std::sqrt((9. + 25) / 2));
+    EXPECT_DOUBLE_EQ(budget.reference()[2], 7 * std::sqrt((4. + 9) / 2));
+    EXPECT_EQ(summary.coverage().share(0), 0.5);
+    EXPECT_EQ(summary.coverageOfGood().share(0), 1);
+    EXPECT_EQ(summary.coverage().share(1), 1);
+    EXPECT_EQ(host::Summary().coverage().share(0), std::nullopt);
 }
 
 TEST(Report, NothingFromOutsideIsMarkup) {

@@ -36,14 +36,19 @@ std::string reasonIn(const Row& row, const std::string& fileName) {
     return reason;
 }
 
-Envelope::Mark markOf(RowState state) {
-    return state == RowState::refused         ? Envelope::Mark::refused
-           : state == RowState::noOrientation ? Envelope::Mark::noOrientation
-                                              : Envelope::Mark::none;
+bool isDoubtful(const RowResult& result) {
+    return result.state == RowState::ok && result.trust.trust != Trust::good;
+}
+
+Envelope::Mark markOf(const RowResult& result) {
+    return result.state == RowState::refused         ? Envelope::Mark::refused
+           : result.state == RowState::noOrientation ? Envelope::Mark::noOrientation
+           : isDoubtful(result)                      ? Envelope::Mark::notGood
+                                                     : Envelope::Mark::none;
 }
 
 // The summary has the angles and residuals, the report the rest.
-void addRow(ReportContent& content, const RowResult& result, double time,
+void addRow(ReportContent& content, const RowResult& result, std::size_t line, double time,
             const std::optional<std::array<double, 3>>& truth) {
     std::array<double, quantityCount> values;
     values.fill(NAN);
@@ -73,8 +78,15 @@ void addRow(ReportContent& content, const RowResult& result, double time,
             set(Quantity::residualY, withinHalfTurn(info.ry - (*truth)[1]));
             set(Quantity::residualZ, withinHalfTurn(info.rz - (*truth)[2]));
         }
+        if (result.hasUncertainty)
+            for (std::size_t i = 0; i < 3; ++i)
+                count(static_cast<Quantity>(at(Quantity::uncertaintyX) + i),
+                      result.uncertainty.standard[i]);
     }
-    content.envelope.addRow(time, values, markOf(result.state));
+    content.budget.add(result);
+    content.envelope.addRow(time, values, markOf(result));
+    if (isDoubtful(result) && content.doubtfulRows.size() < mostBadRowsListed)
+        content.doubtfulRows.push_back({line, time, result.trust});
     if (result.state == RowState::reference)
         content.referenceTime = time;
 }
@@ -99,7 +111,8 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     content.readings = run.name();
     content.sensorId = parseParameterFileName(options.parameterFile)->id;
     content.mountMode = run.mountMode();
-    content.localFrame = options.localFrame;
+    content.localFrame = run.localFrame();
+    content.uncertainties = run.givenUncertainties();
     run.record().GetKIVLevelLimits(content.levelLimits);
 
     TimeColumn time(run.table());
@@ -110,11 +123,11 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
         },
         [&](const Row& row) {
             const double t = time.next(row.time, row.line);
-            addRow(content, row.result, t, row.truth);
-            if (markOf(row.result.state) != Envelope::Mark::none
+            addRow(content, row.result, row.line, t, row.truth);
+            const RowState state = row.result.state;
+            if ((state == RowState::refused || state == RowState::noOrientation)
                 && content.badRows.size() < mostBadRowsListed)
-                content.badRows.push_back(
-                    {row.line, t, row.result.state, reasonIn(row, content.readings)});
+                content.badRows.push_back({row.line, t, state, reasonIn(row, content.readings)});
             return true;
         });
     content.axis = time.axis();

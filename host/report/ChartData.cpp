@@ -95,6 +95,10 @@ void appendChart(std::string& json, const ReportContent& content, const Chart& c
         pair(limits.z, limits.w);
         json += ']';
     }
+    if (content.hasUncertainty() && chart.first == Quantity::rx)
+        json += ",\"bands\":\"value\"";
+    if (content.hasUncertainty() && chart.first == Quantity::residualX)
+        json += ",\"bands\":\"zero\"";
     json += "},";
 }
 
@@ -118,6 +122,7 @@ void appendChartData(std::string& json, const ReportContent& content) {
     }
     appendMarks(json, bins, "refused", &Envelope::Bin::refused);
     appendMarks(json, bins, "noOrientation", &Envelope::Bin::noOrientation);
+    appendMarks(json, bins, "notGood", &Envelope::Bin::notGood);
     json += ",\"charts\":[";
     for (const Chart& chart : charts)
         if (content.has(chart))

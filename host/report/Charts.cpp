@@ -33,6 +33,11 @@ void appendCharts(std::string& html, const ReportContent& content) {
         html += "Each point stands for " + rowsText(perBin)
                 + ": the line runs through their mean, the band from their least to their "
                   "largest value. ";
+    if (content.hasUncertainty())
+        html.append("Bands of twice the standard uncertainty, which may be narrower than a line: "
+                    "zoom in")
+            .append(perBin > 1 ? "; a point's is the largest of its rows" : "")
+            .append(content.localFrame ? "; without the reference's part. " : ". ");
     html += "<span class=\"screen\">Drag to zoom, shift and drag to move, double-click for "
             "everything.</span></p>\n";
     for (const Chart& chart : charts) {

@@ -45,6 +45,7 @@ void Envelope::addRow(double x, std::span<const double> values, Mark mark) {
     bin.lastX = x;
     bin.noOrientation += mark == Mark::noOrientation ? 1 : 0;
     bin.refused += mark == Mark::refused ? 1 : 0;
+    bin.notGood += mark == Mark::notGood ? 1 : 0;
     Range* sides = &ranges[ranges.size() - 2 * width];
     for (std::size_t i = 0; i < width; ++i)
         if (std::isfinite(values[i]))
@@ -63,7 +64,7 @@ void Envelope::mergeNeighbours() {
         const Bin& first = all[2 * i];
         const Bin& second = all[2 * i + 1];
         all[i] = {first.firstX, second.lastX, first.noOrientation + second.noOrientation,
-                  first.refused + second.refused};
+                  first.refused + second.refused, first.notGood + second.notGood};
         for (std::size_t s = 0; s < width; ++s) {
             std::array<Range, 2> merged{side(2 * i, s, 0), side(2 * i, s, 1)};
             includeOnSide(merged.data(), side(2 * i + 1, s, 0));

@@ -11,13 +11,14 @@ namespace kiv::host {
 // merge and a bin takes twice as many rows, so that memory is bounded and no extreme is lost.
 class Envelope {
 public:
-    enum class Mark : unsigned char { none, noOrientation, refused };
+    enum class Mark : unsigned char { none, noOrientation, refused, notGood };
 
     struct Bin {
         double firstX; // of its rows
         double lastX;
         std::size_t noOrientation = 0; // rows with this mark
         std::size_t refused = 0;
+        std::size_t notGood = 0;
     };
 
     struct Range {

@@ -1,5 +1,7 @@
 #include "host/report/Html.h"
 
+#include <charconv>
+
 namespace kiv::host {
 
 void appendEscaped(std::string& html, std::string_view text) {
@@ -49,6 +51,13 @@ std::string countText(std::size_t count) {
 
 std::string rowsText(std::size_t count) {
     return countText(count) + (count == 1 ? " row" : " rows");
+}
+
+std::string percentText(double share) {
+    char digits[32];
+    const auto [end, error] =
+        std::to_chars(digits, digits + sizeof digits, 100 * share, std::chars_format::fixed, 1);
+    return std::string(digits, end) + " %";
 }
 
 void appendTableRow(std::string& html, std::string_view heading,

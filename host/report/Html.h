@@ -15,6 +15,7 @@ std::string code(std::string_view text);
 // In groups of three digits from five digits on.
 std::string countText(std::size_t count);
 std::string rowsText(std::size_t count);
+std::string percentText(double share); // of 1, with one decimal
 
 // Cells of HTML.
 void appendTableRow(std::string& html, std::string_view heading,

@@ -13,9 +13,8 @@ std::string limitsText(float low, float high) {
 }
 
 std::string rotationText(const ReportContent& content) {
-    return content.localFrame && !reportsOwnMatrix(content.mountMode)
-               ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx)"
-               : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)";
+    return content.localFrame ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx)"
+                              : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)";
 }
 
 std::string libraryVersion() {

@@ -20,8 +20,11 @@ enum class Quantity : unsigned char {
     distance,    // of the sensor, in the length unit
     temperature, // in the unit of the thermal factors
     refMetric,
+    uncertaintyX, // standard, of rx
+    uncertaintyY,
+    uncertaintyZ,
 };
-inline constexpr std::size_t quantityCount = 13;
+inline constexpr std::size_t quantityCount = 16;
 
 constexpr std::size_t at(Quantity quantity) {
     return static_cast<std::size_t>(quantity);
@@ -46,6 +49,9 @@ inline constexpr std::array<QuantityWords, quantityCount> quantityWords{{
     {"distance", "distance"},
     {"temperature", "temperature"},
     {"reference metric", "reference metric"},
+    {"rx", "standard uncertainty of rx"},
+    {"ry", "standard uncertainty of ry"},
+    {"rz", "standard uncertainty of rz"},
 }};
 
 enum class Unit : unsigned char { degrees, length, temperature, none };
@@ -58,8 +64,10 @@ struct Chart {
     Quantity last;
 };
 
-inline constexpr std::array<Chart, 7> charts{{
+inline constexpr std::array<Chart, 8> charts{{
     {"angles", "Angles", Unit::degrees, Quantity::rx, Quantity::rz},
+    {"uncertainties", "Standard uncertainty of the angles", Unit::degrees, Quantity::uncertaintyX,
+     Quantity::uncertaintyZ},
     {"tilts", "Corrected tilts", Unit::degrees, Quantity::tiltX, Quantity::tiltY},
     {"encoders", "Corrected encoder angles", Unit::degrees, Quantity::azimuth, Quantity::elevation},
     {"residuals", "Residual: angle minus true angle", Unit::degrees, Quantity::residualX,

@@ -31,7 +31,9 @@ void appendFoot(std::string& html, const ReportContent& content) {
     appendChartData(html, content);
     html.append("</script>\n<script>\n").append(embedded::dygraphsScript());
     html.append("\n</script>\n<script>\n\"use strict\";\n").append(embedded::rowsScript());
-    html.append(embedded::marksScript()).append(embedded::pageScript());
+    html.append(embedded::bandsScript())
+        .append(embedded::marksScript())
+        .append(embedded::pageScript());
     html += "</script>\n</body>\n</html>\n";
 }
 
@@ -63,9 +65,11 @@ std::string reportPage(const ReportContent& content) {
     if (std::any_of(charts.begin(), charts.end(),
                     [&](const Chart& chart) { return content.has(chart); })) {
         appendStatistics(html, content);
+        appendUncertainty(html, content);
         appendCharts(html, content);
     }
     appendBadRows(html, content);
+    appendDoubtfulRows(html, content);
     appendFoot(html, content);
     return html;
 }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,16 @@
 #include "host/report/Quantities.h"
 #include "host/report/TimeAxis.h"
 #include "host/summary/Summary.h"
+#include "host/summary/UncertaintyBudget.h"
 
 namespace kiv::host {
+
+// A row with angles whose trust is not good.
+struct DoubtfulRow {
+    std::size_t line;
+    double time;
+    RowTrust trust;
+};
 
 // A row that was refused or has no orientation.
 struct BadRow {
@@ -35,7 +44,7 @@ struct ReportContent {
     InputFacts facts;
     std::int32_t sensorId = 0;
     int mountMode = 0;
-    bool localFrame = false;
+    bool localFrame = false; // the angles are those of the motion since the reference
     F_VECTOR4 levelLimits{};
 
     Summary summary;
@@ -50,11 +59,15 @@ struct ReportContent {
     Envelope envelope{quantityCount, mostBins}; // over seconds; raw angles
     XAxis axis;
     double referenceTime = 0;
-    std::vector<BadRow> badRows;    // the first ones
+    std::vector<BadRow> badRows; // the first ones
+    std::vector<DoubtfulRow> doubtfulRows;
+    std::optional<Uncertainties> uncertainties; // of the readings
+    UncertaintyBudget budget;
     const char* cutShort = nullptr; // why the readings were not read to their end
 
     const Statistics& statistics(Quantity quantity) const;
     bool has(const Chart& chart) const;
+    bool hasUncertainty() const { return budget.rows() > 0; }
 };
 
 // The whole report as one HTML file that loads nothing.

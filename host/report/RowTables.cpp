@@ -1,5 +1,6 @@
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
+#include "host/tables/Numbers.h"
 
 namespace kiv::host {
 
@@ -13,6 +14,52 @@ constexpr std::array<const char*, rowStateNames.size()> stateMeanings{
     "the model has no orientation for the readings",
     "the readings are no use"};
 
+constexpr std::array<const char*, trustWords.size()> trustMeanings{
+    "",
+    "a tilt is outside its calibration table or the level limits",
+    "the two levels' angles lie on both sides of 180 degrees",
+    "the two levels show different turns about the line of sight",
+    "a second pose, on the other side, fits the readings within the limits",
+    "z and level Y differ in sign",
+    "z is too close to 0",
+    "the level hardly shows the turn about the line of sight",
+    "the result does not show its level's reading again",
+    "the reference was not good"};
+
+// How many of the rows with angles are good, and how many are not for which reason.
+void appendTrust(std::string& html, const Summary& summary) {
+    if (summary.allTrusted()) {
+        html += summary.count(RowState::ok) > 0 ? ", all are good" : "";
+        return;
+    }
+    for (std::size_t i = 0; i < trustWords.size(); ++i) {
+        const std::size_t n = summary.count(static_cast<Trust>(i));
+        if (n == 0)
+            continue;
+        html.append("<br>").append(countText(n)).append(" ").append(code(trustWords[i]));
+        if (*trustMeanings[i])
+            html.append(": ").append(trustMeanings[i]);
+    }
+}
+
+// Of a section with a table of rows; the further columns are headings.
+void appendListHead(std::string& html, const ReportContent& content, const char* title,
+                    std::size_t rows, std::size_t listed, const char* columns) {
+    html.append("<section>\n<h2>").append(title).append("</h2>\n<p>").append(rowsText(rows));
+    if (rows > listed)
+        html += "; the first " + countText(listed) + " are listed";
+    html.append(".</p>\n<table class=\"bad-rows\">\n<thead><tr><th class=\"number\">Line</th>"
+                "<th class=\"number\">");
+    html.append(content.axis.name()).append("</th>").append(columns);
+    html += "</tr></thead>\n<tbody>\n";
+}
+
+void appendListPlace(std::string& html, const ReportContent& content, std::size_t line,
+                     double time) {
+    html += "<tr><td class=\"number\">" + countText(line) + "</td><td class=\"number\">";
+    html += content.axis.overTime() ? content.axis.text(time) : countText(line - 1);
+}
+
 } // namespace
 
 void appendRowCounts(std::string& html, const ReportContent& content) {
@@ -25,6 +72,8 @@ void appendRowCounts(std::string& html, const ReportContent& content) {
         html.append("<tr><th scope=\"row\">").append(rowStateNames[i]);
         html.append("</th><td class=\"number\">").append(countText(count)).append("</td><td>");
         html += stateMeanings[i];
+        if (state == RowState::ok)
+            appendTrust(html, summary);
         if (state == RowState::reference && count > 0)
             html += " (line " + countText(summary.referenceLine()) + ")";
         if (state == RowState::refused)
@@ -43,16 +92,10 @@ void appendBadRows(std::string& html, const ReportContent& content) {
         content.summary.count(RowState::refused) + content.summary.count(RowState::noOrientation);
     if (bad == 0)
         return;
-    html += "<section>\n<h2>Rows without a result</h2>\n<p>" + rowsText(bad);
-    if (bad > content.badRows.size())
-        html += "; the first " + countText(content.badRows.size()) + " are listed";
-    html.append(".</p>\n<table class=\"bad-rows\">\n<thead><tr><th class=\"number\">Line</th>"
-                "<th class=\"number\">");
-    html.append(content.axis.name())
-        .append("</th><th>State</th><th>Reason</th></tr></thead>\n<tbody>\n");
+    appendListHead(html, content, "Rows without a result", bad, content.badRows.size(),
+                   "<th>State</th><th>Reason</th>");
     for (const BadRow& row : content.badRows) {
-        html += "<tr><td class=\"number\">" + countText(row.line) + "</td><td class=\"number\">";
-        html += content.axis.overTime() ? content.axis.text(row.time) : countText(row.line - 1);
+        appendListPlace(html, content, row.line, row.time);
         html.append("</td><td class=\"state ")
             .append(row.state == RowState::refused ? "refused" : "no-orientation");
         html.append("\">").append(rowStateNames[static_cast<std::size_t>(row.state)]);
@@ -61,6 +104,24 @@ void appendBadRows(std::string& html, const ReportContent& content) {
         html += "</td></tr>\n";
     }
     html += "</tbody>\n</table>\n</section>\n";
+}
+
+void appendDoubtfulRows(std::string& html, const ReportContent& content) {
+    const Summary& summary = content.summary;
+    if (summary.allTrusted())
+        return;
+    appendListHead(html, content, "Rows that are not good",
+                   summary.count(RowState::ok) - summary.count(Trust::good),
+                   content.doubtfulRows.size(),
+                   "<th>Trust</th><th class=\"number\">Model error, degrees</th>");
+    for (const DoubtfulRow& row : content.doubtfulRows) {
+        appendListPlace(html, content, row.line, row.time);
+        html.append("</td><td class=\"state not-good\">").append(wordOf(row.trust.trust));
+        html.append("</td><td class=\"number\">").append(degreesText(row.trust.modelError));
+        html += "</td></tr>\n";
+    }
+    html += "</tbody>\n</table>\n<p class=\"note\">The model error is the bound of what the model "
+            "itself adds to the largest error of the three angles.</p>\n</section>\n";
 }
 
 } // namespace kiv::host

@@ -12,8 +12,10 @@ void appendHeading(std::string& html, const ReportContent& content);
 void appendProvenance(std::string& html, const ReportContent& content);
 void appendRowCounts(std::string& html, const ReportContent& content);
 void appendStatistics(std::string& html, const ReportContent& content);
+void appendUncertainty(std::string& html, const ReportContent& content);
 void appendCharts(std::string& html, const ReportContent& content);
 void appendBadRows(std::string& html, const ReportContent& content);
+void appendDoubtfulRows(std::string& html, const ReportContent& content);
 
 // What the charts show, as JSON. Numbers and names of our own alone: no text from outside enters a
 // script.

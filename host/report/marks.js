@@ -1,5 +1,5 @@
 // What a chart shows beside its series: limits, the reference, and below it how many of the rows
-// have no angles.
+// have no angles, or none that are good.
 const color = (name) =>
   getComputedStyle(document.documentElement).getPropertyValue("--" + name).trim();
 
@@ -46,6 +46,7 @@ function drawReference(context, area, graph) {
 const lanes = [
   { marks: data.refused, name: "refused", color: "refused" },
   { marks: data.noOrientation, name: "no orientation", color: "no-orientation" },
+  { marks: data.notGood, name: "not good", color: "not-good" },
 ].filter(({ marks }) => marks.length);
 const laneHeight = 14; // CSS pixels
 

@@ -13,10 +13,10 @@ const tickLabel = (value, granularity, option, chart) => {
     : value.toFixed(Math.max(0, decimals));
 };
 
-// The charted values and the limits, with a margin.
-const rangeWith = (limits, rows) => {
-  let low = Math.min(...limits);
-  let high = Math.max(...limits);
+// The charted values and others, with a margin.
+const rangeWith = (others, rows) => {
+  let low = Math.min(...others);
+  let high = Math.max(...others);
   for (const row of rows)
     for (const cell of row.slice(1))
       if (cell) {
@@ -80,8 +80,8 @@ function makeKeys(parent, chart) {
     parent.append(label);
     return value;
   });
-  if (chart.limits && chart.limits.some(Boolean)) {
-    const label = element("label", "screen", "limits in view");
+  if (chart.wholeRange) {
+    const label = element("label", "screen", chart.bands ? "bands in view" : "limits in view");
     const box = element("input", "");
     box.type = "checkbox";
     box.checked = true;
@@ -97,6 +97,7 @@ function makeKeys(parent, chart) {
 // The key of the reference, and the row under the pointer.
 function makeCaption(parent, chart) {
   if (data.reference !== undefined) parent.append(element("span", "key at", "┊ reference"));
+  if (chart.bands) parent.append(element("span", "key at", "▒ twice the standard uncertainty"));
   chart.place = element("span", "key at");
   parent.append(chart.place);
 }
@@ -135,16 +136,19 @@ function makeChart(chart) {
   const table = rowsOf(chart);
   chart.table = table;
   chart.strip = figure.querySelector(".strip");
+  const inView = [...(chart.limits || []).flatMap((pair) => pair || []), ...usualBands(chart)];
+  chart.wholeRange = inView.length ? rangeWith(inView, table.rows) : null;
   makeCaption(figure.querySelector("figcaption"), chart);
   makeKeys(figure.querySelector(".keys"), chart);
-  const limits = (chart.limits || []).flatMap((pair) => pair || []);
-  chart.wholeRange = limits.length ? rangeWith(limits, table.rows) : null;
   chart.graph = new Dygraph(plot, table.rows, {
     labels: [data.x, ...chart.series.map((series) => series.name)],
     customBars: true,
-    plotter: thinned
-      ? [Dygraph.Plotters.errorPlotter, plotEdges, Dygraph.Plotters.linePlotter]
-      : Dygraph.Plotters.linePlotter,
+    plotter: [
+      ...(chart.bands ? [plotBands(chart)] : []),
+      ...(thinned ? [Dygraph.Plotters.errorPlotter, plotEdges] : []),
+      Dygraph.Plotters.linePlotter,
+      ...(chart.bands === "zero" ? [plotBandEdges(chart)] : []),
+    ],
     fillAlpha: 0.3,
     strokeWidth: 1.2,
     colors: seriesColors(chart),

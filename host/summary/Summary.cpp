@@ -36,14 +36,32 @@ void Summary::add(const RowResult& result, std::size_t line,
     if (!truth)
         return;
     ++withTruth;
+    std::array<double, 3> differences;
     for (std::size_t i = 0; i < 3; ++i) {
-        const double difference = withinHalfTurn(values[i] - (*truth)[i]);
-        residuals[i].largest = std::max(residuals[i].largest, std::abs(difference));
+        differences[i] = withinHalfTurn(values[i] - (*truth)[i]);
+        residuals[i].largest = std::max(residuals[i].largest, std::abs(differences[i]));
         if (!residualFigures)
             continue;
-        residuals[i].statistics.add(difference);
-        residuals[i].magnitudes.add(std::abs(difference));
+        residuals[i].statistics.add(differences[i]);
+        residuals[i].magnitudes.add(std::abs(differences[i]));
     }
+    if (!result.hasUncertainty)
+        return;
+    ofAllRows.add(differences, result.uncertainty.standard);
+    if (result.trust.trust == Trust::good)
+        ofGoodRows.add(differences, result.uncertainty.standard);
+}
+
+void Summary::Coverage::add(const std::array<double, 3>& differences, const AngleTriple& standard) {
+    ++rows;
+    for (std::size_t i = 0; i < 3; ++i)
+        within[i] += std::abs(differences[i]) <= 2 * standard[i] ? 1U : 0U;
+}
+
+std::optional<double> Summary::Coverage::share(std::size_t angle) const {
+    if (rows == 0)
+        return std::nullopt;
+    return static_cast<double>(within[angle]) / static_cast<double>(rows);
 }
 
 std::size_t Summary::rows() const {

@@ -44,8 +44,18 @@ public:
         Quantile magnitudes;
         double largest = 0; // magnitude
     };
+    // How many of these are within twice the angle's standard uncertainty, of rows that have one.
+    struct Coverage {
+        std::size_t rows = 0;
+        std::array<std::size_t, 3> within{};
+
+        void add(const std::array<double, 3>& differences, const AngleTriple& standard);
+        std::optional<double> share(std::size_t angle) const; // 0 to 1
+    };
     const Residual& residual(std::size_t i) const { return residuals[i]; }
     std::size_t compared() const { return withTruth; }
+    const Coverage& coverage() const { return ofAllRows; }
+    const Coverage& coverageOfGood() const { return ofGoodRows; } // whose trust is good
     double largestResidual() const; // of all angles, magnitude in degrees
 
     void printCounts(std::ostream& out) const;
@@ -61,6 +71,8 @@ private:
     std::array<Statistics, 3> angles;
     std::size_t withTruth = 0;
     std::array<Residual, 3> residuals;
+    Coverage ofAllRows;
+    Coverage ofGoodRows;
 };
 
 inline constexpr std::array<const char*, 3> angleNames{"rx", "ry", "rz"};

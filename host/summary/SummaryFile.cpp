@@ -22,12 +22,19 @@ Json figuresOf(const Statistics& statistics) {
             {"largest_deg", figures.largest}};
 }
 
-Json residualOf(const Summary::Residual& residual) {
+Json residualOf(const Summary& summary, std::size_t angle) {
+    const Summary::Residual& residual = summary.residual(angle);
     const Statistics::Figures figures = residual.statistics.figures();
+    const auto share = [&](const Summary::Coverage& coverage) {
+        const auto within = coverage.share(angle);
+        return within ? Json(*within) : Json();
+    };
     return {{"mean_deg", figures.mean},
             {"root_mean_square_deg", figures.rootMeanSquare},
             {"quantile_95_deg", residual.magnitudes.at(0.95)},
-            {"largest_deg", residual.largest}};
+            {"largest_deg", residual.largest},
+            {"share_within_2u", share(summary.coverage())},
+            {"share_within_2u_of_good", share(summary.coverageOfGood())}};
 }
 
 } // namespace
@@ -42,7 +49,7 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
         trust[trustWords[i]] = summary.count(static_cast<Trust>(i));
     for (std::size_t i = 0; i < angleNames.size(); ++i) {
         angles[angleNames[i]] = figuresOf(summary.angle(i));
-        residuals[angleNames[i]] = residualOf(summary.residual(i));
+        residuals[angleNames[i]] = residualOf(summary, i);
     }
     const Json all{
         {"version", KIV_VERSION},

@@ -1,7 +1,6 @@
 #include "host/tables/UncertaintyFile.h"
 
 #include <algorithm>
-#include <array>
 #include <istream>
 #include <iterator>
 #include <optional>
@@ -14,6 +13,7 @@
 
 #include "host/Files.h"
 #include "host/tables/Numbers.h"
+#include "host/tables/SourceNames.h"
 #include "params/Quoted.h"
 
 namespace kiv::host {
@@ -21,33 +21,6 @@ namespace kiv::host {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-struct Name {
-    std::string_view text;
-    std::array<std::optional<Source>, 2> sources; // one or two alike
-    bool bySight = false;
-};
-
-constexpr std::array<Name, 14> names{{
-    {"x", {Source::vector1, {}}},
-    {"y", {Source::vector2, {}}},
-    {"z", {Source::vector3, {}}},
-    {"vector_along", {Source::vector1, {}}, true},
-    {"vector_across", {Source::vector2, Source::vector3}, true},
-    {"azimuth_deg", {Source::azimuth, {}}},
-    {"elevation_deg", {Source::elevation, {}}},
-    {"level_x", {Source::levelX, {}}},
-    {"level_y", {Source::levelY, {}}},
-    {"temperature", {Source::temperature, {}}},
-    {"azimuth_offset_deg", {Source::azimuthOffset, {}}},
-    {"elevation_offset_deg", {Source::elevationOffset, {}}},
-    {"tilt_offset_x_deg", {Source::tiltOffsetX, {}}},
-    {"tilt_offset_y_deg", {Source::tiltOffsetY, {}}},
-}};
-
-constexpr bool ofVector(Source source) {
-    return source <= Source::vector3;
-}
 
 struct Entry {
     std::string name;
@@ -67,7 +40,7 @@ public:
         const Entry* vector = nullptr; // the first entry of it
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const Entry& entry = entries[i];
-            const Name* name = known(entry, i, mode);
+            const SourceName* name = known(entry, i, mode);
             if (!name || !entryIsNumber(entry)) {
                 good = false;
                 continue;
@@ -116,13 +89,14 @@ private:
         return byte == 0 || byte > text.size() ? "the end" : kiv::quoted(text.substr(byte - 1, 1));
     }
 
-    const Name* known(const Entry& entry, std::size_t i, int mode) const {
-        const auto name = std::find_if(names.begin(), names.end(),
-                                       [&](const Name& each) { return each.text == entry.name; });
-        if (name == names.end()) {
+    const SourceName* known(const Entry& entry, std::size_t i, int mode) const {
+        const auto name =
+            std::find_if(sourceNames.begin(), sourceNames.end(),
+                         [&](const SourceName& each) { return each.key == entry.name; });
+        if (name == sourceNames.end()) {
             std::string all;
-            for (const Name& each : names)
-                all.append(all.empty() ? "one of " : ", ").append(each.text);
+            for (const SourceName& each : sourceNames)
+                all.append(all.empty() ? "one of " : ", ").append(each.key);
             report(entry.place, all, kiv::quoted(entry.name));
             return nullptr;
         }

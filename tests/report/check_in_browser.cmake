@@ -1,5 +1,5 @@
 # Opens a report in headless Chromium: no message on the console, every chart drawn, in light, in dark, on a
-# narrow screen and in print, nothing of a hostile file name run.
+# narrow screen and in print, bands where they belong, nothing of a hostile file name run.
 #   cmake -DTOOL=... -DEXAMPLES=... -DSCRIPTS=... -DWORK=... -P check_in_browser.cmake
 find_program(CHROMIUM NAMES chromium chromium-browser)
 if(NOT CHROMIUM)
@@ -47,10 +47,11 @@ file(MAKE_DIRECTORY "${folder}")
 execute_process(COMMAND ${TOOL} simulate ${EXAMPLES}/Tg5.prm --rows 9000 -o ${readings} COMMAND_ERROR_IS_FATAL ANY)
 file(APPEND "${readings}" "</script><script>document.body.remove()</script>\n"
     "100,2,4000,<img src=x onerror=document.body.remove()>,450,12.5,3,1,-2,20,0.1,0,0,0,0\n"
-    "101,2,4000,1500,0,12.5,3,1,-2,20,0.1,0,0,0,0\n")
+    "101,2,4000,1500,0,12.5,3,1,-2,20,0.1,0,0,0,0\n"
+    "102,2,4000,1500,450,12.5,3,1,9.5,20,0.1,0,0,0,0\n")
 execute_process(
     COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=1700000000 ${TOOL} report ${EXAMPLES}/Tg5.prm ${readings} -q
-        -o ${WORK}/page.html
+        --u-vector 50 --u-encoder 2 --u-level 2 -o ${WORK}/page.html
     RESULT_VARIABLE result ERROR_VARIABLE messages)
 if(NOT result EQUAL 1)
     message(FATAL_ERROR "expected exit code 1 for readings with bad rows, found ${result}: ${messages}")
@@ -64,7 +65,7 @@ if(size LESS 50000)
     message(FATAL_ERROR "expected a picture of a whole page, found ${size} bytes in ${WORK}/page.png")
 endif()
 
-foreach(chart angles tilts encoders residuals distance temperature metric)
+foreach(chart angles uncertainties tilts encoders residuals distance temperature metric)
     # dygraphs sets two canvases into the chart's element; the page counts the points that were drawn.
     string(REGEX MATCH "<figure id=\"${chart}\">.*" figure "${dom}")
     string(FIND "${figure}" "</figure>" end)
@@ -92,19 +93,22 @@ function(expect_seen print expected)
         message(FATAL_ERROR "expected ${expected} with ${ARGN}, found: ${found} ${console}")
     endif()
 endfunction()
-set(drawn "wider by 0; lines 7; strips 7")
+set(drawn "wider by 0; lines 8; strips 8,8; bands angles,residuals")
 expect_seen(false "paper rgb\\(255, 255, 255\\); ${drawn}" --window-size=1200,900)
 expect_seen(false "paper rgb\\(20, 25, 31\\); ${drawn}" --window-size=400,900 --blink-settings=preferredColorScheme=0)
 expect_seen(true "paper rgb\\(255, 255, 255\\); ${drawn}" --window-size=1200,900 --blink-settings=preferredColorScheme=0)
 
-# The lines of charts: where they lead across the seam, a row breaks them, and no other series.
+# The lines of charts: where they lead across the seam, a row breaks them and their bands, and no other series.
 file(READ ${SCRIPTS}/rows.js rows)
+file(READ ${SCRIPTS}/bands.js bands)
 file(READ ${CMAKE_CURRENT_LIST_DIR}/seam.html seam)
 string(REPLACE "ROWS" "${rows}" seam "${seam}")
+string(REPLACE "BANDS" "${bands}" seam "${seam}")
 file(WRITE ${WORK}/seam.html "${seam}")
 open_page(${WORK}/seam.html dom console)
 string(CONCAT expected "found 1.5:170,1 3.5:178,2 5.5:179,3 5.5:-,3 5.5:-179,3 7.5:-175,4 9.5:-,5 11.5:179,6 13.5:-,7 "
-    "13.5:-179,7 15.5:-178,208 | 0,1,2,2,2,3,4,5,6,6,7 | 0,1,2,5,6,7,9,10<")
+    "13.5:-179,7 15.5:-178,208 | 0,1,2,2,2,3,4,5,6,6,7 | 0,1,2,5,6,7,9,10 | 1.5/167/173 3.5/173/183 5.5/174/184 | "
+    "5.5/-184/-174 7.5/-180/-170 | 10.5/176/182 12.5/176/182 | 14.5/-181/-175 16.5/-181/-175<")
 string(FIND "${dom}" "${expected}" place)
 if(place EQUAL -1)
     message(FATAL_ERROR "expected ${expected}\nfound: ${dom} ${console}")

@@ -1,0 +1,79 @@
+#include "host/report/Html.h"
+#include "host/report/Sections.h"
+#include "host/tables/Numbers.h"
+#include "host/tables/SourceNames.h"
+
+namespace kiv::host {
+
+namespace {
+
+std::string threeDigits(double value) {
+    std::string text;
+    appendRounded(text, value, 3);
+    return text;
+}
+
+// A row of the table: what it is, the input's own uncertainty, and a cell for each angle.
+void appendRow(std::string& html, std::string_view heading, const std::string& input,
+               const AngleTriple& values, std::string (*textOf)(double)) {
+    appendTableRow(html, heading, {input, textOf(values[0]), textOf(values[1]), textOf(values[2])});
+}
+
+// Those that are uncertain and that the angles can depend on.
+void appendInputs(std::string& html, const ReportContent& content) {
+    const Uncertainties& given = *content.uncertainties;
+    for (const SourceName& name : sourceNames) {
+        const Source first = *name.sources[0];
+        if (given[first] == 0 || !reads(content.mountMode, first)
+            || (ofVector(first) && name.bySight != given.bySight))
+            continue;
+        AngleTriple shares{};
+        for (const std::optional<Source>& source : name.sources)
+            for (std::size_t i = 0; source && i < shares.size(); ++i)
+                shares[i] += content.budget.share(*source)[i];
+        appendRow(html, name.words, shown(given[first]), shares, percentText);
+    }
+}
+
+void appendCoverage(std::string& html, const char* heading, const Summary::Coverage& coverage) {
+    if (coverage.rows > 0)
+        appendRow(html, heading, "", {*coverage.share(0), *coverage.share(1), *coverage.share(2)},
+                  percentText);
+}
+
+} // namespace
+
+void appendUncertainty(std::string& html, const ReportContent& content) {
+    if (!content.hasUncertainty())
+        return;
+    const UncertaintyBudget& budget = content.budget;
+    const Summary& summary = content.summary;
+    html += "<section>\n<h2>Uncertainty of the angles</h2>\n<table>\n<thead><tr><th>Share of the "
+            "variance</th><th class=\"number\">Input's standard uncertainty</th>";
+    for (const char* angle : angleNames)
+        html.append("<th class=\"number\">").append(angle).append("</th>");
+    html += "</tr></thead>\n<tbody>\n";
+    appendInputs(html, content);
+    appendRow(html, "rounding to single precision", "", budget.roundingShare(), percentText);
+    html += "</tbody>\n<tbody>\n";
+    appendRow(html, "standard uncertainty, degrees", "", budget.standard(), threeDigits);
+    if (content.localFrame)
+        appendRow(html, "of the reference, degrees", "", budget.reference(), threeDigits);
+    appendCoverage(html, "residuals within twice that, good rows", summary.coverageOfGood());
+    if (!summary.allTrusted())
+        appendCoverage(html, "residuals within twice that, all rows", summary.coverage());
+    html.append("</tbody>\n</table>\n<p class=\"note\">From the uncertainties of the inputs alone, "
+                "without the model's own error: mean shares and root mean squares over ")
+        .append(rowsText(budget.rows()))
+        .append(".");
+    if (content.localFrame)
+        html += " What comes from the reference's readings is the same error in all rows, and not "
+                "in the line above it.";
+    if (summary.coverage().rows > 0)
+        html += " Within twice the row's standard uncertainty should be 95.4 % of the residuals, "
+                "where their errors are normal, differ from row to row and outweigh the model's "
+                "own.";
+    html += "</p>\n</section>\n";
+}
+
+} // namespace kiv::host
