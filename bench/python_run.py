@@ -14,6 +14,7 @@ import numpy as np
 
 import kiv
 from kiv import _columns
+from numpy_polarizer import in_numpy
 
 N = 1_000_000
 
@@ -31,59 +32,6 @@ def timed(call):
     start = time.perf_counter()
     call()
     return time.perf_counter() - start
-
-
-def natural_spline(knots, values):
-    """Second derivatives at the knots."""
-    h = np.diff(knots)
-    a = np.eye(len(knots))
-    b = np.zeros(len(knots))
-    for i in range(1, len(knots) - 1):
-        a[i, i - 1 : i + 2] = h[i - 1], 2 * (h[i - 1] + h[i]), h[i]
-        b[i] = 6 * ((values[i + 1] - values[i]) / h[i] - (values[i] - values[i - 1]) / h[i - 1])
-    return np.linalg.solve(a, b)
-
-
-def in_numpy(parameters):
-    """What a user would write for modes 5 and 6: angles rx, ry, rz in machine coordinates, degrees."""
-    block = {name: parameters[name] for name in parameters.blocks}
-    knots, values = block["tilt_y_calibration_table"].astype(float).T
-    bends = natural_spline(knots, values)
-    s = block["scale_factor"].astype(float)
-    offsets = np.radians(block["angle_offset"].astype(float))
-    machine = np.linalg.inv(block["machine_coordinate_tranform_matrix"].astype(float))
-
-    def turned(axis, angle):
-        c, n, i, j = np.cos(angle), np.sin(angle), (axis + 1) % 3, (axis + 2) % 3
-        m = np.zeros((*np.shape(angle), 3, 3))
-        m[..., axis, axis] = 1
-        m[..., i, i], m[..., i, j], m[..., j, i], m[..., j, j] = c, -n, n, c
-        return m
-
-    def encoder(raw, table):
-        return raw + np.interp(raw, *block[table].T, period=360)
-
-    def run(r):
-        k = np.clip(np.searchsorted(knots, r["level_y"]) - 1, 0, len(knots) - 2)
-        h = knots[k + 1] - knots[k]
-        a, b = (knots[k + 1] - r["level_y"]) / h, (r["level_y"] - knots[k]) / h
-        tilt = a * values[k] + b * values[k + 1] + ((a**3 - a) * bends[k] + (b**3 - b) * bends[k + 1]) * h**2 / 6
-        slope, intercept = block["thermal_compensation_factor"][2:]
-        tilt = (tilt - block["tilt_sensor_offset"][1]) * (slope * r["temperature"] + intercept)
-        x, y, z = (r[name].astype(float) for name in "xyz")
-        matrix = machine @ turned(2, -np.arctan2(x, y))
-        for axis, angle in (
-            (0, np.arcsin(z / np.sqrt(x * x + y * y + z * z))),
-            (1, np.radians((s[1] + tilt) * s[6])),
-            (2, np.radians(s[0])),
-            (0, (offsets[1] - np.radians(encoder(r["elevation_deg"], "el_calibration_table"))) * s[5]),
-            (2, (offsets[0] - np.radians(encoder(r["azimuth_deg"], "az_calibration_table"))) * s[4]),
-        ):
-            matrix = matrix @ turned(axis, angle)
-        return np.degrees([np.arctan2(-matrix[:, 1, 2], matrix[:, 2, 2]), np.arcsin(matrix[:, 0, 2]),
-                           np.arctan2(-matrix[:, 0, 1], matrix[:, 0, 0])])
-
-    return run
 
 
 def on_two_threads(sensors, readings):
@@ -114,7 +62,7 @@ def main(loop, folder):
     sensor = kiv.Sensor(kiv.Parameters(f"{folder}/mode_6/Tg5.prm"))
     run = in_numpy(sensor.parameters)
     results, angles = sensor.run(readings), run(readings)
-    apart = max(np.nanmax(abs(results[f"r{axis}_deg"] - angles[i])) for i, axis in enumerate("xyz"))
+    apart = max(np.nanmax(abs(results[f"r{axis}_deg"] - angles[f"r{axis}_deg"])) for axis in "xyz")
     ours, numpys = (min(timed(lambda: call(readings)) for _ in range(3)) for call in (sensor.run, run))
     print(f"numpy / run, polarizer, at least 1: {numpys / ours:.2f}; the angles are {apart:.1g} degrees apart at most")
 
