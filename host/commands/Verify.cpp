@@ -1,7 +1,10 @@
 #include "host/commands/Verify.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <string_view>
+#include <vector>
 
 #include "host/Files.h"
 #include "host/tables/Numbers.h"
@@ -12,35 +15,24 @@ namespace kiv::host {
 namespace {
 
 constexpr std::size_t models = 5;
-constexpr std::size_t width = 11; // of a column of numbers
+constexpr std::array<std::string_view, quantityCount> quantityNames{"readings", "matrix", "angles",
+                                                                    "QVC"};
 
-// As 4.4e-16.
+using Cells = std::array<std::string, 4 + quantityCount>;
+
+void appendLine(std::string& text, const Cells& cells) {
+    constexpr std::array<std::size_t, 4 + quantityCount> widths{14, 13, 7, 9, 10, 9, 9, 0};
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        text.append(cells[i]).append(std::max(widths[i], cells[i].size()) - cells[i].size(), ' ');
+    text += '\n';
+}
+
+// As 4.4e-16, so that columns line up.
 std::string sizeText(double size) {
     char digits[32];
-    return {
-        digits,
-        std::to_chars(digits, digits + sizeof digits, size, std::chars_format::scientific, 1).ptr};
-}
-
-void appendCells(std::string& text, const std::string& model, const std::string& modes,
-                 const std::string& cases, const std::string& verdict) {
-    for (const auto& [cell, size] :
-         {std::pair(model, 14), std::pair(modes, 13), std::pair(cases, 7), std::pair(verdict, 9)}) {
-        text += cell;
-        text.append(static_cast<std::size_t>(size) - cell.size(), ' ');
-    }
-}
-
-// One for each quantity.
-template <typename Text>
-void appendSizes(std::string& text, Text textOf) {
-    for (std::size_t i = 0; i < quantities.size(); ++i) {
-        const std::string cell = textOf(i);
-        text += cell;
-        if (i + 1 < quantities.size())
-            text.append(width - cell.size(), ' ');
-    }
-    text += '\n';
+    const auto [end, error] =
+        std::to_chars(digits, digits + sizeof digits, size, std::chars_format::scientific, 1);
+    return {digits, end};
 }
 
 std::string modesText(const ModelCheck& check) {
@@ -52,15 +44,17 @@ std::string modesText(const ModelCheck& check) {
 
 // Matrices are double precision, all else is single.
 std::string valueText(std::size_t quantity, double value) {
-    return quantities[quantity].name == "matrix" ? shown(value) : shown(static_cast<float>(value));
+    return quantity == matrixEntries ? shown(value) : shown(static_cast<float>(value));
 }
 
 void appendCheck(std::string& text, const ModelCheck& check) {
-    appendCells(text, std::string(check.model), modesText(check), std::to_string(check.cases),
-                check.good() ? "good" : "WRONG");
-    appendSizes(text, [&](std::size_t i) { return sizeText(check.largest[i].size); });
-    for (std::size_t i = 0; i < quantities.size(); ++i)
-        if (const Difference& d = check.largest[i]; d.size > quantities[i].bound)
+    Cells cells{std::string(check.model), modesText(check), std::to_string(check.cases),
+                check.good() ? "good" : "WRONG"};
+    for (std::size_t i = 0; i < quantityCount; ++i)
+        cells[4 + i] = sizeText(check.largest[i].size);
+    appendLine(text, cells);
+    for (std::size_t i = 0; i < quantityCount; ++i)
+        if (const Difference& d = check.largest[i]; d.size > allowedDifference[i])
             text.append("  case ")
                 .append(std::to_string(d.caseNumber))
                 .append(": expected ")
@@ -84,15 +78,18 @@ int verifyInstallation(const VerifyOptions& options, const Streams& streams) {
         && std::all_of(checks.begin(), checks.end(), [](const ModelCheck& c) { return c.good(); });
 
     std::string& text = output.text();
-    text += "kiv " KIV_VERSION ", built for " KIV_BUILT_FOR "\n";
-    text +=
-        "Largest differences to the reference cases: corrected readings and angles in degrees\n\n";
-    appendCells(text, "model", "mount modes", "cases", "verdict");
-    appendSizes(text, [](std::size_t i) { return std::string(quantities[i].name); });
+    text += "kiv " KIV_VERSION ", built for " KIV_BUILT_FOR
+            "\nLargest differences to the reference cases, readings and angles in degrees:\n\n";
+    Cells heading{"model", "mount modes", "cases", "verdict"};
+    Cells allowed{"allowed"};
+    for (std::size_t i = 0; i < quantityCount; ++i) {
+        heading[4 + i] = quantityNames[i];
+        allowed[4 + i] = sizeText(allowedDifference[i]);
+    }
+    appendLine(text, heading);
     for (const ModelCheck& check : checks)
         appendCheck(text, check);
-    appendCells(text, "allowed", "", "", "");
-    appendSizes(text, [](std::size_t i) { return sizeText(quantities[i].bound); });
+    appendLine(text, allowed);
     text += good ? "\nThis installation computes what it should.\n"
                  : "\nThis installation does not compute what it should.\n";
     if (!output.finish(streams.err))

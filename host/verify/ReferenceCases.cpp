@@ -40,9 +40,9 @@ constexpr std::array<std::string_view, 9> matrixColumns{"m00", "m01", "m02", "m1
                                                         "m12", "m20", "m21", "m22"};
 constexpr std::array<std::string_view, 2> caseColumns{"mount_mode", "frame"};
 
-enum : std::size_t { readings, matrix, angles, qvc };
-constexpr std::array<std::size_t, singleColumns.size()> quantityOfSingle{
-    readings, readings, readings, readings, angles, angles, angles, qvc, qvc, qvc};
+constexpr Quantity quantityOfSingle(std::size_t i) {
+    return i < 4 ? correctedReadings : i < 7 ? angles : qvcVector;
+}
 
 std::vector<std::string_view> allColumns() {
     std::vector<std::string_view> all(readingColumns.begin(), readingColumns.end());
@@ -77,7 +77,7 @@ public:
 
     // A value of the table, float or double as it is computed.
     template <typename Number>
-    void compare(std::size_t quantity, std::size_t column, std::string_view name, Number found) {
+    void compare(Quantity quantity, std::size_t column, std::string_view name, Number found) {
         auto expected = std::numeric_limits<Number>::quiet_NaN();
         table.readNumber(column, expected);
         const auto wanted = static_cast<double>(expected);
@@ -98,8 +98,8 @@ private:
 } // namespace
 
 bool ModelCheck::good() const {
-    return std::equal(largest.begin(), largest.end(), quantities.begin(),
-                      [](const Difference& d, const Quantity& q) { return d.size <= q.bound; });
+    return std::equal(largest.begin(), largest.end(), allowedDifference.begin(),
+                      [](const Difference& d, double allowed) { return d.size <= allowed; });
 }
 
 std::vector<ModelCheck> checkModels(std::ostream& err) {
@@ -136,11 +136,11 @@ std::vector<ModelCheck> checkModels(std::ostream& err) {
             info.azimuth, info.elevation, info.levelX, info.levelY, info.rx,
             info.ry,      info.rz,        info.qvc[0], info.qvc[1], info.qvc[2]};
         for (std::size_t i = 0; i < singleColumns.size(); ++i)
-            comparison.compare(quantityOfSingle[i], singleAt + i, singleColumns[i], singles[i]);
+            comparison.compare(quantityOfSingle(i), singleAt + i, singleColumns[i], singles[i]);
         const double* m = reportsOwnMatrix(mode) ? SensorAccess::transform(*sensor)
                                                  : SensorAccess::result(*sensor);
         for (std::size_t i = 0; i < matrixColumns.size(); ++i)
-            comparison.compare(matrix, matrixAt + i, matrixColumns[i], m[i]);
+            comparison.compare(matrixEntries, matrixAt + i, matrixColumns[i], m[i]);
     }
     return checks;
 }

@@ -10,16 +10,13 @@
 // second computation outside of the library, host/verify/make-cases, made of them.
 namespace kiv::host {
 
-// What is compared, with the largest difference that another C library or compiler explains.
-struct Quantity {
-    std::string_view name;
-    double bound;
-};
+// What is compared.
+enum Quantity : std::size_t { correctedReadings, matrixEntries, angles, qvcVector, quantityCount };
 
-// Corrected readings take sums, products and quotients alone, which are the same everywhere. Angles
-// and the QVC vector are single precision: a step of it is 1.5e-5 degrees near 180.
-inline constexpr std::array<Quantity, 4> quantities{
-    {{"readings", 0}, {"matrix", 1e-13}, {"angles", 2e-5}, {"qvc", 2e-5}}};
+// The largest difference that another C library explains. Corrected readings, degrees, take sums,
+// products and quotients alone, which are the same everywhere. Angles, degrees, and the QVC vector
+// are single precision, with steps of 1.5e-5 near 180.
+inline constexpr std::array<double, quantityCount> allowedDifference{0, 1e-13, 2e-5, 2e-5};
 
 struct Difference {
     double size = 0; // infinite where a value is not a number
@@ -34,7 +31,7 @@ struct ModelCheck {
     std::string_view model;
     std::vector<int> mountModes;
     std::size_t cases = 0;
-    std::array<Difference, quantities.size()> largest; // of each quantity
+    std::array<Difference, quantityCount> largest{};
 
     bool good() const;
 };
