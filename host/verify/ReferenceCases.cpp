@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <span>
 #include <sstream>
 #include <string>
 
@@ -25,39 +24,46 @@ namespace {
 
 constexpr std::int32_t sensorId = 5;
 
-// The expected values stand behind the readings, in this order.
-constexpr std::array<std::string_view, 10> singleColumns{"azimuth_corrected_deg",
-                                                         "elevation_corrected_deg",
-                                                         "level_x_corrected_deg",
-                                                         "level_y_corrected_deg",
-                                                         "rx_deg",
-                                                         "ry_deg",
-                                                         "rz_deg",
-                                                         "qvc_x",
-                                                         "qvc_y",
-                                                         "qvc_z"};
-constexpr std::array<std::string_view, 9> matrixColumns{"m00", "m01", "m02", "m10", "m11",
-                                                        "m12", "m20", "m21", "m22"};
-constexpr std::array<std::string_view, 2> caseColumns{"mount_mode", "frame"};
+struct ExpectedColumn {
+    std::string_view name;
+    Quantity quantity;
+};
 
-constexpr Quantity quantityOfSingle(std::size_t i) {
-    return i < 4 ? correctedReadings : i < 7 ? angles : qvcVector;
-}
+constexpr std::array<ExpectedColumn, 19> expectedColumns{
+    {{"azimuth_corrected_deg", correctedReadings},
+     {"elevation_corrected_deg", correctedReadings},
+     {"level_x_corrected_deg", correctedReadings},
+     {"level_y_corrected_deg", correctedReadings},
+     {"rx_deg", angles},
+     {"ry_deg", angles},
+     {"rz_deg", angles},
+     {"qvc_x", qvcVector},
+     {"qvc_y", qvcVector},
+     {"qvc_z", qvcVector},
+     {"m00", matrixEntries},
+     {"m01", matrixEntries},
+     {"m02", matrixEntries},
+     {"m10", matrixEntries},
+     {"m11", matrixEntries},
+     {"m12", matrixEntries},
+     {"m20", matrixEntries},
+     {"m21", matrixEntries},
+     {"m22", matrixEntries}}};
 
-std::vector<std::string_view> allColumns() {
-    std::vector<std::string_view> all(readingColumns.begin(), readingColumns.end());
-    for (const std::span<const std::string_view> columns :
-         {std::span<const std::string_view>(singleColumns),
-          std::span<const std::string_view>(matrixColumns),
-          std::span<const std::string_view>(caseColumns)})
-        all.insert(all.end(), columns.begin(), columns.end());
-    return all;
-}
+using Values = std::array<double, expectedColumns.size()>;
 
-constexpr std::size_t singleAt = readingColumns.size();
-constexpr std::size_t matrixAt = singleAt + singleColumns.size();
-constexpr std::size_t modeAt = matrixAt + matrixColumns.size();
+// Where they are asked for: behind the readings.
+constexpr std::size_t modeAt = readingColumns.size();
 constexpr std::size_t frameAt = modeAt + 1;
+constexpr std::size_t expectedAt = frameAt + 1;
+
+std::vector<std::string_view> columnsOfCases() {
+    std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
+    columns.insert(columns.end(), {"mount_mode", "frame"});
+    for (const ExpectedColumn& column : expectedColumns)
+        columns.push_back(column.name);
+    return columns;
+}
 
 // The carried parameter file, but for the mount mode. A sensor that it does not make computes
 // nothing, and all of its cases differ.
@@ -70,30 +76,44 @@ void configure(CKiv& sensor, ParsedFile& parsed, int mountMode) {
     configureSensor(sensor, record);
 }
 
-class CaseComparison {
-public:
-    CaseComparison(const Table& cases, std::size_t caseNumber, ModelCheck& modelCheck)
-        : table(cases), number(caseNumber), check(modelCheck) {}
+// In the order of the columns. Modes without frames show the model's own matrix.
+Values computedBy(CKiv& sensor, const KIV_RAWINFO& raw) {
+    KIV_INFO info;
+    sensor.updateKIVData(raw, info);
+    Values values{info.azimuth, info.elevation, info.levelX, info.levelY, info.rx,
+                  info.ry,      info.rz,        info.qvc[0], info.qvc[1], info.qvc[2]};
+    const double* m = reportsOwnMatrix(SensorAccess::mountMode(sensor))
+                          ? SensorAccess::transform(sensor)
+                          : SensorAccess::result(sensor);
+    std::copy_n(m, 9, values.end() - 9);
+    return values;
+}
 
-    // A value of the table, float or double as it is computed.
-    template <typename Number>
-    void compare(Quantity quantity, std::size_t column, std::string_view name, Number found) {
-        auto expected = std::numeric_limits<Number>::quiet_NaN();
-        table.readNumber(column, expected);
-        const auto wanted = static_cast<double>(expected);
-        const auto got = static_cast<double>(found);
-        const double difference = std::abs(got - wanted);
+// As it is computed: matrices are double precision, all else is single. Not a number where the
+// cell is none.
+double expectedValue(const Table& table, std::size_t i) {
+    if (expectedColumns[i].quantity == matrixEntries) {
+        double value = std::numeric_limits<double>::quiet_NaN();
+        table.readNumber(expectedAt + i, value);
+        return value;
+    }
+    float value = std::numeric_limits<float>::quiet_NaN();
+    table.readNumber(expectedAt + i, value);
+    return value;
+}
+
+void compare(const Table& table, const Values& found, ModelCheck& check, std::size_t caseNumber) {
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const double expected = expectedValue(table, i);
+        const double difference = std::abs(found[i] - expected);
         const double size =
             std::isnan(difference) ? std::numeric_limits<double>::infinity() : difference;
-        if (size > check.largest[quantity].size)
-            check.largest[quantity] = {size, number, name, wanted, got};
+        Difference& largest = check.largest[expectedColumns[i].quantity];
+        if (size > largest.size)
+            largest = {size, caseNumber, expectedColumns[i].name, expected, found[i]};
     }
-
-private:
-    const Table& table;
-    std::size_t number;
-    ModelCheck& check;
-};
+    ++check.cases;
+}
 
 } // namespace
 
@@ -106,41 +126,28 @@ std::vector<ModelCheck> checkModels(std::ostream& err) {
     TextSource text(embedded::verifyParameters());
     ParsedFile parsed = parseParameterFile(text, sensorId);
     std::istringstream in{std::string(embedded::verifyCases())};
-    const auto columns = allColumns();
+    const auto columns = columnsOfCases();
     const TableFormat format;
     Table table(in, "reference cases", err, columns, format);
-    std::vector<ModelCheck> checks;
     if (!table.readHeader({}))
-        return checks;
+        return {};
 
+    std::vector<ModelCheck> checks;
     std::optional<CKiv> sensor;
-    for (std::size_t number = 1; table.nextRow() && table.checkRow(); ++number) {
-        const int mode = numberIn<int>(table.text(modeAt)).value_or(0);
+    for (std::size_t number = 1; table.nextRow(); ++number) {
+        int mode = 0;
+        KIV_RAWINFO raw;
+        if (readReadings(table, raw) != Reason::none || !table.readNumber(modeAt, mode))
+            return {};
         if (!sensor || mode != SensorAccess::mountMode(*sensor)) {
             sensor.emplace();
             configure(*sensor, parsed, mode);
             if (checks.empty() || checks.back().model != modelName(mode))
-                checks.push_back({modelName(mode), {}, 0, {}});
+                checks.push_back({.model = modelName(mode)});
             checks.back().mountModes.push_back(mode);
         }
         sensor->setMcsFlag(table.text(frameAt) != "local");
-        KIV_RAWINFO raw{};
-        readReadings(table, raw);
-        KIV_INFO info;
-        sensor->updateKIVData(raw, info);
-
-        ModelCheck& check = checks.back();
-        ++check.cases;
-        CaseComparison comparison(table, number, check);
-        const float singles[singleColumns.size()] = {
-            info.azimuth, info.elevation, info.levelX, info.levelY, info.rx,
-            info.ry,      info.rz,        info.qvc[0], info.qvc[1], info.qvc[2]};
-        for (std::size_t i = 0; i < singleColumns.size(); ++i)
-            comparison.compare(quantityOfSingle(i), singleAt + i, singleColumns[i], singles[i]);
-        const double* m = reportsOwnMatrix(mode) ? SensorAccess::transform(*sensor)
-                                                 : SensorAccess::result(*sensor);
-        for (std::size_t i = 0; i < matrixColumns.size(); ++i)
-            comparison.compare(matrixEntries, matrixAt + i, matrixColumns[i], m[i]);
+        compare(table, computedBy(*sensor, raw), checks.back(), number);
     }
     return checks;
 }

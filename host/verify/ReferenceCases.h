@@ -29,15 +29,15 @@ struct Difference {
 
 struct ModelCheck {
     std::string_view model;
-    std::vector<int> mountModes;
+    std::vector<int> mountModes{};
     std::size_t cases = 0;
     std::array<Difference, quantityCount> largest{};
 
     bool good() const;
 };
 
-// Takes all cases through the library, as a run takes readings. What cannot be read of them is
-// reported and counts as a difference.
+// Takes all cases through the library, as a run takes readings. Nothing, and a message, where they
+// cannot be read.
 std::vector<ModelCheck> checkModels(std::ostream& err);
 
 } // namespace kiv::host
