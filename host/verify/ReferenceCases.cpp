@@ -68,7 +68,7 @@ std::vector<std::string_view> columnsOfCases() {
 // The carried parameter file, but for the mount mode. A sensor that it does not make computes
 // nothing, and all of its cases differ.
 void configure(CKiv& sensor, ParsedFile& parsed, int mountMode) {
-    auto& block = parsed.document.blocks[static_cast<std::size_t>(Block::mountingMode)];
+    auto& block = parsed.document.blocks[static_cast<std::size_t>(kiv::Block::mountingMode)];
     if (block)
         block->integer = mountMode;
     CKivPrm record;
