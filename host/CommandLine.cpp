@@ -33,6 +33,16 @@ CLI::Validator numberFrom(double least, double largest) {
     return {check, ""};
 }
 
+CLI::Validator wholeNumberFrom(std::size_t least) {
+    const auto check = [=](const std::string& text) {
+        const auto number = numberIn<std::size_t>(text);
+        return number && *number >= least
+                   ? std::string()
+                   : "expected a whole number from " + std::to_string(least) + ", found " + text;
+    };
+    return {check, ""};
+}
+
 std::string shownText(const std::string& text) {
     const bool blank = text.find_first_not_of(' ') == text.npos;
     const bool control = std::any_of(text.begin(), text.end(), [](char c) {
@@ -130,9 +140,10 @@ void CommandLine::addKeep(CLI::App& command, TableFormat& format) {
         ->check(CLI::IsMember({"others", "all"}));
 }
 
-void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
+// The readings' own option.
+CLI::Option* CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     command.add_option("parameter_file", options.parameterFile)->required();
-    command.add_option("readings", options.readings)->required();
+    CLI::Option* readings = command.add_option("readings", options.readings)->required();
     command.add_option("-o,--output", options.output)->capture_default_str();
     command
         .add_option_function<std::string>(
@@ -148,6 +159,11 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
     command.add_flag("--strict", options.strict);
     command.add_flag("-q,--quiet", options.quiet);
+    command.add_option("-j,--jobs", options.jobs)->check(wholeNumberFrom(1));
+    CLI::Option* line =
+        command.add_option("--reference-line", options.referenceLine)->check(wholeNumberFrom(2));
+    command.add_option("--reference", options.referenceFile)->excludes(line);
+    return readings;
 }
 
 // Each as the noise of simulate.
@@ -183,7 +199,7 @@ void CommandLine::addRun() {
 void CommandLine::addReport() {
     CLI::App& command =
         add("report", [this](const Streams& s) { return reportReadings(report, s); });
-    addReadings(command, report);
+    addReadings(command, report)->expected(1);
     command.add_option("--title", report.title)->check(shownText);
     command.add_option("--length-unit", report.lengthUnit)->check(shownText);
 }

@@ -63,21 +63,25 @@ bool Output::open(const std::string& name, const Streams& streams) {
     return true;
 }
 
-void Output::write() {
+void Output::writePending() {
     chosen->write(pending.data(), static_cast<std::streamsize>(pending.size()));
     pending.clear();
 }
 
 bool Output::endRow(bool inputWouldWait) {
-    if (inputWouldWait || pending.size() >= blockSize)
-        write();
+    return (!inputWouldWait && pending.size() < blockSize) || write("", inputWouldWait);
+}
+
+bool Output::write(std::string_view block, bool inputWouldWait) {
+    writePending();
+    chosen->write(block.data(), static_cast<std::streamsize>(block.size()));
     if (inputWouldWait)
         chosen->flush();
     return !chosen->fail();
 }
 
 bool Output::finish(std::ostream& err) {
-    write();
+    writePending();
     chosen->flush();
     if (chosen == &file)
         file.close();
@@ -88,7 +92,7 @@ bool Output::finish(std::ostream& err) {
     return false;
 }
 
-bool refuseOverwriting(const std::string& output, std::initializer_list<std::string> inputs,
+bool refuseOverwriting(const std::string& output, const std::vector<std::string>& inputs,
                        std::ostream& err) {
     for (const std::string& input : inputs) {
         std::error_code failed;

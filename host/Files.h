@@ -3,10 +3,11 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <initializer_list>
 #include <istream>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/Cli.h"
 #include "host/Hashing.h"
@@ -41,11 +42,13 @@ public:
     // time.
     // False once something could not be written.
     bool endRow(bool inputWouldWait);
+    // Writes a text behind what has come together; false as above.
+    bool write(std::string_view block, bool inputWouldWait);
     // False, and a message, when anything could not be written.
     bool finish(std::ostream& err);
 
 private:
-    void write();
+    void writePending();
 
     std::ofstream file;
     std::ostream* chosen = nullptr;
@@ -61,7 +64,7 @@ std::filesystem::path pathOf(const std::string& name);
 void reportUnopened(std::ostream& err, const std::string& name, const char* expected);
 
 // True, and a message, when the output names the same file on disk as one of the inputs.
-bool refuseOverwriting(const std::string& output, std::initializer_list<std::string> inputs,
+bool refuseOverwriting(const std::string& output, const std::vector<std::string>& inputs,
                        std::ostream& err);
 
 } // namespace kiv::host

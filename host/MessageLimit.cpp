@@ -13,7 +13,13 @@ bool MessageLimit::admits(std::string_view kind) {
     return ++known->count <= most;
 }
 
-void MessageLimit::reportOthers(const std::string& name, std::ostream& err) const {
+void MessageLimit::take(std::span<const Message> messages) {
+    for (const Message& message : messages)
+        if (admits(message.kind))
+            err << message.text;
+}
+
+void MessageLimit::reportOthers(const std::string& name) const {
     for (const Kind& kind : kinds)
         if (kind.count > most)
             err << name << ": " << kind.count - most << (most > 0 ? " more" : "")

@@ -8,7 +8,6 @@ namespace kiv::host {
 namespace {
 
 constexpr std::chrono::milliseconds interval{500};
-constexpr std::size_t rowsPerLook = 256;
 
 } // namespace
 
@@ -21,9 +20,10 @@ Progress::~Progress() {
         out << "\r\x1b[K" << std::flush;
 }
 
-void Progress::row(std::size_t rowBytes) {
-    bytes += rowBytes;
-    if (++rows % rowsPerLook != 0 || !shown)
+void Progress::add(std::size_t newRows, std::size_t newBytes) {
+    rows += newRows;
+    bytes += newBytes;
+    if (!shown)
         return;
     const auto now = std::chrono::steady_clock::now();
     if (now >= nextShow)

@@ -15,8 +15,8 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // After each row; looks at the clock now and then.
-    void row(std::size_t rowBytes);
+    // So many more; looks at the clock.
+    void add(std::size_t newRows, std::size_t newBytes);
 
 private:
     void show(std::chrono::steady_clock::time_point now);

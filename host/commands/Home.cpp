@@ -64,9 +64,10 @@ int solveOne(const HomeOptions& options, const Streams& streams) {
 int solveTable(const HomeOptions& options, const Streams& streams) {
     if (refuseOverwriting(options.results, {options.table}, streams.err))
         return unusable;
-    TableInput input;
+    TableInput input(homeColumns, options.format);
+    MessageLimit limit(options.format.mostMessages, streams.err);
     Output output;
-    if (!input.open(options.table, homeColumns, homeResultColumns, options.format, streams)
+    if (!input.open(options.table, homeResultColumns, streams)
         || !output.open(options.results, streams))
         return unusable;
 
@@ -78,8 +79,8 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
     text.back() = '\n';
     CKiv sensor;
     bool allSolved = true;
-    const auto next = [&] { return table.nextRow(); };
-    forEachRow(table, next, [&](bool inputWouldWait) {
+    const auto next = [&] { return input.nextRow(); };
+    forEachRow(input, next, [&](bool inputWouldWait) {
         Numbers numbers{};
         bool good = table.checkRow();
         for (std::size_t i = 0; good && i < numbers.size(); ++i)
@@ -87,6 +88,7 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         const auto home = good ? solve(sensor, numbers) : std::nullopt;
         if (good && !home)
             table.reportRow(expectedSolution, foundSingular);
+        limit.take(table.messages());
         allSolved = allSolved && home;
 
         table.appendCarriedCells(text);
@@ -99,7 +101,7 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         text.push_back('\n');
         return output.endRow(inputWouldWait);
     });
-    if (!input.finish(output, streams.err))
+    if (!input.finish(limit, output, streams.err))
         return unusable;
     if (Interrupt::requested())
         return interrupted;

@@ -25,15 +25,13 @@ std::string timeOfRun() {
 }
 
 // A row's messages without the place in front that they share.
-std::string reasonIn(std::string_view messages, const std::string& fileName, std::size_t line) {
-    const std::string start = fileName + ':' + std::to_string(line) + ':';
+std::string reasonIn(const Row& row, const std::string& fileName) {
+    const std::size_t placeSize = fileName.size() + std::to_string(row.line).size() + 2;
     std::string reason;
-    while (!messages.empty()) {
-        if (messages.starts_with(start))
-            messages.remove_prefix(start.size());
-        const std::size_t end = std::min(messages.find('\n' + start), messages.size() - 1);
-        reason.append(reason.empty() ? "byte " : "\nbyte ").append(messages.substr(0, end));
-        messages.remove_prefix(end + 1);
+    for (const Message& message : row.messages) {
+        const std::string_view text(message.text);
+        reason.append(reason.empty() ? "byte " : "\nbyte ")
+            .append(text.substr(placeSize, text.size() - 1 - placeSize));
     }
     return reason;
 }
@@ -94,30 +92,33 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     if (!run.open({}, &content.facts))
         return unusable;
 
-    const Table& table = run.table();
     content.title = options.title;
     content.lengthUnit = options.lengthUnit;
     content.commandLine = options.commandLine;
     content.parameterFile = options.parameterFile;
-    content.readings = run.input().name();
+    content.readings = run.name();
     content.sensorId = parseParameterFileName(options.parameterFile)->id;
     content.mountMode = run.mountMode();
     content.localFrame = options.localFrame;
     run.record().GetKIVLevelLimits(content.levelLimits);
 
-    TimeColumn time(table);
-    run.forEach([&](const RowResult& result, const auto& trueAngles, bool) {
-        const double t = time.at(table, result.reason);
-        addRow(content, result, t, trueAngles);
-        if (markOf(result.state) != Envelope::Mark::none
-            && content.badRows.size() < mostBadRowsListed)
-            content.badRows.push_back(
-                {table.lineNumber(), t, result.state,
-                 reasonIn(table.messages(), content.readings, table.lineNumber())});
-        return true;
-    });
+    TimeColumn time(run.table());
+    run.forEach(
+        [&](const Table& table, Row& row, std::string&) {
+            if (row.result.reason != Reason::rowShape)
+                row.time = time.timeIn(table);
+        },
+        [&](const Row& row) {
+            const double t = time.next(row.time, row.line);
+            addRow(content, row.result, t, row.truth);
+            if (markOf(row.result.state) != Envelope::Mark::none
+                && content.badRows.size() < mostBadRowsListed)
+                content.badRows.push_back(
+                    {row.line, t, row.result.state, reasonIn(row, content.readings)});
+            return true;
+        });
     content.axis = time.axis();
-    content.cutShort = table.failed()           ? "reading broke off"
+    content.cutShort = run.brokenOff()          ? "reading broke off"
                        : Interrupt::requested() ? "the run was interrupted"
                                                 : nullptr;
     content.summary = run.summary();

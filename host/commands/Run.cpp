@@ -121,12 +121,12 @@ int runReadings(const RunOptions& options, const Streams& streams) {
         text.append(name).push_back(table.separator());
     text.back() = '\n';
 
-    run.forEach([&](const RowResult& result, const auto&, bool inputWouldWait) {
-        table.appendCarriedCells(text);
-        appendResult(text, result, run);
-        return run.output().endRow(inputWouldWait)
-               && (!options.stopOnBad || run.summary().allGood());
-    });
+    run.forEach(
+        [&](const Table& row, const Row& computed, std::string& results) {
+            row.appendCarriedCells(results);
+            appendResult(results, computed.result, run);
+        },
+        [&](const Row&) { return !options.stopOnBad || run.summary().allGood(); });
     return run.finish();
 }
 

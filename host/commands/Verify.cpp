@@ -72,7 +72,7 @@ int verifyInstallation(const VerifyOptions& options, const Streams& streams) {
     Output output;
     if (!output.open(options.output, streams))
         return unusable;
-    const std::vector<ModelCheck> checks = checkModels(streams.err);
+    const std::vector<ModelCheck> checks = checkModels();
     const bool good =
         checks.size() == models
         && std::all_of(checks.begin(), checks.end(), [](const ModelCheck& c) { return c.good(); });

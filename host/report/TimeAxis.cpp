@@ -31,32 +31,31 @@ void TimeColumn::giveUp(std::string why) {
     shown = {XAxis::Kind::row, std::move(why)};
 }
 
-// Stamps with a zone and those without cannot be compared: the first one decides.
-std::optional<double> TimeColumn::timeOf(const Table& table) {
-    double time = 0;
-    if (!stamps)
-        return table.numberAt(*place, time) ? std::optional(time) : std::nullopt;
-    const auto stamp = timeStampIn(table.cell(*place));
-    if (!stamp)
+std::optional<TimeStamp> TimeColumn::timeIn(const Table& table) const {
+    if (!place)
         return std::nullopt;
-    if (!std::isfinite(last) && stamp->zoned)
-        shown.kind = XAxis::Kind::utc;
-    return stamp->zoned == (shown.kind == XAxis::Kind::utc) ? std::optional(stamp->seconds)
-                                                            : std::nullopt;
+    if (stamps)
+        return timeStampIn(table.cell(*place));
+    TimeStamp time{};
+    return table.numberAt(*place, time.seconds) ? std::optional(time) : std::nullopt;
 }
 
-double TimeColumn::at(const Table& table, Reason reason) {
+// Stamps with a zone and those without cannot be compared: the first one decides.
+double TimeColumn::next(const std::optional<TimeStamp>& time, std::size_t line) {
     if (!shown.overTime())
         return 0;
-    const std::string line = std::to_string(table.lineNumber());
-    const auto time = reason == Reason::rowShape ? std::nullopt : timeOf(table);
-    if (time && *time < last)
-        giveUp(std::string(stamps ? "time" : "time_s") + " goes back in line " + line);
-    else if (!time && !std::isfinite(last))
+    const bool first = !std::isfinite(last);
+    if (first && time && time->zoned)
+        shown.kind = XAxis::Kind::utc;
+    const bool comparable = time && time->zoned == (shown.kind == XAxis::Kind::utc);
+    if (comparable && time->seconds < last)
+        giveUp(std::string(stamps ? "time" : "time_s") + " goes back in line "
+               + std::to_string(line));
+    else if (!comparable && first)
         giveUp((stamps ? "time is no ISO 8601 time in line " : "time_s is no number in line ")
-               + line);
-    else if (time)
-        last = *time;
+               + std::to_string(line));
+    else if (comparable)
+        last = time->seconds;
     return last;
 }
 

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "host/tables/Reason.h"
 #include "host/tables/TimeStamp.h"
 
 namespace kiv::host {
@@ -35,12 +34,14 @@ class TimeColumn {
 public:
     explicit TimeColumn(const Table& table);
 
-    // Seconds.
-    double at(const Table& table, Reason reason);
+    // Of a row; nothing where it has none. Of the axis' kind alone, so that rows can be read in any
+    // order.
+    std::optional<TimeStamp> timeIn(const Table& table) const;
+    // Of the next row, with its time: where it lies on the axis, in seconds.
+    double next(const std::optional<TimeStamp>& time, std::size_t line);
     const XAxis& axis() const { return shown; }
 
 private:
-    std::optional<double> timeOf(const Table& table);
     void giveUp(std::string why);
 
     std::optional<std::size_t> place;

@@ -20,11 +20,13 @@ void printCell(std::ostream& out, const std::string& text) {
 } // namespace
 
 void Summary::add(const RowResult& result, std::size_t line,
-                  const std::optional<std::array<double, 3>>& truth) {
+                  const std::optional<std::array<double, 3>>& truth, std::string_view table) {
     ++counts[static_cast<std::size_t>(result.state)];
     ++reasons[static_cast<std::size_t>(result.reason)];
-    if (result.state == RowState::reference)
+    if (result.state == RowState::reference) {
         reference = line;
+        tableOfReference = table;
+    }
     if (result.state != RowState::ok)
         return;
     ++trusts[static_cast<std::size_t>(result.trust.trust)];
@@ -60,7 +62,8 @@ void Summary::printCounts(std::ostream& out) const {
             continue;
         out << separator << counts[i] << ' ' << rowStateNames[i];
         if (i == static_cast<std::size_t>(RowState::reference))
-            out << " (line " << reference << ')';
+            out << " (line " << reference << (tableOfReference.empty() ? "" : " of ")
+                << tableOfReference << ')';
         separator = ", ";
     }
     out << '\n';

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <iosfwd>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "host/summary/Quantile.h"
 #include "host/summary/Statistics.h"
@@ -17,8 +19,9 @@ public:
     // Without the residuals' figures, which cost time, their largest alone is there.
     explicit Summary(bool withResidualFigures = true) : residualFigures(withResidualFigures) {}
 
+    // The table is named where there are several.
     void add(const RowResult& result, std::size_t line,
-             const std::optional<std::array<double, 3>>& truth);
+             const std::optional<std::array<double, 3>>& truth, std::string_view table = {});
 
     bool allGood() const {
         return count(RowState::noOrientation) == 0 && count(RowState::refused) == 0;
@@ -30,6 +33,7 @@ public:
     std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
     std::size_t count(Reason reason) const { return reasons[static_cast<std::size_t>(reason)]; }
     std::size_t referenceLine() const { return reference; } // 0: none
+    const std::string& referenceTable() const { return tableOfReference; }
 
     // Of the angles rx, ry and rz of the rows in state ok.
     const Statistics& angle(std::size_t i) const { return angles[i]; }
@@ -53,6 +57,7 @@ private:
     std::array<std::size_t, reasonWords.size()> reasons{};
     std::array<std::size_t, trustWords.size()> trusts{};
     std::size_t reference = 0;
+    std::string tableOfReference;
     std::array<Statistics, 3> angles;
     std::size_t withTruth = 0;
     std::array<Residual, 3> residuals;

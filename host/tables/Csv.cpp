@@ -1,7 +1,5 @@
 #include "host/tables/Csv.h"
 
-#include <istream>
-
 namespace kiv::host {
 
 namespace {
@@ -34,11 +32,19 @@ bool split(std::string_view line, char separator, std::vector<std::string_view>&
 
 } // namespace
 
+void CsvReader::start(std::string_view lines, std::size_t firstLine) {
+    behind = lines;
+    number = firstLine - 1;
+}
+
 bool CsvReader::nextRow() {
-    if (!std::getline(in, line))
+    if (behind.empty())
         return false;
-    ++lines;
-    open = in.eof();
+    const std::size_t end = behind.find('\n');
+    open = end == behind.npos;
+    line = behind.substr(0, end);
+    behind.remove_prefix(open ? behind.size() : end + 1);
+    ++number;
     splitLine();
     return true;
 }
@@ -50,7 +56,7 @@ void CsvReader::separateBy(char character) {
 
 void CsvReader::splitLine() {
     std::string_view text = line;
-    if (lines == 1 && text.starts_with(byteOrderMark))
+    if (number == 1 && text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());
     if (text.ends_with('\r'))
         text.remove_suffix(1);
@@ -61,14 +67,6 @@ std::size_t CsvReader::column(std::size_t cell) const {
     const char* place =
         cell < row.size() ? row[cell].data() : row.back().data() + row.back().size();
     return static_cast<std::size_t>(place - line.data()) + 1;
-}
-
-bool CsvReader::failed() const {
-    return in.bad();
-}
-
-bool CsvReader::wouldWait() const {
-    return in.rdbuf()->in_avail() <= 0;
 }
 
 std::string_view cellText(std::string_view cell) {

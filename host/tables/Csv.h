@@ -1,7 +1,5 @@
 #pragma once
 
-#include <iosfwd>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,34 +9,34 @@ namespace kiv::host {
 
 class CsvReader {
 public:
-    explicit CsvReader(std::istream& stream) : in(stream) {}
+    // Takes whole lines, the first of which is the firstLine-th of the table; they stay where they
+    // are.
+    void start(std::string_view lines, std::size_t firstLine);
 
-    // False at the end. The cells are raw text, valid until the next call.
+    // False behind the last line. The cells are raw text.
     bool nextRow();
     // The row once more, and all later ones, with another separator.
     void separateBy(char character);
     char separator() const { return between; }
 
-    std::string_view text() const { return line; } // of the whole row
+    std::string_view text() const { return line; }   // of the whole row
+    std::string_view rest() const { return behind; } // the lines behind it
 
     const std::vector<std::string_view>& cells() const { return row; }
     bool quotesClosed() const { return closed; } // false: the last cell's quote is never closed
-    std::size_t lineNumber() const { return lines; }
-    std::size_t rowBytes() const { return line.size() + 1; } // with the line's end
+    std::size_t lineNumber() const { return number; }
     // Of a cell, or of the line's end for an index behind the last; from 1, in bytes.
     std::size_t column(std::size_t cell) const;
-    bool endsOpen() const { return open; } // no line end behind the last row
-    bool failed() const;                   // reading broke off before the end
-    bool wouldWait() const;                // no further input is at hand
+    bool endsOpen() const { return open; } // no line end behind the row
 
 private:
     void splitLine();
 
-    std::istream& in;
-    std::string line;
+    std::string_view behind;
+    std::string_view line;
     std::vector<std::string_view> row;
     char between = ',';
-    std::size_t lines = 0;
+    std::size_t number = 0;
     bool closed = true;
     bool open = false;
 };

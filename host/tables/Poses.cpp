@@ -35,22 +35,32 @@ NextPose TrajectoryPoses::next(SimulatedPose& pose) {
 
 void TrajectoryPoses::reportUnreachable() {
     constexpr const char* expected = "a sensor whose line of sight reaches every pose";
-    if (limit.admits(expected))
-        err << sensor << ":1:1: expected " << expected << ", found that it does not reach pose "
-            << row << '\n';
+    const Message message{expected, sensor + ":1:1: expected " + expected
+                                        + ", found that it does not reach pose "
+                                        + std::to_string(row) + '\n'};
+    limit.take({&message, 1});
 }
 
 std::unique_ptr<PoseTable> PoseTable::open(const std::string& file, const TableFormat& format,
                                            const Streams& streams) {
-    auto poses = std::make_unique<PoseTable>();
-    const bool usable = poses->input.open(file, poseColumns, namesOfReadings(), format, streams);
+    std::unique_ptr<PoseTable> poses(new PoseTable(format, streams.err));
+    const bool usable = poses->input.open(file, namesOfReadings(), streams);
     return usable ? std::move(poses) : nullptr;
 }
 
+PoseTable::PoseTable(const TableFormat& format, std::ostream& messages)
+    : input(poseColumns, format), limit(format.mostMessages, messages) {}
+
 NextPose PoseTable::next(SimulatedPose& pose) {
-    Table& table = input.table();
-    if (!table.nextRow())
+    if (!input.nextRow())
         return NextPose::end;
+    const NextPose found = read(pose);
+    limit.take(input.table().messages());
+    return found;
+}
+
+NextPose PoseTable::read(SimulatedPose& pose) {
+    Table& table = input.table();
     if (!table.checkRow())
         return NextPose::refused;
     float position[3] = {};
@@ -74,6 +84,7 @@ NextPose PoseTable::next(SimulatedPose& pose) {
 void PoseTable::reportUnreachable() {
     input.table().reportRow("a pose that the sensor's line of sight reaches",
                             "one outside its elevation range");
+    limit.take(input.table().messages());
 }
 
 } // namespace kiv::host

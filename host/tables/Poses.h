@@ -45,13 +45,13 @@ class TrajectoryPoses : public PoseSource {
 public:
     TrajectoryPoses(const simulator::Trajectory& path, long rowCount, std::string parameterFile,
                     std::size_t mostMessages, std::ostream& messages)
-        : trajectory(path), rows(rowCount), sensor(std::move(parameterFile)), limit(mostMessages),
-          err(messages) {}
+        : trajectory(path), rows(rowCount), sensor(std::move(parameterFile)),
+          limit(mostMessages, messages) {}
 
     NextPose next(SimulatedPose& pose) override;
     void reportUnreachable() override;
     bool finish(Output& output, std::ostream& messages) const override {
-        limit.reportOthers(sensor, messages);
+        limit.reportOthers(sensor);
         return output.finish(messages);
     }
 
@@ -61,7 +61,6 @@ private:
     long row = 0;
     std::string sensor;
     MessageLimit limit;
-    std::ostream& err;
 };
 
 // The rows of a CSV file: a position in the instrument frame, in its length unit, and a rotation
@@ -82,13 +81,18 @@ public:
         input.table().appendCarriedCells(out);
     }
     bool carriesTime() const override { return input.table().find(timeColumn).has_value(); }
-    bool wouldWait() const override { return input.table().wouldWait(); }
+    bool wouldWait() const override { return input.wouldWait(); }
     bool finish(Output& output, std::ostream& err) const override {
-        return input.finish(output, err);
+        return input.finish(limit, output, err);
     }
 
 private:
+    PoseTable(const TableFormat& format, std::ostream& messages);
+
+    NextPose read(SimulatedPose& pose);
+
     TableInput input;
+    MessageLimit limit;
 };
 
 } // namespace kiv::host

@@ -12,7 +12,7 @@ constexpr std::size_t at(Field field) {
 
 } // namespace
 
-Reason readReadings(const Table& table, KIV_RAWINFO& raw) {
+Reason readReadings(Table& table, KIV_RAWINFO& raw) {
     if (!table.checkRow())
         return Reason::rowShape;
     raw = {};

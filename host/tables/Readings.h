@@ -30,7 +30,7 @@ inline constexpr std::array<std::string_view, 11> readingColumns{
     "level_x", "level_y", "temperature", "ref_metric", "ref_blocked"};
 
 // The readings of a row of a table with these columns, or why they are no use; then also messages.
-Reason readReadings(const Table& table, KIV_RAWINFO& raw);
+Reason readReadings(Table& table, KIV_RAWINFO& raw);
 
 // True angles that a simulation adds as further columns, in the order rx, ry, rz.
 inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "true_ry_deg",

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/tables/TableFormat.h"
 #include "uncertainty/Uncertainties.h"
@@ -10,7 +11,7 @@ namespace kiv::host {
 
 struct ReadingsOptions {
     std::string parameterFile;
-    std::string readings; // a table, - for standard input
+    std::vector<std::string> readings; // tables of one recording, - for standard input
     std::string output = "-";
     bool localFrame = false; // angles of the motion since the reference, not in machine coordinates
     TableFormat format;
@@ -20,7 +21,12 @@ struct ReadingsOptions {
     // Standard uncertainties of the readings, where the angles' are wanted: a file, or numbers.
     std::string uncertaintyFile;
     std::optional<Uncertainties> uncertainties;
-    bool quiet = false; // no progress, of the summary the counts alone
+    // What becomes the reference in place of the first row that can: a line of the first table, or
+    // the first row that can in another one.
+    std::size_t referenceLine = 0;
+    std::string referenceFile;
+    std::size_t jobs = 0; // threads; 0: as many as there are processors, for files
+    bool quiet = false;   // no progress, of the summary the counts alone
 };
 
 } // namespace kiv::host

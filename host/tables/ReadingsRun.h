@@ -1,27 +1,41 @@
 #pragma once
 
+#include <array>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
-#include "KIVInterface/CKiv.h"
 #include "KIVInterface/CKivPrm.h"
 #include "host/Cli.h"
-#include "host/Progress.h"
 #include "host/summary/Summary.h"
 #include "host/tables/ReadingsOptions.h"
-#include "host/tables/RowLoop.h"
+#include "host/tables/Recording.h"
 #include "host/tables/RowResult.h"
-#include "host/tables/TableInput.h"
+#include "host/tables/TimeStamp.h"
 #include "support/MountMode.h"
 
 namespace kiv::host {
 
-// A table of readings taken row by row through the sensor of a parameter file, into an output.
+class Progress;
+
+// A row of readings and all that came of it.
+struct Row {
+    RowResult result;
+    std::size_t line = 0;
+    std::vector<Message> messages;
+    std::optional<std::array<double, 3>> truth; // true angles rx, ry, rz, degrees
+    std::optional<TimeStamp> time;              // for whoever asks
+    std::size_t textEnd = 0;                    // in the text made of a batch's rows
+};
+
+// Tables of readings taken row by row through the sensor of a parameter file, into an output.
 class ReadingsRun {
 public:
     ReadingsRun(const ReadingsOptions& asked, const Streams& own, bool withResidualFigures = true)
-        : options(asked), streams(own), rows(withResidualFigures) {}
+        : options(asked), streams(own), recording(asked.readings, asked.format, own),
+          limit(asked.format.mostMessages, own.err), rows(withResidualFigures) {}
 
     // False, and messages, when one of the files cannot be used. No column of the readings may have
     // one of the names of the results. The facts are complete once all rows have been read.
@@ -32,43 +46,41 @@ public:
     bool withUncertainties() const { return uncertainties.has_value(); }
     // Whether the angles are those of the motion since the reference.
     bool localFrame() const { return options.localFrame && !reportsOwnMatrix(mode); }
-    const TableInput& input() const { return readings; }
-    const Table& table() const { return readings.table(); }
+    std::string name() const { return recording.name(); }
+    const Table& table() const { return recording.table(); } // for its columns
     Output& output() { return written; }
     const Summary& summary() const { return rows; }
+    bool brokenOff() const { return recording.brokenOff(); } // reading, before the end
 
-    // Every row's result, line by line and with its true angles where it has them, to
-    // each(result, truth, inputWouldWait), until that gives false or the rows end.
-    template <typename Each>
-    void forEach(Each each) {
-        Progress progress(streams.err, streams.errIsTerminal && !options.quiet, readings.size());
-        RowRunner runner(sensor, readings.table(), levelLimits(), uncertainties);
-        RowResult result;
-        const auto next = [&] { return runner.next(result); };
-        forEachRow(table(), next, [&](bool inputWouldWait) {
-            progress.row(table().rowBytes());
-            const auto trueAngles = truth->angles(table());
-            rows.add(result, table().lineNumber(), trueAngles);
-            return each(result, trueAngles, inputWouldWait);
-        });
-    }
+    // Adds what the output has of a row to a text; several at a time, on any thread.
+    using MakeText = std::function<void(const Table&, Row&, std::string& text)>;
+    // Takes one row after the other; false ends the run behind it.
+    using Take = std::function<bool(const Row&)>;
+    void forEach(const MakeText& makeText, const Take& take);
 
     // Ends the output, shows and writes the summary. An exit code.
     int finish();
 
 private:
-    F_VECTOR4 levelLimits();
+    struct Batch;
+
+    bool inputsUsable() const;
     bool readUncertainties();
+    std::size_t jobs() const;
+    void work(Batch& batch, RowRunner& runner, Table& cursor, const MakeText& makeText) const;
+    bool finishBatch(Batch& batch, const Take& take, Progress& progress);
     bool writeSummary() const;
     bool withinTolerance() const;
 
     const ReadingsOptions& options;
     const Streams& streams;
     CKivPrm parameters;
-    CKiv sensor;
     int mode = 0;
     std::optional<Uncertainties> uncertainties;
-    TableInput readings;
+    std::optional<RowRunner> lead;
+    std::optional<RowResult> ownReference; // where a line of the recording is named
+    Recording recording;
+    MessageLimit limit;
     Output written;
     std::optional<Truth> truth;
     Summary rows;

@@ -36,11 +36,16 @@ Reason whereNotFinite(int mode) {
 
 } // namespace
 
-RowRunner::RowRunner(CKiv& kiv, Table& readings, const F_VECTOR4& levelLimits,
+RowRunner::RowRunner(const CKiv& configured, const F_VECTOR4& levelLimits,
                      const std::optional<Uncertainties>& uncertainties)
-    : sensor(kiv), table(readings), mode(SensorAccess::mountMode(kiv)), trust(kiv, levelLimits) {
+    : sensor(configured), mode(SensorAccess::mountMode(configured)),
+      trust(configured, levelLimits) {
     if (uncertainties)
-        propagation.emplace(kiv, *uncertainties);
+        propagation.emplace(configured, *uncertainties);
+}
+
+bool RowRunner::hasReference() const {
+    return SensorAccess::hasReference(sensor);
 }
 
 void RowRunner::judge(RowResult& result) {
@@ -55,20 +60,19 @@ void RowRunner::judge(RowResult& result) {
             propagation->of(sensor, result.raw, result.info, result.uncertainty);
 }
 
-bool RowRunner::next(RowResult& result) {
-    if (!table.nextRow())
-        return false;
+void RowRunner::run(Table& table, RowResult& result) {
+    result.hasUncertainty = false;
     result.reason = readReadings(table, result.raw);
     if (result.reason != Reason::none) {
         result.state = RowState::refused;
-        return true;
+        return;
     }
     const UpdateOutcome outcome = SensorUpdate::run(sensor, result.raw, result.info);
     result.code = sensor.ReadMatrix(result.matrix);
     result.state = stateAfter(sensor, outcome, result.info);
     if (result.state == RowState::ok || result.state == RowState::reference) {
         judge(result);
-        return true;
+        return;
     }
 
     if (result.state == RowState::status)
@@ -82,7 +86,6 @@ bool RowRunner::next(RowResult& result) {
         table.reportRow(std::string("readings that the ") + modelName(mode)
                             + " model solves (mount mode " + std::to_string(mode) + ")",
                         wordsOf(result.reason).text);
-    return true;
 }
 
 } // namespace kiv::host

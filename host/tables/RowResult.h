@@ -2,13 +2,12 @@
 
 #include <optional>
 
+#include "KIVInterface/CKiv.h"
 #include "KIVInterface/Records.h"
 #include "host/tables/Readings.h"
 #include "sensor/RowState.h"
 #include "uncertainty/Propagation.h"
 #include "uncertainty/Trust.h"
-
-class CKiv;
 
 namespace kiv::host {
 
@@ -25,21 +24,23 @@ struct RowResult {
     AngleUncertainty uncertainty{};
 };
 
-// Takes the rows of a table of readings through a sensor.
+// Takes the rows of a table of readings through a sensor of its own. Copies go on from there.
 class RowRunner {
 public:
     // Limits as the record has them; without uncertainties of the readings the angles get none.
-    RowRunner(CKiv& sensor, Table& table, const F_VECTOR4& levelLimits,
+    RowRunner(const CKiv& configured, const F_VECTOR4& levelLimits,
               const std::optional<Uncertainties>& uncertainties);
 
-    // The next row's result, whatever is wrong with it reported; false at the end of the table.
-    bool next(RowResult& result);
+    // The result of the row where the table stands; whatever is wrong with it is reported there.
+    void run(Table& table, RowResult& result);
+
+    // From then on no row depends on those before it.
+    bool hasReference() const;
 
 private:
     void judge(RowResult& result);
 
-    CKiv& sensor;
-    Table& table;
+    CKiv sensor;
     int mode;
     TrustJudge trust;
     std::optional<Propagation> propagation;

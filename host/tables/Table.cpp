@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <ostream>
 #include <utility>
 
 #include "host/tables/HeaderFault.h"
@@ -32,20 +31,17 @@ std::string cellCount(std::size_t count) {
 
 } // namespace
 
-Table::Table(std::istream& in, std::string shownName, std::ostream& messages,
-             std::span<const std::string_view> columnNames, const TableFormat& asked)
-    : csv(in), name(std::move(shownName)), err(messages), format(asked), limit(asked.mostMessages) {
+Table::Table(std::span<const std::string_view> columnNames, const TableFormat& asked)
+    : format(asked) {
     for (const std::string_view column : columnNames)
         wanted.push_back(format.nameOf(column));
 }
 
-void Table::reportAt(std::size_t place, std::string_view expected, std::string_view found) const {
-    std::string message = name + ':' + std::to_string(csv.lineNumber()) + ':'
+void Table::reportAt(std::size_t place, std::string_view expected, std::string_view found) {
+    std::string message = *name + ':' + std::to_string(csv.lineNumber()) + ':'
                           + std::to_string(csv.column(place)) + ": expected ";
     message.append(expected).append(", found ").append(found).push_back('\n');
-    said += message;
-    if (limit.admits(expected))
-        err << message;
+    said.push_back({std::string(expected), std::move(message)});
 }
 
 // The one that finds most of the names.
@@ -65,11 +61,7 @@ void Table::chooseSeparator() {
 }
 
 bool Table::readHeader(std::span<const std::string_view> reserved) {
-    if (!csv.nextRow()) {
-        err << name << ":1:1: expected a row of column names, found "
-            << (csv.failed() ? "a file that cannot be read" : "end of file") << '\n';
-        return false;
-    }
+    nextRow();
     chooseSeparator();
     names.assign(csv.cells().begin(), csv.cells().end());
     std::vector<std::string_view> found, repeated, taken;
@@ -112,17 +104,36 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
 void Table::reportHeader(std::span<const std::string_view> found,
                          std::span<const std::string_view> missing) {
     std::string shownNames = listOf(found, mostNamesShown);
-    const std::string row(csv.text());
-    const bool more = csv.nextRow();
-    const std::string look = lookOfHeader(row, found, more ? csv.text() : "", missing);
+    const std::string_view row = csv.text();
+    const std::string_view nextRow = csv.rest().substr(0, csv.rest().find('\n'));
+    const std::string look = lookOfHeader(row, found, nextRow, missing);
     if (!look.empty())
         shownNames += ", which looks like " + look;
-    said = name + ":1:1: expected " + (missing.size() == 1 ? "a column " : "columns ")
-           + listOf(missing, missing.size()) + ", found " + shownNames + '\n';
-    err << said;
+    reportAt(0, (missing.size() == 1 ? "a column " : "columns ") + listOf(missing, missing.size()),
+             shownNames);
 }
 
-bool Table::checkRow() const {
+bool Table::hasColumnsOf(const Table& other, std::string_view otherName) {
+    const auto place = static_cast<std::size_t>(
+        std::mismatch(
+            names.begin(), names.end(), other.names.begin(), other.names.end(),
+            [](const std::string& a, const std::string& b) { return cellText(a) == cellText(b); })
+            .first
+        - names.begin());
+    const auto nameAt = [place](const Table& table) {
+        return place < table.names.size() ? quoted(cellText(table.names[place])) : "end of line";
+    };
+    const auto between = [](const Table& table) {
+        return quoted(std::string(1, table.separator())) + " between columns";
+    };
+    if (separator() != other.separator())
+        reportAt(0, between(other).append(" as in ").append(otherName), between(*this));
+    else if (place < std::max(names.size(), other.names.size()))
+        reportAt(place, nameAt(other).append(" as in ").append(otherName), nameAt(*this));
+    return said.empty();
+}
+
+bool Table::checkRow() {
     const std::size_t cells = csv.cells().size();
     if (!csv.quotesClosed()) {
         reportAt(cells, "a closing quote", "end of line");
@@ -134,14 +145,6 @@ bool Table::checkRow() const {
         return false;
     }
     return true;
-}
-
-void Table::reportEnd() const {
-    limit.reportOthers(name, err);
-    if (csv.endsOpen())
-        err << name << ':' << csv.lineNumber() << ':' << csv.column(SIZE_MAX)
-            << ": expected a line end behind the last row, which may be cut, found end of file "
-               "(warning)\n";
 }
 
 std::optional<std::size_t> Table::find(std::string_view columnName) const {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iosfwd>
 #include <optional>
 #include <span>
 #include <string>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "host/MessageLimit.h"
+#include "host/tables/Blocks.h"
 #include "host/tables/Csv.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/TableFormat.h"
@@ -19,23 +19,33 @@
 namespace kiv::host {
 
 // A table with a row of names: the columns that are asked for are found by name in any order, all
-// others are carried along as they stand. Everything that is wrong is reported with its place.
+// others are carried along as they stand. Everything that is wrong has a message with its place. A
+// copy takes other lines of the same table.
 class Table {
 public:
-    Table(std::istream& in, std::string shownName, std::ostream& messages,
-          std::span<const std::string_view> columnNames, const TableFormat& format);
+    Table(std::span<const std::string_view> columnNames, const TableFormat& format);
+
+    // The lines of a block, which has to stay as it is.
+    void start(const Block& block) {
+        name = &block.name;
+        csv.start(block.text, block.firstLine);
+    }
 
     // False, and a message, when columns are missing, a name stands twice or is in reserved.
     bool readHeader(std::span<const std::string_view> reserved);
 
-    // False at the end of the table, or when reading broke off (see failed).
+    // Of its row of names: false, and a message, when another table's names and separators are not
+    // the same in the same order.
+    bool hasColumnsOf(const Table& other, std::string_view otherName);
+
+    // False at the end of the block.
     bool nextRow() {
         said.clear();
         return csv.nextRow();
     }
 
     // The row has a cell for each name and closes its quotes; else a message.
-    bool checkRow() const;
+    bool checkRow();
 
     char separator() const { return csv.separator(); }
     bool decimalComma() const { return format.decimalComma; }
@@ -45,7 +55,7 @@ public:
 
     // False, and a message, when the cell is no finite number that the type holds.
     template <typename Number>
-    bool readNumber(std::size_t i, Number& value) const;
+    bool readNumber(std::size_t i, Number& value);
 
     // Where a carried column stands in a row's cells; the cell there is empty in a row too short.
     std::optional<std::size_t> find(std::string_view columnName) const;
@@ -63,26 +73,21 @@ public:
     void appendNumber(std::string& out, double value) const;
 
     // At the i-th column that was asked for.
-    void report(std::size_t i, std::string_view expected, std::string_view found) const {
+    void report(std::size_t i, std::string_view expected, std::string_view found) {
         reportAt(columns[i], expected, found);
     }
     // At the start of the row.
-    void reportRow(std::string_view expected, std::string_view found) const {
+    void reportRow(std::string_view expected, std::string_view found) {
         reportAt(0, expected, found);
     }
 
-    // What was reported of the row, also where there were too many of a kind to show.
-    const std::string& messages() const { return said; }
-    // How many of each kind were not shown, and a last row that may be cut.
-    void reportEnd() const;
+    std::span<const Message> messages() const { return said; } // of the row
 
-    bool failed() const { return csv.failed(); }
-    bool wouldWait() const { return csv.wouldWait(); }
     std::size_t lineNumber() const { return csv.lineNumber(); }
-    std::size_t rowBytes() const { return csv.rowBytes(); }
+    std::string_view rest() const { return csv.rest(); } // of the block, behind the row
 
 private:
-    void reportAt(std::size_t place, std::string_view expected, std::string_view found) const;
+    void reportAt(std::size_t place, std::string_view expected, std::string_view found);
     void chooseSeparator();
     void reportHeader(std::span<const std::string_view> found,
                       std::span<const std::string_view> missing);
@@ -90,11 +95,9 @@ private:
     std::optional<Number> numberOf(std::string_view text) const;
 
     CsvReader csv;
-    std::string name;
-    std::ostream& err;
+    const std::string* name = nullptr;
     const TableFormat& format;
-    mutable MessageLimit limit;
-    mutable std::string said;
+    std::vector<Message> said;
     std::vector<std::string_view> wanted; // as the table names them
     std::vector<std::size_t> columns;     // where each wanted column stands
     std::vector<std::string> names;       // raw text of all
@@ -113,7 +116,7 @@ std::optional<Number> Table::numberOf(std::string_view text) const {
 }
 
 template <typename Number>
-bool Table::readNumber(std::size_t i, Number& value) const {
+bool Table::readNumber(std::size_t i, Number& value) {
     const std::optional<Number> number = numberOf<Number>(text(i));
     if (number && std::isfinite(static_cast<double>(*number))) {
         value = *number;

@@ -1,8 +1,14 @@
 #pragma once
 
+#include <cstdint>
+#include <iosfwd>
 #include <optional>
+#include <span>
+#include <string>
+#include <string_view>
 
 #include "host/Files.h"
+#include "host/tables/Blocks.h"
 #include "host/tables/Table.h"
 
 namespace kiv::host {
@@ -10,23 +16,42 @@ namespace kiv::host {
 // A table in a file, or on the tool's own input.
 class TableInput {
 public:
+    TableInput(std::span<const std::string_view> columns, const TableFormat& asked)
+        : format(asked), rows(columns, asked) {}
+
     // False, and messages, when the file cannot be read or its row of names is not as asked for.
-    bool open(const std::string& file, std::span<const std::string_view> columns,
-              std::span<const std::string_view> reserved, const TableFormat& format,
+    bool open(const std::string& file, std::span<const std::string_view> reserved,
               const Streams& streams, Sha256* hash = nullptr);
 
-    Table& table() { return *rows; }
-    const Table& table() const { return *rows; }
+    Table& table() { return rows; } // at its row of names, then where nextRow has taken it
+    const Table& table() const { return rows; }
     const std::string& name() const { return input.name(); }
     std::uintmax_t size() const { return input.size(); } // bytes, 0 where unknown
 
-    // Ends a run: false, and a message, when the table could not be read to its end or the output
-    // not be written.
-    bool finish(Output& output, std::ostream& err) const;
+    // The table row by row; false at its end.
+    bool nextRow();
+    bool wouldWait() const { return rows.rest().empty() && block.inputWouldWait; }
+
+    // False, and a message, when the names are not the same in the same order.
+    bool hasColumnsOf(const TableInput& first, std::ostream& err);
+
+    // Or block by block, without the row of names; false at its end.
+    bool nextBlock(Block& next);
+
+    // At the end: false, and a message, where reading has broken off; a warning of a cut last row.
+    bool reportEnd(std::ostream& err) const { return blocks->reportEnd(err); }
+    // The same, and ends the output and shows how many messages were too many.
+    bool finish(const MessageLimit& limit, Output& output, std::ostream& err) const;
 
 private:
+    bool read(Block& next);
+
+    const TableFormat& format;
     Input input;
-    std::optional<Table> rows;
+    std::optional<BlockReader> blocks;
+    Block block;
+    bool byBlock = false;
+    Table rows;
 };
 
 } // namespace kiv::host

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <sstream>
 #include <string>
 
 #include "KIVInterface/CKiv.h"
@@ -91,7 +90,7 @@ Values computedBy(CKiv& sensor, const KIV_RAWINFO& raw) {
 
 // As it is computed: matrices are double precision, all else is single. Not a number where the
 // cell is none.
-double expectedValue(const Table& table, std::size_t i) {
+double expectedValue(Table& table, std::size_t i) {
     if (expectedColumns[i].quantity == matrixEntries) {
         double value = std::numeric_limits<double>::quiet_NaN();
         table.readNumber(expectedAt + i, value);
@@ -102,7 +101,7 @@ double expectedValue(const Table& table, std::size_t i) {
     return value;
 }
 
-void compare(const Table& table, const Values& found, ModelCheck& check, std::size_t caseNumber) {
+void compare(Table& table, const Values& found, ModelCheck& check, std::size_t caseNumber) {
     for (std::size_t i = 0; i < found.size(); ++i) {
         const double expected = expectedValue(table, i);
         const double difference = std::abs(found[i] - expected);
@@ -122,13 +121,14 @@ bool ModelCheck::good() const {
                       [](const Difference& d, double allowed) { return d.size <= allowed; });
 }
 
-std::vector<ModelCheck> checkModels(std::ostream& err) {
+std::vector<ModelCheck> checkModels() {
     TextSource text(embedded::verifyParameters());
     ParsedFile parsed = parseParameterFile(text, sensorId);
-    std::istringstream in{std::string(embedded::verifyCases())};
+    const Block cases{.text = std::string(embedded::verifyCases()), .name = "reference cases"};
     const auto columns = columnsOfCases();
     const TableFormat format;
-    Table table(in, "reference cases", err, columns, format);
+    Table table(columns, format);
+    table.start(cases);
     if (!table.readHeader({}))
         return {};
 

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstddef>
-#include <iosfwd>
 #include <string_view>
 #include <vector>
 
@@ -36,8 +35,7 @@ struct ModelCheck {
     bool good() const;
 };
 
-// Takes all cases through the library, as a run takes readings. Nothing, and a message, where they
-// cannot be read.
-std::vector<ModelCheck> checkModels(std::ostream& err);
+// Takes all cases through the library, as a run takes readings. Nothing where they cannot be read.
+std::vector<ModelCheck> checkModels();
 
 } // namespace kiv::host

@@ -1,0 +1,145 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace kiv::host {
+
+// Takes items through three stages on several threads. They are read and finished one
+// at a time, in the same order; in between several are worked on at once. Twice as many items as
+// threads are under way at most. The stages:
+//   read(item)          fills one that was used before; false when there is none left
+//   work(item, worker)  worker is below the number of threads and belongs to one of them
+//   finish(item)        false ends it all: what comes behind the item is dropped
+//   overlap()           false: no item is read before those under way are finished
+// What a stage throws ends it all, too, once everything in front of its item is finished, and the
+// item itself where work threw it; it is thrown on at the end.
+template <typename Item>
+class InOrder {
+public:
+    struct Stages {
+        std::function<bool(Item&)> read;
+        std::function<void(Item&, std::size_t worker)> work;
+        std::function<bool(Item&)> finish;
+        std::function<bool()> overlap;
+    };
+
+    explicit InOrder(Stages stages) : stage(std::move(stages)) {}
+
+    // In this thread and others, one or more in all; with fewer where the system has no more.
+    void run(std::size_t threads) {
+        slots = std::vector<Slot>(threads > 1 ? 2 * threads : 1);
+        std::vector<std::thread> others;
+        others.reserve(threads - 1);
+        try {
+            while (others.size() + 1 < threads)
+                others.emplace_back([this, worker = others.size() + 1] { loop(worker); });
+        } catch (const std::system_error&) {
+        }
+        loop(0);
+        for (std::thread& thread : others)
+            thread.join();
+        if (fault)
+            std::rethrow_exception(fault);
+    }
+
+private:
+    struct Slot {
+        Item item;
+        bool worked = false;
+        std::exception_ptr fault;
+    };
+
+    Slot& slot(std::size_t number) { return slots[number % slots.size()]; }
+
+    void loop(std::size_t worker) {
+        std::unique_lock lock(mutex);
+        while (!ended) {
+            if (!finishing && slot(firstUnderWay).worked)
+                finishOne(lock);
+            else if (mayRead())
+                readAndWork(worker, lock);
+            else if (allRead && firstUnderWay == nextToRead)
+                ended = true;
+            else
+                changed.wait(lock);
+        }
+        changed.notify_all();
+    }
+
+    bool mayRead() {
+        const std::size_t underWay = nextToRead - firstUnderWay;
+        return !allRead && !reading && underWay < slots.size()
+               && (underWay == 0 || stage.overlap());
+    }
+
+    void readAndWork(std::size_t worker, std::unique_lock<std::mutex>& lock) {
+        Slot& next = slot(nextToRead);
+        reading = true;
+        const bool found = unlocked(lock, fault, [&] { return stage.read(next.item); });
+        reading = false;
+        if (found)
+            ++nextToRead;
+        else
+            allRead = true;
+        changed.notify_all();
+        if (!found)
+            return;
+        unlocked(lock, next.fault, [&] { return stage.work(next.item, worker), true; });
+        next.worked = true;
+        changed.notify_all();
+    }
+
+    void finishOne(std::unique_lock<std::mutex>& lock) {
+        Slot& first = slot(firstUnderWay);
+        finishing = true;
+        ended = !unlocked(lock, fault, [&] { return stage.finish(first.item); });
+        finishing = false;
+        if (first.fault) {
+            fault = first.fault;
+            ended = true;
+        }
+        first.worked = false;
+        ++firstUnderWay;
+        changed.notify_all();
+    }
+
+    // False also where the stage throws.
+    template <typename Action>
+    static bool unlocked(std::unique_lock<std::mutex>& lock, std::exception_ptr& thrown,
+                         Action action) {
+        lock.unlock();
+        bool goOn = false;
+        std::exception_ptr exception;
+        try {
+            goOn = action();
+        } catch (...) {
+            exception = std::current_exception();
+        }
+        lock.lock();
+        if (exception)
+            thrown = exception;
+        return goOn;
+    }
+
+    Stages stage;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<Slot> slots;
+    std::size_t nextToRead = 0;
+    std::size_t firstUnderWay = 0;
+    bool reading = false;
+    bool finishing = false;
+    bool allRead = false;
+    bool ended = false;
+    std::exception_ptr fault;
+};
+
+} // namespace kiv::host
