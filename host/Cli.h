@@ -7,9 +7,10 @@ namespace kiv::host {
 // Exit codes of the tool.
 enum ExitCode : int {
     allGood = 0,
-    someRowsBad = 1, // some rows refused or without an orientation
-    fileFaulty = 1,  // a parameter file with findings that count
-    unusable = 2,    // wrong usage, or a file that cannot be read, used or written
+    someRowsBad = 1,   // some rows refused or without an orientation
+    fileFaulty = 1,    // a parameter file with findings that count
+    resultsDiffer = 1, // reference cases that are not computed as they should be
+    unusable = 2,      // wrong usage, or a file that cannot be read, used or written
     interrupted = 130
 };
 

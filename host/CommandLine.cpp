@@ -81,6 +81,7 @@ CommandLine::CommandLine() : app("", "kiv") {
     addCheck();
     addInfo();
     addRewrite();
+    addVerify();
     addHelp();
 }
 
@@ -282,6 +283,12 @@ void CommandLine::addRewrite() {
     CLI::App& command =
         add("rewrite", [this](const Streams& s) { return rewriteFile(rewrite, s); });
     command.add_option("parameter_file", rewrite.file)->required();
+}
+
+void CommandLine::addVerify() {
+    CLI::App& command =
+        add("verify", [this](const Streams& s) { return verifyInstallation(verify, s); });
+    command.add_option("-o,--output", verify.output)->capture_default_str();
 }
 
 void CommandLine::addHelp() {

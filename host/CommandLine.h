@@ -12,6 +12,7 @@
 #include "host/commands/Rewrite.h"
 #include "host/commands/Run.h"
 #include "host/commands/Simulate.h"
+#include "host/commands/Verify.h"
 
 namespace kiv::host {
 
@@ -45,6 +46,7 @@ private:
     void addCheck();
     void addInfo();
     void addRewrite();
+    void addVerify();
     void addHelp();
 
     RunOptions run;
@@ -54,6 +56,7 @@ private:
     CheckOptions check;
     InfoOptions info;
     RewriteOptions rewrite;
+    VerifyOptions verify;
     std::string helpOn = "kiv";
 };
 

@@ -14,4 +14,7 @@ std::string_view marksScript();
 std::string_view pageScript();
 std::string_view pageStyle();
 
+std::string_view verifyParameters(); // a parameter file
+std::string_view verifyCases();      // a table
+
 } // namespace kiv::host::embedded

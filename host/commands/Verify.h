@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "host/Cli.h"
+
+namespace kiv::host {
+
+struct VerifyOptions {
+    std::string output = "-";
+};
+
+// Computes the reference cases of every model and says how far the results are from those that the
+// tool carries. An exit code.
+int verifyInstallation(const VerifyOptions& options, const Streams& streams);
+
+} // namespace kiv::host

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+// The reference cases that the tool carries: readings of a sensor in every mount mode with what a
+// second computation outside of the library, host/verify/make-cases, made of them.
+namespace kiv::host {
+
+// What is compared.
+enum Quantity : std::size_t { correctedReadings, matrixEntries, angles, qvcVector, quantityCount };
+
+// The largest difference that another C library explains. Corrected readings, degrees, take sums,
+// products and quotients alone, which are the same everywhere. Angles, degrees, and the QVC vector
+// are single precision, with steps of 1.5e-5 near 180.
+inline constexpr std::array<double, quantityCount> allowedDifference{0, 1e-13, 2e-5, 2e-5};
+
+struct Difference {
+    double size = 0; // infinite where a value is not a number
+    // Where it was found.
+    std::size_t caseNumber = 0; // from 1
+    std::string_view column;
+    double expected = 0;
+    double found = 0;
+};
+
+struct ModelCheck {
+    std::string_view model;
+    std::vector<int> mountModes{};
+    std::size_t cases = 0;
+    std::array<Difference, quantityCount> largest{};
+
+    bool good() const;
+};
+
+// Takes all cases through the library, as a run takes readings. Nothing where they cannot be read.
+std::vector<ModelCheck> checkModels();
+
+} // namespace kiv::host
