@@ -1,10 +1,8 @@
 #include "host/tables/UncertaintyFile.h"
 
 #include <algorithm>
-#include <array>
 #include <istream>
 #include <iterator>
-#include <optional>
 #include <ostream>
 #include <string_view>
 #include <utility>
@@ -15,39 +13,13 @@
 #include "host/Files.h"
 #include "host/tables/Numbers.h"
 #include "params/Quoted.h"
+#include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-struct Name {
-    std::string_view text;
-    std::array<std::optional<Source>, 2> sources; // one or two alike
-    bool bySight = false;
-};
-
-constexpr std::array<Name, 14> names{{
-    {"x", {Source::vector1, {}}},
-    {"y", {Source::vector2, {}}},
-    {"z", {Source::vector3, {}}},
-    {"vector_along", {Source::vector1, {}}, true},
-    {"vector_across", {Source::vector2, Source::vector3}, true},
-    {"azimuth_deg", {Source::azimuth, {}}},
-    {"elevation_deg", {Source::elevation, {}}},
-    {"level_x", {Source::levelX, {}}},
-    {"level_y", {Source::levelY, {}}},
-    {"temperature", {Source::temperature, {}}},
-    {"azimuth_offset_deg", {Source::azimuthOffset, {}}},
-    {"elevation_offset_deg", {Source::elevationOffset, {}}},
-    {"tilt_offset_x_deg", {Source::tiltOffsetX, {}}},
-    {"tilt_offset_y_deg", {Source::tiltOffsetY, {}}},
-}};
-
-constexpr bool ofVector(Source source) {
-    return source <= Source::vector3;
-}
 
 struct Entry {
     std::string name;
@@ -64,25 +36,10 @@ public:
         if (!parse())
             return false;
         bool good = true;
-        const Entry* vector = nullptr; // the first entry of it
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const Entry& entry = entries[i];
-            const Name* name = known(entry, i, mode);
-            if (!name || !entryIsNumber(entry)) {
-                good = false;
-                continue;
-            }
-            if (ofVector(*name->sources[0])) {
-                if (vector && name->bySight != uncertainties.bySight)
-                    good = report(entry.place, "x, y and z, or vector_along and vector_across",
-                                  kiv::quoted(vector->name) + " and " + kiv::quoted(entry.name));
-                vector = vector ? vector : &entry;
-                uncertainties.bySight = name->bySight;
-            }
-            for (const std::optional<Source>& source : name->sources)
-                if (source)
-                    uncertainties[*source] = entry.value.get<double>();
-        }
+        NamedUncertainties given;
+        for (std::size_t i = 0; i < entries.size(); ++i)
+            good = take(i, mode, given) && good;
+        uncertainties = given.values();
         return good;
     }
 
@@ -116,38 +73,32 @@ private:
         return byte == 0 || byte > text.size() ? "the end" : kiv::quoted(text.substr(byte - 1, 1));
     }
 
-    const Name* known(const Entry& entry, std::size_t i, int mode) const {
-        const auto name = std::find_if(names.begin(), names.end(),
-                                       [&](const Name& each) { return each.text == entry.name; });
-        if (name == names.end()) {
+    bool take(std::size_t i, int mode, NamedUncertainties& given) {
+        const auto& [name, value, place] = entries[i];
+        const double number = value.is_number() ? value.get<double>() : -1;
+        const UncertaintyFault fault = given.give(principleOf(mode), name, number);
+        if (fault == UncertaintyFault::name) {
             std::string all;
-            for (const Name& each : names)
+            for (const UncertaintyName& each : uncertaintyNames)
                 all.append(all.empty() ? "one of " : ", ").append(each.text);
-            report(entry.place, all, kiv::quoted(entry.name));
-            return nullptr;
+            return report(place, all, kiv::quoted(name));
         }
-        if (!reads(mode, *name->sources[0])) {
-            report(entry.place, "what mount mode " + std::to_string(mode) + " reads",
-                   kiv::quoted(entry.name));
-            return nullptr;
-        }
-        const auto same = [&](const Entry& each) { return each.name == entry.name; };
+        if (fault == UncertaintyFault::unread)
+            return report(place, "what mount mode " + std::to_string(mode) + " reads",
+                          kiv::quoted(name));
         const auto before = entries.begin() + static_cast<std::ptrdiff_t>(i);
-        if (std::any_of(entries.begin(), before, same)) {
-            report(entry.place, "each name once", kiv::quoted(entry.name) + " again");
-            return nullptr;
-        }
-        return &*name;
-    }
-
-    bool entryIsNumber(const Entry& entry) const {
-        if (entry.value.is_number() && entry.value.get<double>() >= 0
-            && entry.value.get<double>() <= largestDeviation)
-            return true;
-        const std::size_t colon = text.find(':', entry.place + entry.name.size());
-        const std::size_t value = text.find_first_not_of(" \t\r\n", colon + 1);
-        return report(value, "a number from 0 to 1e6 for " + kiv::quoted(entry.name),
-                      entry.value.is_null() ? "another value" : entry.value.dump());
+        if (std::any_of(entries.begin(), before,
+                        [&](const Entry& each) { return each.name == name; }))
+            return report(place, "each name once", kiv::quoted(name) + " again");
+        if (fault == UncertaintyFault::value)
+            return report(
+                text.find_first_not_of(" \t\r\n", text.find(':', place + name.size()) + 1),
+                "a number from 0 to 1e6 for " + kiv::quoted(name),
+                value.is_null() ? "another value" : value.dump());
+        if (fault == UncertaintyFault::vector)
+            return report(place, "x, y and z, or vector_along and vector_across",
+                          kiv::quoted(given.firstOfVector()) + " and " + kiv::quoted(name));
+        return true;
     }
 
     // At a byte of the text; always false.
