@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <initializer_list>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -111,14 +112,18 @@ std::vector<Goal> allGoals() {
         peer(std::string("rewrite of ") + (tokens + 1) + " tokens / fscanf and fprintf", "rewrite",
              "/fprintf", 0.45, tokens);
 
-    for (const auto& [what, text] : {std::pair{"/library", "a million readings in one call, "},
-                                     std::pair{"/with_states", "the same with their states, "}})
+    const std::tuple<const char*, const char*, double> calls[] = {
+        {"/library", "a million readings in one call, ", 1.03},
+        {"/with_states", "the same with their states, ", 1.03},
+        {"/with_trust", "and with trust, ", 1.25},
+        {"/with_uncertainties", "and with uncertainties, ", 16}}; // 14 further updates
+    for (const auto& [what, text, goal] : calls)
         for (const auto& model : models) {
             const std::string name = ofMode("million_readings", model.mode);
             goals.push_back({text + std::string(model.name) + " / loop of updates",
                              {name + what},
                              {name + "/loop"},
-                             1.03});
+                             goal});
         }
     for (const auto& model : models)
         goals.push_back({std::string("kiv run, a row, ") + model.name + " / its update and numbers",

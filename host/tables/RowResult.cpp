@@ -58,6 +58,7 @@ void RowRunner::judge(RowResult& result) {
 bool RowRunner::next(RowResult& result) {
     if (!table.nextRow())
         return false;
+    result.hasUncertainty = false;
     result.reason = readReadings(table, result.raw);
     if (result.reason != Reason::none) {
         result.state = RowState::refused;
