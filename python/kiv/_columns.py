@@ -178,12 +178,14 @@ class Readings:
 class Results:
     """The records of n results, and the columns over them; NaN where kiv run leaves a cell empty."""
 
-    def __init__(self, n: int, matrices: bool, uncertainties: bool, mode: int, local: bool) -> None:
+    def __init__(
+        self, n: int, matrices: bool, trust: bool, uncertainties: bool, mode: int, local: bool
+    ) -> None:
         self._three_vectors = mode >= 7
         self._states = np.empty(n, np.uint8)
         self._records = np.empty(n, RESULT)
         self._matrices = np.empty((n, 9)) if matrices else None
-        self._trust = np.empty(n, TRUST)
+        self._trust = np.empty(n, TRUST) if trust else None
         record = UNCERTAINTY[local and not self._three_vectors]
         self._uncertainties = np.empty(n, record) if uncertainties else None
 
@@ -215,16 +217,18 @@ class Results:
         columns = _columns_of(self._records)
         if self._matrices is not None:
             columns.update(zip(MATRIX, self._matrices.T))
-        columns.update(_columns_of(self._trust))
-        if self._uncertainties is not None:
-            columns.update(_columns_of(self._uncertainties))
+        for further in (self._trust, self._uncertainties):
+            columns.update({} if further is None else _columns_of(further))
         if is_frame(like):
             columns["state"] = _words(self._states.view(np.int8), State)
-            columns["trust"] = _words(columns["trust"], Trust)
+            if self._trust is not None:
+                columns["trust"] = _words(columns["trust"], Trust)
             return sys.modules["pandas"].DataFrame(columns, index=like.index, copy=False)
         columns["state"] = self._states
         if isinstance(like, Mapping):
             return columns
+        if len(columns) == len(RESULT.names or ()):
+            return self._records
         table = np.empty(len(self._records), [(name, a.dtype) for name, a in columns.items()])
         for name, values in columns.items():
             table[name] = values

@@ -147,17 +147,21 @@ class Sensor:
         return record
 
     @overload
-    def run(self, readings: NDArray[np.void], matrices: bool = False) -> NDArray[np.void]: ...
+    def run(
+        self, readings: NDArray[np.void], matrices: bool = False, trust: bool = True
+    ) -> NDArray[np.void]: ...
 
     @overload
     def run(
-        self, readings: Mapping[str, ArrayLike], matrices: bool = False
+        self, readings: Mapping[str, ArrayLike], matrices: bool = False, trust: bool = True
     ) -> Dict[str, NDArray[Any]]: ...
 
     @overload
-    def run(self, readings: DataFrame, matrices: bool = False) -> DataFrame: ...
+    def run(
+        self, readings: DataFrame, matrices: bool = False, trust: bool = True
+    ) -> DataFrame: ...
 
-    def run(self, readings: Any, matrices: bool = False) -> Any:
+    def run(self, readings: Any, matrices: bool = False, trust: bool = True) -> Any:
         """Orientations of n readings, in the order in which they were measured.
 
         readings: a dict of arrays, a structured array or a DataFrame, n rows with numbers in the
@@ -183,9 +187,10 @@ class Sensor:
           Rz Ry Rx
         - qvc_x, qvc_y, qvc_z: the QVC vector of mount modes 7 and above
         - with matrices, m00 to m22: the rotation matrix of mount modes 1 to 6, row by row
-        - trust: in a frame a categorical of the words of ``kiv run``, "good" or the first reason why
+        - with trust, trust: in a frame a categorical of the words of ``kiv run``, "good" or the first reason why
           the angles cannot be trusted like others; else the numbers of kiv.Trust
-        - model_error_deg: bound of the model's own error of the largest of the angles, degrees
+        - with trust, model_error_deg: bound of the model's own error of the largest of the angles,
+          degrees
         - with the sensor's uncertainties, u_rx_deg, u_ry_deg, u_rz_deg: standard uncertainties of the
           angles, degrees
         - and in the local frame, u_reference_rx_deg, u_reference_ry_deg, u_reference_rz_deg: from the
@@ -202,6 +207,7 @@ class Sensor:
         results = _columns.Results(
             given.count,
             matrices,
+            trust,
             self._uncertainties is not None,
             self.mount_mode,
             self.frame == "local",

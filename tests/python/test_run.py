@@ -59,12 +59,13 @@ def frame(given):
     return pytest.importorskip("pandas").DataFrame(given, index=range(100, 100 + len(given["x"])))
 
 
-@pytest.mark.parametrize("matrices", [False, True])
+@pytest.mark.parametrize("matrices, trust, uncertain", [(True, True, UNCERTAIN), (False, False, None)])
 @pytest.mark.parametrize("kind", [structured, frame])
-def test_a_table_comes_back_as_its_kind(kind, matrices):
-    expected = sensor(6, "local", UNCERTAIN).run(columns(time_s=np.arange(6.0)), matrices)
+def test_a_table_comes_back_as_its_kind(kind, matrices, trust, uncertain):
+    expected = sensor(6, "local", uncertain).run(columns(time_s=np.arange(6.0)), matrices, trust)
+    assert ("trust" in expected) == trust
     given = kind(columns())
-    results = sensor(6, "local", UNCERTAIN).run(given, matrices)
+    results = sensor(6, "local", uncertain).run(given, matrices, trust)
     assert type(results) is type(given)
     assert list(getattr(results, "columns", results.dtype.names if kind is structured else ())) == list(expected)
     for name, values in expected.items():
