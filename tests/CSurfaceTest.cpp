@@ -370,10 +370,11 @@ TEST(CSurface, JudgesByTheSettingsOfTheMoment) {
     }
 }
 
-// The first row has no angles in either.
+// Also after a setting; it is one that spoils the rows of the local frame.
 TEST(CSurface, AReferenceThatWasNotJudgedCounts) {
     const auto parameters = loaded(example);
     std::vector<kiv_reading> readings(3, goodOne());
+    readings[0].level_y = 9.75F; // outside its limits
     readings[1].azimuth = 70;
     const Sensor whole = sensorOf(parameters, KIV_FRAME_LOCAL);
     const Sensor part = sensorOf(parameters, KIV_FRAME_LOCAL);
@@ -382,11 +383,13 @@ TEST(CSurface, AReferenceThatWasNotJudgedCounts) {
     const Results all = runMany(whole, readings);
     kiv_result ignored;
     EXPECT_EQ(kiv_sensor_update(part.get(), readings.data(), &ignored), 0);
+    EXPECT_EQ(kiv_sensor_set_frame(part.get(), KIV_FRAME_LOCAL), 0);
     const Results rest = runMany(part, readings, 1);
     EXPECT_EQ(std::memcmp(rest.trust.data(), &all.trust[1], 2 * sizeof all.trust[1]), 0);
     EXPECT_EQ(std::memcmp(rest.uncertainties.data(), &all.uncertainties[1],
                           2 * sizeof all.uncertainties[1]),
               0);
+    EXPECT_EQ(rest.trust[0].trust, KIV_TRUST_REFERENCE);
     EXPECT_GT(rest.uncertainties[0].reference_rz, 0);
 }
 
