@@ -74,30 +74,31 @@ private:
     }
 
     bool take(std::size_t i, int mode, NamedUncertainties& given) {
-        const auto& [name, value, place] = entries[i];
-        const double number = value.is_number() ? value.get<double>() : -1;
-        const UncertaintyFault fault = given.give(principleOf(mode), name, number);
+        const Entry& entry = entries[i];
+        const double number = entry.value.is_number() ? entry.value.get<double>() : -1;
+        const UncertaintyFault fault = given.give(principleOf(mode), entry.name, number);
+        const std::string found = kiv::quoted(entry.name);
         if (fault == UncertaintyFault::name) {
             std::string all;
             for (const UncertaintyName& each : uncertaintyNames)
                 all.append(all.empty() ? "one of " : ", ").append(each.text);
-            return report(place, all, kiv::quoted(name));
+            return report(entry.place, all, found);
         }
         if (fault == UncertaintyFault::unread)
-            return report(place, "what mount mode " + std::to_string(mode) + " reads",
-                          kiv::quoted(name));
+            return report(entry.place, "what mount mode " + std::to_string(mode) + " reads", found);
         const auto before = entries.begin() + static_cast<std::ptrdiff_t>(i);
-        if (std::any_of(entries.begin(), before,
-                        [&](const Entry& each) { return each.name == name; }))
-            return report(place, "each name once", kiv::quoted(name) + " again");
-        if (fault == UncertaintyFault::value)
-            return report(
-                text.find_first_not_of(" \t\r\n", text.find(':', place + name.size()) + 1),
-                "a number from 0 to 1e6 for " + kiv::quoted(name),
-                value.is_null() ? "another value" : value.dump());
+        const auto same = [&](const Entry& each) { return each.name == entry.name; };
+        if (std::any_of(entries.begin(), before, same))
+            return report(entry.place, "each name once", found + " again");
+        if (fault == UncertaintyFault::value) {
+            const std::size_t colon = text.find(':', entry.place + entry.name.size());
+            return report(text.find_first_not_of(" \t\r\n", colon + 1),
+                          "a number from 0 to 1e6 for " + found,
+                          entry.value.is_null() ? "another value" : entry.value.dump());
+        }
         if (fault == UncertaintyFault::vector)
-            return report(place, "x, y and z, or vector_along and vector_across",
-                          kiv::quoted(given.firstOfVector()) + " and " + kiv::quoted(name));
+            return report(entry.place, "x, y and z, or vector_along and vector_across",
+                          kiv::quoted(given.firstOfVector()) + " and " + found);
         return true;
     }
 

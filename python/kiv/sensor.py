@@ -187,8 +187,8 @@ class Sensor:
           Rz Ry Rx
         - qvc_x, qvc_y, qvc_z: the QVC vector of mount modes 7 and above
         - with matrices, m00 to m22: the rotation matrix of mount modes 1 to 6, row by row
-        - with trust, trust: in a frame a categorical of the words of ``kiv run``, "good" or the first reason why
-          the angles cannot be trusted like others; else the numbers of kiv.Trust
+        - with trust, trust: in a frame a categorical of the words of ``kiv run``, good or the first
+          reason why the angles cannot be trusted like others; else the numbers of kiv.Trust
         - with trust, model_error_deg: bound of the model's own error of the largest of the angles,
           degrees
         - with the sensor's uncertainties, u_rx_deg, u_ry_deg, u_rz_deg: standard uncertainties of the

@@ -15,7 +15,8 @@ template <typename Set>
 int change(kiv_sensor* sensor, bool argumentsFit, Set set) {
     return locked(sensor, argumentsFit, [&] {
         const int code = set(sensor->sensor);
-        sensor->judge->configure(sensor->sensor);
+        if (code == KIV_STATUS_OK)
+            sensor->judge->configure(sensor->sensor);
         return code;
     });
 }

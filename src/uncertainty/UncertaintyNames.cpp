@@ -6,9 +6,8 @@ namespace kiv {
 
 UncertaintyFault NamedUncertainties::give(Principle principle, std::string_view name,
                                           double value) {
-    const auto* const known =
-        std::find_if(uncertaintyNames.begin(), uncertaintyNames.end(),
-                     [&](const UncertaintyName& each) { return each.text == name; });
+    const auto known = std::find_if(uncertaintyNames.begin(), uncertaintyNames.end(),
+                                    [&](const UncertaintyName& each) { return each.text == name; });
     if (known == uncertaintyNames.end())
         return UncertaintyFault::name;
     const Source first = *known->sources[0];
