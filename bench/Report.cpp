@@ -111,14 +111,21 @@ std::vector<Goal> allGoals() {
         peer(std::string("rewrite of ") + (tokens + 1) + " tokens / fscanf and fprintf", "rewrite",
              "/fprintf", 0.45, tokens);
 
-    for (const auto& [what, text] : {std::pair{"/library", "a million readings in one call, "},
-                                     std::pair{"/with_states", "the same with their states, "}})
+    const struct {
+        const char *what, *text, *against, *peer;
+        double goal;
+    } calls[] = {
+        {"/library", "a million readings in one call, ", " / loop of updates", "/loop", 1.03},
+        {"/with_states", "the same with their states, ", " / loop of updates", "/loop", 1.03},
+        {"/with_trust", "the same with trust, ", " / with states", "/with_states", 1.25},
+        {"/with_uncertainties", "and with uncertainties, ", " / with states", "/with_states", 16}};
+    for (const auto& call : calls)
         for (const auto& model : models) {
             const std::string name = ofMode("million_readings", model.mode);
-            goals.push_back({text + std::string(model.name) + " / loop of updates",
-                             {name + what},
-                             {name + "/loop"},
-                             1.03});
+            goals.push_back({call.text + std::string(model.name) + call.against,
+                             {name + call.what},
+                             {name + call.peer},
+                             call.goal});
         }
     for (const auto& model : models)
         goals.push_back(

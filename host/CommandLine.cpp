@@ -10,9 +10,9 @@
 #include "host/HelpTexts.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/Readings.h"
-#include "host/tables/UncertaintyFile.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
+#include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {
 
@@ -180,7 +180,7 @@ void CommandLine::addUncertainties(CLI::App& command, ReadingsOptions& options) 
                         (*options.uncertainties)[source] = value;
                 })
             ->excludes(file)
-            ->check(numberFrom(0, largestDeviation));
+            ->check(numberFrom(0, largestUncertainty));
     };
     uncertainty("--u-vector", {Source::vector1, Source::vector2, Source::vector3});
     uncertainty("--u-encoder", {Source::azimuth, Source::elevation});
@@ -234,7 +234,7 @@ void CommandLine::addSimulate() {
         ->capture_default_str();
     const auto deviation = [&](const char* name, double& value) {
         command.add_option(name, value)
-            ->check(numberFrom(0, largestDeviation))
+            ->check(numberFrom(0, largestUncertainty))
             ->capture_default_str();
     };
     deviation("--noise-vector", simulate.noise.vector);

@@ -226,6 +226,75 @@ int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size
                            kiv_result* out, double* matrices, uint8_t* states);
 
 /*
+ * How far the angles of a reading can be trusted, as kiv run's columns trust and model_error_deg
+ * say it: the first reason that holds.
+ */
+enum {
+    KIV_TRUST_NONE = -1,            /* there are no angles */
+    KIV_TRUST_GOOD = 0,             /* none of what follows */
+    KIV_TRUST_OUTSIDE_LIMITS = 1,   /* a tilt outside its table or the parameters' limits */
+    KIV_TRUST_SEAM = 2,             /* two levels, with angles from both sides of 180 degrees */
+    KIV_TRUST_LEVELS_DISAGREE = 3,  /* the two levels show different rolls */
+    KIV_TRUST_MIRROR_NEAR = 4,      /* the mirrored solution is within the limits, too */
+    KIV_TRUST_TWO_SIGNS = 5,        /* dual level: z and level y differ in sign */
+    KIV_TRUST_NEAR_LEVEL_SIGHT = 6, /* pendulum: z is so close to 0 that digits cancel */
+    KIV_TRUST_ROLL_UNSEEN = 7,      /* the roll about the line of sight hardly shows in the level */
+    KIV_TRUST_NOT_SETTLED = 8,      /* the result does not show its level's reading again */
+    KIV_TRUST_REFERENCE = 9         /* local frame: the reference was not good */
+};
+/* As kiv run prints it: "good", "outside_limits"; null for another number. */
+const char* kiv_trust_name(int trust);
+
+/* Of one reading's angles; 8 bytes. */
+typedef struct kiv_trust {
+    int32_t trust;     /* KIV_TRUST_... */
+    float model_error; /* bound of the model's own error of the largest of the three, degrees from
+                          0 to 180; NaN where there are no angles */
+} kiv_trust;
+
+/*
+ * Standard uncertainties (one standard deviation) of one reading's angles, from those that the
+ * sensor was given and the rounding to single precision; 36 bytes. All NaN where there are no
+ * angles, or none on one side of the readings.
+ */
+typedef struct kiv_uncertainty {
+    float rx; /* degrees */
+    float ry;
+    float rz;
+    float correlation_rx_ry; /* from -1 to 1; 0 where one of the two does not vary */
+    float correlation_rx_rz;
+    float correlation_ry_rz;
+    float reference_rx; /* local frame: from the readings of the reference, which all have in */
+    float reference_ry; /* common, not contained in rx, ry, rz; degrees, 0 in another frame */
+    float reference_rz;
+} kiv_uncertainty;
+
+/*
+ * Gives the sensor a standard uncertainty of a reading or parameter, by default 0, exactly known;
+ * from 0 to 1e6. Names, those of kiv run --uncertainties, with their units at the end: x, y, z of
+ * the vector, or vector_along and vector_across the line of sight, in its length unit; azimuth_deg,
+ * elevation_deg; level_x, level_y, temperature, raw; azimuth_offset_deg, elevation_offset_deg,
+ * tilt_offset_x_deg, tilt_offset_y_deg. 20 for another name, for what the model does not read, and
+ * for the vector in both ways.
+ */
+int kiv_sensor_set_uncertainty(kiv_sensor* sensor, const char* name, double value);
+/* Makes all of them 0 again, the vector in neither way. */
+int kiv_sensor_clear_uncertainties(kiv_sensor* sensor);
+/* The names in the order above; null behind the last one. */
+const char* kiv_uncertainty_name(size_t index);
+
+/*
+ * As kiv_sensor_update and kiv_sensor_update_many, and how far the results can be trusted: trust
+ * and uncertainty, one each a reading, are optional. An uncertainty takes up to 14 further updates;
+ * the first call for any, also one of 0 readings, after the sensor was made or set allocates.
+ */
+int kiv_sensor_judge(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out,
+                     kiv_trust* trust, kiv_uncertainty* uncertainty);
+int kiv_sensor_judge_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
+                          kiv_result* out, double* matrices, uint8_t* states, kiv_trust* trust,
+                          kiv_uncertainty* uncertainties);
+
+/*
  * The matrix of the last reading that reached the sensor, 9 doubles, as above. 554, with m filled
  * all the same, when its status was not 2 or there was none.
  */

@@ -19,6 +19,8 @@ namespace kiv {
 
 using Reading = kiv_reading;
 using Result = kiv_result;
+using Trust = kiv_trust;
+using Uncertainty = kiv_uncertainty;
 
 enum class Frame { local = KIV_FRAME_LOCAL, machine = KIV_FRAME_MACHINE };
 
@@ -164,6 +166,31 @@ public:
         if (count > 0) // else the pointers may be null
             check(kiv_sensor_update_many(get(), std::data(readings), count, std::data(results),
                                          matrices, states));
+    }
+
+    // A standard uncertainty of a reading or parameter.
+    void setUncertainty(const char* name, double value) {
+        check(kiv_sensor_set_uncertainty(get(), name, value));
+    }
+    void clearUncertainties() { check(kiv_sensor_clear_uncertainties(get())); }
+
+    // An update, with how far its result can be trusted; the uncertainty where it is wanted.
+    Result judge(const Reading& reading, Trust& trust, Uncertainty* uncertainty = nullptr) {
+        Result result;
+        check(kiv_sensor_judge(get(), &reading, &result, &trust, uncertainty));
+        return result;
+    }
+    // Contiguous ranges, as many results and trusts as readings at least; the rest as in update.
+    template <typename Readings, typename Results, typename Trusts>
+    void judge(const Readings& readings, Results&& results, Trusts&& trusts,
+               Uncertainty* uncertainties = nullptr, std::uint8_t* states = nullptr,
+               double* matrices = nullptr) {
+        const std::size_t count = std::size(readings);
+        if (std::size(results) < count || std::size(trusts) < count)
+            throw Error(KIV_STATUS_BAD_ARGUMENT);
+        if (count > 0)
+            check(kiv_sensor_judge_many(get(), std::data(readings), count, std::data(results),
+                                        matrices, states, std::data(trusts), uncertainties));
     }
 
     bool hasReference() const {

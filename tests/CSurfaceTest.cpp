@@ -20,6 +20,8 @@
 #include "tests/FileFaults.h"
 #include "tests/PreparedSensor.h"
 #include "tests/ToolRunner.h"
+#include "uncertainty/Propagation.h"
+#include "uncertainty/UncertaintyNames.h"
 
 namespace {
 
@@ -58,23 +60,35 @@ std::string exampleInMode(int mode) {
     return text.replace(text.find(title) + title.size(), 1, std::to_string(mode));
 }
 
+template <typename T>
+bool sameBytes(const std::vector<T>& a, const std::vector<T>& b) {
+    return std::memcmp(a.data(), b.data(), sizeof(T) * a.size()) == 0;
+}
+
 struct Results {
     std::vector<kiv_result> results;
     std::vector<double> matrices;
     std::vector<std::uint8_t> states;
+    std::vector<kiv_trust> trust;
+    std::vector<kiv_uncertainty> uncertainties;
 
-    explicit Results(std::size_t n) : results(n), matrices(9 * n), states(n) {}
+    explicit Results(std::size_t n)
+        : results(n), matrices(9 * n), states(n), trust(n), uncertainties(n) {}
     bool operator==(const Results& other) const {
-        return std::memcmp(results.data(), other.results.data(), 48 * results.size()) == 0
-               && matrices == other.matrices && states == other.states;
+        return sameBytes(results, other.results) && matrices == other.matrices
+               && states == other.states && sameJudgement(other);
+    }
+    bool sameJudgement(const Results& other) const {
+        return sameBytes(trust, other.trust) && sameBytes(uncertainties, other.uncertainties);
     }
 };
 
 Results runMany(const Sensor& sensor, const std::vector<kiv_reading>& readings,
                 std::size_t from = 0) {
     Results r(readings.size() - from);
-    EXPECT_EQ(kiv_sensor_update_many(sensor.get(), &readings[from], readings.size() - from,
-                                     r.results.data(), r.matrices.data(), r.states.data()),
+    EXPECT_EQ(kiv_sensor_judge_many(sensor.get(), &readings[from], readings.size() - from,
+                                    r.results.data(), r.matrices.data(), r.states.data(),
+                                    r.trust.data(), r.uncertainties.data()),
               0);
     return r;
 }
@@ -129,9 +143,23 @@ std::vector<kiv_reading> readingsIn(const Columns& table) {
     return readings;
 }
 
+// One for each name that the sensor's model reads, also as a file of the tool.
+Json giveUncertainties(const Sensor& sensor, bool bySight) {
+    Json given = Json::object();
+    for (std::size_t i = 0; const char* name = kiv_uncertainty_name(i); ++i) {
+        const bool ofVector = i < 5;
+        const float value = static_cast<float>(i + 1) / 256; // exact in decimals
+        if ((!ofVector || bySight == (i >= 3))
+            && kiv_sensor_set_uncertainty(sensor.get(), name, value) == 0)
+            given[name] = value;
+    }
+    return given;
+}
+
 TEST(CSurface, GivesTheBitsOfTheClassesAndOfTheTool) {
     const ParameterFolder folder;
     std::set<std::string> statesSeen;
+    std::set<int> trustSeen;
     for (int mode = 1; mode <= 10; ++mode) {
         std::ofstream(folder.file(), std::ios::binary) << exampleInMode(mode);
         std::string table = tool({"simulate", folder.file(), "--rows", "150", "--bad-share", "0.2",
@@ -144,18 +172,28 @@ TEST(CSurface, GivesTheBitsOfTheClassesAndOfTheTool) {
         ASSERT_GT(readings.size(), 100U);
         for (const int frame : {KIV_FRAME_LOCAL, KIV_FRAME_MACHINE}) {
             SCOPED_TRACE("mode " + std::to_string(mode) + ", frame " + std::to_string(frame));
-            const Columns expected(tool({"run", folder.file(), "-", "--frame",
-                                         frame ? "machine" : "local", "--messages", "0"},
-                                        table)
-                                       .out);
             const auto parameters = loaded(folder.file());
-            const Results all = runMany(sensorOf(parameters, frame), readings);
+            const Sensor many = sensorOf(parameters, frame);
+            const Json given = giveUncertainties(many, mode % 2 == 0);
+            EXPECT_EQ(given.size(), mode < 3 || mode > 8 ? 11 + mode % 2 : 9 + mode % 2);
+            const std::string uncertainties = folder.path() + "/u.json";
+            std::ofstream(uncertainties) << given;
+            const Columns expected(
+                tool({"run", folder.file(), "-", "--uncertainties", uncertainties, "--frame",
+                      frame ? "machine" : "local", "--messages", "0"},
+                     table)
+                    .out);
+            const Results all = runMany(many, readings);
             const Sensor single = sensorOf(parameters, frame);
             CKivPrm record;
             CKiv sensor;
             record.ReadCalibrationFile(folder.path().c_str(), 5);
             kiv::configureSensor(sensor, record);
             sensor.setMcsFlag(frame != 0);
+            kiv::NamedUncertainties named;
+            for (const auto& [name, value] : given.items())
+                named.give(kiv::principleOf(mode), name, value);
+            kiv::Propagation propagation(sensor, named.values());
 
             ASSERT_EQ(expected.rows.size(), readings.size());
             for (std::size_t i = 0; i < readings.size(); ++i) {
@@ -163,14 +201,27 @@ TEST(CSurface, GivesTheBitsOfTheClassesAndOfTheTool) {
                 const std::string state = expected.cell(i, "state");
                 statesSeen.insert(state);
                 ASSERT_EQ(kiv_state_name(all.states[i]), state);
+                const char* trust = kiv_trust_name(all.trust[i].trust);
+                EXPECT_EQ(trust ? trust : "", expected.cell(i, "trust"));
+                EXPECT_EQ(std::isnan(all.trust[i].model_error), !trust);
+                trustSeen.insert(all.trust[i].trust);
                 const kiv_result& r = all.results[i];
+                const kiv_uncertainty& u = all.uncertainties[i];
+                const bool local = frame == KIV_FRAME_LOCAL && mode < 7;
                 const std::tuple<const char*, float, bool> cells[] = {
                     {"azimuth_corrected_deg", r.azimuth, state != "refused"},
                     {"level_x_corrected_deg", r.level_x, state != "refused"},
                     {"rx_deg", r.rx, state == "ok"},
                     {"ry_deg", r.ry, state == "ok"},
                     {"rz_deg", r.rz, state == "ok"},
-                    {"qvc_y", r.qvc[1], state == "ok" && mode >= 7}};
+                    {"qvc_y", r.qvc[1], state == "ok" && mode >= 7},
+                    {"model_error_deg", all.trust[i].model_error, state == "ok"},
+                    {"u_rx_deg", u.rx, state == "ok"},
+                    {"u_ry_deg", u.ry, state == "ok"},
+                    {"u_rz_deg", u.rz, state == "ok"},
+                    {"u_reference_rx_deg", u.reference_rx, state == "ok" && local},
+                    {"u_reference_ry_deg", u.reference_ry, state == "ok" && local},
+                    {"u_reference_rz_deg", u.reference_rz, state == "ok" && local}};
                 for (const auto& [name, value, shown] : cells)
                     if (shown) {
                         EXPECT_EQ(expected.number(i, name), value) << name;
@@ -186,6 +237,16 @@ TEST(CSurface, GivesTheBitsOfTheClassesAndOfTheTool) {
                 KIV_INFO info;
                 sensor.updateKIVData(std::bit_cast<KIV_RAWINFO>(readings[i]), info);
                 EXPECT_EQ(std::memcmp(&info, &r, sizeof r), 0);
+                kiv::AngleUncertainty angles;
+                if (state == "reference")
+                    propagation.captured(sensor, std::bit_cast<KIV_RAWINFO>(readings[i]));
+                if (state == "ok"
+                    && propagation.of(sensor, std::bit_cast<KIV_RAWINFO>(readings[i]), info,
+                                      angles)) {
+                    EXPECT_EQ(static_cast<float>(angles.correlation[0]), u.correlation_rx_ry);
+                    EXPECT_EQ(static_cast<float>(angles.correlation[1]), u.correlation_rx_rz);
+                    EXPECT_EQ(static_cast<float>(angles.correlation[2]), u.correlation_ry_rz);
+                }
                 double m[9], expectedMatrix[9];
                 EXPECT_EQ(kiv_sensor_matrix(single.get(), m), sensor.ReadMatrix(expectedMatrix));
                 EXPECT_EQ(std::memcmp(m, expectedMatrix, sizeof m), 0);
@@ -194,6 +255,7 @@ TEST(CSurface, GivesTheBitsOfTheClassesAndOfTheTool) {
         }
     }
     EXPECT_EQ(statesSeen.size(), 6U);
+    EXPECT_GE(trustSeen.size(), 5U);
 }
 
 TEST(CSurface, APartOfARecordingRunsFromACapturedReference) {
@@ -237,6 +299,119 @@ TEST(CSurface, APartOfARecordingRunsFromACapturedReference) {
     for (const Results& results :
          {runMany(part, readings, 4), runMany(Sensor(copied), readings, 4)})
         EXPECT_EQ(std::memcmp(results.results.data(), &all.results[4], 4 * 48), 0);
+}
+
+// A sensor that has judged, one that is judged for the first time and a copy, after each setting
+// and with a new reference: as one that was set before it was given anything.
+TEST(CSurface, JudgesByTheSettingsOfTheMoment) {
+    const float steep[] = {-20, -40, 20, 40};
+    const float factors[] = {1, 2, 3, 4, 1, 1, 1, 0};
+    const double turned[] = {0, -1, 0, 1, 0, 0, 0, 0, 1};
+    const auto byFactors = [&](kiv_sensor* s) {
+        return kiv_sensor_set_scale_factors(s, factors, 8);
+    };
+    const struct {
+        const char* name;
+        std::function<int(kiv_sensor*)> set;
+        bool changesTrust, changesUncertainty; // in the machine frame
+    } rows[] = {
+        {"nothing", [](kiv_sensor*) { return 0; }, false, false},
+        {"frame", [](kiv_sensor* s) { return kiv_sensor_set_frame(s, KIV_FRAME_LOCAL); }, true,
+         true},
+        {"table", [&](kiv_sensor* s) { return kiv_sensor_set_tilt_y_table(s, steep, 2); }, true,
+         true},
+        {"offset", [](kiv_sensor* s) { return kiv_sensor_set_encoder_offset(s, 1, 0); }, true,
+         true},
+        {"local", [&](kiv_sensor* s) { return kiv_sensor_set_local_matrix(s, turned); }, false,
+         false},
+        // Until the mount mode is set the model computes with those that it has, and stays.
+        {"factors", byFactors, false, false},
+        {"factors, mode",
+         [&](kiv_sensor* s) { return byFactors(s) + kiv_sensor_set_mount_mode(s, 4); }, true, true},
+        {"mode", [](kiv_sensor* s) { return kiv_sensor_set_mount_mode(s, 1); }, false, false},
+        {"uncertainty", [](kiv_sensor* s) { return kiv_sensor_set_uncertainty(s, "level_y", 0.5); },
+         false, true},
+        {"clear", kiv_sensor_clear_uncertainties, false, true},
+    };
+    const auto parameters = loaded(example);
+    std::vector<kiv_reading> readings(4, goodOne());
+    for (std::size_t i = 0; i < readings.size(); ++i)
+        readings[i].vector[2] += 300 * static_cast<float>(i);
+    const auto made = [&] {
+        Sensor sensor = sensorOf(parameters);
+        giveUncertainties(sensor, true);
+        return sensor;
+    };
+    const Sensor unset = made();
+    const auto start = [&](const Sensor& sensor) {
+        EXPECT_EQ(kiv_sensor_capture_reference(sensor.get(), &readings[1]), 0);
+        return runMany(sensor, readings);
+    };
+    const Results before = start(unset);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Sensor first = made(), late = made(), judged = made();
+        EXPECT_EQ(row.set(first.get()), 0);
+        const Results expected = start(first);
+        Results ignored(readings.size());
+        EXPECT_EQ(kiv_sensor_update_many(late.get(), readings.data(), readings.size(),
+                                         ignored.results.data(), nullptr, nullptr),
+                  0);
+        runMany(judged, readings);
+        for (const Sensor* sensor : {&late, &judged}) {
+            EXPECT_EQ(row.set(sensor->get()), 0);
+            EXPECT_TRUE(start(*sensor) == expected);
+        }
+        kiv_sensor* copied = nullptr;
+        ASSERT_EQ(kiv_sensor_copy(judged.get(), &copied), 0);
+        EXPECT_TRUE(runMany(Sensor(copied), readings) == expected);
+        EXPECT_EQ(!sameBytes(expected.trust, before.trust), row.changesTrust);
+        EXPECT_EQ(!sameBytes(expected.uncertainties, before.uncertainties), row.changesUncertainty);
+    }
+}
+
+// Also after a setting; it is one that spoils the rows of the local frame.
+TEST(CSurface, AReferenceThatWasNotJudgedCounts) {
+    const auto parameters = loaded(example);
+    std::vector<kiv_reading> readings(3, goodOne());
+    readings[0].level_y = 9.75F; // outside its limits
+    readings[1].azimuth = 70;
+    const Sensor whole = sensorOf(parameters, KIV_FRAME_LOCAL);
+    const Sensor part = sensorOf(parameters, KIV_FRAME_LOCAL);
+    for (const Sensor* sensor : {&whole, &part})
+        giveUncertainties(*sensor, false);
+    const Results all = runMany(whole, readings);
+    kiv_result ignored;
+    EXPECT_EQ(kiv_sensor_update(part.get(), readings.data(), &ignored), 0);
+    EXPECT_EQ(kiv_sensor_set_frame(part.get(), KIV_FRAME_LOCAL), 0);
+    const Results rest = runMany(part, readings, 1);
+    EXPECT_EQ(std::memcmp(rest.trust.data(), &all.trust[1], 2 * sizeof all.trust[1]), 0);
+    EXPECT_EQ(std::memcmp(rest.uncertainties.data(), &all.uncertainties[1],
+                          2 * sizeof all.uncertainties[1]),
+              0);
+    EXPECT_EQ(rest.trust[0].trust, KIV_TRUST_REFERENCE);
+    EXPECT_GT(rest.uncertainties[0].reference_rz, 0);
+}
+
+TEST(CSurface, RefusesUncertaintiesAsTheToolDoes) {
+    const auto parameters = loaded(example);
+    const Sensor sensor = sensorOf(parameters);
+    giveUncertainties(sensor, false);
+    const std::vector<kiv_reading> readings(2, goodOne());
+    runMany(sensor, readings);
+    const Results before = runMany(sensor, readings);
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const std::pair<const char*, double> rows[] = {
+        {"level_y", -1e-9}, {"level_y", nan}, {"level_y", infinity},   {"level_y", 1e6 + 1},
+        {"level", 0.1},     {"", 0.1},        {"vector_across", 0.1},  {"vector_along", 0},
+        {"level_x", 0.1},   {"level_x", 0},   {"tilt_offset_x_deg", 1}};
+    for (const auto& [name, value] : rows) {
+        EXPECT_EQ(kiv_sensor_set_uncertainty(sensor.get(), name, value), 20) << name << value;
+        EXPECT_TRUE(runMany(sensor, readings) == before) << name << value;
+    }
+    EXPECT_EQ(kiv_sensor_clear_uncertainties(sensor.get()), 0);
+    EXPECT_EQ(kiv_sensor_set_uncertainty(sensor.get(), "vector_across", 1e6), 0);
 }
 
 // In the manner of kiv info --json.
@@ -377,6 +552,8 @@ TEST(CSurface, RefusesANullInEveryPlace) {
     const kiv_reading reading = goodOne();
     kiv_reading copied;
     kiv_result result;
+    kiv_trust trust;
+    kiv_uncertainty uncertainty;
     kiv_parameters* newP = nullptr;
     kiv_sensor* newS = nullptr;
     double d[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1}, d2[9] = {1, 1, 1};
@@ -431,6 +608,11 @@ TEST(CSurface, RefusesANullInEveryPlace) {
     REFUSES_NULLS(kiv_sensor_update, s, &reading, &result);
     REFUSES_NULLS_BEFORE(4, kiv_sensor_update_many, s, &reading, std::size_t{1}, &result, d,
                          &state);
+    REFUSES_NULLS_BEFORE(3, kiv_sensor_judge, s, &reading, &result, &trust, &uncertainty);
+    REFUSES_NULLS_BEFORE(4, kiv_sensor_judge_many, s, &reading, std::size_t{1}, &result, d, &state,
+                         &trust, &uncertainty);
+    REFUSES_NULLS(kiv_sensor_set_uncertainty, s, "x", 1.0);
+    REFUSES_NULLS(kiv_sensor_clear_uncertainties, s);
     REFUSES_NULLS(kiv_sensor_matrix, s, d);
     REFUSES_NULLS(kiv_sensor_has_reference, s, &has);
     REFUSES_NULLS(kiv_sensor_reference_reading, s, &copied);
@@ -445,6 +627,8 @@ TEST(CSurface, RefusesANullInEveryPlace) {
     EXPECT_EQ(kiv_sensor_set_qvc_parameters(s, f, 7), 20);
     EXPECT_EQ(kiv_state_name(6), nullptr);
     EXPECT_EQ(kiv_state_name(-1), nullptr);
+    EXPECT_EQ(kiv_trust_name(10), nullptr);
+    EXPECT_EQ(kiv_trust_name(KIV_TRUST_NONE), nullptr);
     ASSERT_EQ(kiv_parameters_new(&newP), 0);
     const Parameters empty(newP);
     EXPECT_EQ(kiv_sensor_new(empty.get(), &newS), 551);
@@ -510,8 +694,12 @@ TEST(CSurface, SurvivesEveryRefusedAllocation) {
     const double d[] = {1, 1, 0};
     kiv_result first, again;
     ASSERT_EQ(kiv_sensor_update(s, &reading, &first), 0);
+    kiv_trust trust;
+    kiv_uncertainty uncertainty;
+    ASSERT_EQ(kiv_sensor_judge_many(s, &reading, 0, &first, nullptr, nullptr, &trust, &uncertainty),
+              0);
     const auto calls = allocationCount();
-    ASSERT_EQ(kiv_sensor_update(s, &reading, &first), 0);
+    ASSERT_EQ(kiv_sensor_judge(s, &reading, &first, &trust, &uncertainty), 0);
     EXPECT_EQ(allocationCount(), calls);
 
     const auto made = [](auto* handle, int code) {
@@ -542,6 +730,11 @@ TEST(CSurface, SurvivesEveryRefusedAllocation) {
          }},
         {"azimuth", [&] { return kiv_sensor_set_azimuth_table(s, rows.data(), 800); }},
         {"tilt", [&] { return kiv_sensor_set_tilt_y_table(s, rows.data(), 800); }},
+        {"judge",
+         [&] {
+             kiv_sensor_clear_uncertainties(s);
+             return kiv_sensor_judge(s, &reading, &again, &trust, &uncertainty);
+         }},
         {"capture", [&] { return kiv_sensor_capture_reference(s, &reading); }},
         {"home", [&] { return kiv_home_angles(d, d, d, d, &h, &v); }},
         {"rewrite", [&] { return kiv_parameters_rewrite(p, target.c_str()); }},

@@ -1,7 +1,7 @@
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 #include "host/tables/Numbers.h"
-#include "host/tables/SourceNames.h"
+#include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {
 
@@ -22,9 +22,9 @@ void appendRow(std::string& html, std::string_view heading, const std::string& i
 // Those that are uncertain and that the angles can depend on.
 void appendInputs(std::string& html, const ReportContent& content) {
     const Uncertainties& given = *content.uncertainties;
-    for (const SourceName& name : sourceNames) {
+    for (const UncertaintyName& name : uncertaintyNames) {
         const Source first = *name.sources[0];
-        if (given[first] == 0 || !reads(content.mountMode, first)
+        if (given[first] == 0 || !reads(principleOf(content.mountMode), first)
             || (ofVector(first) && name.bySight != given.bySight))
             continue;
         AngleTriple shares{};

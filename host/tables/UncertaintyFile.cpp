@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <istream>
 #include <iterator>
-#include <optional>
 #include <ostream>
 #include <string_view>
 #include <utility>
@@ -13,8 +12,8 @@
 
 #include "host/Files.h"
 #include "host/tables/Numbers.h"
-#include "host/tables/SourceNames.h"
 #include "params/Quoted.h"
+#include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {
 
@@ -37,25 +36,10 @@ public:
         if (!parse())
             return false;
         bool good = true;
-        const Entry* vector = nullptr; // the first entry of it
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const Entry& entry = entries[i];
-            const SourceName* name = known(entry, i, mode);
-            if (!name || !entryIsNumber(entry)) {
-                good = false;
-                continue;
-            }
-            if (ofVector(*name->sources[0])) {
-                if (vector && name->bySight != uncertainties.bySight)
-                    good = report(entry.place, "x, y and z, or vector_along and vector_across",
-                                  kiv::quoted(vector->name) + " and " + kiv::quoted(entry.name));
-                vector = vector ? vector : &entry;
-                uncertainties.bySight = name->bySight;
-            }
-            for (const std::optional<Source>& source : name->sources)
-                if (source)
-                    uncertainties[*source] = entry.value.get<double>();
-        }
+        NamedUncertainties given;
+        for (std::size_t i = 0; i < entries.size(); ++i)
+            good = take(i, mode, given) && good;
+        uncertainties = given.values();
         return good;
     }
 
@@ -89,39 +73,33 @@ private:
         return byte == 0 || byte > text.size() ? "the end" : kiv::quoted(text.substr(byte - 1, 1));
     }
 
-    const SourceName* known(const Entry& entry, std::size_t i, int mode) const {
-        const auto name =
-            std::find_if(sourceNames.begin(), sourceNames.end(),
-                         [&](const SourceName& each) { return each.key == entry.name; });
-        if (name == sourceNames.end()) {
+    bool take(std::size_t i, int mode, NamedUncertainties& given) {
+        const Entry& entry = entries[i];
+        const double number = entry.value.is_number() ? entry.value.get<double>() : -1;
+        const UncertaintyFault fault = given.give(principleOf(mode), entry.name, number);
+        const std::string found = kiv::quoted(entry.name);
+        if (fault == UncertaintyFault::name) {
             std::string all;
-            for (const SourceName& each : sourceNames)
-                all.append(all.empty() ? "one of " : ", ").append(each.key);
-            report(entry.place, all, kiv::quoted(entry.name));
-            return nullptr;
+            for (const UncertaintyName& each : uncertaintyNames)
+                all.append(all.empty() ? "one of " : ", ").append(each.text);
+            return report(entry.place, all, found);
         }
-        if (!reads(mode, *name->sources[0])) {
-            report(entry.place, "what mount mode " + std::to_string(mode) + " reads",
-                   kiv::quoted(entry.name));
-            return nullptr;
-        }
-        const auto same = [&](const Entry& each) { return each.name == entry.name; };
+        if (fault == UncertaintyFault::unread)
+            return report(entry.place, "what mount mode " + std::to_string(mode) + " reads", found);
         const auto before = entries.begin() + static_cast<std::ptrdiff_t>(i);
-        if (std::any_of(entries.begin(), before, same)) {
-            report(entry.place, "each name once", kiv::quoted(entry.name) + " again");
-            return nullptr;
+        const auto same = [&](const Entry& each) { return each.name == entry.name; };
+        if (std::any_of(entries.begin(), before, same))
+            return report(entry.place, "each name once", found + " again");
+        if (fault == UncertaintyFault::value) {
+            const std::size_t colon = text.find(':', entry.place + entry.name.size());
+            return report(text.find_first_not_of(" \t\r\n", colon + 1),
+                          "a number from 0 to 1e6 for " + found,
+                          entry.value.is_null() ? "another value" : entry.value.dump());
         }
-        return &*name;
-    }
-
-    bool entryIsNumber(const Entry& entry) const {
-        if (entry.value.is_number() && entry.value.get<double>() >= 0
-            && entry.value.get<double>() <= largestDeviation)
-            return true;
-        const std::size_t colon = text.find(':', entry.place + entry.name.size());
-        const std::size_t value = text.find_first_not_of(" \t\r\n", colon + 1);
-        return report(value, "a number from 0 to 1e6 for " + kiv::quoted(entry.name),
-                      entry.value.is_null() ? "another value" : entry.value.dump());
+        if (fault == UncertaintyFault::vector)
+            return report(entry.place, "x, y and z, or vector_along and vector_across",
+                          kiv::quoted(given.firstOfVector()) + " and " + found);
+        return true;
     }
 
     // At a byte of the text; always false.

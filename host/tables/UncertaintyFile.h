@@ -7,9 +7,6 @@
 
 namespace kiv::host {
 
-// Of any reading, in its unit.
-inline constexpr double largestDeviation = 1e6;
-
 // Reads standard uncertainties from a JSON object of names and numbers, - standing for standard
 // input. False, and messages with their places, where it cannot be used with a mount mode.
 bool readUncertainties(const std::string& file, int mountMode, Uncertainties& uncertainties,

@@ -14,11 +14,20 @@
 """
 
 from . import _library
-from ._columns import State
+from ._columns import State, Trust
 from .errors import Error, Fault, ParameterFileError, ReadingsError
 from .parameters import Parameters
 from .sensor import Sensor
 
 __version__ = _library.version()
 
-__all__ = ["Error", "Fault", "ParameterFileError", "Parameters", "ReadingsError", "Sensor", "State"]
+__all__ = [
+    "Error",
+    "Fault",
+    "ParameterFileError",
+    "Parameters",
+    "ReadingsError",
+    "Sensor",
+    "State",
+    "Trust",
+]

@@ -6,7 +6,7 @@ import enum
 import numbers
 import sys
 from collections.abc import Mapping
-from typing import Any, Dict, Optional
+from typing import Any, Dict, Optional, Type
 
 import numpy as np
 from numpy.typing import NDArray
@@ -49,6 +49,19 @@ def _record(fields: Mapping[str, tuple[str, int]], size: int) -> np.dtype[np.voi
 
 READING = _record(_reading_fields, 52)
 RESULT = _record({"state": ("u1", 0), **_corrected, **_angles, **_qvc}, 48)
+TRUST = _record({"trust": ("i4", 0), "model_error_deg": ("f4", 4)}, 8)
+_axes = {"rx": 0, "ry": 4, "rz": 8}
+UNCERTAINTY = {
+    False: _record({f"u_{axis}_deg": ("f4", at) for axis, at in _axes.items()}, 36),
+    True: _record(  # with those of the reference
+        {
+            f"u{of}_{axis}_deg": ("f4", start + at)
+            for of, start in (("", 0), ("_reference", 24))
+            for axis, at in _axes.items()
+        },
+        36,
+    ),
+}
 MATRIX = [f"m{row}{column}" for row in range(3) for column in range(3)]
 
 
@@ -61,6 +74,22 @@ class State(enum.IntEnum):
     REFERENCE = 3  # this reading became the reference
     NO_ORIENTATION = 4  # the model has none for it
     REFUSED = 5  # a value is missing or not finite, or the vector is zero
+
+
+class Trust(enum.IntEnum):
+    """Whether a reading's angles can be trusted, as kiv run's column trust says it."""
+
+    NONE = -1  # there are no angles
+    GOOD = 0  # none of what follows
+    OUTSIDE_LIMITS = 1  # a tilt outside its table or the parameters' limits
+    SEAM = 2  # two levels, with angles from both sides of 180 degrees
+    LEVELS_DISAGREE = 3  # the two levels show different rolls
+    MIRROR_NEAR = 4  # the mirrored solution is within the limits, too
+    TWO_SIGNS = 5  # dual level: z and level y differ in sign
+    NEAR_LEVEL_SIGHT = 6  # pendulum: z is so close to 0 that digits cancel
+    ROLL_UNSEEN = 7  # the roll about the line of sight hardly shows in the level
+    NOT_SETTLED = 8  # the result does not show its level's reading again
+    REFERENCE = 9  # local frame: the reference was not good
 
 
 def is_frame(values: object) -> bool:
@@ -149,18 +178,24 @@ class Readings:
 class Results:
     """The records of n results, and the columns over them; NaN where kiv run leaves a cell empty."""
 
-    def __init__(self, n: int, matrices: bool, mode: int) -> None:
+    def __init__(
+        self, n: int, matrices: bool, trust: bool, uncertainties: bool, mode: int, local: bool
+    ) -> None:
         self._three_vectors = mode >= 7
         self._states = np.empty(n, np.uint8)
         self._records = np.empty(n, RESULT)
         self._matrices = np.empty((n, 9)) if matrices else None
+        self._trust = np.empty(n, TRUST) if trust else None
+        record = UNCERTAINTY[local and not self._three_vectors]
+        self._uncertainties = np.empty(n, record) if uncertainties else None
 
     def update(self, sensor: _library.Sensor, readings: Array, start: int) -> None:
         """With the results of these readings, the rows from start on."""
+        arrays = self._records, self._matrices, self._states, self._trust, self._uncertainties
         rows = slice(start, start + len(readings))
-        records, states = self._records[rows], self._states[rows]
-        matrices = None if self._matrices is None else self._matrices[rows]
-        sensor.update(readings, records, matrices, states)
+        parts = [None if array is None else array[rows] for array in arrays]
+        sensor.judge(readings, *parts)
+        records, matrices, states = self._records[rows], parts[1], self._states[rows]
 
         others = np.flatnonzero(states != State.OK)
         became = states[others]
@@ -179,21 +214,32 @@ class Results:
 
     def table(self, like: Any) -> Any:
         """Of the kind of the readings."""
-        columns: Dict[str, Any] = {name: self._records[name] for name in RESULT.names or ()}
+        columns = _columns_of(self._records)
         if self._matrices is not None:
             columns.update(zip(MATRIX, self._matrices.T))
+        for further in (self._trust, self._uncertainties):
+            columns.update({} if further is None else _columns_of(further))
         if is_frame(like):
-            pandas = sys.modules["pandas"]
-            words = [state.name.lower() for state in State]
-            columns["state"] = pandas.Categorical.from_codes(self._states.view(np.int8), words)
-            return pandas.DataFrame(columns, index=like.index, copy=False)
+            columns["state"] = _words(self._states.view(np.int8), State)
+            if self._trust is not None:
+                columns["trust"] = _words(columns["trust"], Trust)
+            return sys.modules["pandas"].DataFrame(columns, index=like.index, copy=False)
         columns["state"] = self._states
         if isinstance(like, Mapping):
             return columns
-        if self._matrices is None:
+        if len(columns) == len(RESULT.names or ()):
             return self._records
-        types = [(name, values.dtype) for name, values in columns.items()]
-        table = np.empty(len(self._records), types)
+        table = np.empty(len(self._records), [(name, a.dtype) for name, a in columns.items()])
         for name, values in columns.items():
             table[name] = values
         return table
+
+
+def _columns_of(records: Array) -> Dict[str, Any]:
+    return {name: records[name] for name in records.dtype.names or ()}
+
+
+def _words(codes: Array, names: Type[enum.IntEnum]) -> Any:
+    """A categorical of pandas; -1 is none."""
+    words = [each.name.lower() for each in names if each >= 0]
+    return sys.modules["pandas"].Categorical.from_codes(codes, words)

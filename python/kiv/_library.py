@@ -6,7 +6,7 @@ import ctypes
 import os
 import sys
 import weakref
-from ctypes import byref, c_bool, c_char_p, c_int, c_int32, c_int64, c_size_t, c_void_p
+from ctypes import byref, c_bool, c_char_p, c_double, c_int, c_int32, c_int64, c_size_t, c_void_p
 from typing import Any, Callable, List, Optional, Tuple
 
 import numpy as np
@@ -14,7 +14,7 @@ from numpy.typing import NDArray
 
 from .errors import Error, Fault
 
-NO_MEMORY, CANNOT_OPEN, BAD_FORMAT = 21, 550, 553
+BAD_ARGUMENT, NO_MEMORY, CANNOT_OPEN, BAD_FORMAT = 20, 21, 550, 553
 LOCAL, MACHINE = 0, 1
 INTEGER, WORD, NUMBERS, MATRIX, ENCODER_TABLE, TILT_TABLE = range(6)
 
@@ -52,6 +52,14 @@ def _decoded(text: Optional[bytes]) -> str:
 _status_text = _text("kiv_status_text", c_int)
 version = _text("kiv_version")
 block_name = _text("kiv_block_name", c_size_t)
+uncertainty_name = _text("kiv_uncertainty_name", c_size_t)
+
+
+def names(name_of: Callable[[int], Optional[str]]) -> Tuple[str, ...]:
+    found: List[str] = []
+    while (name := name_of(len(found))) is not None:
+        found.append(name)
+    return tuple(found)
 
 
 def check(code: int) -> None:
@@ -96,7 +104,8 @@ _sensor_copy = _called("kiv_sensor_copy", _P, _P)
 _sensor_set_frame = _called("kiv_sensor_set_frame", _P, c_int)
 _sensor_frame = _called("kiv_sensor_frame", _P, _P)
 _sensor_mount_mode = _called("kiv_sensor_mount_mode", _P, _P)
-_sensor_update_many = _called("kiv_sensor_update_many", _P, _P, c_size_t, _P, _P, _P)
+_sensor_set_uncertainty = _asked("kiv_sensor_set_uncertainty", _P, c_char_p, c_double)
+_sensor_judge_many = _called("kiv_sensor_judge_many", _P, _P, c_size_t, _P, _P, _P, _P, _P)
 _sensor_has_reference = _called("kiv_sensor_has_reference", _P, _P)
 _sensor_reference_reading = _called("kiv_sensor_reference_reading", _P, _P)
 _sensor_reference_index = _called("kiv_sensor_reference_index", _P, _P)
@@ -214,9 +223,10 @@ class Sensor(_Handle):
     def capture_reference(self, record: Array) -> None:
         _sensor_capture_reference(self.pointer, _pointer(record))
 
-    def update(
-        self, readings: Array, results: Array, matrices: Optional[Array], states: Array
-    ) -> None:
-        """As many as there are readings; the interpreter lock is free meanwhile."""
-        pointers = _pointer(results), _pointer(matrices), _pointer(states)
-        _sensor_update_many(self.pointer, _pointer(readings), len(readings), *pointers)
+    def set_uncertainty(self, name: bytes, value: float) -> int:
+        return _sensor_set_uncertainty(self.pointer, name, value)
+
+    def judge(self, readings: Array, *results: Optional[Array]) -> None:
+        """Results, matrices, states, trust, uncertainties; the interpreter lock is free meanwhile."""
+        pointers = [_pointer(array) for array in results]
+        _sensor_judge_many(self.pointer, _pointer(readings), len(readings), *pointers)

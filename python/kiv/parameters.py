@@ -4,20 +4,13 @@ from __future__ import annotations
 
 import errno
 import os
-from typing import Any, Callable, Dict, List, Tuple, Union
+from typing import Any, Callable, Dict, Tuple, Union
 
 import numpy as np
 from numpy.typing import NDArray
 
 from . import _library
 from .errors import Error, ParameterFileError
-
-
-def _names() -> Tuple[str, ...]:
-    names: List[str] = []
-    while (name := _library.block_name(len(names))) is not None:
-        names.append(name)
-    return tuple(names)
 
 
 def _path_bytes(path: Union[str, bytes, os.PathLike[Any]]) -> bytes:
@@ -45,7 +38,7 @@ class Parameters:
     (41, 2)
     """
 
-    blocks: Tuple[str, ...] = _names()
+    blocks: Tuple[str, ...] = _library.names(_library.block_name)
     """The names of the blocks, in the order of the file."""
 
     def __init__(self, path: Union[str, bytes, os.PathLike[Any]]) -> None:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import numbers
 import threading
 from typing import TYPE_CHECKING, Any, Callable, Dict, Mapping, Optional, Tuple, Union, overload
 
@@ -15,6 +16,7 @@ if TYPE_CHECKING:
     from pandas import DataFrame
 
 _FRAMES = {"local": _library.LOCAL, "machine": _library.MACHINE}
+_UNCERTAINTIES = _library.names(_library.uncertainty_name)
 _PART = 1 << 14  # rows of readings at a time: they stay in the processor's cache
 
 
@@ -23,6 +25,13 @@ class Sensor:
 
     frame: of the angles; "machine", those of the sensor in machine coordinates, or "local", those
     of its motion since the reference orientation. Mount modes 7 and above know no frames.
+
+    uncertainties: where the angles' are wanted, standard uncertainties (one standard deviation) of
+    readings and parameters, by the names of ``kiv run --uncertainties``: x, y, z of the vector, or
+    vector_along and vector_across the line of sight, azimuth_deg, elevation_deg, level_x, level_y,
+    temperature, azimuth_offset_deg, elevation_offset_deg, tilt_offset_x_deg, tilt_offset_y_deg; from
+    0 to 1e6 in the units of the readings. Those that are not given are 0, exactly known. ValueError
+    for another name, for what the mount mode does not read and for the vector in both ways.
 
     The first reading that qualifies becomes the reference orientation and yields no angles. A copy
     (module copy) and a pickle have the reference with them.
@@ -37,9 +46,18 @@ class Sensor:
     [1999, 1]
     >>> [round(float(angle), 4) for angle in results.loc[1, ["rx_deg", "ry_deg", "rz_deg"]]]
     [-2.8215, 3.8208, 3.7047]
+    >>> sensor = Sensor(Parameters("Tg5.prm"), uncertainties={"azimuth_deg": 0.001, "level_y": 0.002})
+    >>> results = sensor.run(pandas.read_csv("readings.csv"))
+    >>> results.trust[1], round(float(results.u_rz_deg[1]), 4)
+    ('good', 0.001)
     """
 
-    def __init__(self, parameters: Parameters, frame: str = "machine") -> None:
+    def __init__(
+        self,
+        parameters: Parameters,
+        frame: str = "machine",
+        uncertainties: Optional[Mapping[str, float]] = None,
+    ) -> None:
         if not isinstance(parameters, Parameters):
             raise TypeError(
                 f"parameters: expected kiv.Parameters, found {type(parameters).__name__}"
@@ -47,7 +65,31 @@ class Sensor:
         self._parameters = parameters
         self._handle = _library.Sensor.new(parameters._handle)
         self._run = threading.Lock()
+        self._uncertainties = None if uncertainties is None else dict(uncertainties)
+        for name, value in (uncertainties or {}).items():
+            self._set_uncertainty(name, value)
         self.frame = frame
+
+    def _set_uncertainty(self, name: str, value: float) -> None:
+        if name not in _UNCERTAINTIES:
+            raise ValueError(
+                f"uncertainties: expected one of {', '.join(_UNCERTAINTIES)}, found {name!r}"
+            )
+        code = _library.BAD_ARGUMENT
+        if isinstance(value, numbers.Real):
+            code = self._handle.set_uncertainty(name.encode(), value)
+        if code == _library.BAD_ARGUMENT:
+            raise ValueError(
+                f"uncertainties: expected numbers from 0 to 1e6 for what mount mode "
+                f"{self.mount_mode} reads, of the vector x, y and z or vector_along and "
+                f"vector_across, found {name!r}: {value!r}"
+            )
+        _library.check(code)
+
+    @property
+    def uncertainties(self) -> Optional[Dict[str, float]]:
+        """As they were given; None where they were not."""
+        return None if self._uncertainties is None else dict(self._uncertainties)
 
     @property
     def parameters(self) -> Parameters:
@@ -105,17 +147,21 @@ class Sensor:
         return record
 
     @overload
-    def run(self, readings: NDArray[np.void], matrices: bool = False) -> NDArray[np.void]: ...
+    def run(
+        self, readings: NDArray[np.void], matrices: bool = False, trust: bool = True
+    ) -> NDArray[np.void]: ...
 
     @overload
     def run(
-        self, readings: Mapping[str, ArrayLike], matrices: bool = False
+        self, readings: Mapping[str, ArrayLike], matrices: bool = False, trust: bool = True
     ) -> Dict[str, NDArray[Any]]: ...
 
     @overload
-    def run(self, readings: DataFrame, matrices: bool = False) -> DataFrame: ...
+    def run(
+        self, readings: DataFrame, matrices: bool = False, trust: bool = True
+    ) -> DataFrame: ...
 
-    def run(self, readings: Any, matrices: bool = False) -> Any:
+    def run(self, readings: Any, matrices: bool = False, trust: bool = True) -> Any:
         """Orientations of n readings, in the order in which they were measured.
 
         readings: a dict of arrays, a structured array or a DataFrame, n rows with numbers in the
@@ -141,6 +187,14 @@ class Sensor:
           Rz Ry Rx
         - qvc_x, qvc_y, qvc_z: the QVC vector of mount modes 7 and above
         - with matrices, m00 to m22: the rotation matrix of mount modes 1 to 6, row by row
+        - with trust, trust: in a frame a categorical of the words of ``kiv run``, good or the first
+          reason why the angles cannot be trusted like others; else the numbers of kiv.Trust
+        - with trust, model_error_deg: bound of the model's own error of the largest of the angles,
+          degrees
+        - with the sensor's uncertainties, u_rx_deg, u_ry_deg, u_rz_deg: standard uncertainties of the
+          angles, degrees
+        - and in the local frame, u_reference_rx_deg, u_reference_ry_deg, u_reference_rz_deg: from the
+          readings of the reference, which all rows have in common; not contained in u_rx_deg, ...
 
         in single, the matrix in double precision; NaN where there is none. A row with a value that
         is missing (NaN, masked) or not finite in single precision is refused and never reaches the
@@ -150,7 +204,14 @@ class Sensor:
         The arrays of a dict and the columns of a frame are views of common records.
         """
         given = _columns.Readings("readings", readings)
-        results = _columns.Results(given.count, matrices, self.mount_mode)
+        results = _columns.Results(
+            given.count,
+            matrices,
+            trust,
+            self._uncertainties is not None,
+            self.mount_mode,
+            self.frame == "local",
+        )
         part = np.zeros(min(given.count, _PART), _columns.READING)
         with self._run:
             for start in range(0, given.count, _PART):
@@ -163,24 +224,30 @@ class Sensor:
         made = Sensor.__new__(Sensor)
         made._parameters = self._parameters
         made._handle = self._handle.copy()
+        made._uncertainties = self._uncertainties
         made._run = threading.Lock()
         return made
 
     def __deepcopy__(self, memo: Dict[int, Any]) -> Sensor:
         return self.__copy__()
 
-    def __reduce__(self) -> Tuple[Callable[..., Sensor], Tuple[Parameters, str, Optional[bytes]]]:
+    def __reduce__(self) -> Tuple[Callable[..., Sensor], Tuple[Any, ...]]:
         record = self._reference_record()
         reference = None if record is None else record.tobytes()
-        return _restored, (self._parameters, self.frame, reference)
+        return _restored, (self._parameters, self.frame, self._uncertainties, reference)
 
     def __repr__(self) -> str:
         has = "with a" if self._handle.has_reference() else "without a"
         return f"<kiv.Sensor, mount mode {self.mount_mode}, {self.frame} frame, {has} reference>"
 
 
-def _restored(parameters: Parameters, frame: str, reference: Optional[bytes]) -> Sensor:
-    sensor = Sensor(parameters, frame)
+def _restored(
+    parameters: Parameters,
+    frame: str,
+    uncertainties: Optional[Mapping[str, float]],
+    reference: Optional[bytes],
+) -> Sensor:
+    sensor = Sensor(parameters, frame, uncertainties)
     if reference is not None:
         sensor._handle.capture_reference(np.frombuffer(reference, _columns.READING).copy())
     return sensor

@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/CKivPrm.h"
 #include "c/Boundary.h"
+#include "c/Judge.h"
 #include "params/Document.h"
 #include "params/Finding.h"
 
@@ -38,11 +40,12 @@ struct kiv_sensor {
     std::int64_t given = 0; // readings so far
     std::int64_t referenceIndex = -1;
     KIV_RAWINFO reference{};
+    std::optional<kiv::c::Judge> judge; // since the sensor was configured
 
 private:
     kiv_sensor(const kiv_sensor& other, const std::lock_guard<std::mutex>&)
         : sensor(other.sensor), given(other.given), referenceIndex(other.referenceIndex),
-          reference(other.reference) {}
+          reference(other.reference), judge(other.judge) {}
 };
 
 namespace kiv::c {

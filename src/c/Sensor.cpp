@@ -17,10 +17,15 @@ int kiv_sensor_new(const kiv_parameters* parameters, kiv_sensor** out) {
         return KIV_STATUS_NOT_LOADED;
     return guarded([=]() -> int {
         auto made = std::make_unique<kiv_sensor>();
-        const int code = configureSensor(made->sensor, parameters->file->record);
-        if (code == KIV_STATUS_OK)
-            *out = made.release();
-        return code;
+        CKivPrm& record = parameters->file->record;
+        const int code = configureSensor(made->sensor, record);
+        if (code != KIV_STATUS_OK)
+            return code;
+        F_VECTOR4 levelLimits{};
+        record.GetKIVLevelLimits(levelLimits);
+        made->judge.emplace(made->sensor, levelLimits);
+        *out = made.release();
+        return KIV_STATUS_OK;
     });
 }
 
@@ -73,6 +78,7 @@ int kiv_sensor_capture_reference(kiv_sensor* sensor, const kiv_reading* reading)
         SensorAccess::takeReference(sensor->sensor, trial);
         sensor->reference = raw;
         sensor->referenceIndex = -1;
+        sensor->judge->captured(trial, raw, info);
         return KIV_STATUS_OK;
     });
 }

@@ -13,7 +13,12 @@ namespace {
 // set gives a code, for the sensor itself.
 template <typename Set>
 int change(kiv_sensor* sensor, bool argumentsFit, Set set) {
-    return locked(sensor, argumentsFit, [&] { return set(sensor->sensor); });
+    return locked(sensor, argumentsFit, [&] {
+        const int code = set(sensor->sensor);
+        if (code == KIV_STATUS_OK)
+            sensor->judge->configure(sensor->sensor);
+        return code;
+    });
 }
 
 template <typename Ask>

@@ -8,7 +8,6 @@
 #include "KIVInterface/CKivPolarizer.h"
 #include "KIVInterface/CKivThreeVec.h"
 #include "KIVInterface/CKivThreeVec2Level.h"
-#include "support/MountMode.h"
 
 namespace kiv {
 
@@ -48,6 +47,15 @@ std::unique_ptr<CKivModel> createModel(int mountMode) {
     std::unique_ptr<CKivModel> model = modelOf(principleOf(mountMode));
     model->set_iMMode(parityOf(mountMode));
     return model;
+}
+
+Principle principleOf(const CKivModel& model) {
+    const std::type_info& type = typeid(model);
+    return type == typeid(CKivDualLevel)        ? Principle::dualLevel
+           : type == typeid(CKivPolarizer)      ? Principle::polarizer
+           : type == typeid(CKivThreeVec)       ? Principle::threeVectors
+           : type == typeid(CKivThreeVec2Level) ? Principle::twoLevels
+                                                : Principle::pendulum;
 }
 
 std::unique_ptr<CKivModel> copyOf(const CKivModel& model) {

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <limits>
 
+#include "models/ModelFactory.h"
 #include "sensor/SensorAccess.h"
 #include "sensor/Update.h"
 #include "support/AngleConstants.h"
-#include "support/MountMode.h"
 #include "support/ZelUtil.h"
 #include "uncertainty/MatrixAngles.h"
 
@@ -37,12 +37,6 @@ void addScaled(AngleTriple& sum, const AngleTriple& values, double factor) {
 
 } // namespace
 
-bool reads(int mountMode, Source source) {
-    const Principle principle = principleOf(mountMode);
-    return (source != Source::levelX && source != Source::tiltOffsetX)
-           || principle == Principle::dualLevel || principle == Principle::twoLevels;
-}
-
 // The measured direction, and across it to the left and upwards.
 struct Propagation::Sight {
     explicit Sight(const KIV_RAWINFO& raw) : temperature(raw.temperature) {
@@ -63,8 +57,9 @@ struct Propagation::Sight {
 };
 
 Propagation::Propagation(const CKiv& sensor, const Uncertainties& uncertainties)
-    : work(sensor), given(uncertainties), mode(SensorAccess::mountMode(sensor)),
-      local(!reportsOwnMatrix(mode) && !SensorAccess::inMachineFrame(sensor)) {
+    : work(sensor), given(uncertainties), principle(principleOf(*SensorAccess::model(sensor))),
+      ownMatrix(reportsOwnMatrix(SensorAccess::mountMode(sensor))),
+      local(!ownMatrix && !SensorAccess::inMachineFrame(sensor)) {
     std::copy_n(SensorAccess::thermalFactor(sensor), 4, thermalFactor);
     std::copy_n(SensorAccess::localMatrix(sensor), 9, localMatrix);
 }
@@ -82,8 +77,7 @@ bool Propagation::update(const KIV_RAWINFO& raw, Moved& out) {
     out.level[0] = info.levelX;
     out.level[1] = info.levelY;
     const double* transform = SensorAccess::transform(work);
-    matrixAngles(reportsOwnMatrix(mode) ? transform : SensorAccess::result(work), local,
-                 out.angles);
+    matrixAngles(ownMatrix ? transform : SensorAccess::result(work), local, out.angles);
     if (local)
         std::copy_n(transform, 9, out.matrix);
     return true;
@@ -153,7 +147,7 @@ bool Propagation::slopesAt(const KIV_RAWINFO& raw, const Sight& sight) {
          std::hypot(given[Source::azimuth], given[Source::azimuthOffset])},
         {el, true, &KIV_RAWINFO::elevationRaw,
          std::hypot(given[Source::elevation], given[Source::elevationOffset])},
-        {lx, reads(mode, Source::levelX), &KIV_RAWINFO::levelXRaw,
+        {lx, reads(principle, Source::levelX), &KIV_RAWINFO::levelXRaw,
          std::hypot(given[Source::levelX], given[Source::tiltOffsetX])},
         {ly, true, &KIV_RAWINFO::levelYRaw,
          std::hypot(given[Source::levelY], given[Source::tiltOffsetY])},
@@ -181,7 +175,7 @@ bool Propagation::slopesAt(const KIV_RAWINFO& raw, const Sight& sight) {
 AngleTriple Propagation::part(Source source, const Sight& sight, AngleTriple Slope::*what) const {
     AngleTriple sum{};
     const double size = given[source];
-    if (size == 0 || !reads(mode, source))
+    if (size == 0 || !reads(principle, source))
         return sum;
     const auto add = [&](Channel channel, double factor) {
         addScaled(sum, slopes[channel].*what, factor * size);
@@ -291,6 +285,7 @@ void Propagation::addReference(const double* result, AngleUncertainty& out) cons
 
 void Propagation::captured(const CKiv& sensor, const KIV_RAWINFO& raw) {
     SensorAccess::takeReference(work, sensor);
+    referenceTurn = {};
     const Sight sight(raw);
     if (!local || !slopesAt(raw, sight))
         return;

@@ -26,7 +26,7 @@ struct AngleUncertainty {
 // where that is more. Works on a copy of the sensor and allocates nothing after construction.
 class Propagation {
 public:
-    // Of the sensor as it is configured now.
+    // Of a sensor with a model, as it is configured now.
     Propagation(const CKiv& sensor, const Uncertainties& uncertainties);
 
     // After the update that captured the reference.
@@ -61,7 +61,8 @@ private:
 
     CKiv work;
     Uncertainties given;
-    int mode;
+    Principle principle;
+    bool ownMatrix;
     bool local;
     float thermalFactor[4];
     double localMatrix[9];

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "models/ModelFactory.h"
 #include "sensor/SensorAccess.h"
 #include "support/AngleConstants.h"
-#include "support/MountMode.h"
 #include "uncertainty/RollCheck.h"
 
 namespace kiv {
@@ -65,12 +65,13 @@ TrustJudge::Axis TrustJudge::levelAxis(const float* parameters) {
 }
 
 TrustJudge::TrustJudge(const CKiv& sensor, const F_VECTOR4& levelLimits)
-    : mode(SensorAccess::mountMode(sensor)), readsLevelX(false), up(1),
+    : principle(principleOf(*SensorAccess::model(sensor))), readsLevelX(false), up(1),
       azimuthOffset(SensorAccess::encoderOffset(sensor)[0]), azimuthGain(1),
       sightAcross(0), axes{}, limits{levelLimits.x, levelLimits.y, levelLimits.z, levelLimits.w} {
-    const float* factors = SensorAccess::scaleFactors(sensor);
-    const double sense = parityOf(mode) == 1 ? -1 : 1;
-    switch (principleOf(mode)) {
+    const CKivModel& model = *SensorAccess::model(sensor);
+    const float* factors = ModelAccess::factorsOf(model);
+    const double sense = ModelAccess::parityOf(model) == 1 ? -1 : 1;
+    switch (principle) {
     case Principle::dualLevel:
         axes[0] = {0, 1, 0, 0, degToRad};
         readsLevelX = true;
@@ -89,9 +90,9 @@ TrustJudge::TrustJudge(const CKiv& sensor, const F_VECTOR4& levelLimits)
         break;
     case Principle::threeVectors:
     case Principle::twoLevels:
-        axes[0] = levelAxis(SensorAccess::level1Parameters(sensor));
-        axes[1] = levelAxis(SensorAccess::level2Parameters(sensor));
-        readsLevelX = principleOf(mode) == Principle::twoLevels;
+        axes[0] = levelAxis(ModelAccess::level1Of(model));
+        axes[1] = levelAxis(ModelAccess::level2Of(model));
+        readsLevelX = principle == Principle::twoLevels;
         up = sense;
         break;
     }
@@ -103,6 +104,12 @@ TrustJudge::TrustJudge(const CKiv& sensor, const F_VECTOR4& levelLimits)
     if (!usable(limits[2], limits[3]))
         most = usualLimit;
     lowestUp = std::cos(std::min(most, 90.0) * degToRad);
+}
+
+void TrustJudge::configure(const CKiv& sensor) {
+    const RowTrust reference = ofReference;
+    *this = TrustJudge(sensor, {limits[0], limits[1], limits[2], limits[3]});
+    ofReference = reference;
 }
 
 bool TrustJudge::outside(const CKiv& sensor, const KIV_RAWINFO& raw, const KIV_INFO& info) const {
@@ -147,7 +154,6 @@ RowTrust TrustJudge::polarizer(const Sight& sight) const {
 RowTrust TrustJudge::oneLevel(const Sight& sight, const KIV_INFO& info) const {
     const Roll roll = rollOf(sight, axes[0], info.levelY);
     double error = roll.error + roll.rounding;
-    const Principle principle = principleOf(mode);
     if (principle == Principle::pendulum) {
         // Close to z = 0 the transverse axis is not where it should be to the line of sight.
         const double* m = sight.m;
@@ -219,7 +225,6 @@ RowTrust TrustJudge::ofModel(const CKiv& sensor, const KIV_RAWINFO& raw,
     sight.azimuthRounding = encoderRoundings * std::abs(info.azimuth * azimuthGain);
     sight.sightRounding = encoderRoundings * std::abs(info.elevation) + directionRounding;
 
-    const Principle principle = principleOf(mode);
     RowTrust row = principle == Principle::polarizer   ? polarizer(sight)
                    : principle == Principle::twoLevels ? twoLevels(sight, sensor, raw, info)
                                                        : oneLevel(sight, info);
@@ -236,7 +241,7 @@ RowTrust TrustJudge::judge(const CKiv& sensor, const KIV_RAWINFO& raw, const KIV
         ofReference = row;
         return row;
     }
-    const bool own = reportsOwnMatrix(mode);
+    const bool own = reportsOwnMatrix(SensorAccess::mountMode(sensor));
     const bool local = !own && !SensorAccess::inMachineFrame(sensor);
     if (local) {
         row.modelError += ofReference.modelError;

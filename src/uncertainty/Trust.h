@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "KIVInterface/CKiv.h"
+#include "support/MountMode.h"
 
 namespace kiv {
 
@@ -41,9 +42,12 @@ struct RowTrust {
 // update; changes nothing, allocates nothing.
 class TrustJudge {
 public:
-    // Limits as CKivPrm::GetKIVLevelLimits gives them, degrees; a pair of which the first is not
-    // below the second does not count.
+    // Of a sensor with a model. Limits as CKivPrm::GetKIVLevelLimits gives them, degrees; a pair of
+    // which the first is not below the second does not count.
     TrustJudge(const CKiv& sensor, const F_VECTOR4& levelLimits);
+
+    // Reads the sensor's calibration values again; the reference stays as it was judged.
+    void configure(const CKiv& sensor);
 
     // Of an update of the sensor that gave an orientation or became the reference. The reference's
     // own error counts for all later rows in the local frame.
@@ -68,7 +72,7 @@ private:
     RowTrust twoLevels(const Sight& sight, const CKiv& sensor, const KIV_RAWINFO& raw,
                        const KIV_INFO& info) const;
 
-    int mode;
+    Principle principle;
     bool readsLevelX;
     double up;            // the height of the sensor's z axis when it is level: 1 or -1
     double lowestUp;      // the least of that height, with up's sign, within the limits

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 
+#include "support/MountMode.h"
+
 namespace kiv {
 
 // What the angles' uncertainty comes from. The vector's three are those of x, y and z, or, by the
@@ -40,7 +42,10 @@ struct Uncertainties {
     double operator[](Source source) const { return of[at(source)]; }
 };
 
-// Whether a mount mode's angles depend on it.
-bool reads(int mountMode, Source source);
+// Whether a model's angles depend on it.
+constexpr bool reads(Principle principle, Source source) {
+    return (source != Source::levelX && source != Source::tiltOffsetX)
+           || principle == Principle::dualLevel || principle == Principle::twoLevels;
+}
 
 } // namespace kiv

@@ -1,5 +1,7 @@
 """Sensor.run: the tool's digits, the kinds of tables, what does not fit."""
 
+import json
+
 import numpy as np
 import pytest
 
@@ -16,8 +18,11 @@ def columns(n=6, **others):
     return {**made, **others}
 
 
-def sensor(mode=4, frame="machine"):
-    return kiv.Sensor(kiv.Parameters.from_text(in_mode(mode)), frame)
+UNCERTAIN = dict(vector_across=0.05, azimuth_deg=1e-3, level_y=2e-3, tilt_offset_y_deg=0.01)
+
+
+def sensor(mode=4, frame="machine", uncertainties=None):
+    return kiv.Sensor(kiv.Parameters.from_text(in_mode(mode)), frame, uncertainties)
 
 
 @pytest.mark.parametrize("mode", range(1, 11))
@@ -29,12 +34,17 @@ def test_digits_are_the_tools(mode, tmp_path):
     vertical = "0,2,0,0,3000,0,0,0,0,20,0.1,0,0,0,0\n"
     csv.write_text(text.replace("\n", "\n" + first, 1) + vertical)
     readings = {name: [number(cell) for cell in cells] for name, cells in table(csv.read_text()).items()}
-    for frame in ("machine", "local"):
-        expected = table(kiv_tool("run", file, csv, "--frame", frame))
-        results = kiv.Sensor(kiv.Parameters(file), frame).run(readings, matrices=True)
+    uncertainties = tmp_path / "u.json"
+    for frame, given in (("machine", None), ("machine", {}), ("local", UNCERTAIN)):
+        uncertainties.write_text(json.dumps(given))
+        options = [] if given is None else ["--uncertainties", uncertainties]
+        expected = table(kiv_tool("run", file, csv, "--frame", frame, *options))
+        results = kiv.Sensor(kiv.Parameters(file), frame, given).run(readings, matrices=True)
         words = [kiv.State(state).name.lower() for state in results["state"]]
         assert words == list(expected["state"]) and {"ok", "reference", "refused", "status"} < set(words)
-        assert set(results) == set(expected) - set(readings) - {"reason", "code", "trust", "model_error_deg"}
+        trust = [kiv.Trust(number).name.lower() for number in results["trust"]]
+        assert trust == [word or "none" for word in expected["trust"]] and "none" in trust
+        assert list(results) == [name for name in expected if name not in {*readings, "reason", "code"}]
         same_bits(results, expected)
 
 
@@ -49,17 +59,20 @@ def frame(given):
     return pytest.importorskip("pandas").DataFrame(given, index=range(100, 100 + len(given["x"])))
 
 
-@pytest.mark.parametrize("matrices", [False, True])
+@pytest.mark.parametrize("matrices, trust, uncertain", [(True, True, UNCERTAIN), (False, False, None)])
 @pytest.mark.parametrize("kind", [structured, frame])
-def test_a_table_comes_back_as_its_kind(kind, matrices):
-    expected = sensor(6).run(columns(time_s=np.arange(6.0)), matrices)
+def test_a_table_comes_back_as_its_kind(kind, matrices, trust, uncertain):
+    expected = sensor(6, "local", uncertain).run(columns(time_s=np.arange(6.0)), matrices, trust)
+    assert ("trust" in expected) == trust
     given = kind(columns())
-    results = sensor(6).run(given, matrices)
+    results = sensor(6, "local", uncertain).run(given, matrices, trust)
     assert type(results) is type(given)
     assert list(getattr(results, "columns", results.dtype.names if kind is structured else ())) == list(expected)
     for name, values in expected.items():
         if kind is frame and name == "state":
             assert results[name].tolist() == ["reference"] + ["ok"] * 5
+        elif kind is frame and name == "trust":
+            assert results[name].isna().iloc[0] and results[name].iloc[1:].tolist() == ["good"] * 5
         else:
             np.testing.assert_array_equal(results[name], values)
     if kind is frame:
@@ -120,6 +133,18 @@ def test_refusals_name_the_place_and_leave_the_sensor(name, values, row, found):
     assert (error.argument, error.column) == ("readings", name) and found in str(error)
     assert error.row == row
     assert one.reference is None
+
+
+@pytest.mark.parametrize("given, found", [
+    ({"level": 1}, "one of x, y, z, .*'level'"),
+    ({"level_y": -1}, "from 0 to 1e6 .*'level_y': -1"),
+    ({"level_y": "1"}, "'1'"),
+    ({"level_x": 1}, "mount mode 4 reads.*'level_x'"),
+    ({"x": 1, "vector_along": 1}, "'vector_along'"),
+])
+def test_uncertainties_that_do_not_fit(given, found):
+    with pytest.raises(ValueError, match="uncertainties: expected .*" + found):
+        sensor(uncertainties=given)
 
 
 @pytest.mark.parametrize("readings", [None, [1, 2], np.zeros(3), "readings.csv"])

@@ -4,18 +4,24 @@
 #include <optional>
 #include <string_view>
 
+#include "support/MountMode.h"
 #include "uncertainty/Uncertainties.h"
 
-namespace kiv::host {
+namespace kiv {
 
-struct SourceName {
-    std::string_view key;                         // in a file
-    std::string_view words;                       // in a table, with the unit
+// Of any quantity, in its unit.
+inline constexpr double largestUncertainty = 1e6;
+
+// What a standard uncertainty is given by; units in the names, the vector's length unit and those
+// of raw readings left out.
+struct UncertaintyName {
+    const char* text;
+    const char* words;                            // in a table, with the unit
     std::array<std::optional<Source>, 2> sources; // one or two alike
     bool bySight = false;                         // of the vector: how its three are taken
 };
 
-inline constexpr std::array<SourceName, 14> sourceNames{{
+inline constexpr std::array<UncertaintyName, 14> uncertaintyNames{{
     {"x", "vector x, length unit", {Source::vector1, {}}},
     {"y", "vector y, length unit", {Source::vector2, {}}},
     {"z", "vector z, length unit", {Source::vector3, {}}},
@@ -39,4 +45,28 @@ constexpr bool ofVector(Source source) {
     return source <= Source::vector3;
 }
 
-} // namespace kiv::host
+// Why an uncertainty cannot be given.
+enum class UncertaintyFault : unsigned char {
+    none,
+    name,   // there is none of this name
+    unread, // the model does not read it
+    value,  // not from 0 to the largest
+    vector, // of the vector by its axes and by the line of sight
+};
+
+// Uncertainties as they are given one by one, for a model.
+class NamedUncertainties {
+public:
+    // A second value of a name takes the first one's place; one that is refused changes nothing.
+    UncertaintyFault give(Principle principle, std::string_view name, double value);
+
+    const Uncertainties& values() const { return given; }
+    // The first one of the vector; null without one.
+    const char* firstOfVector() const { return vectorName; }
+
+private:
+    Uncertainties given;
+    const char* vectorName = nullptr;
+};
+
+} // namespace kiv
