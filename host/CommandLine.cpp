@@ -18,6 +18,8 @@ namespace kiv::host {
 
 namespace {
 
+constexpr std::size_t mostJobs = 256;
+
 // The range check that comes with the parser lets pass what is not a number.
 CLI::Validator numberFrom(double least, double largest) {
     const auto check = [=](const std::string& text) {
@@ -33,12 +35,13 @@ CLI::Validator numberFrom(double least, double largest) {
     return {check, ""};
 }
 
-CLI::Validator wholeNumberFrom(std::size_t least) {
+CLI::Validator wholeNumberFrom(std::size_t least, std::size_t largest = SIZE_MAX) {
     const auto check = [=](const std::string& text) {
         const auto number = numberIn<std::size_t>(text);
-        return number && *number >= least
-                   ? std::string()
-                   : "expected a whole number from " + std::to_string(least) + ", found " + text;
+        if (number && *number >= least && *number <= largest)
+            return std::string();
+        return "expected a whole number from " + std::to_string(least)
+               + (largest < SIZE_MAX ? " to " + std::to_string(largest) : "") + ", found " + text;
     };
     return {check, ""};
 }
@@ -159,7 +162,7 @@ CLI::Option* CommandLine::addReadings(CLI::App& command, ReadingsOptions& option
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
     command.add_flag("--strict", options.strict);
     command.add_flag("-q,--quiet", options.quiet);
-    command.add_option("-j,--jobs", options.jobs)->check(wholeNumberFrom(1));
+    command.add_option("-j,--jobs", options.jobs)->check(wholeNumberFrom(1, mostJobs));
     CLI::Option* line =
         command.add_option("--reference-line", options.referenceLine)->check(wholeNumberFrom(2));
     command.add_option("--reference", options.referenceFile)->excludes(line);

@@ -5,7 +5,6 @@
 #include <exception>
 #include <functional>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -41,7 +40,7 @@ public:
         try {
             while (others.size() + 1 < threads)
                 others.emplace_back([this, worker = others.size() + 1] { loop(worker); });
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) { // no further one: these do as well
         }
         loop(0);
         for (std::thread& thread : others)
