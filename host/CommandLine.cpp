@@ -19,6 +19,7 @@ namespace kiv::host {
 namespace {
 
 constexpr std::size_t mostJobs = 256;
+constexpr std::size_t mostRows = 1000000000000;
 
 // The range check that comes with the parser lets pass what is not a number.
 CLI::Validator numberFrom(double least, double largest) {
@@ -35,15 +36,21 @@ CLI::Validator numberFrom(double least, double largest) {
     return {check, ""};
 }
 
-CLI::Validator wholeNumberFrom(std::size_t least, std::size_t largest = SIZE_MAX) {
+// A whole number. The parser's own reading takes one with a leading zero as octal.
+template <typename Number>
+CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number least,
+                      Number largest) {
     const auto check = [=](const std::string& text) {
-        const auto number = numberIn<std::size_t>(text);
+        const auto number = numberIn<Number>(text);
         if (number && *number >= least && *number <= largest)
             return std::string();
-        return "expected a whole number from " + std::to_string(least)
-               + (largest < SIZE_MAX ? " to " + std::to_string(largest) : "") + ", found " + text;
+        return "expected a whole number from " + std::to_string(least) + " to "
+               + std::to_string(largest) + ", found " + text;
     };
-    return {check, ""};
+    return command
+        .add_option_function<std::string>(
+            name, [&value](const std::string& text) { value = *numberIn<Number>(text); })
+        ->check(check);
 }
 
 std::string shownText(const std::string& text) {
@@ -162,9 +169,9 @@ CLI::Option* CommandLine::addReadings(CLI::App& command, ReadingsOptions& option
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
     command.add_flag("--strict", options.strict);
     command.add_flag("-q,--quiet", options.quiet);
-    command.add_option("-j,--jobs", options.jobs)->check(wholeNumberFrom(1, mostJobs));
+    addCount<std::size_t>(command, "-j,--jobs", options.jobs, 1, mostJobs);
     CLI::Option* line =
-        command.add_option("--reference-line", options.referenceLine)->check(wholeNumberFrom(2));
+        addCount<std::size_t>(command, "--reference-line", options.referenceLine, 2, mostRows);
     command.add_option("--reference", options.referenceFile)->excludes(line);
     return readings;
 }
@@ -228,10 +235,9 @@ void CommandLine::addSimulate() {
         ->excludes(poses)
         ->check(numberFrom(0, 60))
         ->capture_default_str();
-    command.add_option("--rows", simulate.rows)
+    addCount(command, "--rows", simulate.rows, 1L, 1000000000L)
         ->excludes(poses)
-        ->check(CLI::Range(1L, 1000000000L))
-        ->capture_default_str();
+        ->default_str(std::to_string(simulate.rows));
     command.add_option("--rate", simulate.rate)
         ->check(numberFrom(1e-6, 1e9))
         ->capture_default_str();
@@ -246,7 +252,8 @@ void CommandLine::addSimulate() {
     command.add_option("--bad-share", simulate.badShare)
         ->check(numberFrom(0, 1))
         ->capture_default_str();
-    command.add_option("--seed", simulate.seed)->capture_default_str();
+    addCount<std::uint64_t>(command, "--seed", simulate.seed, 0, UINT64_MAX)
+        ->default_str(std::to_string(simulate.seed));
     addMessages(command, simulate.posesFormat);
 }
 

@@ -14,6 +14,17 @@ std::filesystem::path pathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
 
+bool sameFile(const std::string& one, const std::string& other) {
+    std::error_code failed;
+    if (one == "-" || other.empty() || std::filesystem::is_other(pathOf(one), failed))
+        return false;
+    const auto place = [&](const std::string& name) {
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(pathOf(name), failed),
+                                                 failed);
+    };
+    return place(one) == place(other);
+}
+
 void reportUnopened(std::ostream& err, const std::string& name, const char* expected) {
     std::error_code ignored;
     const auto status = std::filesystem::status(pathOf(name), ignored);
@@ -69,7 +80,9 @@ void Output::writePending() {
 }
 
 bool Output::endRow(bool inputWouldWait) {
-    return (!inputWouldWait && pending.size() < blockSize) || write("", inputWouldWait);
+    if (!inputWouldWait && pending.size() < blockSize)
+        return true;
+    return write({}, inputWouldWait);
 }
 
 bool Output::write(std::string_view block, bool inputWouldWait) {

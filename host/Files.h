@@ -42,7 +42,7 @@ public:
     // time.
     // False once something could not be written.
     bool endRow(bool inputWouldWait);
-    // Writes a text behind what has come together; false as above.
+    // Writes what has come together, and a text behind it; false as above.
     bool write(std::string_view block, bool inputWouldWait);
     // False, and a message, when anything could not be written.
     bool finish(std::ostream& err);
@@ -59,6 +59,9 @@ private:
 // A name as the tool takes and shows it is UTF-8 on Windows; a path's own conversion there takes
 // it for something else.
 std::filesystem::path pathOf(const std::string& name);
+
+// Whether two names mean one place, where a file is or will be.
+bool sameFile(const std::string& one, const std::string& other);
 
 // Says that a file cannot be opened, and why.
 void reportUnopened(std::ostream& err, const std::string& name, const char* expected);

@@ -14,6 +14,7 @@ struct InputFacts {
     std::string deviceOwner;
     Sha256 parameterFile;
     Sha256 readings;
+    Sha256 reference; // of a table that has it alone
 };
 
 // Passes on what is read of another buffer, and takes it into a digest. Waits no longer than that

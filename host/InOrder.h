@@ -11,15 +11,15 @@
 
 namespace kiv::host {
 
-// Takes items through three stages on several threads. They are read and finished one
-// at a time, in the same order; in between several are worked on at once. Twice as many items as
-// threads are under way at most. The stages:
+// Takes items through three stages on several threads. Items are read one at a time, worked on side
+// by side, and finished one at a time in the order in which they were read. At most twice as many
+// as there are threads are under way. The stages:
 //   read(item)          fills one that was used before; false when there is none left
 //   work(item, worker)  worker is below the number of threads and belongs to one of them
 //   finish(item)        false ends it all: what comes behind the item is dropped
 //   overlap()           false: no item is read before those under way are finished
-// What a stage throws ends it all, too, once everything in front of its item is finished, and the
-// item itself where work threw it; it is thrown on at the end.
+// A stage that throws ends it all, too. What is in front of its item is finished, and the item
+// itself where work threw. It is thrown on at the end.
 template <typename Item>
 class InOrder {
 public:
@@ -81,8 +81,11 @@ private:
 
     void readAndWork(std::size_t worker, std::unique_lock<std::mutex>& lock) {
         Slot& next = slot(nextToRead);
+        bool found = false;
         reading = true;
-        const bool found = unlocked(lock, fault, [&] { return stage.read(next.item); });
+        const auto thrown = unlocked(lock, [&] { found = stage.read(next.item); });
+        if (!fault)
+            fault = thrown;
         reading = false;
         if (found)
             ++nextToRead;
@@ -91,41 +94,38 @@ private:
         changed.notify_all();
         if (!found)
             return;
-        unlocked(lock, next.fault, [&] { return stage.work(next.item, worker), true; });
+        next.fault = unlocked(lock, [&] { stage.work(next.item, worker); });
         next.worked = true;
         changed.notify_all();
     }
 
     void finishOne(std::unique_lock<std::mutex>& lock) {
         Slot& first = slot(firstUnderWay);
+        bool goOn = false;
         finishing = true;
-        ended = !unlocked(lock, fault, [&] { return stage.finish(first.item); });
+        if (const auto thrown = unlocked(lock, [&] { goOn = stage.finish(first.item); }))
+            first.fault = thrown;
         finishing = false;
-        if (first.fault) {
-            fault = first.fault;
-            ended = true;
-        }
+        ended = !goOn || first.fault;
+        if (first.fault)
+            fault = first.fault; // in front of what read threw
         first.worked = false;
         ++firstUnderWay;
         changed.notify_all();
     }
 
-    // False also where the stage throws.
+    // What the action throws.
     template <typename Action>
-    static bool unlocked(std::unique_lock<std::mutex>& lock, std::exception_ptr& thrown,
-                         Action action) {
+    static std::exception_ptr unlocked(std::unique_lock<std::mutex>& lock, Action action) {
         lock.unlock();
-        bool goOn = false;
-        std::exception_ptr exception;
+        std::exception_ptr thrown;
         try {
-            goOn = action();
+            action();
         } catch (...) {
-            exception = std::current_exception();
+            thrown = std::current_exception();
         }
         lock.lock();
-        if (exception)
-            thrown = exception;
-        return goOn;
+        return thrown;
     }
 
     Stages stage;

@@ -36,14 +36,14 @@ bool Interrupt::requested() {
     return requestedByUser;
 }
 
-Interrupt::Waiting::Waiting(bool willWait) {
-    waiting = willWait;
-    if (willWait && requestedByUser)
+Interrupt::Waiting::Waiting(bool willWait) : before(waiting) {
+    waiting = before || willWait;
+    if (waiting && requestedByUser)
         std::_Exit(interrupted);
 }
 
 Interrupt::Waiting::~Waiting() {
-    waiting = false;
+    waiting = before;
 }
 
 } // namespace kiv::host

@@ -2,8 +2,8 @@
 
 namespace kiv::host {
 
-// Ctrl-C, a request to terminate, and a terminal that is closed end a run behind its current row,
-// with all complete rows in the output, and let a rewrite end that has begun.
+// Ctrl-C, a request to terminate, and a terminal that is closed end a run behind the rows that are
+// under way, with all complete rows in the output, and let a rewrite end that has begun.
 class Interrupt {
 public:
     // Takes over the process's signals for these; a closed pipe becomes a write error.
@@ -18,6 +18,9 @@ public:
         ~Waiting();
         Waiting(const Waiting&) = delete;
         Waiting& operator=(const Waiting&) = delete;
+
+    private:
+        bool before; // within another one
     };
 };
 

@@ -5,6 +5,11 @@
 
 namespace kiv::host {
 
+void show(std::span<const Message> messages, std::ostream& err) {
+    for (const Message& message : messages)
+        err << message.text;
+}
+
 bool MessageLimit::admits(std::string_view kind) {
     auto known = std::find_if(kinds.begin(), kinds.end(),
                               [&](const Kind& other) { return other.text == kind; });

@@ -14,6 +14,8 @@ struct Message {
     std::string text; // the whole line
 };
 
+void show(std::span<const Message> messages, std::ostream& err);
+
 // Shows the first messages of each kind and counts the others.
 class MessageLimit {
 public:

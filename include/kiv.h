@@ -233,9 +233,9 @@ enum {
     KIV_TRUST_NONE = -1,            /* there are no angles */
     KIV_TRUST_GOOD = 0,             /* none of what follows */
     KIV_TRUST_OUTSIDE_LIMITS = 1,   /* a tilt outside its table or the parameters' limits */
-    KIV_TRUST_SEAM = 2,             /* two levels, with angles from both sides of 180 degrees */
-    KIV_TRUST_LEVELS_DISAGREE = 3,  /* the two levels show different rolls */
-    KIV_TRUST_MIRROR_NEAR = 4,      /* the mirrored solution is within the limits, too */
+    KIV_TRUST_MIRROR_NEAR = 2,      /* the mirrored solution is within the limits, too */
+    KIV_TRUST_SEAM = 3,             /* two levels, with angles from both sides of 180 degrees */
+    KIV_TRUST_LEVELS_DISAGREE = 4,  /* the two levels show different rolls */
     KIV_TRUST_TWO_SIGNS = 5,        /* dual level: z and level y differ in sign */
     KIV_TRUST_NEAR_LEVEL_SIGHT = 6, /* pendulum: z is so close to 0 that digits cancel */
     KIV_TRUST_ROLL_UNSEEN = 7,      /* the roll about the line of sight hardly shows in the level */

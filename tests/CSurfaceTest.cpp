@@ -224,7 +224,9 @@ TEST(CSurface, GivesTheBitsOfTheClassesAndOfTheTool) {
                     {"u_reference_rz_deg", u.reference_rz, state == "ok" && local}};
                 for (const auto& [name, value, shown] : cells)
                     if (shown) {
-                        EXPECT_EQ(expected.number(i, name), value) << name;
+                        const float tools = expected.number(i, name);
+                        EXPECT_TRUE(tools == value || (std::isnan(tools) && std::isnan(value)))
+                            << name << ' ' << tools << ' ' << value;
                     }
                 if (state == "ok" && mode < 7) {
                     EXPECT_EQ(expected.number<double>(i, "m12"), all.matrices[9 * i + 5]);

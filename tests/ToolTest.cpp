@@ -142,8 +142,7 @@ TEST(Tool, InterruptLeavesCompleteRows) {
         std::exit(host::runTool(6, arguments, {in, ignored, ignored}));
     };
     EXPECT_EXIT(run(), ::testing::ExitedWithCode(130), "");
-    std::ifstream file(path, std::ios::binary);
-    const std::string results{std::istreambuf_iterator<char>(file), {}};
+    const std::string results = test::contentOf(path).value_or("");
     EXPECT_EQ(lines(results).size(), 4U);
     EXPECT_TRUE(results.ends_with('\n')
                 && lines(results).back().find(",0,good,0.") != std::string::npos)

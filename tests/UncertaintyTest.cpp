@@ -233,4 +233,21 @@ TEST(Propagation, UnwrapsAnglesAtHalfATurn) {
     EXPECT_NEAR(found.standard[2], 0.01, 2e-4);
 }
 
+// One level's angle a step away lies on the other side of 180 degrees: the mean is no slope.
+TEST(Propagation, HasNoFigureAcrossTheSeamOfTwoLevels) {
+    for (const double roll : {0.004, 0.4}) {
+        CKiv sensor;
+        prepare(sensor, 9);
+        const KIV_RAWINFO raw = readingsAt(9, {3, roll, 20, 20});
+        Uncertainties u;
+        u[Source::levelX] = 0.01;
+        Propagation propagation(sensor, u);
+        KIV_INFO info;
+        SensorUpdate::run(sensor, raw, info);
+        SensorUpdate::run(sensor, raw, info);
+        AngleUncertainty found;
+        EXPECT_EQ(propagation.of(sensor, raw, info, found), roll > 0.1);
+    }
+}
+
 } // namespace

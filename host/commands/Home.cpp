@@ -67,9 +67,11 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
     TableInput input(homeColumns, options.format);
     MessageLimit limit(options.format.mostMessages, streams.err);
     Output output;
+    std::optional<Interrupt::Waiting> waiting(true); // nothing is written yet
     if (!input.open(options.table, homeResultColumns, streams)
         || !output.open(options.results, streams))
         return unusable;
+    waiting.reset();
 
     Table& table = input.table();
     std::string& text = output.text();

@@ -78,6 +78,8 @@ void addRow(ReportContent& content, const RowResult& result, std::size_t line, d
             set(Quantity::residualY, withinHalfTurn(info.ry - (*truth)[1]));
             set(Quantity::residualZ, withinHalfTurn(info.rz - (*truth)[2]));
         }
+        if (result.trust.trust == Trust::good)
+            count(Quantity::modelError, result.trust.modelError);
         if (result.hasUncertainty)
             for (std::size_t i = 0; i < 3; ++i)
                 count(static_cast<Quantity>(at(Quantity::uncertaintyX) + i),

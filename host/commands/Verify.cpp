@@ -90,10 +90,13 @@ int verifyInstallation(const VerifyOptions& options, const Streams& streams) {
     for (const ModelCheck& check : checks)
         appendCheck(text, check);
     appendLine(text, allowed);
-    text += good ? "\nThis installation computes what it should.\n"
-                 : "\nThis installation does not compute what it should.\n";
+    const char* verdict = good ? "This installation computes what it should.\n"
+                               : "This installation does not compute what it should.\n";
+    text.append("\n").append(verdict);
     if (!output.finish(streams.err))
         return unusable;
+    if (options.output != "-")
+        streams.err << verdict;
     return good ? allGood : resultsDiffer;
 }
 

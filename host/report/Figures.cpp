@@ -55,8 +55,8 @@ void appendTable(std::string& html, const ReportContent& content, const char* ti
 
 void appendStatistics(std::string& html, const ReportContent& content) {
     const std::span all(charts);
-    appendTable(html, content, "Results in degrees", all.first(4));
-    appendTable(html, content, "Angles minus true angles, degrees", all.subspan(4, 1));
+    appendTable(html, content, "Results in degrees", all.first(5));
+    appendTable(html, content, "Angles minus true angles, degrees", all.subspan(5, 1));
     appendTable(html, content, "Further readings", all.last(3));
     html += "<p class=\"note\">Angles over the rows in state ok, readings over all rows that were "
             "not refused. Means and extremes of angles are those of directions. The quantile is of "

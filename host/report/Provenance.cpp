@@ -45,6 +45,11 @@ void appendProvenance(std::string& html, const ReportContent& content) {
     line("Readings", code(content.readings));
     line("SHA-256", content.cutShort ? "none, as they were not read to their end"
                                      : code(content.facts.readings.hex()));
+    const Summary& summary = content.summary;
+    if (summary.referenceLine() > 0 && summary.count(RowState::reference) == 0) {
+        line("Reference", code(summary.referencePlace()));
+        line("SHA-256", code(content.facts.reference.hex()));
+    }
     line("Parameter file", code(content.parameterFile));
     line("SHA-256", code(content.facts.parameterFile.hex()));
     line("Sensor ID", std::to_string(content.sensorId));

@@ -23,8 +23,9 @@ enum class Quantity : unsigned char {
     uncertaintyX, // standard, of rx
     uncertaintyY,
     uncertaintyZ,
+    modelError, // bound, of good rows
 };
-inline constexpr std::size_t quantityCount = 16;
+inline constexpr std::size_t quantityCount = 17;
 
 constexpr std::size_t at(Quantity quantity) {
     return static_cast<std::size_t>(quantity);
@@ -52,6 +53,7 @@ inline constexpr std::array<QuantityWords, quantityCount> quantityWords{{
     {"rx", "standard uncertainty of rx"},
     {"ry", "standard uncertainty of ry"},
     {"rz", "standard uncertainty of rz"},
+    {"model error", "model's own error, good rows"},
 }};
 
 enum class Unit : unsigned char { degrees, length, temperature, none };
@@ -64,10 +66,12 @@ struct Chart {
     Quantity last;
 };
 
-inline constexpr std::array<Chart, 8> charts{{
+inline constexpr std::array<Chart, 9> charts{{
     {"angles", "Angles", Unit::degrees, Quantity::rx, Quantity::rz},
     {"uncertainties", "Standard uncertainty of the angles", Unit::degrees, Quantity::uncertaintyX,
      Quantity::uncertaintyZ},
+    {"model-error", "Bound of the model's own error, good rows", Unit::degrees,
+     Quantity::modelError, Quantity::modelError},
     {"tilts", "Corrected tilts", Unit::degrees, Quantity::tiltX, Quantity::tiltY},
     {"encoders", "Corrected encoder angles", Unit::degrees, Quantity::azimuth, Quantity::elevation},
     {"residuals", "Residual: angle minus true angle", Unit::degrees, Quantity::residualX,

@@ -17,9 +17,9 @@ constexpr std::array<const char*, rowStateNames.size()> stateMeanings{
 constexpr std::array<const char*, trustWords.size()> trustMeanings{
     "",
     "a tilt is outside its calibration table or the level limits",
+    "a second pose, on the other side, fits the readings within the limits",
     "the two levels' angles lie on both sides of 180 degrees",
     "the two levels show different turns about the line of sight",
-    "a second pose, on the other side, fits the readings within the limits",
     "z and level Y differ in sign",
     "z is too close to 0",
     "the level hardly shows the turn about the line of sight",
@@ -74,8 +74,9 @@ void appendRowCounts(std::string& html, const ReportContent& content) {
         html += stateMeanings[i];
         if (state == RowState::ok)
             appendTrust(html, summary);
-        if (state == RowState::reference && count > 0)
-            html += " (line " + countText(summary.referenceLine()) + ")";
+        if (state == RowState::reference && summary.referenceLine() > 0)
+            html += (count > 0 ? " (" : "; it is ") + escaped(summary.referencePlace())
+                    + (count > 0 ? ")" : "");
         if (state == RowState::refused)
             for (const Reason r : {Reason::rowShape, Reason::notANumber, Reason::zeroVector})
                 if (const std::size_t n = summary.count(r); n > 0)

@@ -19,6 +19,16 @@ void appendRow(std::string& html, std::string_view heading, const std::string& i
     appendTableRow(html, heading, {input, textOf(values[0]), textOf(values[1]), textOf(values[2])});
 }
 
+// In the length unit's own name where that is known.
+std::string wordsOf(const UncertaintyName& name, const ReportContent& content) {
+    constexpr std::string_view unknown = "length unit";
+    std::string words = name.words;
+    const std::size_t unit = words.find(unknown);
+    if (unit != words.npos && !content.lengthUnit.empty())
+        words.replace(unit, unknown.size(), escaped(content.lengthUnit));
+    return words;
+}
+
 // Those that are uncertain and that the angles can depend on.
 void appendInputs(std::string& html, const ReportContent& content) {
     const Uncertainties& given = *content.uncertainties;
@@ -31,8 +41,14 @@ void appendInputs(std::string& html, const ReportContent& content) {
         for (const std::optional<Source>& source : name.sources)
             for (std::size_t i = 0; source && i < shares.size(); ++i)
                 shares[i] += content.budget.share(*source)[i];
-        appendRow(html, name.words, shown(given[first]), shares, percentText);
+        appendRow(html, wordsOf(name, content), shown(given[first]), shares, percentText);
     }
+}
+
+std::string noneText(const Summary& summary) {
+    return rowsText(summary.withoutUncertainty())
+           + " with angles have no uncertainty: within their inputs' the model has no orientation, "
+             "or jumps.";
 }
 
 void appendCoverage(std::string& html, const char* heading, const Summary::Coverage& coverage) {
@@ -44,10 +60,15 @@ void appendCoverage(std::string& html, const char* heading, const Summary::Cover
 } // namespace
 
 void appendUncertainty(std::string& html, const ReportContent& content) {
-    if (!content.hasUncertainty())
-        return;
     const UncertaintyBudget& budget = content.budget;
     const Summary& summary = content.summary;
+    if (!content.hasUncertainty()) {
+        if (summary.withoutUncertainty() > 0)
+            html.append("<section>\n<h2>Uncertainty of the angles</h2>\n<p>")
+                .append(noneText(summary))
+                .append("</p>\n</section>\n");
+        return;
+    }
     html += "<section>\n<h2>Uncertainty of the angles</h2>\n<table>\n<thead><tr><th>Share of the "
             "variance</th><th class=\"number\">Input's standard uncertainty</th>";
     for (const char* angle : angleNames)
@@ -66,6 +87,8 @@ void appendUncertainty(std::string& html, const ReportContent& content) {
                 "without the model's own error: mean shares and root mean squares over ")
         .append(rowsText(budget.rows()))
         .append(".");
+    if (summary.withoutUncertainty() > 0)
+        html.append(" ").append(noneText(summary));
     if (content.localFrame)
         html += " What comes from the reference's readings is the same error in all rows, and not "
                 "in the line above it.";

@@ -23,13 +23,12 @@ void Summary::add(const RowResult& result, std::size_t line,
                   const std::optional<std::array<double, 3>>& truth, std::string_view table) {
     ++counts[static_cast<std::size_t>(result.state)];
     ++reasons[static_cast<std::size_t>(result.reason)];
-    if (result.state == RowState::reference) {
-        reference = line;
-        tableOfReference = table;
-    }
+    if (result.state == RowState::reference)
+        nameReference(table, line);
     if (result.state != RowState::ok)
         return;
     ++trusts[static_cast<std::size_t>(result.trust.trust)];
+    notUncertain += uncertaintiesExpected && !result.hasUncertainty ? 1U : 0U;
     const std::array<double, 3> values{result.info.rx, result.info.ry, result.info.rz};
     for (std::size_t i = 0; i < 3; ++i)
         angles[i].add(values[i]);
@@ -50,6 +49,16 @@ void Summary::add(const RowResult& result, std::size_t line,
     ofAllRows.add(differences, result.uncertainty.standard);
     if (result.trust.trust == Trust::good)
         ofGoodRows.add(differences, result.uncertainty.standard);
+}
+
+void Summary::nameReference(std::string_view table, std::size_t line) {
+    reference = line;
+    tableOfReference = table;
+}
+
+std::string Summary::referencePlace() const {
+    return "line " + std::to_string(reference)
+           + (tableOfReference.empty() ? "" : " of " + tableOfReference);
 }
 
 void Summary::Coverage::add(const std::array<double, 3>& differences, const AngleTriple& standard) {
@@ -80,8 +89,7 @@ void Summary::printCounts(std::ostream& out) const {
             continue;
         out << separator << counts[i] << ' ' << rowStateNames[i];
         if (i == static_cast<std::size_t>(RowState::reference))
-            out << " (line " << reference << (tableOfReference.empty() ? "" : " of ")
-                << tableOfReference << ')';
+            out << " (" << referencePlace() << ')';
         separator = ", ";
     }
     out << '\n';
@@ -99,6 +107,11 @@ void Summary::printCounts(std::ostream& out) const {
     list("reasons: ", reasons, 1, [](std::size_t i) { return reasonWords[i].word; });
     if (!allTrusted())
         list("trust: ", trusts, 0, [](std::size_t i) { return trustWords[i]; });
+    if (reference > 0 && count(RowState::reference) == 0)
+        out << "reference: " << referencePlace() << '\n';
+    if (notUncertain > 0)
+        out << "uncertainty: none of " << notUncertain
+            << (notUncertain == 1 ? " row\n" : " rows\n");
 }
 
 void Summary::printStatistics(std::ostream& out) const {

@@ -32,8 +32,16 @@ public:
     std::size_t rows() const;
     std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
     std::size_t count(Reason reason) const { return reasons[static_cast<std::size_t>(reason)]; }
+    // Of a row that is not among these.
+    void nameReference(std::string_view table, std::size_t line);
     std::size_t referenceLine() const { return reference; } // 0: none
-    const std::string& referenceTable() const { return tableOfReference; }
+    // Where the line is, in words.
+    std::string referencePlace() const;
+    const std::string& referenceTable() const { return tableOfReference; } // empty: the only one
+
+    // From now on each row in state ok should have one.
+    void expectUncertainties() { uncertaintiesExpected = true; }
+    std::size_t withoutUncertainty() const { return notUncertain; } // that should have
 
     // Of the angles rx, ry and rz of the rows in state ok.
     const Statistics& angle(std::size_t i) const { return angles[i]; }
@@ -68,6 +76,8 @@ private:
     std::array<std::size_t, trustWords.size()> trusts{};
     std::size_t reference = 0;
     std::string tableOfReference;
+    bool uncertaintiesExpected = false;
+    std::size_t notUncertain = 0;
     std::array<Statistics, 3> angles;
     std::size_t withTruth = 0;
     std::array<Residual, 3> residuals;

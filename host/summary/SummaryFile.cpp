@@ -51,6 +51,7 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
         angles[angleNames[i]] = figuresOf(summary.angle(i));
         residuals[angleNames[i]] = residualOf(summary, i);
     }
+    const bool known = summary.referenceLine() > 0;
     const Json all{
         {"version", KIV_VERSION},
         {"parameter_file", options.parameterFile},
@@ -63,9 +64,12 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
         {"states", states},
         {"reasons", reasons},
         {"trust", trust},
-        {"reference_table",
-         summary.referenceTable().empty() ? Json() : Json(summary.referenceTable())},
-        {"reference_line", summary.referenceLine() > 0 ? Json(summary.referenceLine()) : Json()},
+        {"rows_without_uncertainty", summary.withoutUncertainty()},
+        {"reference_table", known
+                                ? Json(summary.referenceTable().empty() ? options.readings[0]
+                                                                        : summary.referenceTable())
+                                : Json()},
+        {"reference_line", known ? Json(summary.referenceLine()) : Json()},
         {"angles", angles},
         {"compared_rows", summary.compared()},
         {"residuals", summary.compared() > 0 ? residuals : Json()},

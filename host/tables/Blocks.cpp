@@ -2,27 +2,50 @@
 
 #include <algorithm>
 #include <istream>
-#include <ostream>
 #include <string_view>
 
 namespace kiv::host {
 
 namespace {
 
-// Takes what is at hand, so many bytes at most; waits when there is none. False at the end.
-bool readSome(std::istream& in, std::string& text, std::size_t most) {
-    if (in.rdbuf()->in_avail() <= 0 && in.peek() == std::istream::traits_type::eof())
-        return false;
-    const auto count =
-        std::clamp<std::streamsize>(in.rdbuf()->in_avail(), 1, static_cast<std::streamsize>(most));
-    const std::size_t start = text.size();
-    text.resize(start + static_cast<std::size_t>(count));
-    in.read(text.data() + start, count);
-    text.resize(start + static_cast<std::size_t>(in.gcount()));
-    return text.size() > start;
+constexpr std::size_t mostLines = 1024; // however short they are: a row takes more room than that
+
+// Behind the last whole line that ends at this place or later; 0 where there is none.
+std::size_t linesEnd(std::string_view text, std::size_t from) {
+    const std::size_t last = text.substr(from).rfind('\n');
+    return last == text.npos ? 0 : from + last + 1;
 }
 
 } // namespace
+
+// Takes what has been read ahead, and waits when there is nothing; false at the end. No more, as a
+// read error would take what is in front of it along.
+bool BlockReader::readSome(std::string& text) {
+    if (in.peek() == std::istream::traits_type::eof())
+        return false;
+    const std::size_t start = text.size();
+    const std::size_t most = start < size ? size - start : size;
+    const auto count =
+        std::clamp<std::streamsize>(in.rdbuf()->in_avail(), 1, static_cast<std::streamsize>(most));
+    text.resize(start + static_cast<std::size_t>(count));
+    in.read(text.data() + start, count);
+    return true;
+}
+
+void BlockReader::endWithoutLineEnd(Block& block) {
+    ++lines;
+    const std::size_t column = block.text.size() + (block.text.ends_with('\r') ? 0 : 1);
+    block.said = name + ':' + std::to_string(lines) + ':' + std::to_string(column)
+                 + ": expected a line end behind the last row, which may be cut, found end of file "
+                   "(warning)\n";
+}
+
+void BlockReader::breakOff(Block& block) {
+    block.text.clear();
+    block.brokenOff = true;
+    block.said =
+        name + ':' + std::to_string(lines + 1) + ":1: expected to read on, found a read error\n";
+}
 
 bool BlockReader::next(Block& block) {
     std::string& text = block.text;
@@ -31,40 +54,39 @@ bool BlockReader::next(Block& block) {
     block.name = name;
     block.firstLine = lines + 1;
     block.inputWouldWait = false;
-    std::size_t end = 0; // of the last whole line
-    while (end == 0 || (text.size() < size && !block.inputWouldWait)) {
+    block.brokenOff = false;
+    block.said.clear();
+    if (finished)
+        return false;
+
+    bool atEnd = false;
+    std::size_t end = linesEnd(text, 0);
+    while ((end == 0 || text.size() < size) && !block.inputWouldWait && !atEnd) {
         const std::size_t start = text.size();
-        if (!readSome(in, text, start < size ? size - start : size))
-            break;
-        const std::size_t lineEnd = std::string_view(text).substr(start).rfind('\n');
-        if (lineEnd != std::string_view::npos)
-            end = start + lineEnd + 1;
-        block.inputWouldWait = in.rdbuf()->in_avail() <= 0;
+        atEnd = !readSome(text);
+        end = std::max(end, linesEnd(text, start));
+        block.inputWouldWait = !atEnd && in.rdbuf()->in_avail() <= 0;
     }
-    if (end == 0 && !text.empty() && !failed()) {
-        ++lines;
-        openColumn = text.size() + 1;
-        return true;
+    if (end == 0 && atEnd) {
+        finished = true;
+        if (in.bad())
+            breakOff(block);
+        else if (!text.empty())
+            endWithoutLineEnd(block);
+        return in.bad() || !text.empty();
     }
-    begun.assign(text, end);
-    text.resize(end);
-    for (std::size_t i = 0; i < end; i = text.find('\n', i) + 1)
-        ++lines;
-    return end > 0;
-}
-
-bool BlockReader::failed() const {
-    return in.bad();
-}
-
-bool BlockReader::reportEnd(std::ostream& err) const {
-    if (openColumn > 0)
-        err << name << ':' << lines << ':' << openColumn
-            << ": expected a line end behind the last row, which may be cut, found end of file "
-               "(warning)\n";
-    if (failed())
-        err << name << ':' << lines + 1 << ":1: expected to read on, found a read error\n";
-    return !failed();
+    std::size_t cut = 0;
+    std::size_t count = 0;
+    for (; cut < end && count < mostLines; ++count)
+        cut = text.find('\n', cut) + 1;
+    block.inputWouldWait = block.inputWouldWait && cut == end;
+    if (cut == 0)
+        text.swap(begun);
+    else
+        begun.assign(text, cut);
+    text.resize(cut);
+    lines += count;
+    return true;
 }
 
 } // namespace kiv::host

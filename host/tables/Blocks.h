@@ -7,13 +7,15 @@
 
 namespace kiv::host {
 
-// Whole lines of an input that stand together.
+// Whole lines of an input that stand together, or none where it waits.
 struct Block {
     std::string text;            // each line with its end, but for the last one of an input without
     std::string name;            // of the input, as messages show it
     std::size_t table = 0;       // of several, from 0
     std::size_t firstLine = 1;   // of the text, from 1
     bool inputWouldWait = false; // no further input is at hand
+    bool brokenOff = false;      // reading, behind these lines
+    std::string said{};          // about the input's end, behind these lines
 };
 
 // Reads an input block by block; what has come in is never held back for more of it.
@@ -22,21 +24,20 @@ public:
     BlockReader(std::istream& stream, std::string shownName, std::size_t blockBytes)
         : in(stream), name(std::move(shownName)), size(blockBytes) {}
 
-    // False at the end. A block is as large as asked, or as what is at hand, but at least a line.
+    // False at the end. A block is about as large as asked, or as what is at hand.
     bool next(Block& block);
 
-    // False, and a message, where reading has broken off; a warning where the last line has no end
-    // and may be cut.
-    bool reportEnd(std::ostream& err) const;
-    bool failed() const;
-
 private:
+    bool readSome(std::string& text);
+    void endWithoutLineEnd(Block& block);
+    void breakOff(Block& block);
+
     std::istream& in;
     std::string name;
     std::size_t size;
-    std::string begun;          // the start of a line whose end is yet to come
-    std::size_t lines = 0;      // given so far
-    std::size_t openColumn = 0; // behind a last line without an end
+    std::string begun;     // read, but not given: the start of a line
+    std::size_t lines = 0; // given so far
+    bool finished = false;
 };
 
 } // namespace kiv::host

@@ -13,39 +13,37 @@ constexpr const char* expectedRow = "a row that can become the reference";
 } // namespace
 
 bool takeReference(const ReadingsOptions& options, RowRunner& runner, const Streams& streams,
-                   std::optional<RowResult>& ownRow) {
+                   GivenReference& given, Sha256* hash) {
     const std::size_t line = options.referenceLine;
     if (line == 0 && options.referenceFile.empty())
         return true;
     const std::string& file = line > 0 ? options.readings[0] : options.referenceFile;
-    std::error_code ignored;
-    if (line > 0 && !std::filesystem::is_regular_file(pathOf(file), ignored)) {
-        streams.err
-            << "kiv: expected a file for --reference-line, found one that is read only once\n";
-        return false;
-    }
     TableInput input(readingColumns, options.format);
-    if (!input.open(file, {}, streams))
+    if (!input.open(file, {}, streams, line > 0 ? nullptr : hash))
         return false;
     MessageLimit limit(options.format.mostMessages, streams.err);
     Table& table = input.table();
-    RowResult result;
     while (input.nextRow()) {
         if (line > 0 && table.lineNumber() != line)
             continue;
-        runner.run(table, result);
-        if (result.state == RowState::reference) {
-            if (line > 0)
-                ownRow = result;
+        runner.run(table, given.result);
+        if (given.result.state == RowState::reference) {
+            given.table = input.name();
+            given.line = table.lineNumber();
+            limit.reportOthers(input.name());
+            for (Block rest; hash && input.nextBlock(rest);) {
+            }
             return true;
         }
         if (line > 0)
-            table.reportRow(expectedRow, wordsOf(result.reason).text);
+            table.reportRow(expectedRow, wordsOf(given.result.reason).text);
         limit.take(table.messages());
         if (line > 0)
             return false;
     }
     limit.reportOthers(input.name());
+    if (!input.reportEnd(streams.err))
+        return false;
     streams.err << input.name() << ':' << table.lineNumber() + 1 << ":1: expected " << expectedRow
                 << (line > 0 ? " in line " + std::to_string(line) : "") << ", found end of file\n";
     return false;

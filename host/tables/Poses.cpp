@@ -5,6 +5,7 @@
 #include <ostream>
 #include <vector>
 
+#include "host/Interrupt.h"
 #include "host/tables/Readings.h"
 
 namespace kiv::host {
@@ -44,6 +45,7 @@ void TrajectoryPoses::reportUnreachable() {
 std::unique_ptr<PoseTable> PoseTable::open(const std::string& file, const TableFormat& format,
                                            const Streams& streams) {
     std::unique_ptr<PoseTable> poses(new PoseTable(format, streams.err));
+    const Interrupt::Waiting waiting(true); // nothing is written yet
     const bool usable = poses->input.open(file, namesOfReadings(), streams);
     return usable ? std::move(poses) : nullptr;
 }

@@ -10,7 +10,6 @@
 #include "host/Progress.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/summary/SummaryFile.h"
-#include "host/tables/GivenReference.h"
 #include "host/tables/UncertaintyFile.h"
 #include "sensor/SensorAccess.h"
 
@@ -24,11 +23,17 @@ bool ReadingsRun::inputsUsable() const {
         return false;
     }
     inputs.push_back(options.parameterFile);
+    if (sameFile(options.output, options.summary)) {
+        streams.err << options.summary << ":1:1: expected an output of its own, found that of "
+                    << "--output\n";
+        return false;
+    }
     return !refuseOverwriting(options.output, inputs, streams.err)
            && !refuseOverwriting(options.summary, inputs, streams.err);
 }
 
 bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* facts) {
+    const Interrupt::Waiting waiting(true); // nothing is written yet
     CKiv sensor;
     if (!loadSensor(options.parameterFile, parameters, sensor, streams.err, facts)
         || !inputsUsable())
@@ -43,12 +48,16 @@ bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* fa
     F_VECTOR4 levelLimits{};
     parameters.GetKIVLevelLimits(levelLimits);
     lead.emplace(sensor, levelLimits, uncertainties);
-    if (!recording.open(results, facts ? &facts->readings : nullptr)
-        || !takeReference(options, *lead, streams, ownReference))
+    if (!recording.open(results, facts ? &facts->readings : nullptr) || !referenceReadable()
+        || !takeReference(options, *lead, streams, given, facts ? &facts->reference : nullptr))
         return false;
+    if (options.referenceLine == 0 && given.line > 0)
+        totals.nameReference(given.table, given.line);
+    if (uncertainties)
+        totals.expectUncertainties();
     truth.emplace(table(), !options.localFrame || !knowsFrames);
     if (options.tolerance && !truth->comparable()) {
-        streams.err << recording.name()
+        streams.err << recording.first().name()
                     << ":1:1: expected true angles in machine coordinates for --tolerance, found "
                     << (options.localFrame && knowsFrames ? "a run in the local frame"
                                                           : "no columns of them")
@@ -65,13 +74,21 @@ bool ReadingsRun::readUncertainties() {
                                       streams);
 }
 
+bool ReadingsRun::referenceReadable() const {
+    if (options.referenceLine == 0 || recording.first().size() > 0)
+        return true;
+    streams.err << recording.first().name()
+                << ":1:1: expected a file for --reference-line, found what can be read only once\n";
+    return false;
+}
+
 std::size_t ReadingsRun::jobs() const {
-    const std::size_t asked = options.jobs > 0       ? options.jobs
-                              : recording.size() > 0 ? std::thread::hardware_concurrency()
-                                                     : 1;
+    if (recording.size() == 0)
+        return std::max<std::size_t>(options.jobs, 1);
+    const std::size_t asked = options.jobs > 0 ? options.jobs : std::thread::hardware_concurrency();
     const std::size_t blocks =
         recording.size() / options.format.blockBytes + options.readings.size();
-    return std::clamp<std::size_t>(asked, 1, recording.size() > 0 ? blocks : asked);
+    return std::clamp<std::size_t>(asked, 1, blocks);
 }
 
 struct ReadingsRun::Batch {
@@ -82,7 +99,7 @@ struct ReadingsRun::Batch {
 };
 
 void ReadingsRun::work(Batch& batch, RowRunner& runner, Table& cursor,
-                       const MakeText& makeText) const {
+                       const Prepare& prepare) const {
     batch.count = 0;
     batch.text.clear();
     cursor.start(batch.block);
@@ -91,37 +108,44 @@ void ReadingsRun::work(Batch& batch, RowRunner& runner, Table& cursor,
             batch.rows.emplace_back();
         Row& row = batch.rows[batch.count];
         row.line = cursor.lineNumber();
-        if (ownReference && batch.block.table == 0 && row.line == options.referenceLine)
-            row.result = *ownReference;
+        if (row.line == options.referenceLine && batch.block.table == 0)
+            row.result = given.result;
         else
             runner.run(cursor, row.result);
         row.time.reset();
         row.truth = truth->angles(cursor);
         row.messages.assign(cursor.messages().begin(), cursor.messages().end());
-        makeText(cursor, row, batch.text);
+        prepare(cursor, row, batch.text);
         row.textEnd = batch.text.size();
         ++batch.count;
     }
 }
 
 bool ReadingsRun::finishBatch(Batch& batch, const Take& take, Progress& progress) {
+    const Block& block = batch.block;
     std::size_t textEnd = 0;
+    std::size_t taken = 0;
     bool goOn = true;
-    for (std::size_t i = 0; goOn && i < batch.count; ++i) {
-        const Row& row = batch.rows[i];
+    for (; goOn && taken < batch.count; ++taken) {
+        const Row& row = batch.rows[taken];
         limit.take(row.messages);
-        rows.add(row.result, row.line, row.truth,
-                 recording.hasSeveral() ? batch.block.name : std::string_view());
+        totals.add(row.result, row.line, row.truth,
+                   recording.hasSeveral() ? block.name : std::string_view());
         textEnd = row.textEnd;
         goOn = take(row);
     }
-    progress.add(batch.count, batch.block.text.size());
-    return written.write(std::string_view(batch.text).substr(0, textEnd),
-                         batch.block.inputWouldWait)
-           && goOn;
+    progress.add(taken, block.text.size());
+    const std::string_view text(batch.text);
+    if (!written.write(text.substr(0, textEnd), block.inputWouldWait))
+        return false;
+    if (taken == batch.count) {
+        ends += block.said;
+        broken = block.brokenOff;
+    }
+    return goOn && !broken;
 }
 
-void ReadingsRun::forEach(const MakeText& makeText, const Take& take) {
+void ReadingsRun::forEach(const Prepare& prepare, const Take& take) {
     Progress progress(streams.err, streams.errIsTerminal && !options.quiet, recording.size());
     struct Worker {
         std::optional<RowRunner> runner;
@@ -137,9 +161,7 @@ void ReadingsRun::forEach(const MakeText& makeText, const Take& take) {
     if (lead->hasReference())
         afterReference();
 
-    bool inputWouldWait = recording.startWaits();
-    if (inputWouldWait)
-        written.write("", true);
+    bool inputWouldWait = false;
     InOrder<Batch> batches({
         .read =
             [&](Batch& batch) {
@@ -151,8 +173,8 @@ void ReadingsRun::forEach(const MakeText& makeText, const Take& take) {
         .work =
             [&](Batch& batch, std::size_t i) {
                 if (independent)
-                    return work(batch, *workers[i].runner, workers[i].table, makeText);
-                work(batch, *lead, workers[i].table, makeText);
+                    return work(batch, *workers[i].runner, workers[i].table, prepare);
+                work(batch, *lead, workers[i].table, prepare);
                 if (lead->hasReference())
                     afterReference();
             },
@@ -166,33 +188,33 @@ bool ReadingsRun::writeSummary() const {
     Output file;
     if (!file.open(options.summary, streams))
         return false;
-    file.text() = summaryText(rows, options, mode);
+    file.text() = summaryText(totals, options, mode);
     return file.finish(streams.err);
 }
 
 bool ReadingsRun::withinTolerance() const {
-    if (!options.tolerance || rows.largestResidual() <= *options.tolerance)
+    if (!options.tolerance || totals.largestResidual() <= *options.tolerance)
         return true;
     streams.err << "expected differences to the true angles of " << shown(*options.tolerance)
-                << " degrees at most, found " << degreesText(rows.largestResidual()) << '\n';
+                << " degrees at most, found " << degreesText(totals.largestResidual()) << '\n';
     return false;
 }
 
 int ReadingsRun::finish() {
     limit.reportOthers(recording.name());
-    const bool readAll = recording.reportEnd(streams.err);
-    if (!written.finish(streams.err) || !readAll)
+    streams.err << ends;
+    if (!written.finish(streams.err) || broken)
         return unusable;
-    rows.printCounts(streams.err);
+    totals.printCounts(streams.err);
     if (!options.quiet)
-        rows.printStatistics(streams.err);
+        totals.printStatistics(streams.err);
     if (!options.summary.empty() && !writeSummary())
         return unusable;
     const bool close = withinTolerance();
     if (Interrupt::requested())
         return interrupted;
-    const bool trusted = !options.strict || rows.allTrusted();
-    return rows.allGood() && close && trusted ? allGood : someRowsBad;
+    const bool trusted = !options.strict || totals.allTrusted();
+    return totals.allGood() && close && trusted ? allGood : someRowsBad;
 }
 
 } // namespace kiv::host

@@ -10,6 +10,7 @@
 #include "KIVInterface/CKivPrm.h"
 #include "host/Cli.h"
 #include "host/summary/Summary.h"
+#include "host/tables/GivenReference.h"
 #include "host/tables/ReadingsOptions.h"
 #include "host/tables/Recording.h"
 #include "host/tables/RowResult.h"
@@ -26,7 +27,7 @@ struct Row {
     std::size_t line = 0;
     std::vector<Message> messages;
     std::optional<std::array<double, 3>> truth; // true angles rx, ry, rz, degrees
-    std::optional<TimeStamp> time;              // for whoever asks
+    std::optional<TimeStamp> time;              // on the report's axis
     std::size_t textEnd = 0;                    // in the text made of a batch's rows
 };
 
@@ -35,7 +36,7 @@ class ReadingsRun {
 public:
     ReadingsRun(const ReadingsOptions& asked, const Streams& own, bool withResidualFigures = true)
         : options(asked), streams(own), recording(asked.readings, asked.format, own),
-          limit(asked.format.mostMessages, own.err), rows(withResidualFigures) {}
+          limit(asked.format.mostMessages, own.err), totals(withResidualFigures) {}
 
     // False, and messages, when one of the files cannot be used. No column of the readings may have
     // one of the names of the results. The facts are complete once all rows have been read.
@@ -50,14 +51,15 @@ public:
     std::string name() const { return recording.name(); }
     const Table& table() const { return recording.table(); } // for its columns
     Output& output() { return written; }
-    const Summary& summary() const { return rows; }
-    bool brokenOff() const { return recording.brokenOff(); } // reading, before the end
+    const Summary& summary() const { return totals; }
+    bool brokenOff() const { return broken; } // reading, before the end
 
-    // Adds what the output has of a row to a text; several at a time, on any thread.
-    using MakeText = std::function<void(const Table&, Row&, std::string& text)>;
+    // Completes a row, and adds what the output has of it to a text; several at a time, on any
+    // thread.
+    using Prepare = std::function<void(const Table&, Row&, std::string& text)>;
     // Takes one row after the other; false ends the run behind it.
     using Take = std::function<bool(const Row&)>;
-    void forEach(const MakeText& makeText, const Take& take);
+    void forEach(const Prepare& prepare, const Take& take);
 
     // Ends the output, shows and writes the summary. An exit code.
     int finish();
@@ -67,8 +69,9 @@ private:
 
     bool inputsUsable() const;
     bool readUncertainties();
+    bool referenceReadable() const;
     std::size_t jobs() const;
-    void work(Batch& batch, RowRunner& runner, Table& cursor, const MakeText& makeText) const;
+    void work(Batch& batch, RowRunner& runner, Table& cursor, const Prepare& prepare) const;
     bool finishBatch(Batch& batch, const Take& take, Progress& progress);
     bool writeSummary() const;
     bool withinTolerance() const;
@@ -79,12 +82,14 @@ private:
     int mode = 0;
     std::optional<Uncertainties> uncertainties;
     std::optional<RowRunner> lead;
-    std::optional<RowResult> ownReference; // where a line of the recording is named
+    GivenReference given;
     Recording recording;
     MessageLimit limit;
     Output written;
     std::optional<Truth> truth;
-    Summary rows;
+    Summary totals;
+    bool broken = false; // reading
+    std::string ends;    // what was said of the tables' ends
 };
 
 } // namespace kiv::host

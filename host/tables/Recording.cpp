@@ -1,15 +1,25 @@
 #include "host/tables/Recording.h"
 
-#include <ostream>
+#include <filesystem>
+#include <sstream>
 
 #include "host/tables/Readings.h"
 
 namespace kiv::host {
 
-bool Recording::openTable(std::size_t i, const Streams& own, Sha256* hash) {
+namespace {
+
+bool isFile(const std::string& name) {
+    std::error_code ignored;
+    return name != "-" && std::filesystem::is_regular_file(pathOf(name), ignored);
+}
+
+} // namespace
+
+bool Recording::openTable(std::size_t i, std::ostream& err, Sha256* hash) {
     auto input = std::make_unique<TableInput>(readingColumns, format);
-    if (!input->open(files[i], reserved, own, hash)
-        || (i > 0 && !input->hasColumnsOf(*tables[0], own.err)))
+    if (!input->open(files[i], reserved, {streams.in, streams.out, err}, hash)
+        || (i > 0 && !input->hasColumnsOf(first(), err)))
         return false;
     tables[i] = std::move(input);
     return true;
@@ -18,46 +28,58 @@ bool Recording::openTable(std::size_t i, const Streams& own, Sha256* hash) {
 bool Recording::open(std::span<const std::string_view> results, Sha256* hash) {
     reserved = results;
     tables.resize(files.size());
-    bool sizesKnown = true;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        if (!openTable(i, streams, i == 0 ? hash : nullptr))
+    if (!openTable(0, streams.err, hash))
+        return false;
+    bytes = first().size();
+    for (std::size_t i = 1; i < files.size(); ++i) {
+        if (!isFile(files[i])) {
+            bytes = 0;
+            continue;
+        }
+        if (!openTable(i, streams.err))
             return false;
-        bytes += tables[i]->size();
-        sizesKnown = sizesKnown && tables[i]->size() > 0;
-        if (i > 0 && tables[i]->size() > 0)
-            tables[i].reset(); // a file can be opened again
+        bytes += bytes > 0 ? tables[i]->size() : 0;
+        tables[i].reset();
     }
-    bytes = sizesKnown ? bytes : 0;
     return true;
 }
 
 std::string Recording::name() const {
-    return tables[0]->name()
+    return first().name()
            + (hasSeveral() ? " and " + std::to_string(files.size() - 1) + " more" : "");
 }
 
-bool Recording::nextBlock(Block& block) {
-    while (!broken && current < files.size()) {
-        if (!tables[current]
-            && !openTable(current, {streams.in, streams.out, ends, false, false}, nullptr)) {
-            broken = true;
-            return false;
-        }
-        if (tables[current]->nextBlock(block)) {
-            block.table = current;
-            return true;
-        }
-        broken = !tables[current]->reportEnd(ends);
-        if (current > 0)
-            tables[current].reset();
-        ++current;
+// False where there is a block to give instead.
+bool Recording::openInTurn(Block& block) {
+    block.text.clear();
+    block.said.clear();
+    block.inputWouldWait = !isFile(files[current]) && !announced;
+    if (block.inputWouldWait) {
+        announced = true;
+        return false;
     }
-    return false;
+    announced = false;
+    std::ostringstream err;
+    block.brokenOff = !openTable(current, err);
+    block.said = err.str();
+    return !block.brokenOff;
 }
 
-bool Recording::reportEnd(std::ostream& err) {
-    err << ends.str();
-    return !broken;
+bool Recording::nextBlock(Block& block) {
+    for (; current < files.size(); ++current) {
+        if (!tables[current] && !openInTurn(block)) {
+            current = block.brokenOff ? files.size() : current;
+            return true;
+        }
+        block.table = current;
+        if (tables[current]->nextBlock(block)) {
+            current = block.brokenOff ? files.size() : current;
+            return true;
+        }
+        if (current > 0)
+            tables[current].reset();
+    }
+    return false;
 }
 
 } // namespace kiv::host

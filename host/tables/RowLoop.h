@@ -8,16 +8,9 @@ namespace kiv::host {
 // none left, the user interrupts, or each gives false.
 template <typename Source, typename Next, typename Each>
 void forEachRow(const Source& source, Next next, Each each) {
-    bool wouldWait = false;
-    const auto nextRow = [&] {
-        const Interrupt::Waiting waiting(wouldWait);
-        return !Interrupt::requested() && next();
-    };
-    while (nextRow()) {
-        wouldWait = source.wouldWait();
-        if (!each(wouldWait))
+    while (!Interrupt::requested() && next())
+        if (!each(source.wouldWait()))
             break;
-    }
 }
 
 } // namespace kiv::host

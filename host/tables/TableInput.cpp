@@ -2,55 +2,60 @@
 
 #include <ostream>
 
+#include "host/Interrupt.h"
+
 namespace kiv::host {
 
-namespace {
-
-void tellAll(std::span<const Message> messages, std::ostream& err) {
-    for (const Message& message : messages)
-        err << message.text;
+// A file never waits, not even where it ends for now.
+bool TableInput::readBlock(Block& next) {
+    const bool found = blocks->next(next);
+    next.inputWouldWait = next.inputWouldWait && input.size() == 0;
+    return found;
 }
-
-} // namespace
 
 bool TableInput::open(const std::string& file, std::span<const std::string_view> reserved,
                       const Streams& streams, Sha256* hash) {
     if (!input.open(file, streams, hash))
         return false;
     blocks.emplace(input.stream(), input.name(), format.blockBytes);
-    if (!read(block)) {
+    bool found = true;
+    while (found && block.text.empty() && !block.brokenOff)
+        found = readBlock(block);
+    if (block.text.empty()) {
         streams.err << name() << ":1:1: expected a row of column names, found "
-                    << (blocks->failed() ? "a file that cannot be read" : "end of file") << '\n';
+                    << (block.brokenOff ? "a file that cannot be read" : "end of file") << '\n';
         return false;
     }
     rows.start(block);
+    ends = block.said;
     if (rows.readHeader(reserved))
         return true;
-    tellAll(rows.messages(), streams.err);
+    show(rows.messages(), streams.err);
     return false;
-}
-
-// A file never waits, not even where it ends for now.
-bool TableInput::read(Block& next) {
-    const bool found = blocks->next(next);
-    next.inputWouldWait = next.inputWouldWait && input.size() == 0;
-    return found;
 }
 
 bool TableInput::hasColumnsOf(const TableInput& first, std::ostream& err) {
     if (rows.hasColumnsOf(first.rows, first.name()))
         return true;
-    tellAll(rows.messages(), err);
+    show(rows.messages(), err);
     return false;
 }
 
 bool TableInput::nextRow() {
     while (!rows.nextRow()) {
-        if (!read(block))
+        const Interrupt::Waiting waiting(block.inputWouldWait);
+        if (Interrupt::requested() || !readBlock(block))
             return false;
         rows.start(block);
+        ends += block.said;
+        broken = broken || block.brokenOff;
     }
     return true;
+}
+
+bool TableInput::reportEnd(std::ostream& err) const {
+    err << ends;
+    return !broken;
 }
 
 bool TableInput::finish(const MessageLimit& limit, Output& output, std::ostream& err) const {
@@ -60,12 +65,16 @@ bool TableInput::finish(const MessageLimit& limit, Output& output, std::ostream&
 }
 
 bool TableInput::nextBlock(Block& next) {
-    if (byBlock || rows.rest().empty())
-        return read(next);
-    byBlock = true;
-    next = block;
-    next.text = rows.rest();
+    if (blockGiven)
+        return readBlock(next);
+    blockGiven = true;
+    const std::string_view rest = rows.rest();
+    next.text.assign(rest);
+    next.name = block.name;
     next.firstLine = rows.lineNumber() + 1;
+    next.inputWouldWait = block.inputWouldWait;
+    next.brokenOff = block.brokenOff;
+    next.said = block.said;
     return true;
 }
 

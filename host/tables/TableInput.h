@@ -31,6 +31,11 @@ public:
     // The table row by row; false at its end.
     bool nextRow();
     bool wouldWait() const { return rows.rest().empty() && block.inputWouldWait; }
+    // Then: false, and a message, where reading broke off; a warning of a cut last row.
+    bool reportEnd(std::ostream& err) const;
+    // Ends such a run: false, and a message, when the table was not read to its end or the output
+    // not written; shows how many messages were too many.
+    bool finish(const MessageLimit& limit, Output& output, std::ostream& err) const;
 
     // False, and a message, when the names are not the same in the same order.
     bool hasColumnsOf(const TableInput& first, std::ostream& err);
@@ -38,19 +43,16 @@ public:
     // Or block by block, without the row of names; false at its end.
     bool nextBlock(Block& next);
 
-    // At the end: false, and a message, where reading has broken off; a warning of a cut last row.
-    bool reportEnd(std::ostream& err) const { return blocks->reportEnd(err); }
-    // The same, and ends the output and shows how many messages were too many.
-    bool finish(const MessageLimit& limit, Output& output, std::ostream& err) const;
-
 private:
-    bool read(Block& next);
+    bool readBlock(Block& next);
 
     const TableFormat& format;
     Input input;
     std::optional<BlockReader> blocks;
     Block block;
-    bool byBlock = false;
+    bool blockGiven = false;
+    bool broken = false;
+    std::string ends; // what was said of the end
     Table rows;
 };
 

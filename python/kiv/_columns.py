@@ -82,9 +82,9 @@ class Trust(enum.IntEnum):
     NONE = -1  # there are no angles
     GOOD = 0  # none of what follows
     OUTSIDE_LIMITS = 1  # a tilt outside its table or the parameters' limits
-    SEAM = 2  # two levels, with angles from both sides of 180 degrees
-    LEVELS_DISAGREE = 3  # the two levels show different rolls
-    MIRROR_NEAR = 4  # the mirrored solution is within the limits, too
+    MIRROR_NEAR = 2  # the mirrored solution is within the limits, too
+    SEAM = 3  # two levels, with angles from both sides of 180 degrees
+    LEVELS_DISAGREE = 4  # the two levels show different rolls
     TWO_SIGNS = 5  # dual level: z and level y differ in sign
     NEAR_LEVEL_SIGHT = 6  # pendulum: z is so close to 0 that digits cancel
     ROLL_UNSEEN = 7  # the roll about the line of sight hardly shows in the level

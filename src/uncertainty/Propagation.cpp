@@ -19,6 +19,10 @@ namespace {
 // stays below a hundredth of the difference.
 constexpr double leastSteps = 128;
 
+// Angles that turn by more, radians, are no slope: the mean of two levels' angles jumps by half a
+// turn where one of them passes the seam at 180 degrees.
+constexpr double quarterTurn = halfPi;
+
 double ulp(float value) {
     const float size = std::abs(value);
     return static_cast<double>(std::nextafter(size, std::numeric_limits<float>::infinity()))
@@ -111,6 +115,9 @@ bool Propagation::move(Channel channel, const KIV_RAWINFO& back, const KIV_RAWIN
     Moved to;
     if (!update(back, from) || !update(forth, to))
         return false;
+    for (std::size_t i = 0; i < 3; ++i)
+        if (std::abs(turnBetween(from.angles[i], to.angles[i])) > quarterTurn)
+            return false;
     setSlope(channel, from, to, distance);
     return true;
 }

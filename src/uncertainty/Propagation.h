@@ -33,7 +33,8 @@ public:
     void captured(const CKiv& sensor, const KIV_RAWINFO& raw);
 
     // After an update of the sensor that gave an orientation, from the same readings; at most 14
-    // updates. False where the model has no orientation on both sides of the readings.
+    // updates. False where the model has no orientation on both sides of the readings, or they turn
+    // by more than a quarter of a turn.
     bool of(const CKiv& sensor, const KIV_RAWINFO& raw, const KIV_INFO& info,
             AngleUncertainty& out);
 

@@ -12,9 +12,9 @@ namespace kiv {
 enum class Trust : unsigned char {
     good,
     outsideLimits,  // a tilt outside its calibration table or the record's limits
+    mirrorNear,     // the mirrored solution is within the limits, too
     seam,           // the mean of two levels' angles from both sides of 180 degrees
     levelsDisagree, // two levels show different rolls
-    mirrorNear,     // the mirrored solution is within the limits, too
     twoSigns,       // dual level: z and level Y differ in sign
     nearLevelSight, // pendulum: z is so close to 0 that digits cancel
     rollUnseen,     // the turn about the line of sight hardly shows in the level
@@ -23,8 +23,8 @@ enum class Trust : unsigned char {
 };
 
 inline constexpr std::array<const char*, 10> trustWords{
-    "good",      "outside_limits",   "seam",        "levels_disagree", "mirror_near",
-    "two_signs", "near_level_sight", "roll_unseen", "not_settled",     "reference"};
+    "good",      "outside_limits",   "mirror_near", "seam",        "levels_disagree",
+    "two_signs", "near_level_sight", "roll_unseen", "not_settled", "reference"};
 
 constexpr const char* wordOf(Trust trust) {
     return trustWords[static_cast<std::size_t>(trust)];
