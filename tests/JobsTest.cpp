@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -9,7 +10,10 @@
 #include <functional>
 #include <iterator>
 #include <numeric>
+#include <optional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "host/InOrder.h"
 #include "host/Interrupt.h"
