@@ -214,6 +214,14 @@ TEST(Propagation, AgreesWithDrawsOfReferenceParametersAndReadings) {
     }
 }
 
+// The readings become the reference, then they have angles.
+KIV_INFO updatedTwice(CKiv& sensor, const KIV_RAWINFO& raw) {
+    KIV_INFO info;
+    SensorUpdate::run(sensor, raw, info);
+    SensorUpdate::run(sensor, raw, info);
+    return info;
+}
+
 TEST(Propagation, UnwrapsAnglesAtHalfATurn) {
     CKiv sensor;
     prepare(sensor, 6);
@@ -221,9 +229,7 @@ TEST(Propagation, UnwrapsAnglesAtHalfATurn) {
     Uncertainties u;
     u[Source::azimuth] = 0.01;
     Propagation propagation(sensor, u);
-    KIV_INFO info;
-    SensorUpdate::run(sensor, raw, info);
-    SensorUpdate::run(sensor, raw, info);
+    KIV_INFO info = updatedTwice(sensor, raw);
     ASSERT_NEAR(std::abs(info.rz), 180, 1);
     raw.azimuthRaw += static_cast<float>(info.rz - std::copysign(180.0, info.rz));
     SensorUpdate::run(sensor, raw, info);
@@ -242,9 +248,7 @@ TEST(Propagation, HasNoFigureAcrossTheSeamOfTwoLevels) {
         Uncertainties u;
         u[Source::levelX] = 0.01;
         Propagation propagation(sensor, u);
-        KIV_INFO info;
-        SensorUpdate::run(sensor, raw, info);
-        SensorUpdate::run(sensor, raw, info);
+        const KIV_INFO info = updatedTwice(sensor, raw);
         AngleUncertainty found;
         EXPECT_EQ(propagation.of(sensor, raw, info, found), roll > 0.1);
     }

@@ -51,7 +51,7 @@ constexpr std::array<std::string_view, 30> resultColumns{"state",
                                                          "u_reference_rz_deg"};
 
 std::span<const std::string_view> columnsOf(const ReadingsRun& run) {
-    const std::size_t left = !run.withUncertainties() ? 6 : run.localFrame() ? 0 : 3;
+    const std::size_t left = !run.givenUncertainties() ? 6 : run.localFrame() ? 0 : 3;
     return std::span(resultColumns).first(resultColumns.size() - left);
 }
 
@@ -100,9 +100,9 @@ void appendResult(std::string& text, const RowResult& result, const ReadingsRun&
                                 static_cast<float>(values[2])};
         cells(digits, 3, result.hasUncertainty);
     };
-    if (run.withUncertainties())
+    if (run.givenUncertainties())
         triple(result.uncertainty.standard);
-    if (run.withUncertainties() && run.localFrame())
+    if (run.givenUncertainties() && run.localFrame())
         triple(result.uncertainty.reference);
     *end++ = '\n';
     if (table.decimalComma())

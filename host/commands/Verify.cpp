@@ -15,13 +15,13 @@ namespace kiv::host {
 namespace {
 
 constexpr std::size_t models = 5;
-constexpr std::array<std::string_view, quantityCount> quantityNames{"readings", "matrix", "angles",
+constexpr std::array<std::string_view, comparedCount> comparedNames{"readings", "matrix", "angles",
                                                                     "QVC"};
 
-using Cells = std::array<std::string, 4 + quantityCount>;
+using Cells = std::array<std::string, 4 + comparedCount>;
 
 void appendLine(std::string& text, const Cells& cells) {
-    constexpr std::array<std::size_t, 4 + quantityCount> widths{14, 13, 7, 9, 10, 9, 9, 0};
+    constexpr std::array<std::size_t, 4 + comparedCount> widths{14, 13, 7, 9, 10, 9, 9, 0};
     for (std::size_t i = 0; i < cells.size(); ++i)
         text.append(cells[i]).append(std::max(widths[i], cells[i].size()) - cells[i].size(), ' ');
     text += '\n';
@@ -43,17 +43,17 @@ std::string modesText(const ModelCheck& check) {
 }
 
 // Matrices are double precision, all else is single.
-std::string valueText(std::size_t quantity, double value) {
-    return quantity == matrixEntries ? shown(value) : shown(static_cast<float>(value));
+std::string valueText(std::size_t compared, double value) {
+    return compared == matrixEntries ? shown(value) : shown(static_cast<float>(value));
 }
 
 void appendCheck(std::string& text, const ModelCheck& check) {
     Cells cells{std::string(check.model), modesText(check), std::to_string(check.cases),
                 check.good() ? "good" : "WRONG"};
-    for (std::size_t i = 0; i < quantityCount; ++i)
+    for (std::size_t i = 0; i < comparedCount; ++i)
         cells[4 + i] = sizeText(check.largest[i].size);
     appendLine(text, cells);
-    for (std::size_t i = 0; i < quantityCount; ++i)
+    for (std::size_t i = 0; i < comparedCount; ++i)
         if (const Difference& d = check.largest[i]; d.size > allowedDifference[i])
             text.append("  case ")
                 .append(std::to_string(d.caseNumber))
@@ -82,8 +82,8 @@ int verifyInstallation(const VerifyOptions& options, const Streams& streams) {
             "\nLargest differences to the reference cases, readings and angles in degrees:\n\n";
     Cells heading{"model", "mount modes", "cases", "verdict"};
     Cells allowed{"allowed"};
-    for (std::size_t i = 0; i < quantityCount; ++i) {
-        heading[4 + i] = quantityNames[i];
+    for (std::size_t i = 0; i < comparedCount; ++i) {
+        heading[4 + i] = comparedNames[i];
         allowed[4 + i] = sizeText(allowedDifference[i]);
     }
     appendLine(text, heading);

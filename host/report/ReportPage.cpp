@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/report/Embedded.h"
+#include "host/Embedded.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 

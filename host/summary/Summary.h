@@ -32,7 +32,7 @@ public:
     std::size_t rows() const;
     std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
     std::size_t count(Reason reason) const { return reasons[static_cast<std::size_t>(reason)]; }
-    // Of a row that is not among these.
+    // Where it stands; a row in state reference that is added says so itself.
     void nameReference(std::string_view table, std::size_t line);
     std::size_t referenceLine() const { return reference; } // 0: none
     // Where the line is, in words.

@@ -32,7 +32,7 @@ bool BlockReader::readSome(std::string& text) {
     return true;
 }
 
-void BlockReader::endWithoutLineEnd(Block& block) {
+void BlockReader::endWithoutLineEnd(LineBlock& block) {
     ++lines;
     const std::size_t column = block.text.size() + (block.text.ends_with('\r') ? 0 : 1);
     block.said = name + ':' + std::to_string(lines) + ':' + std::to_string(column)
@@ -40,14 +40,14 @@ void BlockReader::endWithoutLineEnd(Block& block) {
                    "(warning)\n";
 }
 
-void BlockReader::breakOff(Block& block) {
+void BlockReader::breakOff(LineBlock& block) {
     block.text.clear();
     block.brokenOff = true;
     block.said =
         name + ':' + std::to_string(lines + 1) + ":1: expected to read on, found a read error\n";
 }
 
-bool BlockReader::next(Block& block) {
+bool BlockReader::next(LineBlock& block) {
     std::string& text = block.text;
     text.swap(begun);
     begun.clear();

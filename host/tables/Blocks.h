@@ -8,7 +8,7 @@
 namespace kiv::host {
 
 // Whole lines of an input that stand together, or none where it waits.
-struct Block {
+struct LineBlock {
     std::string text;            // each line with its end, but for the last one of an input without
     std::string name;            // of the input, as messages show it
     std::size_t table = 0;       // of several, from 0
@@ -25,12 +25,12 @@ public:
         : in(stream), name(std::move(shownName)), size(blockBytes) {}
 
     // False at the end. A block is about as large as asked, or as what is at hand.
-    bool next(Block& block);
+    bool next(LineBlock& block);
 
 private:
     bool readSome(std::string& text);
-    void endWithoutLineEnd(Block& block);
-    void breakOff(Block& block);
+    void endWithoutLineEnd(LineBlock& block);
+    void breakOff(LineBlock& block);
 
     std::istream& in;
     std::string name;

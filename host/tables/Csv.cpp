@@ -73,9 +73,8 @@ bool CsvReader::nextRow() {
     if (behind.empty())
         return false;
     const std::size_t end = behind.find('\n');
-    open = end == behind.npos;
     line = behind.substr(0, end);
-    behind.remove_prefix(open ? behind.size() : end + 1);
+    behind.remove_prefix(end == behind.npos ? behind.size() : end + 1);
     ++number;
     splitLine();
     return true;

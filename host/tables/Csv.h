@@ -27,7 +27,6 @@ public:
     std::size_t lineNumber() const { return number; }
     // Of a cell, or of the line's end for an index behind the last; from 1, in bytes.
     std::size_t column(std::size_t cell) const;
-    bool endsOpen() const { return open; } // no line end behind the row
 
 private:
     void splitLine();
@@ -38,7 +37,6 @@ private:
     char between = ',';
     std::size_t number = 0;
     bool closed = true;
-    bool open = false;
 };
 
 // The cell without surrounding blanks and quotes.

@@ -31,7 +31,7 @@ bool takeReference(const ReadingsOptions& options, RowRunner& runner, const Stre
             given.table = input.name();
             given.line = table.lineNumber();
             limit.reportOthers(input.name());
-            for (Block rest; hash && input.nextBlock(rest);) {
+            for (LineBlock rest; hash && input.nextBlock(rest);) {
             }
             return true;
         }

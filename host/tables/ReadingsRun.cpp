@@ -92,7 +92,7 @@ std::size_t ReadingsRun::jobs() const {
 }
 
 struct ReadingsRun::Batch {
-    Block block;
+    LineBlock block;
     std::vector<Row> rows; // the first count of them
     std::size_t count = 0;
     std::string text;
@@ -122,7 +122,7 @@ void ReadingsRun::work(Batch& batch, RowRunner& runner, Table& cursor,
 }
 
 bool ReadingsRun::finishBatch(Batch& batch, const Take& take, Progress& progress) {
-    const Block& block = batch.block;
+    const LineBlock& block = batch.block;
     std::size_t textEnd = 0;
     std::size_t taken = 0;
     bool goOn = true;

@@ -44,7 +44,6 @@ public:
 
     CKivPrm& record() { return parameters; }
     int mountMode() const { return mode; }
-    bool withUncertainties() const { return uncertainties.has_value(); }
     const std::optional<Uncertainties>& givenUncertainties() const { return uncertainties; }
     // Whether the angles are those of the motion since the reference.
     bool localFrame() const { return options.localFrame && !reportsOwnMatrix(mode); }

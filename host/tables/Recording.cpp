@@ -50,7 +50,7 @@ std::string Recording::name() const {
 }
 
 // False where there is a block to give instead.
-bool Recording::openInTurn(Block& block) {
+bool Recording::openInTurn(LineBlock& block) {
     block.text.clear();
     block.said.clear();
     block.inputWouldWait = !isFile(files[current]) && !announced;
@@ -65,7 +65,7 @@ bool Recording::openInTurn(Block& block) {
     return !block.brokenOff;
 }
 
-bool Recording::nextBlock(Block& block) {
+bool Recording::nextBlock(LineBlock& block) {
     for (; current < files.size(); ++current) {
         if (!tables[current] && !openInTurn(block)) {
             current = block.brokenOff ? files.size() : current;

@@ -31,11 +31,11 @@ public:
 
     // False behind the last table. Before a table is opened that may wait, a block without lines
     // says so. What is wrong with a table then is said by its block.
-    bool nextBlock(Block& block);
+    bool nextBlock(LineBlock& block);
 
 private:
     bool openTable(std::size_t i, std::ostream& err, Sha256* hash = nullptr);
-    bool openInTurn(Block& block);
+    bool openInTurn(LineBlock& block);
 
     const std::vector<std::string>& files;
     const TableFormat& format;

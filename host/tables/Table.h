@@ -27,7 +27,7 @@ public:
     Table(std::span<const std::string_view> columnNames, const TableFormat& format);
 
     // The lines of a block, which has to stay as it is.
-    void start(const Block& block) {
+    void start(const LineBlock& block) {
         name = &block.name;
         csv.start(block.text, block.firstLine);
     }

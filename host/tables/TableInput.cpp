@@ -7,7 +7,7 @@
 namespace kiv::host {
 
 // A file never waits, not even where it ends for now.
-bool TableInput::readBlock(Block& next) {
+bool TableInput::readBlock(LineBlock& next) {
     const bool found = blocks->next(next);
     next.inputWouldWait = next.inputWouldWait && input.size() == 0;
     return found;
@@ -64,7 +64,7 @@ bool TableInput::finish(const MessageLimit& limit, Output& output, std::ostream&
     return output.finish(err) && readAll;
 }
 
-bool TableInput::nextBlock(Block& next) {
+bool TableInput::nextBlock(LineBlock& next) {
     if (blockGiven)
         return readBlock(next);
     blockGiven = true;

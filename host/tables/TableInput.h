@@ -41,15 +41,15 @@ public:
     bool hasColumnsOf(const TableInput& first, std::ostream& err);
 
     // Or block by block, without the row of names; false at its end.
-    bool nextBlock(Block& next);
+    bool nextBlock(LineBlock& next);
 
 private:
-    bool readBlock(Block& next);
+    bool readBlock(LineBlock& next);
 
     const TableFormat& format;
     Input input;
     std::optional<BlockReader> blocks;
-    Block block;
+    LineBlock block;
     bool blockGiven = false;
     bool broken = false;
     std::string ends; // what was said of the end

@@ -9,7 +9,7 @@
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/ConfigureSensor.h"
-#include "host/report/Embedded.h"
+#include "host/Embedded.h"
 #include "host/tables/Readings.h"
 #include "params/Parser.h"
 #include "params/RecordLoading.h"
@@ -25,7 +25,7 @@ constexpr std::int32_t sensorId = 5;
 
 struct ExpectedColumn {
     std::string_view name;
-    Quantity quantity;
+    Compared compared;
 };
 
 constexpr std::array<ExpectedColumn, 19> expectedColumns{
@@ -67,7 +67,7 @@ std::vector<std::string_view> columnsOfCases() {
 // The carried parameter file, but for the mount mode. A sensor that it does not make computes
 // nothing, and all of its cases differ.
 void configure(CKiv& sensor, ParsedFile& parsed, int mountMode) {
-    auto& block = parsed.document.blocks[static_cast<std::size_t>(kiv::Block::mountingMode)];
+    auto& block = parsed.document.blocks[static_cast<std::size_t>(Block::mountingMode)];
     if (block)
         block->integer = mountMode;
     CKivPrm record;
@@ -91,7 +91,7 @@ Values computedBy(CKiv& sensor, const KIV_RAWINFO& raw) {
 // As it is computed: matrices are double precision, all else is single. Not a number where the
 // cell is none.
 double expectedValue(Table& table, std::size_t i) {
-    if (expectedColumns[i].quantity == matrixEntries) {
+    if (expectedColumns[i].compared == matrixEntries) {
         double value = std::numeric_limits<double>::quiet_NaN();
         table.readNumber(expectedAt + i, value);
         return value;
@@ -107,7 +107,7 @@ void compare(Table& table, const Values& found, ModelCheck& check, std::size_t c
         const double difference = std::abs(found[i] - expected);
         const double size =
             std::isnan(difference) ? std::numeric_limits<double>::infinity() : difference;
-        Difference& largest = check.largest[expectedColumns[i].quantity];
+        Difference& largest = check.largest[expectedColumns[i].compared];
         if (size > largest.size)
             largest = {size, caseNumber, expectedColumns[i].name, expected, found[i]};
     }
@@ -124,7 +124,7 @@ bool ModelCheck::good() const {
 std::vector<ModelCheck> checkModels() {
     TextSource text(embedded::verifyParameters());
     ParsedFile parsed = parseParameterFile(text, sensorId);
-    const Block cases{.text = std::string(embedded::verifyCases()), .name = "reference cases"};
+    const LineBlock cases{.text = std::string(embedded::verifyCases()), .name = "reference cases"};
     const auto columns = columnsOfCases();
     const TableFormat format;
     Table table(columns, format);

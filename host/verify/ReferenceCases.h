@@ -10,12 +10,12 @@
 namespace kiv::host {
 
 // What is compared.
-enum Quantity : std::size_t { correctedReadings, matrixEntries, angles, qvcVector, quantityCount };
+enum Compared : std::size_t { correctedReadings, matrixEntries, angles, qvcVector, comparedCount };
 
 // The largest difference that another C library explains. Corrected readings, degrees, take sums,
 // products and quotients alone, which are the same everywhere. Angles, degrees, and the QVC vector
 // are single precision, with steps of 1.5e-5 near 180.
-inline constexpr std::array<double, quantityCount> allowedDifference{0, 1e-13, 2e-5, 2e-5};
+inline constexpr std::array<double, comparedCount> allowedDifference{0, 1e-13, 2e-5, 2e-5};
 
 struct Difference {
     double size = 0; // infinite where a value is not a number
@@ -30,7 +30,7 @@ struct ModelCheck {
     std::string_view model;
     std::vector<int> mountModes{};
     std::size_t cases = 0;
-    std::array<Difference, quantityCount> largest{};
+    std::array<Difference, comparedCount> largest{};
 
     bool good() const;
 };

@@ -1,4 +1,4 @@
-# Puts the charts' library and the report's own style and script into the tool.
+# Puts the charts' library, the report's own style and scripts, and the reference cases into the tool.
 find_path(KIV_DYGRAPHS_DIR dygraph.min.js PATHS /usr/share/javascript/dygraphs
     NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 find_file(KIV_DYGRAPHS_LICENCE copyright PATHS /usr/share/doc/libjs-dygraphs
@@ -21,3 +21,5 @@ kiv_embed(bandsScript ${CMAKE_CURRENT_SOURCE_DIR}/report/bands.js)
 kiv_embed(marksScript ${CMAKE_CURRENT_SOURCE_DIR}/report/marks.js)
 kiv_embed(pageScript ${CMAKE_CURRENT_SOURCE_DIR}/report/page.js)
 kiv_embed(pageStyle ${CMAKE_CURRENT_SOURCE_DIR}/report/page.css)
+kiv_embed(verifyParameters ${CMAKE_CURRENT_SOURCE_DIR}/verify/Tg5.prm)
+kiv_embed(verifyCases ${CMAKE_CURRENT_SOURCE_DIR}/verify/cases.csv)
