@@ -75,16 +75,16 @@ class Sensor:
             raise ValueError(
                 f"uncertainties: expected one of {', '.join(_UNCERTAINTIES)}, found {name!r}"
             )
-        code = _library.BAD_ARGUMENT
-        if isinstance(value, numbers.Real):
-            code = self._handle.set_uncertainty(name.encode(), value)
-        if code == _library.BAD_ARGUMENT:
+        give = self._handle.set_uncertainty
+        if give(name.encode(), 0) == _library.BAD_ARGUMENT:
             raise ValueError(
-                f"uncertainties: expected numbers from 0 to 1e6 for what mount mode "
-                f"{self.mount_mode} reads, of the vector x, y and z or vector_along and "
-                f"vector_across, found {name!r}: {value!r}"
+                f"uncertainties: expected what mount mode {self.mount_mode} reads, of the vector "
+                f"x, y and z or vector_along and vector_across, found {name!r}"
             )
-        _library.check(code)
+        if not isinstance(value, numbers.Real) or give(name.encode(), float(value)):
+            raise ValueError(
+                f"uncertainties: expected a number from 0 to 1e6 for {name!r}, found {value!r}"
+            )
 
     @property
     def uncertainties(self) -> Optional[Dict[str, float]]:

@@ -137,8 +137,8 @@ def test_refusals_name_the_place_and_leave_the_sensor(name, values, row, found):
 
 @pytest.mark.parametrize("given, found", [
     ({"level": 1}, "one of x, y, z, .*'level'"),
-    ({"level_y": -1}, "from 0 to 1e6 .*'level_y': -1"),
-    ({"level_y": "1"}, "'1'"),
+    ({"level_y": -1}, "from 0 to 1e6 for 'level_y', found -1"),
+    ({"level_y": "1"}, "a number .*'1'"),
     ({"level_x": 1}, "mount mode 4 reads.*'level_x'"),
     ({"x": 1, "vector_along": 1}, "'vector_along'"),
 ])
