@@ -239,6 +239,27 @@ TEST(Propagation, UnwrapsAnglesAtHalfATurn) {
     EXPECT_NEAR(found.standard[2], 0.01, 2e-4);
 }
 
+// Near z = 0, and where z is its own uncertainty, the pendulum's angles vary as they do elsewhere.
+TEST(Propagation, KeepsClearOfTheLevelSightOfThePendulum) {
+    CKiv sensor;
+    prepare(sensor, 4);
+    Uncertainties u;
+    u[Source::vector3] = 0.5;
+    u[Source::levelY] = 0.01;
+    Propagation propagation(sensor, u);
+    const auto uncertaintyAt = [&](double z) {
+        const KIV_RAWINFO raw = readingsAt(4, {3, 4, 60, std::atan(z / 4000) / simulator::radians});
+        const KIV_INFO info = updatedTwice(sensor, raw);
+        AngleUncertainty found{};
+        EXPECT_TRUE(propagation.of(sensor, raw, info, found)) << z;
+        return found.standard;
+    };
+    const AngleTriple elsewhere = uncertaintyAt(3);
+    for (const double z : {0.5, -0.5, 0.5001, 0.3, 0.06, 1e-3, 1e-5, -3e-6})
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(uncertaintyAt(z)[i] / elsewhere[i], 1, 0.02) << z << ' ' << i;
+}
+
 // One level's angle a step away lies on the other side of 180 degrees: the mean is no slope.
 TEST(Propagation, HasNoFigureAcrossTheSeamOfTwoLevels) {
     for (const double roll : {0.004, 0.4}) {

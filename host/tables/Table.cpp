@@ -29,6 +29,14 @@ std::string cellCount(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " cell" : " cells");
 }
 
+// A quote that is never closed would take the rows behind it into its cell.
+void appendQuoted(std::string& out, std::string_view text) {
+    out.push_back('"');
+    for (const char c : text)
+        out.append(c == '"' ? 2 : 1, c);
+    out.push_back('"');
+}
+
 } // namespace
 
 Table::Table(std::span<const std::string_view> columnNames, const TableFormat& asked)
@@ -180,14 +188,16 @@ void Table::appendCarriedNames(std::string& out) const {
 
 void Table::appendCarriedCells(std::string& out) const {
     const auto& cells = csv.cells();
-    if (cells.size() == names.size()) {
+    if (cells.size() == names.size() && csv.quotesClosed()) {
         for (const auto& [first, last] : carriedRuns)
             out.append(cells[first].data(), cells[last].data() + cells[last].size())
                 .push_back(separator());
         return;
     }
     for (const std::size_t place : carried) {
-        if (place < cells.size())
+        if (place + 1 == cells.size() && !csv.quotesClosed())
+            appendQuoted(out, cells[place]);
+        else if (place < cells.size())
             out.append(cells[place]);
         out.push_back(separator());
     }

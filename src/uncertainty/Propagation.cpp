@@ -23,6 +23,10 @@ constexpr double leastSteps = 128;
 // turn where one of them passes the seam at 180 degrees.
 constexpr double quarterTurn = halfPi;
 
+// Part of the distance. With z closer to 0 the pendulum's digits cancel where its readings do not
+// fit together, as moved ones do not.
+constexpr double levelSightClearance = 1e-5;
+
 double ulp(float value) {
     const float size = std::abs(value);
     return static_cast<double>(std::nextafter(size, std::numeric_limits<float>::infinity()))
@@ -122,7 +126,13 @@ bool Propagation::move(Channel channel, const KIV_RAWINFO& back, const KIV_RAWIN
     return true;
 }
 
-bool Propagation::slopesAt(const KIV_RAWINFO& raw, const Sight& sight) {
+bool Propagation::slopesAt(const KIV_RAWINFO& row, const Sight& sight) {
+    KIV_RAWINFO raw = row;
+    float& z = raw.vector[2];
+    const double clearance =
+        principle == Principle::pendulum ? levelSightClearance * sight.length : 0;
+    if (std::abs(z) < clearance)
+        z = static_cast<float>(std::copysign(clearance, z));
     for (const Channel channel : {side, above}) {
         const AngleTriple& way = channel == side ? sight.side : sight.above;
         double squared = 0;
@@ -131,6 +141,8 @@ bool Propagation::slopesAt(const KIV_RAWINFO& raw, const Sight& sight) {
         double size = given.bySight ? given[channel == side ? Source::vector2 : Source::vector3]
                                     : std::sqrt(squared);
         size = std::max(size, leastSteps * ulp(static_cast<float>(sight.length)));
+        if (std::abs(std::abs(z) - size * way[2]) < clearance)
+            size = std::abs(z) / 2;
         KIV_RAWINFO forth = raw;
         KIV_RAWINFO back = raw;
         double distance = 0;

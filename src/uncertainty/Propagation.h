@@ -23,7 +23,8 @@ struct AngleUncertainty {
 
 // The law of propagation of uncertainty (JCGM 100, 5.1) through a sensor's whole update, each input
 // moved up and down by its own standard uncertainty, or by some hundred steps of single precision
-// where that is more. Works on a copy of the sensor and allocates nothing after construction.
+// where that is more; by less where z would come to 0 in the pendulum model. Works on a copy of the
+// sensor and allocates nothing after construction.
 class Propagation {
 public:
     // Of a sensor with a model, as it is configured now.
@@ -54,7 +55,7 @@ private:
     bool update(const KIV_RAWINFO& raw, Moved& out);
     void setSlope(Channel channel, const Moved& from, const Moved& to, double distance);
     bool move(Channel channel, const KIV_RAWINFO& back, const KIV_RAWINFO& forth, double distance);
-    bool slopesAt(const KIV_RAWINFO& raw, const Sight& sight);
+    bool slopesAt(const KIV_RAWINFO& row, const Sight& sight);
     AngleTriple part(Source source, const Sight& sight, AngleTriple Slope::*what) const;
     void addRounding(const KIV_RAWINFO& raw, const Sight& sight, const KIV_INFO& info,
                      AngleUncertainty& out) const;
