@@ -39,6 +39,8 @@ void appendTrust(std::string& html, const Summary& summary) {
         html.append("<br>").append(countText(n)).append(" ").append(code(trustWords[i]));
         if (*trustMeanings[i])
             html.append(": ").append(trustMeanings[i]);
+        if (static_cast<Trust>(i) == Trust::reference)
+            html.append(", ").append(code(wordOf(summary.referenceTrust())));
     }
 }
 

@@ -24,7 +24,7 @@ void Summary::add(const RowResult& result, std::size_t line,
     ++counts[static_cast<std::size_t>(result.state)];
     ++reasons[static_cast<std::size_t>(result.reason)];
     if (result.state == RowState::reference)
-        nameReference(table, line);
+        nameReference(table, line, result.trust.trust);
     if (result.state != RowState::ok)
         return;
     ++trusts[static_cast<std::size_t>(result.trust.trust)];
@@ -51,9 +51,10 @@ void Summary::add(const RowResult& result, std::size_t line,
         ofGoodRows.add(differences, result.uncertainty.standard);
 }
 
-void Summary::nameReference(std::string_view table, std::size_t line) {
+void Summary::nameReference(std::string_view table, std::size_t line, Trust trust) {
     reference = line;
     tableOfReference = table;
+    trustOfReference = trust;
 }
 
 std::string Summary::referencePlace() const {
@@ -106,7 +107,11 @@ void Summary::printCounts(std::ostream& out) const {
     };
     list("reasons: ", reasons, 1, [](std::size_t i) { return reasonWords[i].word; });
     if (!allTrusted())
-        list("trust: ", trusts, 0, [](std::size_t i) { return trustWords[i]; });
+        list("trust: ", trusts, 0, [this](std::size_t i) {
+            const bool ofReference = static_cast<Trust>(i) == Trust::reference;
+            return std::string(trustWords[i])
+                   + (ofReference ? std::string(" (") + wordOf(trustOfReference) + ')' : "");
+        });
     if (reference > 0 && count(RowState::reference) == 0)
         out << "reference: " << referencePlace() << '\n';
     if (notUncertain > 0)

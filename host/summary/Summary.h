@@ -33,11 +33,12 @@ public:
     std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
     std::size_t count(Reason reason) const { return reasons[static_cast<std::size_t>(reason)]; }
     // Where it stands; a row in state reference that is added says so itself.
-    void nameReference(std::string_view table, std::size_t line);
+    void nameReference(std::string_view table, std::size_t line, Trust trust);
     std::size_t referenceLine() const { return reference; } // 0: none
     // Where the line is, in words.
     std::string referencePlace() const;
     const std::string& referenceTable() const { return tableOfReference; } // empty: the only one
+    Trust referenceTrust() const { return trustOfReference; }
 
     // From now on each row in state ok should have one.
     void expectUncertainties() { uncertaintiesExpected = true; }
@@ -76,6 +77,7 @@ private:
     std::array<std::size_t, trustWords.size()> trusts{};
     std::size_t reference = 0;
     std::string tableOfReference;
+    Trust trustOfReference = Trust::good;
     bool uncertaintiesExpected = false;
     std::size_t notUncertain = 0;
     std::array<Statistics, 3> angles;

@@ -70,6 +70,7 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
                                                                         : summary.referenceTable())
                                 : Json()},
         {"reference_line", known ? Json(summary.referenceLine()) : Json()},
+        {"reference_trust", known ? Json(wordOf(summary.referenceTrust())) : Json()},
         {"angles", angles},
         {"compared_rows", summary.compared()},
         {"residuals", summary.compared() > 0 ? residuals : Json()},

@@ -52,7 +52,7 @@ bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* fa
         || !takeReference(options, *lead, streams, given, facts ? &facts->reference : nullptr))
         return false;
     if (options.referenceLine == 0 && given.line > 0)
-        totals.nameReference(given.table, given.line);
+        totals.nameReference(given.table, given.line, given.result.trust.trust);
     if (uncertainties)
         totals.expectUncertainties();
     truth.emplace(table(), !options.localFrame || !knowsFrames);

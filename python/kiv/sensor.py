@@ -66,7 +66,7 @@ class Sensor:
         self._handle = _library.Sensor.new(parameters._handle)
         self._run = threading.Lock()
         self._uncertainties = None if uncertainties is None else dict(uncertainties)
-        for name, value in (uncertainties or {}).items():
+        for name, value in (self._uncertainties or {}).items():
             self._set_uncertainty(name, value)
         self.frame = frame
 
