@@ -151,9 +151,9 @@ void CommandLine::addKeep(CLI::App& command, TableFormat& format) {
 }
 
 // The readings' own option.
-CLI::Option* CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
+void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     command.add_option("parameter_file", options.parameterFile)->required();
-    CLI::Option* readings = command.add_option("readings", options.readings)->required();
+    command.add_option("readings", options.readings)->required();
     command.add_option("-o,--output", options.output)->capture_default_str();
     command
         .add_option_function<std::string>(
@@ -173,7 +173,6 @@ CLI::Option* CommandLine::addReadings(CLI::App& command, ReadingsOptions& option
     CLI::Option* line =
         addCount<std::size_t>(command, "--reference-line", options.referenceLine, 2, mostRows);
     command.add_option("--reference", options.referenceFile)->excludes(line);
-    return readings;
 }
 
 // Each as the noise of simulate.
@@ -209,7 +208,7 @@ void CommandLine::addRun() {
 void CommandLine::addReport() {
     CLI::App& command =
         add("report", [this](const Streams& s) { return reportReadings(report, s); });
-    addReadings(command, report)->expected(1);
+    addReadings(command, report);
     addUncertainties(command, report);
     command.add_option("--title", report.title)->check(shownText);
     command.add_option("--length-unit", report.lengthUnit)->check(shownText);

@@ -14,6 +14,10 @@ std::filesystem::path pathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
 
+std::string shownInput(const std::string& name) {
+    return name == "-" ? "standard input" : name;
+}
+
 bool sameFile(const std::string& one, const std::string& other) {
     std::error_code failed;
     if (one == "-" || other.empty() || std::filesystem::is_other(pathOf(one), failed))
@@ -35,11 +39,10 @@ void reportUnopened(std::ostream& err, const std::string& name, const char* expe
 }
 
 bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) {
+    shownName = shownInput(name);
     if (name == "-") {
         chosen = &streams.in;
-        shownName = "standard input";
     } else {
-        shownName = name;
         chosen = &file;
         std::error_code ignored;
         if (!std::filesystem::is_directory(pathOf(name), ignored))

@@ -60,6 +60,9 @@ private:
 // it for something else.
 std::filesystem::path pathOf(const std::string& name);
 
+// As messages show it.
+std::string shownInput(const std::string& name);
+
 // Whether two names mean one place, where a file is or will be.
 bool sameFile(const std::string& one, const std::string& other);
 

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "host/MessageLimit.h"
 #include "host/tables/Numbers.h"
 
 namespace kiv::host {
@@ -57,8 +58,7 @@ void Summary::nameReference(std::string_view table, std::size_t line) {
 }
 
 std::string Summary::referencePlace() const {
-    return "line " + std::to_string(reference)
-           + (tableOfReference.empty() ? "" : " of " + tableOfReference);
+    return linePlace(reference, tableOfReference);
 }
 
 void Summary::Coverage::add(const std::array<double, 3>& differences, const AngleTriple& standard) {

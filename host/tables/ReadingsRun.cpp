@@ -107,8 +107,9 @@ void ReadingsRun::work(Batch& batch, RowRunner& runner, Table& cursor,
         if (batch.count == batch.rows.size())
             batch.rows.emplace_back();
         Row& row = batch.rows[batch.count];
+        row.table = batch.block.table;
         row.line = cursor.lineNumber();
-        if (row.line == options.referenceLine && batch.block.table == 0)
+        if (row.line == options.referenceLine && row.table == 0)
             row.result = given.result;
         else
             runner.run(cursor, row.result);

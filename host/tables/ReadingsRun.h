@@ -24,6 +24,7 @@ class Progress;
 // A row of readings and all that came of it.
 struct Row {
     RowResult result;
+    std::size_t table = 0; // of several, from 0
     std::size_t line = 0;
     std::vector<Message> messages;
     std::optional<std::array<double, 3>> truth; // true angles rx, ry, rz, degrees
