@@ -158,7 +158,7 @@ TEST(Report, RowsThatAreNotGood) {
           "outside_limits</td><td class=\"number\">0.00"}},
         {"b," + tilted("-10.5") + "c," + tilted("9.5") + "d," + tilted("-10.5") + "e," + good + "f,"
              + tilted("9.5"),
-         {"<p>4 rows.</p>",
+         {"<p>4 rows.</p>", "<th class=\"number\">Lines</th>",
           "\">3 to 5</td><td class=\"number\">2 to 4</td><td class=\"number\">3</td><td "
           "class=\"state "
           "not-good\">outside_limits</td><td class=\"number\">0.000794</td>",

@@ -25,16 +25,18 @@ std::string timeOfRun() {
     return timeStampText({asked ? *asked : static_cast<double>(now), true});
 }
 
-// A row's messages without the place in front that they share.
-std::string reasonIn(const Row& row, const std::string& fileName) {
+// A row's messages without the place in front that they share, and without their own.
+NoResult noResult(const Row& row, const std::string& fileName) {
     const std::size_t placeSize = fileName.size() + std::to_string(row.line).size() + 2;
-    std::string reason;
+    NoResult result{row.result.state, "", ""};
     for (const Message& message : row.messages) {
-        const std::string_view text(message.text);
-        reason.append(reason.empty() ? "byte " : "\nbyte ")
-            .append(text.substr(placeSize, text.size() - 1 - placeSize));
+        std::string_view text(message.text);
+        text = text.substr(placeSize, text.size() - 1 - placeSize);
+        const char* separator = result.placed.empty() ? "" : "\n";
+        result.placed.append(separator).append("byte ").append(text);
+        result.reason.append(separator).append(text.substr(text.find(": ") + 2));
     }
-    return reason;
+    return result;
 }
 
 bool isDoubtful(const RowResult& result) {
@@ -101,7 +103,7 @@ void addRow(ReportContent& content, const Row& row, TimeColumn& time) {
         content.doubtfulRows.add(place, {result.trust.trust, result.trust.modelError});
     if ((result.state == RowState::refused || result.state == RowState::noOrientation)
         && !content.badRows.full())
-        content.badRows.add(place, {result.state, reasonIn(row, table)});
+        content.badRows.add(place, noResult(row, table));
     if (result.state == RowState::reference) {
         content.referenceTime = point.time;
         content.referenceRow = place.row;

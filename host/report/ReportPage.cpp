@@ -47,7 +47,11 @@ bool join(Doubt& doubt, const Doubt& next) {
 }
 
 bool join(NoResult& rows, const NoResult& next) {
-    return rows.state == next.state && rows.reason == next.reason;
+    if (rows.state != next.state || rows.reason != next.reason)
+        return false;
+    if (rows.placed != next.placed)
+        rows.placed = rows.reason;
+    return true;
 }
 
 const Statistics& ReportContent::statistics(Quantity quantity) const {

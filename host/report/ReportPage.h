@@ -28,6 +28,7 @@ bool join(Doubt& doubt, const Doubt& next);
 struct NoResult {
     RowState state;
     std::string reason;
+    std::string placed; // the same with the place in the row, where all rows have one
 };
 bool join(NoResult& rows, const NoResult& next);
 

@@ -133,7 +133,7 @@ void appendBadRows(std::string& html, const ReportContent& content) {
                        .append(rows.state == RowState::refused ? "refused" : "no-orientation");
                    html.append("\">").append(rowStateNames[static_cast<std::size_t>(rows.state)]);
                    html += "</td><td class=\"reason\">";
-                   appendEscaped(html, rows.reason);
+                   appendEscaped(html, rows.placed);
                });
     html += "</section>\n";
 }
