@@ -18,9 +18,15 @@ std::string shownInput(const std::string& name) {
     return name == "-" ? "standard input" : name;
 }
 
+std::string shownOutput(const std::string& name) {
+    return name == "-" ? "standard output" : name;
+}
+
 bool sameFile(const std::string& one, const std::string& other) {
     std::error_code failed;
-    if (one == "-" || other.empty() || std::filesystem::is_other(pathOf(one), failed))
+    if (one == "-" || other == "-")
+        return one == other;
+    if (other.empty() || std::filesystem::is_other(pathOf(one), failed))
         return false;
     const auto place = [&](const std::string& name) {
         return std::filesystem::weakly_canonical(std::filesystem::absolute(pathOf(name), failed),
@@ -62,12 +68,11 @@ bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) 
 }
 
 bool Output::open(const std::string& name, const Streams& streams) {
+    shownName = shownOutput(name);
     if (name == "-") {
         chosen = &streams.out;
-        shownName = "standard output";
         return true;
     }
-    shownName = name;
     chosen = &file;
     file.open(name, std::ios::binary | std::ios::trunc);
     if (!file.is_open()) {

@@ -110,8 +110,9 @@ void Summary::printCounts(std::ostream& out) const {
     if (reference > 0 && count(RowState::reference) == 0)
         out << "reference: " << referencePlace() << '\n';
     if (notUncertain > 0)
-        out << "uncertainty: none of " << notUncertain
-            << (notUncertain == 1 ? " row\n" : " rows\n");
+        out << "uncertainty: " << notUncertain
+            << (notUncertain == 1 ? " row with angles has none\n"
+                                  : " rows with angles have none\n");
 }
 
 void Summary::printStatistics(std::ostream& out) const {

@@ -11,16 +11,17 @@ namespace kiv::host {
 
 namespace {
 
-bool isFile(const std::string& name) {
+// A pipe or a device, which can be read only once.
+bool mayWait(const std::string& name) {
     std::error_code ignored;
-    return name != "-" && std::filesystem::is_regular_file(pathOf(name), ignored);
+    return name == "-" || std::filesystem::is_other(pathOf(name), ignored);
 }
 
 // False, and a message, when a file is there twice, under whatever name.
 bool eachOnce(const std::vector<std::string>& files, std::ostream& err) {
     std::unordered_map<std::string, const std::string*> known; // by identity
     for (const std::string& file : files) {
-        const std::string identity = isFile(file) ? platform::identityOf(file.c_str()) : "";
+        const std::string identity = mayWait(file) ? "" : platform::identityOf(file.c_str());
         const auto [there, isNew] = known.emplace(identity, &file);
         if (isNew || identity.empty())
             continue;
@@ -54,7 +55,7 @@ bool Recording::open(std::span<const std::string_view> results, std::vector<Tabl
         return false;
     bytes = first().size();
     for (std::size_t i = 1; i < files.size(); ++i) {
-        if (!isFile(files[i])) {
+        if (mayWait(files[i])) {
             bytes = 0;
             continue;
         }
@@ -75,7 +76,7 @@ std::string Recording::name() const {
 bool Recording::openInTurn(LineBlock& block) {
     block.text.clear();
     block.said.clear();
-    block.inputWouldWait = !isFile(files[current]) && !announced;
+    block.inputWouldWait = mayWait(files[current]) && !announced;
     if (block.inputWouldWait) {
         announced = true;
         return false;
