@@ -382,8 +382,8 @@ int runCommand(int argc, const char* const* argv, const Streams& streams) {
 int runTool(int argc, const char* const* argv, const Streams& streams) {
     const int code = runCommand(argc, argv, streams);
     Output output;
-    return code != unusable && output.open("-", streams) && !output.finish(streams.err) ? unusable
-                                                                                        : code;
+    output.open("-", streams);
+    return code == unusable || output.finish(streams.err) ? code : unusable;
 }
 
 } // namespace kiv::host
