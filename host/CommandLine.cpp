@@ -63,9 +63,9 @@ CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number
         ->check(check);
 }
 
-// Of other names of columns; empty where each column has one name. Seconds in a column time are no
-// date as well.
-std::string sharedName(const TableFormat& format, std::span<const std::string_view> columns) {
+// Of other names; empty where each column has one name. With time_s=time a column time has seconds
+// alone.
+std::string whyNotOneToOne(const TableFormat& format, std::span<const std::string_view> columns) {
     const auto& names = format.otherNames;
     for (const auto& [ours, theirs] : names) {
         const auto same = [&](const TableFormat::Name& name) { return name.ours == ours; };
@@ -156,8 +156,8 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
                     const std::size_t end = pair.find('=');
                     format.otherNames.push_back({pair.substr(0, end), pair.substr(end + 1)});
                 }
-                if (const std::string shared = sharedName(format, columns); !shared.empty())
-                    throw CLI::ValidationError("--column", shared);
+                if (const std::string fault = whyNotOneToOne(format, columns); !fault.empty())
+                    throw CLI::ValidationError("--column", fault);
             })
         ->allow_extra_args(false)
         ->check([columns = std::move(columns)](const std::string& pair) {
