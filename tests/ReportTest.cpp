@@ -171,6 +171,10 @@ TEST(Report, RowsThatAreNotGood) {
             EXPECT_TRUE(contains(page, part)) << part;
         EXPECT_EQ(contains(page, "state not-good"), contains(page, "Rows that are not good"));
     }
+    host::RowRuns<host::Doubt> runs;
+    for (const Trust trust : {Trust::seam, Trust::twoSigns})
+        runs.add({0, 2, runs.listed().size() + 1, std::nullopt}, {trust, 1});
+    EXPECT_EQ(runs.listed().size(), 2U);
 }
 
 // Without options for it nothing on the page tells of uncertainties.
@@ -273,9 +277,10 @@ TEST(Report, NothingFromOutsideIsMarkup) {
 TEST(Report, ListIsCappedAndCounted) {
     std::string readings = header + "a," + good;
     for (int i = 0; i < 250; ++i)
-        readings += i == 7 ? "b\nb\n,,\n" : "b\n,,\n";
+        readings += i == 7 ? "b\nbb\n,,\n" : "b\n,,\n";
     const std::string page = report(readings);
     EXPECT_TRUE(contains(page, "<p>501 rows; the first 201 are listed.</p>"));
+    EXPECT_TRUE(contains(page, "reason\">expected 12 cells as in the row of names, found 1 cell<"));
     std::size_t listed = 0;
     for (std::size_t at = 0; (at = page.find("state refused", at)) != std::string::npos; ++at)
         ++listed;

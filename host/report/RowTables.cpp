@@ -89,7 +89,7 @@ void appendList(std::string& html, const ReportContent& content, const char* tit
         if (!single)
             number(countText(run.rows()));
         appendCells(run.said);
-        html += "</td></tr>\n";
+        html += "</tr>\n";
     }
     html += "</tbody>\n</table>\n";
 }
@@ -134,6 +134,7 @@ void appendBadRows(std::string& html, const ReportContent& content) {
                    html.append("\">").append(rowStateNames[static_cast<std::size_t>(rows.state)]);
                    html += "</td><td class=\"reason\">";
                    appendEscaped(html, rows.placed);
+                   html += "</td>";
                });
     html += "</section>\n";
 }
@@ -147,7 +148,9 @@ void appendDoubtfulRows(std::string& html, const ReportContent& content) {
                "<th>Trust</th><th class=\"number\">Model error, degrees</th>",
                [&](const Doubt& doubt) {
                    html.append("<td class=\"state not-good\">").append(wordOf(doubt.trust));
-                   html.append("</td><td class=\"number\">").append(degreesText(doubt.modelError));
+                   html.append("</td><td class=\"number\">")
+                       .append(degreesText(doubt.modelError))
+                       .append("</td>");
                });
     html += "<p class=\"note\">The model error is the bound of what the model itself adds to the "
             "largest error of the three angles, of several rows the largest.</p>\n</section>\n";

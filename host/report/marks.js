@@ -69,7 +69,7 @@ function drawStrip(strip, area, graph, pixelRatio, font) {
   const columnCount = Math.ceil(area.w / columnWidth);
   const spread = (counts, count, left, right) => {
     const first = Math.floor(left / columnWidth);
-    const behind = Math.max(first + 1, Math.ceil(right / columnWidth));
+    const behind = Math.max(first + 1, Math.round(right / columnWidth));
     for (let column = Math.max(0, first); column < Math.min(behind, columnCount); ++column)
       counts[column] += count;
   };
