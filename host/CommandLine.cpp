@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "host/Files.h"
 #include "host/HelpTexts.h"
 #include "host/tables/Numbers.h"
 #include "host/tables/Readings.h"
@@ -20,6 +22,14 @@ namespace {
 
 constexpr std::size_t mostJobs = 256;
 constexpr std::size_t mostRows = 1000000000000;
+
+// A file's name; of several, each.
+template <typename Names>
+CLI::Option* addFile(CLI::App& command, const char* name, Names& names) {
+    return command.add_option(name, names)->check([](const std::string& text) {
+        return text.empty() ? "expected a file name, found nothing" : "";
+    });
+}
 
 // The range check that comes with the parser lets pass what is not a number.
 CLI::Validator numberFrom(double least, double largest) {
@@ -51,6 +61,23 @@ CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number
         .add_option_function<std::string>(
             name, [&value](const std::string& text) { value = *numberIn<Number>(text); })
         ->check(check);
+}
+
+// Of other names; empty where each column has one name. With time_s=time a column time has seconds
+// alone.
+std::string whyNotOneToOne(const TableFormat& format, std::span<const std::string_view> columns) {
+    const auto& names = format.otherNames;
+    for (const auto& [ours, theirs] : names) {
+        const auto same = [&](const TableFormat::Name& name) { return name.ours == ours; };
+        if (std::count_if(names.begin(), names.end(), same) > 1)
+            return "expected each name once, found " + ours + " again";
+        for (const std::string_view column : columns)
+            if (column != ours && format.nameOf(column) == theirs
+                && !(ours == timeColumn && column == timeStampColumn && theirs == column))
+                return "expected one name for the column " + theirs + ", found " + ours + " and "
+                       + std::string(column);
+    }
+    return "";
 }
 
 std::string shownText(const std::string& text) {
@@ -124,11 +151,13 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
     command
         .add_option_function<std::vector<std::string>>(
             "--column",
-            [&format](const std::vector<std::string>& pairs) {
+            [&format, columns](const std::vector<std::string>& pairs) {
                 for (const std::string& pair : pairs) {
                     const std::size_t end = pair.find('=');
                     format.otherNames.push_back({pair.substr(0, end), pair.substr(end + 1)});
                 }
+                if (const std::string fault = whyNotOneToOne(format, columns); !fault.empty())
+                    throw CLI::ValidationError("--column", fault);
             })
         ->allow_extra_args(false)
         ->check([columns = std::move(columns)](const std::string& pair) {
@@ -151,10 +180,10 @@ void CommandLine::addKeep(CLI::App& command, TableFormat& format) {
 }
 
 // The readings' own option.
-CLI::Option* CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
-    command.add_option("parameter_file", options.parameterFile)->required();
-    CLI::Option* readings = command.add_option("readings", options.readings)->required();
-    command.add_option("-o,--output", options.output)->capture_default_str();
+void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
+    addFile(command, "parameter_file", options.parameterFile)->required();
+    addFile(command, "readings", options.readings)->required();
+    addFile(command, "-o,--output", options.output)->capture_default_str();
     command
         .add_option_function<std::string>(
             "--frame",
@@ -165,20 +194,19 @@ CLI::Option* CommandLine::addReadings(CLI::App& command, ReadingsOptions& option
     columns.push_back(timeColumn);
     columns.push_back(timeStampColumn);
     addTable(command, options.format, std::move(columns));
-    command.add_option("--summary", options.summary);
+    addFile(command, "--summary", options.summary);
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
     command.add_flag("--strict", options.strict);
     command.add_flag("-q,--quiet", options.quiet);
     addCount<std::size_t>(command, "-j,--jobs", options.jobs, 1, mostJobs);
     CLI::Option* line =
         addCount<std::size_t>(command, "--reference-line", options.referenceLine, 2, mostRows);
-    command.add_option("--reference", options.referenceFile)->excludes(line);
-    return readings;
+    addFile(command, "--reference", options.referenceFile)->excludes(line);
 }
 
 // Each as the noise of simulate.
 void CommandLine::addUncertainties(CLI::App& command, ReadingsOptions& options) {
-    CLI::Option* file = command.add_option("--uncertainties", options.uncertaintyFile);
+    CLI::Option* file = addFile(command, "--uncertainties", options.uncertaintyFile);
     const auto uncertainty = [&](const char* name, std::initializer_list<Source> sources) {
         command
             .add_option_function<double>(
@@ -209,7 +237,7 @@ void CommandLine::addRun() {
 void CommandLine::addReport() {
     CLI::App& command =
         add("report", [this](const Streams& s) { return reportReadings(report, s); });
-    addReadings(command, report)->expected(1);
+    addReadings(command, report);
     addUncertainties(command, report);
     command.add_option("--title", report.title)->check(shownText);
     command.add_option("--length-unit", report.lengthUnit)->check(shownText);
@@ -224,9 +252,9 @@ void CommandLine::startedAs(int argc, const char* const* argv) {
 void CommandLine::addSimulate() {
     CLI::App& command =
         add("simulate", [this](const Streams& s) { return simulateReadings(simulate, s); });
-    command.add_option("parameter_file", simulate.parameterFile)->required();
-    command.add_option("-o,--output", simulate.readings)->capture_default_str();
-    CLI::Option* poses = command.add_option("--poses", simulate.poses);
+    addFile(command, "parameter_file", simulate.parameterFile)->required();
+    addFile(command, "-o,--output", simulate.readings)->capture_default_str();
+    CLI::Option* poses = addFile(command, "--poses", simulate.poses);
     command.add_option("--trajectory", simulate.trajectory)
         ->excludes(poses)
         ->check(CLI::IsMember({"still", "turn", "swing", "random"}))
@@ -259,8 +287,8 @@ void CommandLine::addSimulate() {
 
 void CommandLine::addHome() {
     CLI::App& command = add("home", [this](const Streams& s) { return solveHomeAngles(home, s); });
-    CLI::Option* table = command.add_option("table", home.table);
-    command.add_option("-o,--output", home.results)->needs(table)->capture_default_str();
+    CLI::Option* table = addFile(command, "table", home.table);
+    addFile(command, "-o,--output", home.results)->needs(table)->capture_default_str();
     const auto vectorOption = [&](const char* name, std::vector<double>& values, int count) {
         command.add_option(name, values)
             ->delimiter(',')
@@ -278,27 +306,27 @@ void CommandLine::addHome() {
 
 void CommandLine::addCheck() {
     CLI::App& command = add("check", [this](const Streams& s) { return checkFiles(check, s); });
-    command.add_option("parameter_files", check.files)->required();
+    addFile(command, "parameter_files", check.files)->required();
     command.add_flag("--strict", check.strict);
     command.add_flag("--json", check.json);
 }
 
 void CommandLine::addInfo() {
     CLI::App& command = add("info", [this](const Streams& s) { return showFile(info, s); });
-    command.add_option("parameter_file", info.file)->required();
+    addFile(command, "parameter_file", info.file)->required();
     command.add_flag("--json", info.json);
 }
 
 void CommandLine::addRewrite() {
     CLI::App& command =
         add("rewrite", [this](const Streams& s) { return rewriteFile(rewrite, s); });
-    command.add_option("parameter_file", rewrite.file)->required();
+    addFile(command, "parameter_file", rewrite.file)->required();
 }
 
 void CommandLine::addVerify() {
     CLI::App& command =
         add("verify", [this](const Streams& s) { return verifyInstallation(verify, s); });
-    command.add_option("-o,--output", verify.output)->capture_default_str();
+    addFile(command, "-o,--output", verify.output)->capture_default_str();
 }
 
 void CommandLine::addHelp() {
@@ -327,7 +355,9 @@ std::string CommandLine::whyNoCommand(const std::string& word) const {
            + nearest->get_name();
 }
 
-int runTool(int argc, const char* const* argv, const Streams& streams) {
+namespace {
+
+int runCommand(int argc, const char* const* argv, const Streams& streams) {
     CommandLine line;
     if (argc < 2) {
         streams.err << "kiv: expected a subcommand, found none; kiv --help lists them\n";
@@ -344,6 +374,16 @@ int runTool(int argc, const char* const* argv, const Streams& streams) {
         return line.app.exit(e, streams.out, streams.err) == 0 ? allGood : unusable;
     }
     return line.action(streams);
+}
+
+} // namespace
+
+// What a subcommand has left in standard output is written here.
+int runTool(int argc, const char* const* argv, const Streams& streams) {
+    const int code = runCommand(argc, argv, streams);
+    Output output;
+    output.open("-", streams);
+    return code == unusable || output.finish(streams.err) ? code : unusable;
 }
 
 } // namespace kiv::host

@@ -37,7 +37,7 @@ private:
     void addMessages(CLI::App& command, TableFormat& format);
     void addTable(CLI::App& command, TableFormat& format, std::vector<std::string_view> columns);
     void addKeep(CLI::App& command, TableFormat& format);
-    CLI::Option* addReadings(CLI::App& command, ReadingsOptions& options);
+    void addReadings(CLI::App& command, ReadingsOptions& options);
     void addUncertainties(CLI::App& command, ReadingsOptions& options);
     void addRun();
     void addReport();

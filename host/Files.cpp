@@ -14,9 +14,19 @@ std::filesystem::path pathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
 
+std::string shownInput(const std::string& name) {
+    return name == "-" ? "standard input" : name;
+}
+
+std::string shownOutput(const std::string& name) {
+    return name == "-" ? "standard output" : name;
+}
+
 bool sameFile(const std::string& one, const std::string& other) {
     std::error_code failed;
-    if (one == "-" || other.empty() || std::filesystem::is_other(pathOf(one), failed))
+    if (one == "-" || other == "-")
+        return one == other;
+    if (other.empty() || std::filesystem::is_other(pathOf(one), failed))
         return false;
     const auto place = [&](const std::string& name) {
         return std::filesystem::weakly_canonical(std::filesystem::absolute(pathOf(name), failed),
@@ -35,11 +45,10 @@ void reportUnopened(std::ostream& err, const std::string& name, const char* expe
 }
 
 bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) {
+    shownName = shownInput(name);
     if (name == "-") {
         chosen = &streams.in;
-        shownName = "standard input";
     } else {
-        shownName = name;
         chosen = &file;
         std::error_code ignored;
         if (!std::filesystem::is_directory(pathOf(name), ignored))
@@ -59,12 +68,11 @@ bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) 
 }
 
 bool Output::open(const std::string& name, const Streams& streams) {
+    shownName = shownOutput(name);
     if (name == "-") {
         chosen = &streams.out;
-        shownName = "standard output";
         return true;
     }
-    shownName = name;
     chosen = &file;
     file.open(name, std::ios::binary | std::ios::trunc);
     if (!file.is_open()) {

@@ -60,7 +60,11 @@ private:
 // it for something else.
 std::filesystem::path pathOf(const std::string& name);
 
-// Whether two names mean one place, where a file is or will be.
+// As messages show them.
+std::string shownInput(const std::string& name);
+std::string shownOutput(const std::string& name);
+
+// Whether two names of outputs mean one place, where a file is or will be, or standard output.
 bool sameFile(const std::string& one, const std::string& other);
 
 // Says that a file cannot be opened, and why.

@@ -3,17 +3,25 @@
 #include <array>
 #include <streambuf>
 #include <string>
+#include <vector>
 
 #include "host/Sha256.h"
 #include "support/platform/ByteSource.h"
 
 namespace kiv::host {
 
+// Of a table, as its rows were read.
+struct TableFacts {
+    std::string name; // as messages show it
+    Sha256 digest;
+    bool readToEnd = false;
+};
+
 // What a run was made from.
 struct InputFacts {
     std::string deviceOwner;
     Sha256 parameterFile;
-    Sha256 readings;
+    std::vector<TableFacts> readings;
     Sha256 reference; // of a table that has it alone
 };
 

@@ -5,6 +5,11 @@
 
 namespace kiv::host {
 
+std::string linePlace(std::size_t line, std::string_view table) {
+    std::string place = "line " + std::to_string(line);
+    return table.empty() ? place : place.append(" of ").append(table);
+}
+
 void show(std::span<const Message> messages, std::ostream& err) {
     for (const Message& message : messages)
         err << message.text;

@@ -14,6 +14,9 @@ struct Message {
     std::string text; // the whole line
 };
 
+// A line in words, of a table that is named where there are several.
+std::string linePlace(std::size_t line, std::string_view table);
+
 void show(std::span<const Message> messages, std::ostream& err);
 
 // Shows the first messages of each kind and counts the others.

@@ -158,6 +158,13 @@ TEST(Check, SaysAllThatIsWrong) {
 24:1: expected a rotation in "Machine Coordinate Tranform Matrix", found rows that miss length 1 and )"
          R"(right angles by 2e-05 (warning)
 )"},
+        {"another mount mode, and gains of 0",
+         parameterText(sound({.values = {{mountingMode, "12"}, {scaleFactor, "0 0 0 0 0 1 0 0"}}})),
+         R"(55:9: expected a gain of the azimuth other than 0 in "Scale Factor", as a pendulum leaves it out, )"
+         R"(found 0 (warning)
+55:13: expected a gain of level Y other than 0 in "Scale Factor", as a pendulum leaves it out, found 0 (warning)
+57:1: expected a mount mode from 1 to 11 in "Mounting Mode", as any other runs as a pendulum, found 12 (warning)
+)"},
         {"rotations in print, and a reflection",
          parameterText(
              sound({.values = {{localMatrix, "0.939373 -.342898 0 0.342898 .939373 0 0 0 1"},

@@ -55,6 +55,51 @@ TEST(Report, SaysTheSameAsARun) {
     }
 }
 
+// The reference stands in the second table; one bad row ends it, and one begins the third.
+TEST(Report, SeveralTablesAreOneRecording) {
+    const test::ParameterFolder folder;
+    const std::string rows[] = {"1970-01-01T00:00,1" + good.substr(1) + "c\n",
+                                "1970-01-01T00:02," + good + "c\nd\n",
+                                "e\n1970-01-01T00:01," + good};
+    const std::string names[] = {folder.path() + "/1.csv", folder.path() + "/second.csv",
+                                 folder.path() + "/3.csv"};
+    for (std::size_t i = 0; i < 3; ++i)
+        std::ofstream(names[i], std::ios::binary) << header << rows[i];
+    const auto item = [](const std::string& name, const std::string& bytes) {
+        host::Sha256 hash;
+        hash.add(bytes);
+        return "<li><code>" + name + "</code><br>SHA-256 <code>" + hash.hex() + "</code></li>";
+    };
+    const auto listed = [&](std::size_t table, const char* lines, const char* x,
+                            const char* count) {
+        std::string html = "<tr><td class=\"table\">" + names[table];
+        for (const char* cell : {lines, x, count})
+            html += std::string("</td><td class=\"number\">") + cell;
+        return html
+               + "</td><td class=\"state refused\">refused</td><td class=\"reason\">byte 2: "
+                 "expected 12";
+    };
+    const std::string page =
+        tool({"report", example, names[0], names[1], names[2], "-", "-q"}, header).out;
+    for (const std::string& part :
+         {"4 tables, one recording\n<ol>\n" + item(names[0], header + rows[0]),
+          item(names[2], header + rows[2]), item("standard input", header),
+          "as time goes back in line 3 of " + names[2] + ". ", std::string("\"reference\":3,"),
+          "(line 2 of " + names[1] + ")", listed(0, "3", "2", "1"),
+          listed(1, "3 to 4", "4 to 5", "2"), listed(2, "2", "6", "1")})
+        EXPECT_TRUE(contains(page, part)) << part;
+
+    const test::ToolResult cut =
+        tool({"report", example, names[0], names[1], "-", "-q"}, "another,header\n");
+    EXPECT_EQ(cut.code, 2);
+    for (const std::string& part :
+         {std::string("Not all readings are in this report: reading broke off."),
+          std::string("\"first\":[0,0,120,120,120]"), listed(1, "3 to 4", "\xE2\x80\x93", "2"),
+          item(names[1], header + rows[1]),
+          std::string("standard input</code><br>SHA-256 none, as it was not read to its end")})
+        EXPECT_TRUE(contains(cut.out, part)) << part;
+}
+
 // The digest is that of the bytes below, from another program.
 TEST(Report, SaysWhatItWasMadeFrom) {
     const std::string truth = "status,x,y,z,azimuth_deg,elevation_deg,level_x,level_y,temperature,"
@@ -90,7 +135,7 @@ TEST(Report, Residuals) {
                  "residual rx</th><td class=\"number\">5</td><td class=\"number\">-1.400000</td>"
                  "<td class=\"number\">126.612796</td><td class=\"number\">-179.000000</td>"
                  "<td class=\"number\">179.000000</td><td class=\"number\">113.254580</td>"
-                 "<td class=\"number\">179.125000</td>"));
+                 "<td class=\"number\">179.000000</td>"));
 }
 
 // Level Y beyond its limit of 9 degrees, and once beyond its table, too.
@@ -111,6 +156,13 @@ TEST(Report, RowsThatAreNotGood) {
           "\"notGood\":[[1,1],[3,1]]", "Rows that are not good</h2>\n<p>2 rows.</p>",
           "<td class=\"number\">5</td><td class=\"number\">4</td><td class=\"state not-good\">"
           "outside_limits</td><td class=\"number\">0.00"}},
+        {"b," + tilted("-10.5") + "c," + tilted("9.5") + "d," + tilted("-10.5") + "e," + good + "f,"
+             + tilted("9.5"),
+         {"<p>4 rows.</p>", "<th class=\"number\">Lines</th>",
+          "\">3 to 5</td><td class=\"number\">2 to 4</td><td class=\"number\">3</td><td "
+          "class=\"state "
+          "not-good\">outside_limits</td><td class=\"number\">0.000794</td>",
+          "\">7</td><td class=\"number\">6</td><td class=\"number\">1</td><td class=\"state"}},
         {"b," + tilted("9.5") + "c,2\n", {"verdict bad", "1 refused", "1 not good</p>"}},
     };
     for (const auto& row : rows) {
@@ -119,6 +171,10 @@ TEST(Report, RowsThatAreNotGood) {
             EXPECT_TRUE(contains(page, part)) << part;
         EXPECT_EQ(contains(page, "state not-good"), contains(page, "Rows that are not good"));
     }
+    host::RowRuns<host::Doubt> runs;
+    for (const Trust trust : {Trust::seam, Trust::twoSigns})
+        runs.add({0, 2, runs.listed().size() + 1, std::nullopt}, {trust, 1});
+    EXPECT_EQ(runs.listed().size(), 2U);
 }
 
 // Without options for it nothing on the page tells of uncertainties.
@@ -221,9 +277,10 @@ TEST(Report, NothingFromOutsideIsMarkup) {
 TEST(Report, ListIsCappedAndCounted) {
     std::string readings = header + "a," + good;
     for (int i = 0; i < 250; ++i)
-        readings += "b\n";
+        readings += i == 7 ? "b\nbb\n,,\n" : "b\n,,\n";
     const std::string page = report(readings);
-    EXPECT_TRUE(contains(page, "<p>250 rows; the first 200 are listed.</p>"));
+    EXPECT_TRUE(contains(page, "<p>501 rows; the first 201 are listed.</p>"));
+    EXPECT_TRUE(contains(page, "reason\">expected 12 cells as in the row of names, found 1 cell<"));
     std::size_t listed = 0;
     for (std::size_t at = 0; (at = page.find("state refused", at)) != std::string::npos; ++at)
         ++listed;

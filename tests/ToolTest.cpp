@@ -52,6 +52,21 @@ TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
     }
 }
 
+TEST(Tool, StandardOutputThatCannotBeWrittenIsAnError) {
+    for (const std::vector<const char*>& arguments : {std::vector<const char*>{"kiv", "--help"},
+                                                      {"kiv", "help", "run"},
+                                                      {"kiv", "info", example.c_str()},
+                                                      {"kiv", "verify"}}) {
+        std::istringstream in;
+        std::ostream closed(nullptr);
+        std::ostringstream err;
+        const auto count = static_cast<int>(arguments.size());
+        EXPECT_EQ(host::runTool(count, arguments.data(), {in, closed, err}), 2) << arguments[1];
+        EXPECT_EQ(err.str(), "standard output: expected to write all of the output, found that not "
+                             "all of it was taken\n");
+    }
+}
+
 TEST(Tool, SaysWhatATableThatIsNoTextLooksLike) {
     const struct {
         std::string bytes;
@@ -134,7 +149,9 @@ TEST(Tool, InterruptLeavesCompleteRows) {
     GTEST_SKIP() << "no test in a process of its own";
 #else
     const std::string path = ::testing::TempDir() + "kiv_interrupted.csv";
-    const char* const arguments[] = {"kiv", "run", example.c_str(), "-", "-o", path.c_str()};
+    const std::string summary = ::testing::TempDir() + "kiv_interrupted.json";
+    const char* const arguments[] = {"kiv", "run",        example.c_str(), "-",
+                                     "-o",  path.c_str(), "--summary",     summary.c_str()};
     const std::string header = test::header, row = InterruptedReadings::row(),
                       begun = row.substr(0, 9);
     const std::pair<std::string, std::size_t> starts[] = {{"", 0},
@@ -150,18 +167,21 @@ TEST(Tool, InterruptLeavesCompleteRows) {
             InterruptedReadings readings(text);
             std::istream in(&readings);
             std::ostringstream ignored;
-            std::exit(host::runTool(6, arguments, {in, ignored, ignored}));
+            std::exit(host::runTool(8, arguments, {in, ignored, ignored}));
         };
+        std::ofstream(summary) << "of an earlier run";
         EXPECT_EXIT(run(), ::testing::ExitedWithCode(130), "");
         // Where there is no fork, the process of a later case comes by here and finds no file.
         const std::string results = test::contentOf(path).value_or("");
         const std::vector<std::string> written = lines(results);
         EXPECT_EQ(written.size(), rows);
+        EXPECT_EQ(test::contentOf(summary) == "", rows > 0);
         EXPECT_TRUE(results.empty() || results.ends_with('\n')) << results;
         if (written.size() > 2) { // the last cells of a row
             EXPECT_NE(written.back().find(",0,good,0."), std::string::npos) << results;
         }
         std::filesystem::remove(path);
+        std::filesystem::remove(summary);
     }
 #endif
 }
@@ -252,8 +272,10 @@ TEST(Tool, SimulatedReadingsRunBackToTheirPosesInEveryMode) {
             ASSERT_EQ(made.code, 0) << made.err;
             const ToolResult result = tool({"run", folder.file(), readings});
             EXPECT_EQ(result.code, 0) << result.err;
-            const ToolResult local = tool({"run", folder.file(), readings, "--frame", "local"});
+            const ToolResult local = tool({"run", folder.file(), readings, "--frame", "local",
+                                           "--summary", "-", "-o", readings + ".results"});
             EXPECT_EQ(local.err.starts_with("kiv: --frame local has no effect"), mode >= 7);
+            EXPECT_EQ(local.out.find(R"("frame": "local")") == std::string::npos, mode >= 7);
             const Results results(result.out);
             ASSERT_EQ(results.count(), source == "poses" ? 4U : 300U);
             for (std::size_t row = 1; row < results.count(); ++row)

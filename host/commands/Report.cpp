@@ -1,5 +1,6 @@
 #include "host/commands/Report.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -24,16 +25,18 @@ std::string timeOfRun() {
     return timeStampText({asked ? *asked : static_cast<double>(now), true});
 }
 
-// A row's messages without the place in front that they share.
-std::string reasonIn(const Row& row, const std::string& fileName) {
+// A row's messages without the place in front that they share, and without their own.
+NoResult noResult(const Row& row, const std::string& fileName) {
     const std::size_t placeSize = fileName.size() + std::to_string(row.line).size() + 2;
-    std::string reason;
+    NoResult result{row.result.state, "", ""};
     for (const Message& message : row.messages) {
-        const std::string_view text(message.text);
-        reason.append(reason.empty() ? "byte " : "\nbyte ")
-            .append(text.substr(placeSize, text.size() - 1 - placeSize));
+        std::string_view text(message.text);
+        text = text.substr(placeSize, text.size() - 1 - placeSize);
+        const char* separator = result.placed.empty() ? "" : "\n";
+        result.placed.append(separator).append("byte ").append(text);
+        result.reason.append(separator).append(text.substr(text.find(": ") + 2));
     }
-    return reason;
+    return result;
 }
 
 bool isDoubtful(const RowResult& result) {
@@ -48,8 +51,7 @@ Envelope::Mark markOf(const RowResult& result) {
 }
 
 // The summary has the angles and residuals, the report the rest.
-void addRow(ReportContent& content, const RowResult& result, std::size_t line, double time,
-            const std::optional<std::array<double, 3>>& truth) {
+void addValues(ReportContent& content, const Row& row, double time) {
     std::array<double, quantityCount> values;
     values.fill(NAN);
     const auto set = [&](Quantity quantity, double value) { values[at(quantity)] = value; };
@@ -57,6 +59,7 @@ void addRow(ReportContent& content, const RowResult& result, std::size_t line, d
         if (std::isfinite(value))
             content.ofReadings[at(quantity)].add(values[at(quantity)] = value);
     };
+    const RowResult& result = row.result;
     const KIV_INFO& info = result.info;
     const KIV_RAWINFO& raw = result.raw;
     if (result.state != RowState::refused) {
@@ -73,10 +76,10 @@ void addRow(ReportContent& content, const RowResult& result, std::size_t line, d
         set(Quantity::rx, info.rx);
         set(Quantity::ry, info.ry);
         set(Quantity::rz, info.rz);
-        if (truth) {
-            set(Quantity::residualX, withinHalfTurn(info.rx - (*truth)[0]));
-            set(Quantity::residualY, withinHalfTurn(info.ry - (*truth)[1]));
-            set(Quantity::residualZ, withinHalfTurn(info.rz - (*truth)[2]));
+        if (row.truth) {
+            set(Quantity::residualX, withinHalfTurn(info.rx - (*row.truth)[0]));
+            set(Quantity::residualY, withinHalfTurn(info.ry - (*row.truth)[1]));
+            set(Quantity::residualZ, withinHalfTurn(info.rz - (*row.truth)[2]));
         }
         if (result.trust.trust == Trust::good)
             count(Quantity::modelError, result.trust.modelError);
@@ -87,10 +90,24 @@ void addRow(ReportContent& content, const RowResult& result, std::size_t line, d
     }
     content.budget.add(result);
     content.envelope.addRow(time, values, markOf(result));
-    if (isDoubtful(result) && content.doubtfulRows.size() < mostBadRowsListed)
-        content.doubtfulRows.push_back({line, time, result.trust});
-    if (result.state == RowState::reference)
-        content.referenceTime = time;
+}
+
+void addRow(ReportContent& content, const Row& row, TimeColumn& time) {
+    const std::string& table = content.facts.readings[row.table].name;
+    const TimeColumn::Point point =
+        time.next(row.time, row.line, content.hasSeveralTables() ? table : std::string_view());
+    addValues(content, row, point.time);
+    const RowPlace place{row.table, row.line, content.envelope.rows(), point.own};
+    const RowResult& result = row.result;
+    if (isDoubtful(result))
+        content.doubtfulRows.add(place, {result.trust.trust, result.trust.modelError});
+    if ((result.state == RowState::refused || result.state == RowState::noOrientation)
+        && !content.badRows.full())
+        content.badRows.add(place, noResult(row, table));
+    if (result.state == RowState::reference) {
+        content.referenceTime = point.time;
+        content.referenceRow = place.row;
+    }
 }
 
 } // namespace
@@ -124,18 +141,16 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
                 row.time = time.timeIn(table);
         },
         [&](const Row& row) {
-            const double t = time.next(row.time, row.line);
-            addRow(content, row.result, row.line, t, row.truth);
-            const RowState state = row.result.state;
-            if ((state == RowState::refused || state == RowState::noOrientation)
-                && content.badRows.size() < mostBadRowsListed)
-                content.badRows.push_back({row.line, t, state, reasonIn(row, content.readings)});
+            addRow(content, row, time);
             return true;
         });
     content.axis = time.axis();
-    content.cutShort = run.brokenOff()          ? "reading broke off"
-                       : Interrupt::requested() ? "the run was interrupted"
-                                                : nullptr;
+    const std::vector<TableFacts>& tables = content.facts.readings;
+    const bool readToEnd = std::all_of(tables.begin(), tables.end(),
+                                       [](const TableFacts& table) { return table.readToEnd; });
+    content.cutShort = readToEnd         ? nullptr
+                       : run.brokenOff() ? "reading broke off"
+                                         : "the run was interrupted";
     content.summary = run.summary();
     run.output().text() = reportPage(content);
     return run.finish();

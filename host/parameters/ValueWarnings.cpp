@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <numeric>
 #include <span>
 #include <string>
@@ -17,6 +18,7 @@ namespace {
 
 constexpr double turn = 360;     // degrees
 constexpr float mostAngle = 360; // degrees, of an encoder table, either way
+constexpr int lastMountMode = 11;
 
 // Of M times its transpose from the identity: entries in print have six decimals.
 constexpr double rotationTolerance = 1e-5;
@@ -70,6 +72,8 @@ private:
     void checkKnots(const BlockValues& values);
     void checkLimits(const BlockValues& values);
     void checkMatrix(const BlockValues& values);
+    void checkMode(const BlockValues& values);
+    void checkGains(const BlockValues& values);
 
     bool isRead() const;
     bool limitsCount() const;
@@ -87,7 +91,7 @@ void ValueCheck::checkAll() {
     for (const BlockLayout& blockLayout : blockTable) {
         layout = &blockLayout;
         const BlockValues* values = file.document.find(layout->block);
-        if (!values)
+        if (!values || values->defaulted)
             continue;
         const bool tilt = layout->kind == BlockKind::tiltTable;
         const bool encoder = layout->kind == BlockKind::encoderTable;
@@ -103,6 +107,10 @@ void ValueCheck::checkAll() {
         }
         if (layout->block == Block::localMatrix || layout->block == Block::machineMatrix)
             checkMatrix(*values);
+        if (layout->block == Block::mountingMode)
+            checkMode(*values);
+        if (layout->block == Block::scaleFactor)
+            checkGains(*values);
     }
 }
 
@@ -213,6 +221,28 @@ void ValueCheck::checkMatrix(const BlockValues& values) {
     } else if (determinant(m) < 0) {
         warn(0, "a rotation in " + title(), "a reflection (determinant -1)");
     }
+}
+
+void ValueCheck::checkMode(const BlockValues& values) {
+    if (values.integer < 1 || values.integer > lastMountMode)
+        warn(0,
+             "a mount mode from 1 to " + std::to_string(lastMountMode) + " in " + title()
+                 + ", as any other runs as a pendulum",
+             std::to_string(values.integer));
+}
+
+void ValueCheck::checkGains(const BlockValues& values) {
+    constexpr std::size_t first = 4;
+    constexpr const char* readings[] = {"the azimuth", "the elevation", "level Y"};
+    const BlockValues* mode = file.document.find(Block::mountingMode);
+    if (!mode || principleOf(mode->integer) != Principle::pendulum)
+        return;
+    for (std::size_t i = 0; i < std::size(readings); ++i)
+        if (const float gain = values.numbers[first + i]; gain == 0)
+            warn(first + i,
+                 std::string("a gain of ") + readings[i] + " other than 0 in " + title()
+                     + ", as a pendulum leaves it out",
+                 shown(gain));
 }
 
 bool ValueCheck::isRead() const {

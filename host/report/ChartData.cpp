@@ -111,11 +111,10 @@ void appendChartData(std::string& json, const ReportContent& content) {
     json.append("\",\"dates\":").append(content.axis.overDates() ? "true" : "false");
     json += ",\"rowsPerBin\":" + std::to_string(envelope.rowsPerBin());
     json += ",\"rows\":" + std::to_string(envelope.rows());
-    if (const std::size_t line = content.summary.referenceLine();
-        content.summary.count(RowState::reference) > 0)
-        json +=
-            ",\"reference\":"
-            + (content.axis.overTime() ? shown(content.referenceTime) : std::to_string(line - 1));
+    if (content.summary.count(RowState::reference) > 0)
+        json += ",\"reference\":"
+                + (content.axis.overTime() ? shown(content.referenceTime)
+                                           : std::to_string(content.referenceRow));
     if (content.axis.overTime()) {
         appendArray(json, "first", bins.size(), [&](std::size_t i) { return bins[i].firstX; });
         if (envelope.rowsPerBin() > 1)

@@ -1,3 +1,5 @@
+#include <span>
+
 #include "KIVInterface/Version.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
@@ -22,6 +24,18 @@ std::string libraryVersion() {
            + std::to_string(KIV_VERSION_PATCH);
 }
 
+std::string tableList(std::span<const TableFacts> tables) {
+    std::string html = countText(tables.size()) + " tables, one recording\n<ol>\n";
+    for (const TableFacts& table : tables)
+        html.append("<li>")
+            .append(code(table.name))
+            .append("<br>SHA-256 ")
+            .append(table.readToEnd ? code(table.digest.hex())
+                                    : "none, as it was not read to its end")
+            .append("</li>\n");
+    return html += "</ol>";
+}
+
 // The rotation that the angles describe; M leads from the sensor's frame to the instrument's.
 std::string rotatedText(const ReportContent& content) {
     if (reportsOwnMatrix(content.mountMode))
@@ -42,9 +56,14 @@ void appendProvenance(std::string& html, const ReportContent& content) {
     html += "<section>\n<h2>What was run</h2>\n<table class=\"facts\">\n";
     line("Run at", escaped(content.time));
     line("Command", code(content.commandLine));
-    line("Readings", code(content.readings));
-    line("SHA-256", content.cutShort ? "none, as they were not read to their end"
-                                     : code(content.facts.readings.hex()));
+    const std::vector<TableFacts>& tables = content.facts.readings;
+    if (tables.size() == 1) {
+        line("Readings", code(tables[0].name));
+        line("SHA-256", tables[0].readToEnd ? code(tables[0].digest.hex())
+                                            : "none, as they were not read to their end");
+    } else {
+        line("Readings", tableList(tables));
+    }
     const Summary& summary = content.summary;
     if (summary.referenceLine() > 0 && summary.count(RowState::reference) == 0) {
         line("Reference", code(summary.referencePlace()));

@@ -39,6 +39,21 @@ void appendFoot(std::string& html, const ReportContent& content) {
 
 } // namespace
 
+bool join(Doubt& doubt, const Doubt& next) {
+    if (doubt.trust != next.trust)
+        return false;
+    doubt.modelError = std::max(doubt.modelError, next.modelError);
+    return true;
+}
+
+bool join(NoResult& rows, const NoResult& next) {
+    if (rows.state != next.state || rows.reason != next.reason)
+        return false;
+    if (rows.placed != next.placed)
+        rows.placed = rows.reason;
+    return true;
+}
+
 const Statistics& ReportContent::statistics(Quantity quantity) const {
     if (quantity <= Quantity::rz)
         return summary.angle(at(quantity));

@@ -10,29 +10,29 @@
 #include "host/Hashing.h"
 #include "host/report/Envelope.h"
 #include "host/report/Quantities.h"
+#include "host/report/RowRuns.h"
 #include "host/report/TimeAxis.h"
 #include "host/summary/Summary.h"
 #include "host/summary/UncertaintyBudget.h"
 
 namespace kiv::host {
 
-// A row with angles whose trust is not good.
-struct DoubtfulRow {
-    std::size_t line;
-    double time;
-    RowTrust trust;
+// Of rows with angles whose trust is not good: why, and the largest model error.
+struct Doubt {
+    Trust trust;
+    double modelError;
 };
+bool join(Doubt& doubt, const Doubt& next);
 
-// A row that was refused or has no orientation.
-struct BadRow {
-    std::size_t line;
-    double time;
+// Of rows that were refused or have no orientation.
+struct NoResult {
     RowState state;
     std::string reason;
+    std::string placed; // the same with the place in the row, where all rows have one
 };
+bool join(NoResult& rows, const NoResult& next);
 
 inline constexpr std::size_t mostBins = 4096;
-inline constexpr std::size_t mostBadRowsListed = 200;
 
 struct ReportContent {
     std::string title;      // empty: one of the sensor's
@@ -40,7 +40,7 @@ struct ReportContent {
     std::string time;       // of the run
     std::string commandLine;
     std::string parameterFile;
-    std::string readings;
+    std::string readings; // in short
     InputFacts facts;
     std::int32_t sensorId = 0;
     int mountMode = 0;
@@ -59,14 +59,16 @@ struct ReportContent {
     Envelope envelope{quantityCount, mostBins}; // over seconds; raw angles
     XAxis axis;
     double referenceTime = 0;
-    std::vector<BadRow> badRows; // the first ones
-    std::vector<DoubtfulRow> doubtfulRows;
+    std::size_t referenceRow = 0; // of the whole recording, from 1
+    RowRuns<NoResult> badRows;
+    RowRuns<Doubt> doubtfulRows;
     std::optional<Uncertainties> uncertainties; // of the readings
     UncertaintyBudget budget;
     const char* cutShort = nullptr; // why the readings were not read to their end
 
     const Statistics& statistics(Quantity quantity) const;
     bool has(const Chart& chart) const;
+    bool hasSeveralTables() const { return facts.readings.size() > 1; }
     bool hasUncertainty() const { return budget.rows() > 0; }
 };
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 #include "host/tables/Numbers.h"
@@ -44,22 +46,54 @@ void appendTrust(std::string& html, const Summary& summary) {
     }
 }
 
-// Of a section with a table of rows; the further columns are headings.
-void appendListHead(std::string& html, const ReportContent& content, const char* title,
-                    std::size_t rows, std::size_t listed, const char* columns) {
+std::string axisText(const ReportContent& content, const RowPlace& place) {
+    return !content.axis.overTime() ? countText(place.row)
+           : place.time             ? content.axis.text(*place.time)
+                                    : "\xE2\x80\x93";
+}
+
+std::string spanText(const std::string& from, const std::string& to) {
+    return from == to ? from : from + " to " + to;
+}
+
+// A section with a table of runs of rows, how many there are in all, the headings of its further
+// columns, and what makes their cells.
+template <typename Said, typename AppendCells>
+void appendList(std::string& html, const ReportContent& content, const char* title,
+                std::size_t rows, const RowRuns<Said>& runs, const char* columns,
+                AppendCells appendCells) {
+    std::size_t listed = 0;
+    for (const auto& run : runs.listed())
+        listed += run.rows();
+    const bool single = listed == runs.listed().size();
     html.append("<section>\n<h2>").append(title).append("</h2>\n<p>").append(rowsText(rows));
     if (rows > listed)
         html += "; the first " + countText(listed) + " are listed";
-    html.append(".</p>\n<table class=\"bad-rows\">\n<thead><tr><th class=\"number\">Line</th>"
-                "<th class=\"number\">");
-    html.append(content.axis.name()).append("</th>").append(columns);
-    html += "</tr></thead>\n<tbody>\n";
-}
-
-void appendListPlace(std::string& html, const ReportContent& content, std::size_t line,
-                     double time) {
-    html += "<tr><td class=\"number\">" + countText(line) + "</td><td class=\"number\">";
-    html += content.axis.overTime() ? content.axis.text(time) : countText(line - 1);
+    html.append(".</p>\n<table class=\"bad-rows\">\n<thead><tr>")
+        .append(content.hasSeveralTables() ? "<th>Table</th>" : "")
+        .append(single ? "<th class=\"number\">Line</th>" : "<th class=\"number\">Lines</th>")
+        .append("<th class=\"number\">")
+        .append(content.axis.name())
+        .append(single ? "</th>" : "</th><th class=\"number\">Count</th>")
+        .append(columns)
+        .append("</tr></thead>\n<tbody>\n");
+    const auto number = [&](const std::string& text) {
+        html.append("<td class=\"number\">").append(text).append("</td>");
+    };
+    for (const auto& run : runs.listed()) {
+        html += "<tr>";
+        if (content.hasSeveralTables())
+            html.append("<td class=\"table\">")
+                .append(escaped(content.facts.readings[run.first.table].name))
+                .append("</td>");
+        number(spanText(countText(run.first.line), countText(run.last.line)));
+        number(spanText(axisText(content, run.first), axisText(content, run.last)));
+        if (!single)
+            number(countText(run.rows()));
+        appendCells(run.said);
+        html += "</tr>\n";
+    }
+    html += "</tbody>\n</table>\n";
 }
 
 } // namespace
@@ -95,36 +129,33 @@ void appendBadRows(std::string& html, const ReportContent& content) {
         content.summary.count(RowState::refused) + content.summary.count(RowState::noOrientation);
     if (bad == 0)
         return;
-    appendListHead(html, content, "Rows without a result", bad, content.badRows.size(),
-                   "<th>State</th><th>Reason</th>");
-    for (const BadRow& row : content.badRows) {
-        appendListPlace(html, content, row.line, row.time);
-        html.append("</td><td class=\"state ")
-            .append(row.state == RowState::refused ? "refused" : "no-orientation");
-        html.append("\">").append(rowStateNames[static_cast<std::size_t>(row.state)]);
-        html += "</td><td class=\"reason\">";
-        appendEscaped(html, row.reason);
-        html += "</td></tr>\n";
-    }
-    html += "</tbody>\n</table>\n</section>\n";
+    appendList(html, content, "Rows without a result", bad, content.badRows,
+               "<th>State</th><th>Reason</th>", [&](const NoResult& rows) {
+                   html.append("<td class=\"state ")
+                       .append(rows.state == RowState::refused ? "refused" : "no-orientation");
+                   html.append("\">").append(rowStateNames[static_cast<std::size_t>(rows.state)]);
+                   html += "</td><td class=\"reason\">";
+                   appendEscaped(html, rows.placed);
+                   html += "</td>";
+               });
+    html += "</section>\n";
 }
 
 void appendDoubtfulRows(std::string& html, const ReportContent& content) {
     const Summary& summary = content.summary;
     if (summary.allTrusted())
         return;
-    appendListHead(html, content, "Rows that are not good",
-                   summary.count(RowState::ok) - summary.count(Trust::good),
-                   content.doubtfulRows.size(),
-                   "<th>Trust</th><th class=\"number\">Model error, degrees</th>");
-    for (const DoubtfulRow& row : content.doubtfulRows) {
-        appendListPlace(html, content, row.line, row.time);
-        html.append("</td><td class=\"state not-good\">").append(wordOf(row.trust.trust));
-        html.append("</td><td class=\"number\">").append(degreesText(row.trust.modelError));
-        html += "</td></tr>\n";
-    }
-    html += "</tbody>\n</table>\n<p class=\"note\">The model error is the bound of what the model "
-            "itself adds to the largest error of the three angles.</p>\n</section>\n";
+    appendList(html, content, "Rows that are not good",
+               summary.count(RowState::ok) - summary.count(Trust::good), content.doubtfulRows,
+               "<th>Trust</th><th class=\"number\">Model error, degrees</th>",
+               [&](const Doubt& doubt) {
+                   html.append("<td class=\"state not-good\">").append(wordOf(doubt.trust));
+                   html.append("</td><td class=\"number\">")
+                       .append(degreesText(doubt.modelError))
+                       .append("</td>");
+               });
+    html += "<p class=\"note\">The model error is the bound of what the model itself adds to the "
+            "largest error of the three angles, of several rows the largest.</p>\n</section>\n";
 }
 
 } // namespace kiv::host

@@ -1,5 +1,6 @@
 #include "host/report/TimeAxis.h"
 
+#include "host/MessageLimit.h"
 #include "host/tables/Readings.h"
 #include "host/tables/Table.h"
 
@@ -41,22 +42,22 @@ std::optional<TimeStamp> TimeColumn::timeIn(const Table& table) const {
 }
 
 // Stamps with a zone and those without cannot be compared: the first one decides.
-double TimeColumn::next(const std::optional<TimeStamp>& time, std::size_t line) {
+TimeColumn::Point TimeColumn::next(const std::optional<TimeStamp>& time, std::size_t line,
+                                   std::string_view table) {
     if (!shown.overTime())
-        return 0;
+        return {0, std::nullopt};
     const bool first = !std::isfinite(last);
     if (first && time && time->zoned)
         shown.kind = XAxis::Kind::utc;
     const bool comparable = time && time->zoned == (shown.kind == XAxis::Kind::utc);
     if (comparable && time->seconds < last)
-        giveUp(std::string(stamps ? "time" : "time_s") + " goes back in line "
-               + std::to_string(line));
+        giveUp((stamps ? "time goes back in " : "time_s goes back in ") + linePlace(line, table));
     else if (!comparable && first)
-        giveUp((stamps ? "time is no ISO 8601 time in line " : "time_s is no number in line ")
-               + std::to_string(line));
+        giveUp((stamps ? "time is no ISO 8601 time in " : "time_s is no number in ")
+               + linePlace(line, table));
     else if (comparable)
         last = time->seconds;
-    return last;
+    return {last, comparable ? std::optional(last) : std::nullopt};
 }
 
 } // namespace kiv::host

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/tables/TimeStamp.h"
 
@@ -37,8 +38,13 @@ public:
     // Of a row; nothing where it has none. Of the axis' kind alone, so that rows can be read in any
     // order.
     std::optional<TimeStamp> timeIn(const Table& table) const;
-    // Of the next row, with its time: where it lies on the axis, in seconds.
-    double next(const std::optional<TimeStamp>& time, std::size_t line);
+
+    struct Point {
+        double time;               // in seconds
+        std::optional<double> own; // the same, where it is the row's own
+    };
+    // Of the next row, with its time and, where there are several tables, that of its line.
+    Point next(const std::optional<TimeStamp>& time, std::size_t line, std::string_view table = {});
     const XAxis& axis() const { return shown; }
 
 private:

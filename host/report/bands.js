@@ -42,7 +42,8 @@ function stretchesOf(chart, { points, setName, dygraph: graph }) {
     .map((stretch) => (stretch.length === 1 ? widened(stretch) : stretch));
 }
 
-// Plotters of a chart: one for under its lines, one for over them.
+// Plotters of a chart: areas under its lines; for residuals, whose areas would lie on each other,
+// their edges alone, over the lines, on margins of paper that set them off.
 const trace = (context, stretch, edge) => {
   for (const point of stretch) context.lineTo(point.x, point[edge]);
 };
@@ -59,9 +60,10 @@ const plotBands = (chart) => (series) => {
   }
 };
 
-const plotBandEdges = (chart) => (series) => {
+const plotBandEdges = (chart, width, colorOf) => (series) => {
   const { drawingContext: context } = series;
-  context.lineWidth = 1.5;
+  context.strokeStyle = colorOf(series);
+  context.lineWidth = width;
   for (const stretch of stretchesOf(chart, series))
     for (const edge of ["high", "low"]) {
       context.beginPath();

@@ -10,7 +10,6 @@ function drawLimits(context, area, graph, chart) {
       names.set(value, [...(names.get(value) || []), i]);
   });
   context.lineWidth = 1.5;
-  context.textAlign = "right";
   for (const [value, series] of names) {
     const y = graph.toDomYCoord(value);
     if (y < area.y || y > area.y + area.h) continue;
@@ -23,10 +22,6 @@ function drawLimits(context, area, graph, chart) {
       context.lineTo(area.x + area.w, y);
       context.stroke();
     });
-    context.setLineDash([]);
-    context.fillStyle = color("faint");
-    const label = "limit of " + series.map((i) => chart.series[i].name).join(" and ");
-    context.fillText(label, area.x + area.w - 6, y - area.y < 16 ? y + 14 : y - 5);
   }
 }
 
@@ -50,8 +45,9 @@ const lanes = [
 ].filter(({ marks }) => marks.length);
 const laneHeight = 14; // CSS pixels
 
-// A lane for each kind of row: the darker a place, the larger its share of the rows there; a single
-// row can be seen.
+// A lane for each kind of row: the darker a place, the larger its share of the rows around it; a
+// single row can be seen. Bins reach half way to their neighbours, those with a mark no further than 4
+// pixels to one without.
 function drawStrip(strip, area, graph, pixelRatio, font) {
   const width = strip.parentElement.clientWidth;
   strip.style.height = lanes.length * laneHeight + "px";
@@ -63,18 +59,24 @@ function drawStrip(strip, area, graph, pixelRatio, font) {
   context.textAlign = "right";
   context.textBaseline = "middle";
 
-  const [low, high] = graph.xAxisRange();
-  const shownBins = [];
-  for (let bin = 0; bin < binCount; ++bin) {
-    const x = chartX(middleX(bin));
-    if (x >= low && x <= high) shownBins.push(bin);
-  }
-  const columnWidth = Math.max(2, Math.min(8, area.w / Math.max(1, shownBins.length)));
-  const columnOf = (bin) =>
-    Math.floor((graph.toDomXCoord(chartX(middleX(bin))) - area.x) / columnWidth);
-  const rows = new Map();
-  for (const bin of shownBins)
-    rows.set(columnOf(bin), (rows.get(columnOf(bin)) || 0) + lastRow(bin) - firstRow(bin) + 1);
+  const middles = [];
+  for (let bin = 0; bin < binCount; ++bin)
+    middles.push(graph.toDomXCoord(chartX(middleX(bin))) - area.x);
+  const halfWay = (bin, to) => (to in middles ? middles[to] - middles[bin] : 0) / 2;
+  // Columns of whole pixels of the canvas, so that no edge between them shows.
+  const columnWidth = Math.round(2 * pixelRatio) / pixelRatio;
+  const start = Math.round(area.x * pixelRatio) / pixelRatio;
+  const columnCount = Math.ceil(area.w / columnWidth);
+  const spread = (counts, count, left, right) => {
+    const first = Math.floor(left / columnWidth);
+    const behind = Math.max(first + 1, Math.round(right / columnWidth));
+    for (let column = Math.max(0, first); column < Math.min(behind, columnCount); ++column)
+      counts[column] += count;
+  };
+  const rows = new Array(columnCount).fill(0);
+  middles.forEach((middle, bin) =>
+    spread(rows, lastRow(bin) - firstRow(bin) + 1,
+           middle + halfWay(bin, bin - 1), middle + halfWay(bin, bin + 1)));
 
   lanes.forEach((lane, i) => {
     const top = i * laneHeight + 2;
@@ -82,14 +84,21 @@ function drawStrip(strip, area, graph, pixelRatio, font) {
     context.fillRect(area.x, top, area.w, laneHeight - 4);
     context.fillStyle = color(lane.color);
     context.fillText(lane.name, area.x - 6, top + laneHeight / 2 - 2);
-    const counts = new Map();
-    for (const [bin, count] of lane.marks) {
-      const column = columnOf(bin);
-      if (rows.has(column)) counts.set(column, (counts.get(column) || 0) + count);
-    }
-    for (const [column, count] of counts) {
-      context.globalAlpha = 0.3 + 0.7 * Math.min(1, count / rows.get(column));
-      context.fillRect(area.x + column * columnWidth, top, columnWidth, laneHeight - 4);
+    const counts = new Array(columnCount).fill(0);
+    const marked = new Set(lane.marks.map(([bin]) => bin));
+    const reach = (bin, to) =>
+      marked.has(to) ? halfWay(bin, to) : Math.max(-4, Math.min(4, halfWay(bin, to)));
+    for (const [bin, count] of lane.marks)
+      spread(counts, count, middles[bin] + reach(bin, bin - 1), middles[bin] + reach(bin, bin + 1));
+    const inSpan = (column) => counts[column] || (counts[column - 1] && counts[column + 1]);
+    const sum = (values, from, behind) => values.slice(from, behind).reduce((a, b) => a + b);
+    for (let from = 0, behind; from < columnCount; from = behind) {
+      for (behind = from + 1; inSpan(from) && inSpan(behind);) ++behind;
+      for (let column = from; inSpan(from) && column < behind; ++column) {
+        const around = [Math.max(from, column - 4), Math.min(behind, column + 5)];
+        context.globalAlpha = 0.3 + 0.7 * sum(counts, ...around) / sum(rows, ...around);
+        context.fillRect(start + column * columnWidth, top, columnWidth, laneHeight - 4);
+      }
     }
     context.globalAlpha = 1;
   });

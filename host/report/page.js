@@ -97,7 +97,13 @@ function makeKeys(parent, chart) {
 // The key of the reference, and the row under the pointer.
 function makeCaption(parent, chart) {
   if (data.reference !== undefined) parent.append(element("span", "key at", "┊ reference"));
-  if (chart.bands) parent.append(element("span", "key at", "▒ twice the standard uncertainty"));
+  const limited = chart.series.filter((series, i) => chart.limits && chart.limits[i]);
+  if (limited.length)
+    parent.append(element("span", "key at", "╌ limits of " + limited.map(({ name }) => name).join(" and ")));
+  if (chart.bands) {
+    const sign = chart.bands === "zero" ? "═" : "▒";
+    parent.append(element("span", "key at", sign + " twice the standard uncertainty"));
+  }
   chart.place = element("span", "key at");
   parent.append(chart.place);
 }
@@ -144,10 +150,12 @@ function makeChart(chart) {
     labels: [data.x, ...chart.series.map((series) => series.name)],
     customBars: true,
     plotter: [
-      ...(chart.bands ? [plotBands(chart)] : []),
+      ...(chart.bands === "value" ? [plotBands(chart)] : []),
       ...(thinned ? [Dygraph.Plotters.errorPlotter, plotEdges] : []),
       Dygraph.Plotters.linePlotter,
-      ...(chart.bands === "zero" ? [plotBandEdges(chart)] : []),
+      ...(chart.bands === "zero"
+        ? [plotBandEdges(chart, 5, () => color("paper")), plotBandEdges(chart, 2, (series) => series.color)]
+        : []),
     ],
     fillAlpha: 0.3,
     strokeWidth: 1.2,

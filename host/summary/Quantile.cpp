@@ -25,6 +25,7 @@ void Quantile::add(double magnitude) {
     const auto bin = binOf(static_cast<float>(magnitude));
     ++bins[std::clamp(bin, firstBin, lastBin) - firstBin];
     ++count;
+    largest = std::max(largest, magnitude);
 }
 
 double Quantile::at(double share) const {
@@ -37,7 +38,7 @@ double Quantile::at(double share) const {
         if (passed >= wanted)
             break;
     }
-    return count == 0 ? 0 : std::bit_cast<float>(bin << bitsWithinBin);
+    return std::min<double>(largest, std::bit_cast<float>(bin << bitsWithinBin));
 }
 
 } // namespace kiv::host

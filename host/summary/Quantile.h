@@ -12,12 +12,13 @@ class Quantile {
 public:
     void add(double magnitude); // at least 0
 
-    // The least bin edge that this share of the magnitudes does not exceed: the quantile, or more
-    // by 0.1 % at most.
+    // The least bin edge that this share of the magnitudes does not exceed, or the largest of them:
+    // the quantile, or more by 0.1 % at most. 0 without any.
     double at(double share) const;
 
 private:
     std::size_t count = 0;
+    double largest = 0;
     std::vector<std::uint64_t> bins;
 };
 

@@ -109,7 +109,9 @@ Statistics::Figures Statistics::figures() const {
         figures.least = asGiven(moments->least);
         figures.largest = asGiven(moments->largest);
         figures.mean += figures.least - moments->least;
-        if (figures.largest < figures.least && figures.mean > highest)
+        // Values come from -180 to 180 or from 0 to 360.
+        const double end = std::max(highest, highest > turn / 2 ? turn : turn / 2);
+        if (figures.largest < figures.least && figures.mean > end)
             figures.mean -= turn;
     }
     figures.rootMeanSquare = std::sqrt(moments->mean * moments->mean

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "host/MessageLimit.h"
 #include "host/tables/Numbers.h"
 
 namespace kiv::host {
@@ -58,8 +59,7 @@ void Summary::nameReference(std::string_view table, std::size_t line, Trust trus
 }
 
 std::string Summary::referencePlace() const {
-    return "line " + std::to_string(reference)
-           + (tableOfReference.empty() ? "" : " of " + tableOfReference);
+    return linePlace(reference, tableOfReference);
 }
 
 void Summary::Coverage::add(const std::array<double, 3>& differences, const AngleTriple& standard) {
@@ -115,8 +115,9 @@ void Summary::printCounts(std::ostream& out) const {
     if (reference > 0 && count(RowState::reference) == 0)
         out << "reference: " << referencePlace() << '\n';
     if (notUncertain > 0)
-        out << "uncertainty: none of " << notUncertain
-            << (notUncertain == 1 ? " row\n" : " rows\n");
+        out << "uncertainty: " << notUncertain
+            << (notUncertain == 1 ? " row with angles has none\n"
+                                  : " rows with angles have none\n");
 }
 
 void Summary::printStatistics(std::ostream& out) const {

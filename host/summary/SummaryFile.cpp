@@ -4,6 +4,7 @@
 
 #include "KIVInterface/Version.h"
 #include "host/parameters/ParameterFile.h"
+#include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {
 
@@ -37,9 +38,24 @@ Json residualOf(const Summary& summary, std::size_t angle) {
             {"share_within_2u_of_good", share(summary.coverageOfGood())}};
 }
 
+// As --uncertainties takes them; those of 0 are left out.
+Json uncertaintiesOf(const std::optional<Uncertainties>& given, int mountMode) {
+    if (!given)
+        return {};
+    Json all = Json::object();
+    for (const UncertaintyName& name : uncertaintyNames) {
+        const Source source = *name.sources[0];
+        const bool other = ofVector(source) && name.bySight != given->bySight;
+        if (!other && reads(principleOf(mountMode), source) && (*given)[source] > 0)
+            all[name.text] = (*given)[source];
+    }
+    return all;
+}
+
 } // namespace
 
-std::string summaryText(const Summary& summary, const ReadingsOptions& options, int mountMode) {
+std::string summaryText(const Summary& summary, const ReadingsOptions& options, int mountMode,
+                        const std::optional<Uncertainties>& uncertainties) {
     Json states, reasons, trust, angles, residuals;
     for (std::size_t i = 0; i < rowStateNames.size(); ++i)
         states[rowStateNames[i]] = summary.count(static_cast<RowState>(i));
@@ -59,12 +75,15 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
         {"mount_mode", mountMode},
         {"readings",
          options.readings.size() > 1 ? Json(options.readings) : Json(options.readings[0])},
-        {"frame", options.localFrame ? "local" : "machine"},
+        {"frame", options.inLocalFrame(mountMode) ? "local" : "machine"},
+        {"tolerance_deg", options.tolerance ? Json(*options.tolerance) : Json()},
+        {"strict", options.strict},
+        {"uncertainties", uncertaintiesOf(uncertainties, mountMode)},
         {"rows", summary.rows()},
         {"states", states},
         {"reasons", reasons},
         {"trust", trust},
-        {"rows_without_uncertainty", summary.withoutUncertainty()},
+        {"rows_without_uncertainty", uncertainties ? Json(summary.withoutUncertainty()) : Json()},
         {"reference_table", known
                                 ? Json(summary.referenceTable().empty() ? options.readings[0]
                                                                         : summary.referenceTable())

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/tables/TableFormat.h"
+#include "support/MountMode.h"
 #include "uncertainty/Uncertainties.h"
 
 namespace kiv::host {
@@ -27,6 +28,9 @@ struct ReadingsOptions {
     std::string referenceFile;
     std::size_t jobs = 0; // threads; 0: as many as there are processors, for files
     bool quiet = false;   // no progress, of the summary the counts alone
+
+    // Where the mount mode knows frames.
+    bool inLocalFrame(int mountMode) const { return localFrame && !reportsOwnMatrix(mountMode); }
 };
 
 } // namespace kiv::host

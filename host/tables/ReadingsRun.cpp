@@ -24,7 +24,8 @@ bool ReadingsRun::inputsUsable() const {
     }
     inputs.push_back(options.parameterFile);
     if (sameFile(options.output, options.summary)) {
-        streams.err << options.summary << ":1:1: expected an output of its own, found that of "
+        streams.err << shownOutput(options.summary)
+                    << ":1:1: expected an output of its own, found that of "
                     << "--output\n";
         return false;
     }
@@ -48,7 +49,8 @@ bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* fa
     F_VECTOR4 levelLimits{};
     parameters.GetKIVLevelLimits(levelLimits);
     lead.emplace(sensor, levelLimits, uncertainties);
-    if (!recording.open(results, facts ? &facts->readings : nullptr) || !referenceReadable()
+    if (!recording.open(results, facts ? &facts->readings : nullptr) || !renamedColumnsThere()
+        || !referenceReadable()
         || !takeReference(options, *lead, streams, given, facts ? &facts->reference : nullptr))
         return false;
     if (options.referenceLine == 0 && given.line > 0)
@@ -64,7 +66,9 @@ bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* fa
                     << '\n';
         return false;
     }
-    return written.open(options.output, streams);
+    // An earlier summary must not be left beside new results.
+    return (options.summary.empty() || writtenSummary.open(options.summary, streams))
+           && written.open(options.output, streams);
 }
 
 bool ReadingsRun::readUncertainties() {
@@ -72,6 +76,18 @@ bool ReadingsRun::readUncertainties() {
     return options.uncertaintyFile.empty()
            || host::readUncertainties(options.uncertaintyFile, mode, uncertainties.emplace(),
                                       streams);
+}
+
+// Columns that the model does without, too.
+bool ReadingsRun::renamedColumnsThere() const {
+    for (const auto& [ours, theirs] : options.format.otherNames) {
+        if (table().find(ours))
+            continue;
+        streams.err << recording.first().name() << ":1:1: expected a column " << quoted(theirs)
+                    << " for " << ours << ", found none\n";
+        return false;
+    }
+    return true;
 }
 
 bool ReadingsRun::referenceReadable() const {
@@ -107,8 +123,9 @@ void ReadingsRun::work(Batch& batch, RowRunner& runner, Table& cursor,
         if (batch.count == batch.rows.size())
             batch.rows.emplace_back();
         Row& row = batch.rows[batch.count];
+        row.table = batch.block.table;
         row.line = cursor.lineNumber();
-        if (row.line == options.referenceLine && batch.block.table == 0)
+        if (row.line == options.referenceLine && row.table == 0)
             row.result = given.result;
         else
             runner.run(cursor, row.result);
@@ -184,19 +201,31 @@ void ReadingsRun::forEach(const Prepare& prepare, const Take& take) {
     batches.run(workers.size());
 }
 
-bool ReadingsRun::writeSummary() const {
-    Output file;
-    if (!file.open(options.summary, streams))
-        return false;
-    file.text() = summaryText(totals, options, mode);
-    return file.finish(streams.err);
+bool ReadingsRun::writeSummary() {
+    writtenSummary.text() = summaryText(totals, options, mode, uncertainties);
+    return writtenSummary.finish(streams.err);
 }
 
 bool ReadingsRun::withinTolerance() const {
-    if (!options.tolerance || totals.largestResidual() <= *options.tolerance)
+    if (!options.tolerance)
+        return true;
+    if (totals.compared() == 0) {
+        streams.err << "expected rows with angles to compare for --tolerance, found none\n";
+        return false;
+    }
+    if (totals.largestResidual() <= *options.tolerance)
         return true;
     streams.err << "expected differences to the true angles of " << shown(*options.tolerance)
                 << " degrees at most, found " << degreesText(totals.largestResidual()) << '\n';
+    return false;
+}
+
+bool ReadingsRun::strictlyGood() const {
+    if (!options.strict)
+        return true;
+    if (totals.count(RowState::ok) > 0)
+        return totals.allTrusted();
+    streams.err << "expected rows with angles for --strict, found none\n";
     return false;
 }
 
@@ -211,9 +240,9 @@ int ReadingsRun::finish() {
     if (!options.summary.empty() && !writeSummary())
         return unusable;
     const bool close = withinTolerance();
+    const bool trusted = strictlyGood();
     if (Interrupt::requested())
         return interrupted;
-    const bool trusted = !options.strict || totals.allTrusted();
     return totals.allGood() && close && trusted ? allGood : someRowsBad;
 }
 

@@ -24,6 +24,7 @@ class Progress;
 // A row of readings and all that came of it.
 struct Row {
     RowResult result;
+    std::size_t table = 0; // of several, from 0
     std::size_t line = 0;
     std::vector<Message> messages;
     std::optional<std::array<double, 3>> truth; // true angles rx, ry, rz, degrees
@@ -46,7 +47,7 @@ public:
     int mountMode() const { return mode; }
     const std::optional<Uncertainties>& givenUncertainties() const { return uncertainties; }
     // Whether the angles are those of the motion since the reference.
-    bool localFrame() const { return options.localFrame && !reportsOwnMatrix(mode); }
+    bool localFrame() const { return options.inLocalFrame(mode); }
     std::string name() const { return recording.name(); }
     const Table& table() const { return recording.table(); } // for its columns
     Output& output() { return written; }
@@ -68,12 +69,15 @@ private:
 
     bool inputsUsable() const;
     bool readUncertainties();
+    bool renamedColumnsThere() const;
     bool referenceReadable() const;
     std::size_t jobs() const;
     void work(Batch& batch, RowRunner& runner, Table& cursor, const Prepare& prepare) const;
     bool finishBatch(Batch& batch, const Take& take, Progress& progress);
-    bool writeSummary() const;
+    bool writeSummary();
+    // Where these are asked for; false also where there is nothing to ask, with a message.
     bool withinTolerance() const;
+    bool strictlyGood() const;
 
     const ReadingsOptions& options;
     const Streams& streams;
@@ -85,6 +89,7 @@ private:
     Recording recording;
     MessageLimit limit;
     Output written;
+    Output writtenSummary;
     std::optional<Truth> truth;
     Summary totals;
     bool broken = false; // reading

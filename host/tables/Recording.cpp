@@ -2,22 +2,41 @@
 
 #include <filesystem>
 #include <sstream>
+#include <unordered_map>
 
 #include "host/tables/Readings.h"
+#include "support/platform/File.h"
 
 namespace kiv::host {
 
 namespace {
 
-bool isFile(const std::string& name) {
+// A pipe or a device, which can be read only once.
+bool mayWait(const std::string& name) {
     std::error_code ignored;
-    return name != "-" && std::filesystem::is_regular_file(pathOf(name), ignored);
+    return name == "-" || std::filesystem::is_other(pathOf(name), ignored);
+}
+
+// False, and a message, when a file is there twice, under whatever name.
+bool eachOnce(const std::vector<std::string>& files, std::ostream& err) {
+    std::unordered_map<std::string, const std::string*> known; // by identity
+    for (const std::string& file : files) {
+        const std::string identity = mayWait(file) ? "" : platform::identityOf(file.c_str());
+        const auto [there, isNew] = known.emplace(identity, &file);
+        if (isNew || identity.empty())
+            continue;
+        err << file << ":1:1: expected each table once, found " << *there->second << " again\n";
+        return false;
+    }
+    return true;
 }
 
 } // namespace
 
-bool Recording::openTable(std::size_t i, std::ostream& err, Sha256* hash) {
+// One that is only looked at is opened again for its rows.
+bool Recording::openTable(std::size_t i, std::ostream& err, bool forRows) {
     auto input = std::make_unique<TableInput>(readingColumns, format);
+    Sha256* const hash = facts && forRows ? &(*facts)[i].digest : nullptr;
     if (!input->open(files[i], reserved, {streams.in, streams.out, err}, hash)
         || (i > 0 && !input->hasColumnsOf(first(), err)))
         return false;
@@ -25,18 +44,22 @@ bool Recording::openTable(std::size_t i, std::ostream& err, Sha256* hash) {
     return true;
 }
 
-bool Recording::open(std::span<const std::string_view> results, Sha256* hash) {
+bool Recording::open(std::span<const std::string_view> results, std::vector<TableFacts>* ofAll) {
     reserved = results;
     tables.resize(files.size());
-    if (!openTable(0, streams.err, hash))
+    facts = ofAll;
+    if (facts)
+        for (const std::string& file : files)
+            facts->push_back({shownInput(file), {}});
+    if (!eachOnce(files, streams.err) || !openTable(0, streams.err, true))
         return false;
     bytes = first().size();
     for (std::size_t i = 1; i < files.size(); ++i) {
-        if (!isFile(files[i])) {
+        if (mayWait(files[i])) {
             bytes = 0;
             continue;
         }
-        if (!openTable(i, streams.err))
+        if (!openTable(i, streams.err, false))
             return false;
         bytes += bytes > 0 ? tables[i]->size() : 0;
         tables[i].reset();
@@ -53,14 +76,14 @@ std::string Recording::name() const {
 bool Recording::openInTurn(LineBlock& block) {
     block.text.clear();
     block.said.clear();
-    block.inputWouldWait = !isFile(files[current]) && !announced;
+    block.inputWouldWait = mayWait(files[current]) && !announced;
     if (block.inputWouldWait) {
         announced = true;
         return false;
     }
     announced = false;
     std::ostringstream err;
-    block.brokenOff = !openTable(current, err);
+    block.brokenOff = !openTable(current, err, true);
     block.said = err.str();
     return !block.brokenOff;
 }
@@ -76,6 +99,8 @@ bool Recording::nextBlock(LineBlock& block) {
             current = block.brokenOff ? files.size() : current;
             return true;
         }
+        if (facts)
+            (*facts)[current].readToEnd = true;
         if (current > 0)
             tables[current].reset();
     }

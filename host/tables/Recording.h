@@ -19,9 +19,10 @@ public:
               const Streams& own)
         : files(tableFiles), format(asked), streams(own) {}
 
-    // False, and messages, when the first table or a file cannot be read, has a column of results,
-    // or other columns than the first. The hash takes in the first one.
-    bool open(std::span<const std::string_view> results, Sha256* hash);
+    // False, and messages, when a file is there twice, or the first table or a file cannot be read,
+    // has a column of results, or other columns than the first. The facts are those of all tables,
+    // complete once they have been read.
+    bool open(std::span<const std::string_view> results, std::vector<TableFacts>* facts);
 
     const TableInput& first() const { return *tables[0]; }
     const Table& table() const { return first().table(); } // for the columns of all
@@ -34,13 +35,14 @@ public:
     bool nextBlock(LineBlock& block);
 
 private:
-    bool openTable(std::size_t i, std::ostream& err, Sha256* hash = nullptr);
+    bool openTable(std::size_t i, std::ostream& err, bool forRows);
     bool openInTurn(LineBlock& block);
 
     const std::vector<std::string>& files;
     const TableFormat& format;
     const Streams& streams;
     std::span<const std::string_view> reserved;
+    std::vector<TableFacts>* facts = nullptr;
     std::vector<std::unique_ptr<TableInput>> tables; // null: not open now
     std::size_t current = 0;
     bool announced = false; // that the current one may wait

@@ -64,13 +64,19 @@ private:
         } catch (const Json::parse_error& e) {
             return report(e.byte > 0 ? e.byte - 1 : 0, "JSON", shortest(e.byte));
         } catch (const Json::out_of_range&) {
-            return report(0, "JSON with numbers within double precision", "a larger one");
+            return report(entries.empty() ? 0 : valuePlace(entries.back()),
+                          "JSON with numbers within double precision", "a larger one");
         }
         return flat || report(0, "a JSON object of names and numbers", "another value");
     }
 
     std::string shortest(std::size_t byte) const {
         return byte == 0 || byte > text.size() ? "the end" : kiv::quoted(text.substr(byte - 1, 1));
+    }
+
+    std::size_t valuePlace(const Entry& entry) const {
+        const std::size_t colon = text.find(':', entry.place + entry.name.size());
+        return text.find_first_not_of(" \t\r\n", colon + 1);
     }
 
     bool take(std::size_t i, int mode, NamedUncertainties& given) {
@@ -90,12 +96,10 @@ private:
         const auto same = [&](const Entry& each) { return each.name == entry.name; };
         if (std::any_of(entries.begin(), before, same))
             return report(entry.place, "each name once", found + " again");
-        if (fault == UncertaintyFault::value) {
-            const std::size_t colon = text.find(':', entry.place + entry.name.size());
-            return report(text.find_first_not_of(" \t\r\n", colon + 1),
-                          "a number from 0 to 1e6 for " + found,
+        if (fault == UncertaintyFault::value)
+            return report(valuePlace(entry),
+                          "a number from 0 to " + shown(largestUncertainty) + " for " + found,
                           entry.value.is_null() ? "another value" : entry.value.dump());
-        }
         if (fault == UncertaintyFault::vector)
             return report(entry.place, "x, y and z, or vector_along and vector_across",
                           kiv::quoted(given.firstOfVector()) + " and " + found);
