@@ -67,15 +67,21 @@ CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number
 // alone.
 std::string whyNotOneToOne(const TableFormat& format, std::span<const std::string_view> columns) {
     const auto& names = format.otherNames;
-    for (const auto& [ours, theirs] : names) {
-        const auto same = [&](const TableFormat::Name& name) { return name.ours == ours; };
+    for (const TableFormat::Name& name : names) {
+        const auto same = [&](const TableFormat::Name& other) { return other.ours == name.ours; };
         if (std::count_if(names.begin(), names.end(), same) > 1)
-            return "expected each name once, found " + ours + " again";
-        for (const std::string_view column : columns)
-            if (column != ours && format.nameOf(column) == theirs
-                && !(ours == timeColumn && column == timeStampColumn && theirs == column))
-                return "expected one name for the column " + theirs + ", found " + ours + " and "
-                       + std::string(column);
+            return "expected each name once, found " + name.ours + " again";
+        for (const std::string_view column : columns) {
+            const bool seconds =
+                name.ours == timeColumn && column == timeStampColumn && name.theirs == column;
+            if (column != name.ours && format.nameOf(column) == name.theirs && !seconds)
+                return std::string("expected one name for the column ")
+                    .append(name.theirs)
+                    .append(", found ")
+                    .append(name.ours)
+                    .append(" and ")
+                    .append(column);
+        }
     }
     return "";
 }
@@ -145,7 +151,7 @@ void CommandLine::addMessages(CLI::App& command, TableFormat& format) {
 
 // The columns are those that can have another name.
 void CommandLine::addTable(CLI::App& command, TableFormat& format,
-                           std::vector<std::string_view> columns) {
+                           const std::vector<std::string_view>& columns) {
     addMessages(command, format);
     command.add_flag("--decimal-comma", format.decimalComma);
     command
@@ -160,7 +166,7 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
                     throw CLI::ValidationError("--column", fault);
             })
         ->allow_extra_args(false)
-        ->check([columns = std::move(columns)](const std::string& pair) {
+        ->check([columns](const std::string& pair) {
             const std::size_t end = pair.find('=');
             if (end != pair.npos && end + 1 < pair.size()
                 && std::count(columns.begin(), columns.end(), pair.substr(0, end)) > 0)
@@ -193,7 +199,7 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
     columns.push_back(timeColumn);
     columns.push_back(timeStampColumn);
-    addTable(command, options.format, std::move(columns));
+    addTable(command, options.format, columns);
     addFile(command, "--summary", options.summary);
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
     command.add_flag("--strict", options.strict);

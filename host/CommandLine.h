@@ -35,7 +35,8 @@ public:
 private:
     CLI::App& add(const char* name, std::function<int(const Streams&)> whenParsed);
     void addMessages(CLI::App& command, TableFormat& format);
-    void addTable(CLI::App& command, TableFormat& format, std::vector<std::string_view> columns);
+    void addTable(CLI::App& command, TableFormat& format,
+                  const std::vector<std::string_view>& columns);
     void addKeep(CLI::App& command, TableFormat& format);
     void addReadings(CLI::App& command, ReadingsOptions& options);
     void addUncertainties(CLI::App& command, ReadingsOptions& options);
