@@ -28,6 +28,8 @@ bool sameFile(const std::string& one, const std::string& other) {
         return one == other;
     if (other.empty() || std::filesystem::is_other(pathOf(one), failed))
         return false;
+    if (std::filesystem::equivalent(pathOf(one), pathOf(other), failed))
+        return true;
     const auto place = [&](const std::string& name) {
         return std::filesystem::weakly_canonical(std::filesystem::absolute(pathOf(name), failed),
                                                  failed);

@@ -75,7 +75,7 @@ private:
     void checkMode(const BlockValues& values);
     void checkGains(const BlockValues& values);
 
-    bool isRead() const;
+    bool isRead(Block block) const;
     bool limitsCount() const;
     std::string title() const { return '"' + std::string(layout->title) + '"'; }
     // number: which of the block's, in the order of the text.
@@ -96,7 +96,7 @@ void ValueCheck::checkAll() {
         const bool tilt = layout->kind == BlockKind::tiltTable;
         const bool encoder = layout->kind == BlockKind::encoderTable;
         const bool countFits = (!tilt && !encoder) || checkCount();
-        if (!countFits || !isRead())
+        if (!countFits || !isRead(layout->block))
             continue;
         if (encoder)
             checkAngles(*values);
@@ -235,7 +235,7 @@ void ValueCheck::checkGains(const BlockValues& values) {
     constexpr std::size_t first = 4;
     constexpr const char* readings[] = {"the azimuth", "the elevation", "level Y"};
     const BlockValues* mode = file.document.find(Block::mountingMode);
-    if (!mode || principleOf(mode->integer) != Principle::pendulum)
+    if (!mode || !isRead(Block::mountingMode) || principleOf(mode->integer) != Principle::pendulum)
         return;
     for (std::size_t i = 0; i < std::size(readings); ++i)
         if (const float gain = values.numbers[first + i]; gain == 0)
@@ -245,9 +245,9 @@ void ValueCheck::checkGains(const BlockValues& values) {
                  shown(gain));
 }
 
-bool ValueCheck::isRead() const {
+bool ValueCheck::isRead(Block block) const {
     return std::none_of(file.outcome.unread.begin(), file.outcome.unread.end(),
-                        [&](const Finding& f) { return f.block == layout->block; });
+                        [&](const Finding& f) { return f.block == block; });
 }
 
 bool ValueCheck::limitsCount() const {

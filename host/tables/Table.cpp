@@ -103,6 +103,8 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
     }
     if (!missing.empty())
         reportHeader(found, missing);
+    else if (!csv.quotesClosed())
+        reportAt(names.size(), "a closing quote", "end of line");
     else if (!repeated.empty())
         reportAt(firstRepeated, "each column name once",
                  listOf(repeated, mostNamesShown) + " again");

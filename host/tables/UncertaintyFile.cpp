@@ -75,6 +75,8 @@ private:
     }
 
     std::size_t valuePlace(const Entry& entry) const {
+        if (entry.place == 0) // the name stands there in other letters
+            return 0;
         const std::size_t colon = text.find(':', entry.place + entry.name.size());
         return text.find_first_not_of(" \t\r\n", colon + 1);
     }

@@ -141,7 +141,7 @@ bool Propagation::slopesAt(const KIV_RAWINFO& row, const Sight& sight) {
         double size = given.bySight ? given[channel == side ? Source::vector2 : Source::vector3]
                                     : std::sqrt(squared);
         size = std::max(size, leastSteps * ulp(static_cast<float>(sight.length)));
-        if (std::abs(std::abs(z) - size * way[2]) < clearance)
+        if (channel == above && std::abs(std::abs(z) - size * way[2]) < clearance)
             size = std::abs(z) / 2;
         KIV_RAWINFO forth = raw;
         KIV_RAWINFO back = raw;
