@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 #include <numeric>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -76,6 +77,7 @@ private:
     void checkGains(const BlockValues& values);
 
     bool isRead(Block block) const;
+    std::optional<int> mountMode() const; // where it is there and can be read
     bool limitsCount() const;
     std::string title() const { return '"' + std::string(layout->title) + '"'; }
     // number: which of the block's, in the order of the text.
@@ -234,8 +236,8 @@ void ValueCheck::checkMode(const BlockValues& values) {
 void ValueCheck::checkGains(const BlockValues& values) {
     constexpr std::size_t first = 4;
     constexpr const char* readings[] = {"the azimuth", "the elevation", "level Y"};
-    const BlockValues* mode = file.document.find(Block::mountingMode);
-    if (!mode || !isRead(Block::mountingMode) || principleOf(mode->integer) != Principle::pendulum)
+    const std::optional<int> mode = mountMode();
+    if (!mode || principleOf(*mode) != Principle::pendulum)
         return;
     for (std::size_t i = 0; i < std::size(readings); ++i)
         if (const float gain = values.numbers[first + i]; gain == 0)
@@ -250,10 +252,14 @@ bool ValueCheck::isRead(Block block) const {
                         [&](const Finding& f) { return f.block == block; });
 }
 
-bool ValueCheck::limitsCount() const {
+std::optional<int> ValueCheck::mountMode() const {
     const BlockValues* mode = file.document.find(Block::mountingMode);
-    return layout->block != Block::tiltXCalibration || !mode
-           || !leavesTiltXUnlimited(mode->integer);
+    return mode && isRead(Block::mountingMode) ? std::optional(mode->integer) : std::nullopt;
+}
+
+bool ValueCheck::limitsCount() const {
+    const std::optional<int> mode = mountMode();
+    return layout->block != Block::tiltXCalibration || !mode || !leavesTiltXUnlimited(*mode);
 }
 
 void ValueCheck::warn(std::size_t number, std::string expected, std::string found) {

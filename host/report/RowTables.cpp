@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 #include "host/tables/Numbers.h"

@@ -44,7 +44,7 @@ public:
         std::optional<double> own; // the same, where it is the row's own
     };
     // Of the next row, with its time and, where there are several tables, that of its line.
-    Point next(const std::optional<TimeStamp>& time, std::size_t line, std::string_view table = {});
+    Point next(const std::optional<TimeStamp>& time, std::size_t line, std::string_view table);
     const XAxis& axis() const { return shown; }
 
 private:

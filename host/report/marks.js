@@ -4,13 +4,13 @@ const color = (name) =>
   getComputedStyle(document.documentElement).getPropertyValue("--" + name).trim();
 
 function drawLimits(context, area, graph, chart) {
-  const names = new Map(); // of the series with a limit at a value
+  const seriesAt = new Map(); // those with a limit at a value
   chart.limits.forEach((pair, i) => {
     for (const value of pair || [])
-      names.set(value, [...(names.get(value) || []), i]);
+      seriesAt.set(value, [...(seriesAt.get(value) || []), i]);
   });
   context.lineWidth = 1.5;
-  for (const [value, series] of names) {
+  for (const [value, series] of seriesAt) {
     const y = graph.toDomYCoord(value);
     if (y < area.y || y > area.y + area.h) continue;
     series.forEach((i, turn) => {
@@ -45,9 +45,49 @@ const lanes = [
 ].filter(({ marks }) => marks.length);
 const laneHeight = 14; // CSS pixels
 
-// A lane for each kind of row: the darker a place, the larger its share of the rows around it; a
-// single row can be seen. Bins reach half way to their neighbours, those with a mark no further than 4
-// pixels to one without.
+// Columns across a chart, of whole pixels of the canvas so that no edge between them shows.
+function columnsOf(area, graph, pixelRatio) {
+  const width = Math.round(2 * pixelRatio) / pixelRatio;
+  const size = Math.ceil(area.w / width);
+  const middles = [];
+  for (let bin = 0; bin < binCount; ++bin)
+    middles.push(graph.toDomXCoord(chartX(middleX(bin))) - area.x);
+  return {
+    width,
+    size,
+    start: Math.round(area.x * pixelRatio) / pixelRatio,
+    halfWay: (bin, to) => (to in middles ? middles[to] - middles[bin] : 0) / 2,
+    // Counts of bins, each over all columns that it reaches on both sides, one at least.
+    filled(binCounts, reach) {
+      const counts = new Array(size).fill(0);
+      for (const [bin, count] of binCounts) {
+        const first = Math.floor((middles[bin] + reach(bin, bin - 1)) / width);
+        const end = Math.round((middles[bin] + reach(bin, bin + 1)) / width);
+        const behind = Math.min(Math.max(first + 1, end), size);
+        for (let column = Math.max(0, first); column < behind; ++column) counts[column] += count;
+      }
+      return counts;
+    },
+  };
+}
+
+// The darker a place, the larger the share of marked rows around it; a single row can be seen.
+function paintLane(context, top, columns, counts, rows) {
+  const inSpan = (column) => counts[column] || (counts[column - 1] && counts[column + 1]);
+  const sum = (values, from, behind) => values.slice(from, behind).reduce((a, b) => a + b);
+  for (let from = 0, behind; from < columns.size; from = behind) {
+    for (behind = from + 1; inSpan(from) && inSpan(behind);) ++behind;
+    for (let column = from; inSpan(from) && column < behind; ++column) {
+      const around = [Math.max(from, column - 4), Math.min(behind, column + 5)];
+      context.globalAlpha = 0.3 + 0.7 * sum(counts, ...around) / sum(rows, ...around);
+      context.fillRect(columns.start + column * columns.width, top, columns.width, laneHeight - 4);
+    }
+  }
+  context.globalAlpha = 1;
+}
+
+// A lane for each kind of row. Bins reach half way to their neighbours, those with a mark no further
+// than 4 pixels to one without.
 function drawStrip(strip, area, graph, pixelRatio, font) {
   const width = strip.parentElement.clientWidth;
   strip.style.height = lanes.length * laneHeight + "px";
@@ -59,47 +99,19 @@ function drawStrip(strip, area, graph, pixelRatio, font) {
   context.textAlign = "right";
   context.textBaseline = "middle";
 
-  const middles = [];
-  for (let bin = 0; bin < binCount; ++bin)
-    middles.push(graph.toDomXCoord(chartX(middleX(bin))) - area.x);
-  const halfWay = (bin, to) => (to in middles ? middles[to] - middles[bin] : 0) / 2;
-  // Columns of whole pixels of the canvas, so that no edge between them shows.
-  const columnWidth = Math.round(2 * pixelRatio) / pixelRatio;
-  const start = Math.round(area.x * pixelRatio) / pixelRatio;
-  const columnCount = Math.ceil(area.w / columnWidth);
-  const spread = (counts, count, left, right) => {
-    const first = Math.floor(left / columnWidth);
-    const behind = Math.max(first + 1, Math.round(right / columnWidth));
-    for (let column = Math.max(0, first); column < Math.min(behind, columnCount); ++column)
-      counts[column] += count;
-  };
-  const rows = new Array(columnCount).fill(0);
-  middles.forEach((middle, bin) =>
-    spread(rows, lastRow(bin) - firstRow(bin) + 1,
-           middle + halfWay(bin, bin - 1), middle + halfWay(bin, bin + 1)));
-
+  const columns = columnsOf(area, graph, pixelRatio);
+  const { halfWay } = columns;
+  const rowsOf = (_, bin) => [bin, lastRow(bin) - firstRow(bin) + 1];
+  const rows = columns.filled(Array.from({ length: binCount }, rowsOf), halfWay);
   lanes.forEach((lane, i) => {
     const top = i * laneHeight + 2;
     context.fillStyle = color("band");
     context.fillRect(area.x, top, area.w, laneHeight - 4);
     context.fillStyle = color(lane.color);
     context.fillText(lane.name, area.x - 6, top + laneHeight / 2 - 2);
-    const counts = new Array(columnCount).fill(0);
     const marked = new Set(lane.marks.map(([bin]) => bin));
     const reach = (bin, to) =>
       marked.has(to) ? halfWay(bin, to) : Math.max(-4, Math.min(4, halfWay(bin, to)));
-    for (const [bin, count] of lane.marks)
-      spread(counts, count, middles[bin] + reach(bin, bin - 1), middles[bin] + reach(bin, bin + 1));
-    const inSpan = (column) => counts[column] || (counts[column - 1] && counts[column + 1]);
-    const sum = (values, from, behind) => values.slice(from, behind).reduce((a, b) => a + b);
-    for (let from = 0, behind; from < columnCount; from = behind) {
-      for (behind = from + 1; inSpan(from) && inSpan(behind);) ++behind;
-      for (let column = from; inSpan(from) && column < behind; ++column) {
-        const around = [Math.max(from, column - 4), Math.min(behind, column + 5)];
-        context.globalAlpha = 0.3 + 0.7 * sum(counts, ...around) / sum(rows, ...around);
-        context.fillRect(start + column * columnWidth, top, columnWidth, laneHeight - 4);
-      }
-    }
-    context.globalAlpha = 1;
+    paintLane(context, top, columns, columns.filled(lane.marks, reach), rows);
   });
 }

@@ -25,8 +25,7 @@ bool ReadingsRun::inputsUsable() const {
     inputs.push_back(options.parameterFile);
     if (sameFile(options.output, options.summary)) {
         streams.err << shownOutput(options.summary)
-                    << ":1:1: expected an output of its own, found that of "
-                    << "--output\n";
+                    << ":1:1: expected an output of its own, found that of --output\n";
         return false;
     }
     return !refuseOverwriting(options.output, inputs, streams.err)
@@ -41,8 +40,7 @@ bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* fa
         return false;
     sensor.setMcsFlag(!options.localFrame);
     mode = SensorAccess::mountMode(sensor);
-    const bool knowsFrames = !reportsOwnMatrix(mode);
-    if (options.localFrame && !knowsFrames)
+    if (options.localFrame && !localFrame())
         streams.err << "kiv: --frame local has no effect in mount mode " << mode << '\n';
     if (!readUncertainties())
         return false;
@@ -57,13 +55,11 @@ bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* fa
         totals.nameReference(given.table, given.line, given.result.trust.trust);
     if (uncertainties)
         totals.expectUncertainties();
-    truth.emplace(table(), !options.localFrame || !knowsFrames);
+    truth.emplace(table(), !localFrame());
     if (options.tolerance && !truth->comparable()) {
         streams.err << recording.first().name()
                     << ":1:1: expected true angles in machine coordinates for --tolerance, found "
-                    << (options.localFrame && knowsFrames ? "a run in the local frame"
-                                                          : "no columns of them")
-                    << '\n';
+                    << (localFrame() ? "a run in the local frame" : "no columns of them") << '\n';
         return false;
     }
     // An earlier summary must not be left beside new results.

@@ -15,7 +15,6 @@
 #include "host/tables/Recording.h"
 #include "host/tables/RowResult.h"
 #include "host/tables/TimeStamp.h"
-#include "support/MountMode.h"
 
 namespace kiv::host {
 
@@ -75,7 +74,7 @@ private:
     void work(Batch& batch, RowRunner& runner, Table& cursor, const Prepare& prepare) const;
     bool finishBatch(Batch& batch, const Take& take, Progress& progress);
     bool writeSummary();
-    // Where these are asked for; false also where there is nothing to ask, with a message.
+    // Where these are asked for; false also where there is nothing to test, with a message.
     bool withinTolerance() const;
     bool strictlyGood() const;
 

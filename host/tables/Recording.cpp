@@ -22,8 +22,10 @@ bool eachOnce(const std::vector<std::string>& files, std::ostream& err) {
     std::unordered_map<std::string, const std::string*> known; // by identity
     for (const std::string& file : files) {
         const std::string identity = mayWait(file) ? "" : platform::identityOf(file.c_str());
+        if (identity.empty())
+            continue;
         const auto [there, isNew] = known.emplace(identity, &file);
-        if (isNew || identity.empty())
+        if (isNew)
             continue;
         err << file << ":1:1: expected each table once, found " << *there->second << " again\n";
         return false;

@@ -76,7 +76,7 @@ class Sensor:
                 f"uncertainties: expected one of {', '.join(_UNCERTAINTIES)}, found {name!r}"
             )
         give = self._handle.set_uncertainty
-        if give(name.encode(), 0) == _library.BAD_ARGUMENT:
+        if give(name.encode(), 0) == _library.BAD_ARGUMENT:  # whatever the number
             raise ValueError(
                 f"uncertainties: expected what mount mode {self.mount_mode} reads, of the vector "
                 f"x, y and z or vector_along and vector_across, found {name!r}"
