@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "bench/Benchmark.h"
+#include "host/base/Numbers.h"
 #include "host/commands/Run.h"
 #include "host/commands/Simulate.h"
-#include "host/tables/Numbers.h"
 #include "support/MountMode.h"
 #include "uncertainty/Trust.h"
 

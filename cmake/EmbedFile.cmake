@@ -12,7 +12,7 @@ string(HEX "${text}" digits)
 string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," numbers "${digits}")
 string(REGEX REPLACE "(0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,)" "\\1\n"
     numbers "${numbers}")
-file(WRITE ${OUTPUT} "#include \"host/Embedded.h\"
+file(WRITE ${OUTPUT} "#include \"host/base/Embedded.h\"
 
 namespace {
 const unsigned char bytes[] = {

@@ -18,7 +18,7 @@ function(plain_and_roff text plain_result roff_result)
 endfunction()
 
 set(help_source "// Made from the tool's page.
-#include \"host/HelpTexts.h\"
+#include \"host/commandline/HelpTexts.h\"
 
 namespace kiv::host {
 

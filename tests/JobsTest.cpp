@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "host/InOrder.h"
-#include "host/Interrupt.h"
+#include "host/base/InOrder.h"
+#include "host/base/Interrupt.h"
 #include "host/commands/Report.h"
 #include "host/commands/Run.h"
 #include "tests/ToolRunner.h"

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/Hashing.h"
-#include "host/tables/TimeStamp.h"
+#include "host/base/Hashing.h"
+#include "host/rows/TimeStamp.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/CommandLine.h"
-#include "host/HelpTexts.h"
+#include "host/commandline/CommandLine.h"
+#include "host/commandline/HelpTexts.h"
 #include "tests/ToolRunner.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/Cli.h"
+#include "host/base/Cli.h"
 
 namespace kiv::test {
 

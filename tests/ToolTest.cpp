@@ -15,7 +15,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/Interrupt.h"
+#include "host/base/Interrupt.h"
 #include "host/parameters/ParameterFile.h"
 #include "simulator/Pose.h"
 #include "tests/FileFaults.h"

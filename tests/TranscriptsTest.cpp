@@ -17,7 +17,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/Files.h"
+#include "host/base/Files.h"
 #include "tests/ParameterRecord.h"
 
 namespace {

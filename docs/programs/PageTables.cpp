@@ -5,8 +5,8 @@
 #include <istream>
 #include <ostream>
 
-#include "host/tables/Csv.h"
-#include "host/tables/Numbers.h"
+#include "host/base/Numbers.h"
+#include "host/rows/Csv.h"
 
 namespace kiv::docs {
 

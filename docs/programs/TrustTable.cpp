@@ -17,7 +17,7 @@
 
 #include "docs/programs/PageTables.h"
 #include "docs/programs/TrustTrials.h"
-#include "host/tables/Numbers.h"
+#include "host/base/Numbers.h"
 
 namespace {
 

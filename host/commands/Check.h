@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "host/Cli.h"
+#include "host/base/Cli.h"
 
 namespace kiv::host {
 

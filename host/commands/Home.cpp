@@ -6,8 +6,8 @@
 #include <ostream>
 
 #include "KIVInterface/CKiv.h"
-#include "host/tables/RowLoop.h"
-#include "host/tables/TableInput.h"
+#include "host/rows/RowLoop.h"
+#include "host/rows/TableInput.h"
 
 namespace kiv::host {
 

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "host/Cli.h"
-#include "host/tables/TableFormat.h"
+#include "host/base/Cli.h"
+#include "host/rows/TableFormat.h"
 
 namespace kiv::host {
 

@@ -6,8 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/base/Numbers.h"
 #include "host/parameters/Findings.h"
-#include "host/tables/Numbers.h"
 #include "params/BlockNames.h"
 #include "support/MountMode.h"
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/Cli.h"
+#include "host/base/Cli.h"
 
 namespace kiv::host {
 

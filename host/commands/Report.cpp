@@ -7,11 +7,11 @@
 #include <ctime>
 #include <ostream>
 
-#include "host/Interrupt.h"
+#include "host/base/Interrupt.h"
+#include "host/base/Numbers.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/report/ReportPage.h"
-#include "host/tables/Numbers.h"
-#include "host/tables/ReadingsRun.h"
+#include "host/run/ReadingsRun.h"
 
 namespace kiv::host {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/Cli.h"
-#include "host/tables/ReadingsOptions.h"
+#include "host/base/Cli.h"
+#include "host/run/ReadingsOptions.h"
 
 namespace kiv::host {
 

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "KIVInterface/CKivPrm.h"
-#include "host/Files.h"
-#include "host/Interrupt.h"
+#include "host/base/Files.h"
+#include "host/base/Interrupt.h"
 #include "host/commands/RewriteCost.h"
 #include "host/parameters/Findings.h"
 #include "host/parameters/LeftCopy.h"

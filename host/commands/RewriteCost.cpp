@@ -4,8 +4,8 @@
 #include <ostream>
 #include <vector>
 
+#include "host/base/Numbers.h"
 #include "host/parameters/Findings.h"
-#include "host/tables/Numbers.h"
 #include "params/Parser.h"
 #include "params/Survey.h"
 #include "support/platform/ByteSource.h"

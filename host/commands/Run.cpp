@@ -8,7 +8,7 @@
 #include <ostream>
 #include <span>
 
-#include "host/tables/ReadingsRun.h"
+#include "host/run/ReadingsRun.h"
 #include "sensor/SensorAccess.h"
 #include "support/MountMode.h"
 

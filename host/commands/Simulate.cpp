@@ -4,12 +4,12 @@
 #include <ostream>
 
 #include "KIVInterface/CKivPrm.h"
-#include "host/Files.h"
+#include "host/base/Files.h"
+#include "host/base/Numbers.h"
 #include "host/parameters/ParameterFile.h"
-#include "host/tables/Numbers.h"
-#include "host/tables/Poses.h"
-#include "host/tables/Readings.h"
-#include "host/tables/RowLoop.h"
+#include "host/rows/Poses.h"
+#include "host/rows/Readings.h"
+#include "host/rows/RowLoop.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/Mounting.h"
 #include "simulator/Random.h"

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "host/Cli.h"
-#include "host/tables/TableFormat.h"
+#include "host/base/Cli.h"
+#include "host/rows/TableFormat.h"
 #include "simulator/Noise.h"
 
 namespace kiv::host {

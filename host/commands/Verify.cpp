@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "host/Files.h"
-#include "host/tables/Numbers.h"
+#include "host/base/Files.h"
+#include "host/base/Numbers.h"
 #include "host/verify/ReferenceCases.h"
 
 namespace kiv::host {

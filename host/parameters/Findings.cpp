@@ -5,7 +5,7 @@
 #include <tuple>
 #include <utility>
 
-#include "host/Hashing.h"
+#include "host/base/Hashing.h"
 #include "host/parameters/LeftCopy.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/parameters/ValueWarnings.h"

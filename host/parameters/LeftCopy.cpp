@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <ostream>
 
-#include "host/Files.h"
+#include "host/base/Files.h"
 #include "host/parameters/ParameterFile.h"
 #include "params/Survey.h"
 #include "support/platform/File.h"

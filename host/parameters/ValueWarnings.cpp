@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "host/tables/Numbers.h"
+#include "host/base/Numbers.h"
 #include "support/MountMode.h"
 #include "support/ZelUtil.h"
 

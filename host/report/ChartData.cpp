@@ -1,8 +1,8 @@
 #include <cmath>
 #include <span>
 
+#include "host/base/Numbers.h"
 #include "host/report/Sections.h"
-#include "host/tables/Numbers.h"
 
 namespace kiv::host {
 

@@ -1,8 +1,8 @@
 #include <span>
 
+#include "host/base/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
-#include "host/tables/Numbers.h"
 
 namespace kiv::host {
 

@@ -1,9 +1,9 @@
 #include <span>
 
 #include "KIVInterface/Version.h"
+#include "host/base/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
-#include "host/tables/Numbers.h"
 #include "support/MountMode.h"
 
 namespace kiv::host {

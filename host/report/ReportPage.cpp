@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/Embedded.h"
+#include "host/base/Embedded.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 

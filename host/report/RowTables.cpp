@@ -1,6 +1,6 @@
+#include "host/base/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
-#include "host/tables/Numbers.h"
 
 namespace kiv::host {
 

@@ -1,8 +1,8 @@
 #include "host/report/TimeAxis.h"
 
-#include "host/MessageLimit.h"
-#include "host/tables/Readings.h"
-#include "host/tables/Table.h"
+#include "host/base/MessageLimit.h"
+#include "host/rows/Readings.h"
+#include "host/rows/Table.h"
 
 namespace kiv::host {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/tables/TimeStamp.h"
+#include "host/rows/TimeStamp.h"
 
 namespace kiv::host {
 

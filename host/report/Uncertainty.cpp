@@ -1,6 +1,6 @@
+#include "host/base/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
-#include "host/tables/Numbers.h"
 #include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {

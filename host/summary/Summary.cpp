@@ -6,8 +6,8 @@
 #include <ostream>
 #include <string>
 
-#include "host/MessageLimit.h"
-#include "host/tables/Numbers.h"
+#include "host/base/MessageLimit.h"
+#include "host/base/Numbers.h"
 
 namespace kiv::host {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "host/rows/RowResult.h"
 #include "host/summary/Quantile.h"
 #include "host/summary/Statistics.h"
-#include "host/tables/RowResult.h"
 
 namespace kiv::host {
 

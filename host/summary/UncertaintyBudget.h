@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "host/tables/RowResult.h"
+#include "host/rows/RowResult.h"
 
 namespace kiv::host {
 

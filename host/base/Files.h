@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <istream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/base/Cli.h"
+#include "host/base/Hashing.h"
+
+namespace kiv::host {
+
+// A text input or output by name, - standing for the tool's own stream.
+class Input {
+public:
+    // False, and a message, when the file cannot be opened. What is read goes into the hash, too.
+    bool open(const std::string& name, const Streams& streams, Sha256* hash = nullptr);
+    std::istream& stream() { return hashed ? *hashed : *chosen; }
+    const std::string& name() const { return shownName; }
+    std::uintmax_t size() const { return bytes; } // 0 where unknown
+
+private:
+    std::uintmax_t bytes = 0;
+    std::ifstream file;
+    std::istream* chosen = nullptr;
+    HashingBuffer buffer;
+    std::optional<std::istream> hashed;
+    std::string shownName;
+};
+
+// Collects text and writes it in blocks.
+class Output {
+public:
+    bool open(const std::string& name, const Streams& streams);
+
+    std::string& text() { return pending; }
+    // Writes what has come together once it makes a block, or at once when the next input may take
+    // time.
+    // False once something could not be written.
+    bool endRow(bool inputWouldWait);
+    // Writes what has come together, and a text behind it; false as above.
+    bool write(std::string_view block, bool inputWouldWait);
+    // False, and a message, when anything could not be written.
+    bool finish(std::ostream& err);
+
+private:
+    void writePending();
+
+    std::ofstream file;
+    std::ostream* chosen = nullptr;
+    std::string shownName;
+    std::string pending;
+};
+
+// A name as the tool takes and shows it is UTF-8 on Windows; a path's own conversion there takes
+// it for something else.
+std::filesystem::path pathOf(const std::string& name);
+
+// As messages show them.
+std::string shownInput(const std::string& name);
+std::string shownOutput(const std::string& name);
+
+// Whether two names of outputs mean one place, where a file is or will be, or standard output.
+bool sameFile(const std::string& one, const std::string& other);
+
+// Says that a file cannot be opened, and why.
+void reportUnopened(std::ostream& err, const std::string& name, const char* expected);
+
+// True, and a message, when the output names the same file on disk as one of the inputs.
+bool refuseOverwriting(const std::string& output, const std::vector<std::string>& inputs,
+                       std::ostream& err);
+
+} // namespace kiv::host

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <array>
+#include <streambuf>
+#include <string>
+#include <vector>
+
+#include "host/base/Sha256.h"
+#include "support/platform/ByteSource.h"
+
+namespace kiv::host {
+
+// Of a table, as its rows were read.
+struct TableFacts {
+    std::string name; // as messages show it
+    Sha256 digest;
+    bool readToEnd = false;
+};
+
+// What a run was made from.
+struct InputFacts {
+    std::string deviceOwner;
+    Sha256 parameterFile;
+    std::vector<TableFacts> readings;
+    Sha256 reference; // of a table that has it alone
+};
+
+// Passes on what is read of another buffer, and takes it into a digest. Waits no longer than that
+// buffer does.
+class HashingBuffer : public std::streambuf {
+public:
+    void open(std::streambuf& from, Sha256& into) {
+        source = &from;
+        hash = &into;
+    }
+
+protected:
+    int_type underflow() override;
+    std::streamsize showmanyc() override { return source->in_avail(); }
+
+private:
+    std::streambuf* source = nullptr;
+    Sha256* hash = nullptr;
+    std::array<char, 1 << 14> block;
+};
+
+class HashingSource : public ByteSource {
+public:
+    HashingSource(ByteSource& from, Sha256& into) : source(from), hash(into) {}
+
+    std::size_t read(char* buffer, std::size_t size) override;
+    bool failed() const override { return source.failed(); }
+    void readOn(); // to the end
+
+private:
+    ByteSource& source;
+    Sha256& hash;
+};
+
+} // namespace kiv::host

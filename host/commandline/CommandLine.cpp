@@ -1,0 +1,395 @@
+#include "host/commandline/CommandLine.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/base/Files.h"
+#include "host/base/Numbers.h"
+#include "host/commandline/HelpTexts.h"
+#include "host/rows/Readings.h"
+#include "params/Quoted.h"
+#include "support/EditDistance.h"
+#include "uncertainty/UncertaintyNames.h"
+
+namespace kiv::host {
+
+namespace {
+
+constexpr std::size_t mostJobs = 256;
+constexpr std::size_t mostRows = 1000000000000;
+
+// A file's name; of several, each.
+template <typename Names>
+CLI::Option* addFile(CLI::App& command, const char* name, Names& names) {
+    return command.add_option(name, names)->check([](const std::string& text) {
+        return text.empty() ? "expected a file name, found nothing" : "";
+    });
+}
+
+// The range check that comes with the parser lets pass what is not a number.
+CLI::Validator numberFrom(double least, double largest) {
+    const auto check = [=](const std::string& text) {
+        const auto number = numberIn<double>(text);
+        if (number && *number >= least && *number <= largest)
+            return std::string();
+        std::string message = "expected a number from ";
+        appendNumber(message, least);
+        if (std::isfinite(largest))
+            appendNumber(message.append(" to "), largest);
+        return message.append(", found ").append(text);
+    };
+    return {check, ""};
+}
+
+// A whole number. The parser's own reading takes one with a leading zero as octal.
+template <typename Number>
+CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number least,
+                      Number largest) {
+    const auto check = [=](const std::string& text) {
+        const auto number = numberIn<Number>(text);
+        if (number && *number >= least && *number <= largest)
+            return std::string();
+        return "expected a whole number from " + std::to_string(least) + " to "
+               + std::to_string(largest) + ", found " + text;
+    };
+    return command
+        .add_option_function<std::string>(
+            name, [&value](const std::string& text) { value = *numberIn<Number>(text); })
+        ->check(check);
+}
+
+// Of other names; empty where each column has one name. With time_s=time a column time has seconds
+// alone.
+std::string whyNotOneToOne(const TableFormat& format, std::span<const std::string_view> columns) {
+    const auto& names = format.otherNames;
+    for (const TableFormat::Name& name : names) {
+        const auto same = [&](const TableFormat::Name& other) { return other.ours == name.ours; };
+        if (std::count_if(names.begin(), names.end(), same) > 1)
+            return "expected each name once, found " + name.ours + " again";
+        for (const std::string_view column : columns) {
+            const bool seconds =
+                name.ours == timeColumn && column == timeStampColumn && name.theirs == column;
+            if (column != name.ours && format.nameOf(column) == name.theirs && !seconds)
+                return std::string("expected one name for the column ")
+                    .append(name.theirs)
+                    .append(", found ")
+                    .append(name.ours)
+                    .append(" and ")
+                    .append(column);
+        }
+    }
+    return "";
+}
+
+std::string shownText(const std::string& text) {
+    const bool blank = text.find_first_not_of(' ') == text.npos;
+    const bool control = std::any_of(text.begin(), text.end(), [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+    });
+    return blank || control
+               ? "expected a text without control characters, found " + kiv::quoted(text)
+               : "";
+}
+
+// As a shell takes it for one word.
+std::string wordText(const std::string& word) {
+    constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+                                  "-_./:\\=,+%@";
+    if (!word.empty() && word.find_first_not_of(plain) == word.npos)
+        return word;
+    std::string text = "'";
+    for (const char c : word)
+        text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return text += '\'';
+}
+
+} // namespace
+
+CommandLine::CommandLine() : app("", "kiv") {
+    app.formatter_fn([](const CLI::App* command, const std::string&, CLI::AppFormatMode) {
+        return std::string(helpText(command->get_name()));
+    });
+    app.set_version_flag("-V,--version", KIV_VERSION);
+    app.require_subcommand(1);
+    app.allow_windows_style_options(false); // a path may begin with a slash
+    addRun();
+    addReport();
+    addSimulate();
+    addHome();
+    addCheck();
+    addInfo();
+    addRewrite();
+    addVerify();
+    addHelp();
+}
+
+CLI::App& CommandLine::add(const char* name, std::function<int(const Streams&)> whenParsed) {
+    CLI::App* command = app.add_subcommand(name);
+    command->callback([this, whenParsed = std::move(whenParsed)] { action = whenParsed; });
+    return *command;
+}
+
+// Messages of each kind: a number, or all.
+void CommandLine::addMessages(CLI::App& command, TableFormat& format) {
+    command
+        .add_option_function<std::string>("--messages",
+                                          [&format](const std::string& text) {
+                                              format.mostMessages =
+                                                  numberIn<std::size_t>(text).value_or(SIZE_MAX);
+                                          })
+        ->check([](const std::string& text) {
+            return text == "all" || numberIn<std::size_t>(text)
+                       ? ""
+                       : "expected a whole number or all, found " + text;
+        });
+}
+
+// The columns are those that can have another name.
+void CommandLine::addTable(CLI::App& command, TableFormat& format,
+                           const std::vector<std::string_view>& columns) {
+    addMessages(command, format);
+    command.add_flag("--decimal-comma", format.decimalComma);
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--column",
+            [&format, columns](const std::vector<std::string>& pairs) {
+                for (const std::string& pair : pairs) {
+                    const std::size_t end = pair.find('=');
+                    format.otherNames.push_back({pair.substr(0, end), pair.substr(end + 1)});
+                }
+                if (const std::string fault = whyNotOneToOne(format, columns); !fault.empty())
+                    throw CLI::ValidationError("--column", fault);
+            })
+        ->allow_extra_args(false)
+        ->check([columns](const std::string& pair) {
+            const std::size_t end = pair.find('=');
+            if (end != pair.npos && end + 1 < pair.size()
+                && std::count(columns.begin(), columns.end(), pair.substr(0, end)) > 0)
+                return std::string();
+            std::string names;
+            for (const std::string_view column : columns)
+                names.append(names.empty() ? "" : ", ").append(column);
+            return "expected NAME=OTHER_NAME with one of the names " + names + ", found " + pair;
+        });
+}
+
+void CommandLine::addKeep(CLI::App& command, TableFormat& format) {
+    command
+        .add_option_function<std::string>(
+            "--keep", [&format](const std::string& kept) { format.keepAll = kept == "all"; })
+        ->check(CLI::IsMember({"others", "all"}));
+}
+
+// The readings' own option.
+void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
+    addFile(command, "parameter_file", options.parameterFile)->required();
+    addFile(command, "readings", options.readings)->required();
+    addFile(command, "-o,--output", options.output)->capture_default_str();
+    command
+        .add_option_function<std::string>(
+            "--frame",
+            [&options](const std::string& frame) { options.localFrame = frame == "local"; })
+        ->check(CLI::IsMember({"machine", "local"}));
+    std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
+    columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
+    columns.push_back(timeColumn);
+    columns.push_back(timeStampColumn);
+    addTable(command, options.format, columns);
+    addFile(command, "--summary", options.summary);
+    command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
+    command.add_flag("--strict", options.strict);
+    command.add_flag("-q,--quiet", options.quiet);
+    addCount<std::size_t>(command, "-j,--jobs", options.jobs, 1, mostJobs);
+    CLI::Option* line =
+        addCount<std::size_t>(command, "--reference-line", options.referenceLine, 2, mostRows);
+    addFile(command, "--reference", options.referenceFile)->excludes(line);
+}
+
+// Each as the noise of simulate.
+void CommandLine::addUncertainties(CLI::App& command, ReadingsOptions& options) {
+    CLI::Option* file = addFile(command, "--uncertainties", options.uncertaintyFile);
+    const auto uncertainty = [&](const char* name, std::initializer_list<Source> sources) {
+        command
+            .add_option_function<double>(
+                name,
+                [&options, all = std::vector<Source>(sources)](const double& value) {
+                    if (!options.uncertainties)
+                        options.uncertainties.emplace();
+                    for (const Source source : all)
+                        (*options.uncertainties)[source] = value;
+                })
+            ->excludes(file)
+            ->check(numberFrom(0, largestUncertainty));
+    };
+    uncertainty("--u-vector", {Source::vector1, Source::vector2, Source::vector3});
+    uncertainty("--u-encoder", {Source::azimuth, Source::elevation});
+    uncertainty("--u-level", {Source::levelX, Source::levelY});
+    uncertainty("--u-temperature", {Source::temperature});
+}
+
+void CommandLine::addRun() {
+    CLI::App& command = add("run", [this](const Streams& s) { return runReadings(run, s); });
+    addReadings(command, run);
+    addKeep(command, run.format);
+    command.add_flag("--stop-on-bad", run.stopOnBad);
+    addUncertainties(command, run);
+}
+
+void CommandLine::addReport() {
+    CLI::App& command =
+        add("report", [this](const Streams& s) { return reportReadings(report, s); });
+    addReadings(command, report);
+    addUncertainties(command, report);
+    command.add_option("--title", report.title)->check(shownText);
+    command.add_option("--length-unit", report.lengthUnit)->check(shownText);
+}
+
+void CommandLine::startedAs(int argc, const char* const* argv) {
+    report.commandLine = "kiv";
+    for (int i = 1; i < argc; ++i)
+        report.commandLine += ' ' + wordText(argv[i]);
+}
+
+void CommandLine::addSimulate() {
+    CLI::App& command =
+        add("simulate", [this](const Streams& s) { return simulateReadings(simulate, s); });
+    addFile(command, "parameter_file", simulate.parameterFile)->required();
+    addFile(command, "-o,--output", simulate.readings)->capture_default_str();
+    CLI::Option* poses = addFile(command, "--poses", simulate.poses);
+    command.add_option("--trajectory", simulate.trajectory)
+        ->excludes(poses)
+        ->check(CLI::IsMember({"still", "turn", "swing", "random"}))
+        ->capture_default_str();
+    command.add_option("--tilt", simulate.tilt)
+        ->excludes(poses)
+        ->check(numberFrom(0, 60))
+        ->capture_default_str();
+    addCount(command, "--rows", simulate.rows, 1L, 1000000000L)
+        ->excludes(poses)
+        ->default_str(std::to_string(simulate.rows));
+    command.add_option("--rate", simulate.rate)
+        ->check(numberFrom(1e-6, 1e9))
+        ->capture_default_str();
+    const auto deviation = [&](const char* name, double& value) {
+        command.add_option(name, value)
+            ->check(numberFrom(0, largestUncertainty))
+            ->capture_default_str();
+    };
+    deviation("--noise-vector", simulate.noise.vector);
+    deviation("--noise-encoder", simulate.noise.encoder);
+    deviation("--noise-level", simulate.noise.level);
+    command.add_option("--bad-share", simulate.badShare)
+        ->check(numberFrom(0, 1))
+        ->capture_default_str();
+    addCount<std::uint64_t>(command, "--seed", simulate.seed, 0, UINT64_MAX)
+        ->default_str(std::to_string(simulate.seed));
+    addMessages(command, simulate.posesFormat);
+}
+
+void CommandLine::addHome() {
+    CLI::App& command = add("home", [this](const Streams& s) { return solveHomeAngles(home, s); });
+    CLI::Option* table = addFile(command, "table", home.table);
+    addFile(command, "-o,--output", home.results)->needs(table)->capture_default_str();
+    const auto vectorOption = [&](const char* name, std::vector<double>& values, int count) {
+        command.add_option(name, values)
+            ->delimiter(',')
+            ->expected(count)
+            ->excludes(table)
+            ->check(CLI::Number);
+    };
+    vectorOption("--frame-x", home.frameX, 3);
+    vectorOption("--direction", home.direction, 3);
+    vectorOption("--angles", home.angles, 2);
+    vectorOption("--tilt", home.tilt, 2);
+    addTable(command, home.format, {homeColumns.begin(), homeColumns.end()});
+    addKeep(command, home.format);
+}
+
+void CommandLine::addCheck() {
+    CLI::App& command = add("check", [this](const Streams& s) { return checkFiles(check, s); });
+    addFile(command, "parameter_files", check.files)->required();
+    command.add_flag("--strict", check.strict);
+    command.add_flag("--json", check.json);
+}
+
+void CommandLine::addInfo() {
+    CLI::App& command = add("info", [this](const Streams& s) { return showFile(info, s); });
+    addFile(command, "parameter_file", info.file)->required();
+    command.add_flag("--json", info.json);
+}
+
+void CommandLine::addRewrite() {
+    CLI::App& command =
+        add("rewrite", [this](const Streams& s) { return rewriteFile(rewrite, s); });
+    addFile(command, "parameter_file", rewrite.file)->required();
+}
+
+void CommandLine::addVerify() {
+    CLI::App& command =
+        add("verify", [this](const Streams& s) { return verifyInstallation(verify, s); });
+    addFile(command, "-o,--output", verify.output)->capture_default_str();
+}
+
+void CommandLine::addHelp() {
+    CLI::App& command = add("help", [this](const Streams& s) {
+        s.out << helpText(helpOn) << '\n';
+        return allGood;
+    });
+    command.add_option("subcommand", helpOn)->check([this](const std::string& name) {
+        return isCommand(name) ? "" : whyNoCommand(name);
+    });
+}
+
+bool CommandLine::isCommand(const std::string& name) const {
+    return !app.get_subcommands(
+                   [&](const CLI::App* command) { return command->get_name() == name; })
+                .empty();
+}
+
+std::string CommandLine::whyNoCommand(const std::string& word) const {
+    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+    const auto nearest = *std::min_element(
+        commands.begin(), commands.end(), [&](const CLI::App* a, const CLI::App* b) {
+            return editDistance(a->get_name(), word) < editDistance(b->get_name(), word);
+        });
+    return "expected a subcommand, found " + kiv::quoted(word) + "; the nearest is "
+           + nearest->get_name();
+}
+
+namespace {
+
+int runCommand(int argc, const char* const* argv, const Streams& streams) {
+    CommandLine line;
+    if (argc < 2) {
+        streams.err << "kiv: expected a subcommand, found none; kiv --help lists them\n";
+        return unusable;
+    }
+    if (*argv[1] != '-' && !line.isCommand(argv[1])) {
+        streams.err << "kiv: " << line.whyNoCommand(argv[1]) << '\n';
+        return unusable;
+    }
+    line.startedAs(argc, argv);
+    try {
+        line.app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return line.app.exit(e, streams.out, streams.err) == 0 ? allGood : unusable;
+    }
+    return line.action(streams);
+}
+
+} // namespace
+
+// What a subcommand has left in standard output is written here.
+int runTool(int argc, const char* const* argv, const Streams& streams) {
+    const int code = runCommand(argc, argv, streams);
+    Output output;
+    output.open("-", streams);
+    return code == unusable || output.finish(streams.err) ? code : unusable;
+}
+
+} // namespace kiv::host

@@ -1,0 +1,65 @@
+#include "host/rows/Readings.h"
+
+#include <utility>
+
+namespace kiv::host {
+
+namespace {
+
+constexpr std::size_t at(Field field) {
+    return static_cast<std::size_t>(field);
+}
+
+} // namespace
+
+Reason readReadings(Table& table, KIV_RAWINFO& raw) {
+    if (!table.checkRow())
+        return Reason::rowShape;
+    raw = {};
+    bool good = table.readNumber(at(Field::status), raw.status);
+    const std::pair<Field, float&> numbers[] = {
+        {Field::x, raw.vector[0]},
+        {Field::y, raw.vector[1]},
+        {Field::z, raw.vector[2]},
+        {Field::azimuth, raw.azimuthRaw},
+        {Field::elevation, raw.elevationRaw},
+        {Field::levelX, raw.levelXRaw},
+        {Field::levelY, raw.levelYRaw},
+        {Field::temperature, raw.temperature},
+        {Field::refMetric, raw.refMetric},
+    };
+    for (const auto& [field, value] : numbers)
+        good = table.readNumber(at(field), value) && good;
+
+    const std::string_view blocked = table.text(at(Field::refBlocked));
+    raw.refBlocked = blocked == "1" || blocked == "true";
+    if (!raw.refBlocked && blocked != "0" && blocked != "false") {
+        table.report(at(Field::refBlocked), "0, 1, false or true in column ref_blocked",
+                     quoted(blocked));
+        good = false;
+    }
+    if (!good)
+        return Reason::notANumber;
+    if (raw.vector[0] == 0 && raw.vector[1] == 0 && raw.vector[2] == 0) {
+        table.report(at(Field::x), "a measured vector that is not zero", "0, 0, 0");
+        return Reason::zeroVector;
+    }
+    return Reason::none;
+}
+
+Truth::Truth(const Table& table, bool comparable) {
+    for (std::size_t i = 0; comparable && i < truthColumns.size(); ++i)
+        places[i] = table.find(truthColumns[i]);
+}
+
+std::optional<std::array<double, 3>> Truth::angles(const Table& table) const {
+    if (!comparable())
+        return std::nullopt;
+    std::array<double, 3> angles{};
+    for (std::size_t i = 0; i < places.size(); ++i)
+        if (!table.numberAt(*places[i], angles[i]))
+            return std::nullopt;
+    return angles;
+}
+
+} // namespace kiv::host

@@ -1,0 +1,112 @@
+#include "host/rows/Recording.h"
+
+#include <filesystem>
+#include <sstream>
+#include <unordered_map>
+
+#include "host/rows/Readings.h"
+#include "support/platform/File.h"
+
+namespace kiv::host {
+
+namespace {
+
+// A pipe or a device, which can be read only once.
+bool mayWait(const std::string& name) {
+    std::error_code ignored;
+    return name == "-" || std::filesystem::is_other(pathOf(name), ignored);
+}
+
+// False, and a message, when a file is there twice, under whatever name.
+bool eachOnce(const std::vector<std::string>& files, std::ostream& err) {
+    std::unordered_map<std::string, const std::string*> known; // by identity
+    for (const std::string& file : files) {
+        const std::string identity = mayWait(file) ? "" : platform::identityOf(file.c_str());
+        if (identity.empty())
+            continue;
+        const auto [there, isNew] = known.emplace(identity, &file);
+        if (isNew)
+            continue;
+        err << file << ":1:1: expected each table once, found " << *there->second << " again\n";
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+// One that is only looked at is opened again for its rows.
+bool Recording::openTable(std::size_t i, std::ostream& err, bool forRows) {
+    auto input = std::make_unique<TableInput>(readingColumns, format);
+    Sha256* const hash = facts && forRows ? &(*facts)[i].digest : nullptr;
+    if (!input->open(files[i], reserved, {streams.in, streams.out, err}, hash)
+        || (i > 0 && !input->hasColumnsOf(first(), err)))
+        return false;
+    tables[i] = std::move(input);
+    return true;
+}
+
+bool Recording::open(std::span<const std::string_view> results, std::vector<TableFacts>* ofAll) {
+    reserved = results;
+    tables.resize(files.size());
+    facts = ofAll;
+    if (facts)
+        for (const std::string& file : files)
+            facts->push_back({shownInput(file), {}});
+    if (!eachOnce(files, streams.err) || !openTable(0, streams.err, true))
+        return false;
+    bytes = first().size();
+    for (std::size_t i = 1; i < files.size(); ++i) {
+        if (mayWait(files[i])) {
+            bytes = 0;
+            continue;
+        }
+        if (!openTable(i, streams.err, false))
+            return false;
+        bytes += bytes > 0 ? tables[i]->size() : 0;
+        tables[i].reset();
+    }
+    return true;
+}
+
+std::string Recording::name() const {
+    return first().name()
+           + (hasSeveral() ? " and " + std::to_string(files.size() - 1) + " more" : "");
+}
+
+// False where there is a block to give instead.
+bool Recording::openInTurn(LineBlock& block) {
+    block.text.clear();
+    block.said.clear();
+    block.inputWouldWait = mayWait(files[current]) && !announced;
+    if (block.inputWouldWait) {
+        announced = true;
+        return false;
+    }
+    announced = false;
+    std::ostringstream err;
+    block.brokenOff = !openTable(current, err, true);
+    block.said = err.str();
+    return !block.brokenOff;
+}
+
+bool Recording::nextBlock(LineBlock& block) {
+    for (; current < files.size(); ++current) {
+        if (!tables[current] && !openInTurn(block)) {
+            current = block.brokenOff ? files.size() : current;
+            return true;
+        }
+        block.table = current;
+        if (tables[current]->nextBlock(block)) {
+            current = block.brokenOff ? files.size() : current;
+            return true;
+        }
+        if (facts)
+            (*facts)[current].readToEnd = true;
+        if (current > 0)
+            tables[current].reset();
+    }
+    return false;
+}
+
+} // namespace kiv::host

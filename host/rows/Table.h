@@ -1,0 +1,155 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "host/base/MessageLimit.h"
+#include "host/base/Numbers.h"
+#include "host/rows/Csv.h"
+#include "host/rows/LineBlocks.h"
+#include "host/rows/TableFormat.h"
+#include "params/Quoted.h"
+
+namespace kiv::host {
+
+// A table with a row of names: the columns that are asked for are found by name in any order, all
+// others are carried along as they stand. Everything that is wrong has a message with its place. A
+// copy takes other lines of the same table.
+class Table {
+public:
+    Table(std::span<const std::string_view> columnNames, const TableFormat& format);
+
+    // The lines of a block, which has to stay as it is.
+    void start(const LineBlock& block) {
+        name = &block.name;
+        csv.start(block.text, block.firstLine);
+    }
+
+    // False, and a message, when columns are missing, a name stands twice or is in reserved.
+    bool readHeader(std::span<const std::string_view> reserved);
+
+    // Of its row of names: false, and a message, when another table's names and separators are not
+    // the same in the same order.
+    bool hasColumnsOf(const Table& other, std::string_view otherName);
+
+    // False at the end of the block.
+    bool nextRow() {
+        said.clear();
+        return csv.nextRow();
+    }
+
+    // The row has a cell for each name and closes its quotes; else a message.
+    bool checkRow();
+
+    char separator() const { return csv.separator(); }
+    bool decimalComma() const { return format.decimalComma; }
+
+    // The text of the i-th column that was asked for, in a row that checkRow has passed.
+    std::string_view text(std::size_t i) const { return cellText(csv.cells()[columns[i]]); }
+
+    // False, and a message, when the cell is no finite number that the type holds.
+    template <typename Number>
+    bool readNumber(std::size_t i, Number& value);
+
+    // Where a carried column stands in a row's cells; the cell there is empty in a row too short.
+    std::optional<std::size_t> find(std::string_view columnName) const;
+    std::string_view cell(std::size_t place) const {
+        return place < csv.cells().size() ? cellText(csv.cells()[place]) : std::string_view{};
+    }
+
+    // False when such a cell is no finite number; nothing is reported.
+    bool numberAt(std::size_t place, double& value) const;
+
+    void appendCarriedNames(std::string& out) const; // each with a separator behind it
+    void appendCarriedCells(std::string& out) const;
+
+    // As the table's own numbers are printed.
+    void appendNumber(std::string& out, double value) const;
+
+    // At the i-th column that was asked for.
+    void report(std::size_t i, std::string_view expected, std::string_view found) {
+        reportAt(columns[i], expected, found);
+    }
+    // At the start of the row.
+    void reportRow(std::string_view expected, std::string_view found) {
+        reportAt(0, expected, found);
+    }
+
+    std::span<const Message> messages() const { return said; } // of the row
+
+    std::size_t lineNumber() const { return csv.lineNumber(); }
+    std::string_view rest() const { return csv.rest(); } // of the block, behind the row
+
+private:
+    void reportAt(std::size_t place, std::string_view expected, std::string_view found);
+    void chooseSeparator();
+    void reportHeader(std::span<const std::string_view> found,
+                      std::span<const std::string_view> missing);
+    template <typename Number>
+    std::optional<Number> numberOf(std::string_view text) const;
+    template <typename Number>
+    bool readPlainNumber(std::string_view cell, Number& value) const;
+    template <typename Number>
+    bool readOrReport(std::size_t i, Number& value);
+
+    CsvReader csv;
+    const std::string* name = nullptr;
+    const TableFormat& format;
+    std::vector<Message> said;
+    std::vector<std::string_view> wanted; // as the table names them
+    std::vector<std::size_t> columns;     // where each wanted column stands
+    std::vector<std::string> names;       // raw text of all
+    std::vector<std::size_t> carried;
+    // The same as runs of columns side by side: the first and the last of each.
+    std::vector<std::pair<std::size_t, std::size_t>> carriedRuns;
+};
+
+template <typename Number>
+std::optional<Number> Table::numberOf(std::string_view text) const {
+    if (!format.decimalComma)
+        return numberIn<Number>(text);
+    if (text.find('.') != text.npos)
+        return std::nullopt;
+    std::string withPoint(text);
+    std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+    return numberIn<Number>(withPoint);
+}
+
+// Most cells are digits alone: no blanks, quotes or plus.
+template <typename Number>
+bool Table::readPlainNumber(std::string_view cell, Number& value) const {
+    const char* const last = cell.data() + cell.size();
+    const auto [end, error] = std::from_chars(cell.data(), last, value);
+    return end == last && error == std::errc() && std::isfinite(static_cast<double>(value))
+           && !format.decimalComma;
+}
+
+template <typename Number>
+bool Table::readNumber(std::size_t i, Number& value) {
+    return readPlainNumber(csv.cells()[columns[i]], value) || readOrReport(i, value);
+}
+
+template <typename Number>
+bool Table::readOrReport(std::size_t i, Number& value) {
+    const std::optional<Number> number = numberOf<Number>(text(i));
+    if (number && std::isfinite(static_cast<double>(*number))) {
+        value = *number;
+        return true;
+    }
+    std::string expected = std::is_integral_v<Number> ? "a whole number" : "a finite number";
+    if (std::is_same_v<Number, float>)
+        expected += " within single precision";
+    if (format.decimalComma)
+        expected += " with a decimal comma";
+    report(i, expected.append(" in column ").append(wanted[i]), quoted(text(i)));
+    return false;
+}
+
+} // namespace kiv::host

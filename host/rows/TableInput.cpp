@@ -1,0 +1,81 @@
+#include "host/rows/TableInput.h"
+
+#include <ostream>
+
+#include "host/base/Interrupt.h"
+
+namespace kiv::host {
+
+// A file never waits, not even where it ends for now.
+bool TableInput::readBlock(LineBlock& next) {
+    const bool found = blocks->next(next);
+    next.inputWouldWait = next.inputWouldWait && input.size() == 0;
+    return found;
+}
+
+bool TableInput::open(const std::string& file, std::span<const std::string_view> reserved,
+                      const Streams& streams, Sha256* hash) {
+    if (!input.open(file, streams, hash))
+        return false;
+    blocks.emplace(input.stream(), input.name(), format.blockBytes);
+    bool found = true;
+    while (found && block.text.empty() && !block.brokenOff)
+        found = readBlock(block);
+    if (block.text.empty()) {
+        streams.err << name() << ":1:1: expected a row of column names, found "
+                    << (block.brokenOff ? "a file that cannot be read" : "end of file") << '\n';
+        return false;
+    }
+    rows.start(block);
+    ends = block.said;
+    if (rows.readHeader(reserved))
+        return true;
+    show(rows.messages(), streams.err);
+    return false;
+}
+
+bool TableInput::hasColumnsOf(const TableInput& first, std::ostream& err) {
+    if (rows.hasColumnsOf(first.rows, first.name()))
+        return true;
+    show(rows.messages(), err);
+    return false;
+}
+
+bool TableInput::nextRow() {
+    while (!rows.nextRow()) {
+        const Interrupt::Waiting waiting(block.inputWouldWait);
+        if (Interrupt::requested() || !readBlock(block))
+            return false;
+        rows.start(block);
+        ends += block.said;
+        broken = broken || block.brokenOff;
+    }
+    return true;
+}
+
+bool TableInput::reportEnd(std::ostream& err) const {
+    err << ends;
+    return !broken;
+}
+
+bool TableInput::finish(const MessageLimit& limit, Output& output, std::ostream& err) const {
+    limit.reportOthers(name());
+    const bool readAll = reportEnd(err);
+    return output.finish(err) && readAll;
+}
+
+bool TableInput::nextBlock(LineBlock& next) {
+    if (blockGiven)
+        return readBlock(next);
+    blockGiven = true;
+    const std::string_view rest = rows.rest();
+    next.text.assign(rest);
+    next.name = block.name;
+    next.firstLine = rows.lineNumber() + 1;
+    next.inputWouldWait = block.inputWouldWait;
+    next.brokenOff = block.brokenOff;
+    next.said = block.said;
+    return true;
+}
+
+} // namespace kiv::host

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "host/base/Files.h"
+#include "host/rows/LineBlocks.h"
+#include "host/rows/Table.h"
+
+namespace kiv::host {
+
+// A table in a file, or on the tool's own input.
+class TableInput {
+public:
+    TableInput(std::span<const std::string_view> columns, const TableFormat& asked)
+        : format(asked), rows(columns, asked) {}
+
+    // False, and messages, when the file cannot be read or its row of names is not as asked for.
+    bool open(const std::string& file, std::span<const std::string_view> reserved,
+              const Streams& streams, Sha256* hash = nullptr);
+
+    Table& table() { return rows; } // at its row of names, then where nextRow has taken it
+    const Table& table() const { return rows; }
+    const std::string& name() const { return input.name(); }
+    std::uintmax_t size() const { return input.size(); } // bytes, 0 where unknown
+
+    // The table row by row; false at its end.
+    bool nextRow();
+    bool wouldWait() const { return rows.rest().empty() && block.inputWouldWait; }
+    // Then: false, and a message, where reading broke off; a warning of a cut last row.
+    bool reportEnd(std::ostream& err) const;
+    // Ends such a run: false, and a message, when the table was not read to its end or the output
+    // not written; shows how many messages were too many.
+    bool finish(const MessageLimit& limit, Output& output, std::ostream& err) const;
+
+    // False, and a message, when the names are not the same in the same order.
+    bool hasColumnsOf(const TableInput& first, std::ostream& err);
+
+    // Or block by block, without the row of names; false at its end.
+    bool nextBlock(LineBlock& next);
+
+private:
+    bool readBlock(LineBlock& next);
+
+    const TableFormat& format;
+    Input input;
+    std::optional<LineBlockReader> blocks;
+    LineBlock block;
+    bool blockGiven = false;
+    bool broken = false;
+    std::string ends; // what was said of the end
+    Table rows;
+};
+
+} // namespace kiv::host

@@ -1,0 +1,101 @@
+#include "host/run/SummaryFile.h"
+
+#include <nlohmann/json.hpp>
+
+#include "KIVInterface/Version.h"
+#include "host/parameters/ParameterFile.h"
+#include "uncertainty/UncertaintyNames.h"
+
+namespace kiv::host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json figuresOf(const Statistics& statistics) {
+    const Statistics::Figures figures = statistics.figures();
+    if (figures.count == 0 || figures.allTheWayRound)
+        return {{"all_the_way_round", figures.allTheWayRound}};
+    return {{"all_the_way_round", false},
+            {"mean_deg", figures.mean},
+            {"deviation_deg", figures.deviation},
+            {"least_deg", figures.least},
+            {"largest_deg", figures.largest}};
+}
+
+Json residualOf(const Summary& summary, std::size_t angle) {
+    const Summary::Residual& residual = summary.residual(angle);
+    const Statistics::Figures figures = residual.statistics.figures();
+    const auto share = [&](const Summary::Coverage& coverage) {
+        const auto within = coverage.share(angle);
+        return within ? Json(*within) : Json();
+    };
+    return {{"mean_deg", figures.mean},
+            {"root_mean_square_deg", figures.rootMeanSquare},
+            {"quantile_95_deg", residual.magnitudes.at(0.95)},
+            {"largest_deg", residual.largest},
+            {"share_within_2u", share(summary.coverage())},
+            {"share_within_2u_of_good", share(summary.coverageOfGood())}};
+}
+
+// As --uncertainties takes them; those of 0 are left out.
+Json uncertaintiesOf(const std::optional<Uncertainties>& given, int mountMode) {
+    if (!given)
+        return {};
+    Json all = Json::object();
+    for (const UncertaintyName& name : uncertaintyNames) {
+        const Source source = *name.sources[0];
+        const bool other = ofVector(source) && name.bySight != given->bySight;
+        if (!other && reads(principleOf(mountMode), source) && (*given)[source] > 0)
+            all[name.text] = (*given)[source];
+    }
+    return all;
+}
+
+} // namespace
+
+std::string summaryText(const Summary& summary, const ReadingsOptions& options, int mountMode,
+                        const std::optional<Uncertainties>& uncertainties) {
+    Json states, reasons, trust, angles, residuals;
+    for (std::size_t i = 0; i < rowStateNames.size(); ++i)
+        states[rowStateNames[i]] = summary.count(static_cast<RowState>(i));
+    for (std::size_t i = 1; i < reasonWords.size(); ++i)
+        reasons[reasonWords[i].word] = summary.count(static_cast<Reason>(i));
+    for (std::size_t i = 0; i < trustWords.size(); ++i)
+        trust[trustWords[i]] = summary.count(static_cast<Trust>(i));
+    for (std::size_t i = 0; i < angleNames.size(); ++i) {
+        angles[angleNames[i]] = figuresOf(summary.angle(i));
+        residuals[angleNames[i]] = residualOf(summary, i);
+    }
+    const bool known = summary.referenceLine() > 0;
+    const Json all{
+        {"version", KIV_VERSION},
+        {"parameter_file", options.parameterFile},
+        {"sensor_id", parseParameterFileName(options.parameterFile)->id},
+        {"mount_mode", mountMode},
+        {"readings",
+         options.readings.size() > 1 ? Json(options.readings) : Json(options.readings[0])},
+        {"frame", options.inLocalFrame(mountMode) ? "local" : "machine"},
+        {"tolerance_deg", options.tolerance ? Json(*options.tolerance) : Json()},
+        {"strict", options.strict},
+        {"uncertainties", uncertaintiesOf(uncertainties, mountMode)},
+        {"rows", summary.rows()},
+        {"states", states},
+        {"reasons", reasons},
+        {"trust", trust},
+        {"rows_without_uncertainty", uncertainties ? Json(summary.withoutUncertainty()) : Json()},
+        {"reference_table", known
+                                ? Json(summary.referenceTable().empty() ? options.readings[0]
+                                                                        : summary.referenceTable())
+                                : Json()},
+        {"reference_line", known ? Json(summary.referenceLine()) : Json()},
+        {"reference_trust", known ? Json(wordOf(summary.referenceTrust())) : Json()},
+        {"angles", angles},
+        {"compared_rows", summary.compared()},
+        {"residuals", summary.compared() > 0 ? residuals : Json()},
+    };
+    // Names may hold bytes that are no UTF-8.
+    return all.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+} // namespace kiv::host

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "host/run/ReadingsOptions.h"
+#include "host/summary/Summary.h"
+
+namespace kiv::host {
+
+// The summary of a run as one JSON object: angles in degrees, what is not there null. The
+// uncertainties are those of the options or of their file.
+std::string summaryText(const Summary& summary, const ReadingsOptions& options, int mountMode,
+                        const std::optional<Uncertainties>& uncertainties);
+
+} // namespace kiv::host
