@@ -1,7 +1,7 @@
 # The C surface: a second shared library of the core's objects, exporting the functions of kiv.h alone.
 add_library(kiv_c_objects OBJECT
     src/c/Blocks.cpp
-    src/c/Judge.cpp
+    src/c/Uncertainty.cpp
     src/c/Parameters.cpp
     src/c/Sensor.cpp
     src/c/Settings.cpp

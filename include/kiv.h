@@ -179,6 +179,8 @@ int kiv_sensor_frame(const kiv_sensor* sensor, int32_t* frame);
  */
 int kiv_sensor_set_mount_mode(kiv_sensor* sensor, int32_t mode);
 int kiv_sensor_mount_mode(const kiv_sensor* sensor, int32_t* mode);
+/* Whether the mode gives a matrix, as 1 to 6 do; the others give the QVC vector. */
+int kiv_sensor_has_matrix(const kiv_sensor* sensor, bool* has);
 /* rows of angle and correction in degrees, 2 * rows floats; 0 rows take the correction away. */
 int kiv_sensor_set_azimuth_table(kiv_sensor* sensor, const float* table, size_t rows);
 int kiv_sensor_set_elevation_table(kiv_sensor* sensor, const float* table, size_t rows);

@@ -9,8 +9,7 @@
 #include <span>
 
 #include "host/run/ReadingsRun.h"
-#include "sensor/SensorAccess.h"
-#include "support/MountMode.h"
+#include "judged/RowResults.h"
 
 namespace kiv::host {
 
@@ -73,11 +72,8 @@ void appendResult(std::string& text, const RowResult& result, const ReadingsRun&
         }
     };
     const KIV_INFO& info = result.info;
-    const bool reached = result.state != RowState::refused;
-    const bool modelled = result.state == RowState::ok || result.state == RowState::reference
-                          || result.state == RowState::noReference;
-    const bool oriented = result.state == RowState::ok;
-    const bool threeVector = reportsOwnMatrix(run.mountMode());
+    const bool reached = hasCorrectedReadings(result.state);
+    const bool oriented = hasAngles(result.state);
 
     word(rowStateNames[static_cast<std::size_t>(result.state)]);
     *end++ = separator;
@@ -87,8 +83,8 @@ void appendResult(std::string& text, const RowResult& result, const ReadingsRun&
     const float angles[] = {info.rx, info.ry, info.rz};
     cells(corrected, 4, reached);
     cells(angles, 3, oriented);
-    cells(info.qvc, 3, modelled && threeVector);
-    cells(result.matrix, 9, oriented && !threeVector);
+    cells(info.qvc, 3, hasQvc(result.state, run.mountMode()));
+    cells(result.matrix, 9, hasMatrix(result.state, run.mountMode()));
     cells(&result.code, 1, reached);
     *end++ = separator;
     if (oriented)

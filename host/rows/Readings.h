@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "KIVInterface/Records.h"
-#include "host/rows/Reason.h"
+#include "judged/Reason.h"
 #include "host/rows/Table.h"
 
 namespace kiv::host {

@@ -2,26 +2,13 @@
 
 #include <optional>
 
-#include "KIVInterface/CKiv.h"
-#include "KIVInterface/Records.h"
 #include "host/rows/Readings.h"
-#include "sensor/RowState.h"
-#include "uncertainty/Propagation.h"
-#include "uncertainty/Trust.h"
+#include "judged/JudgedSensor.h"
 
 namespace kiv::host {
 
-struct RowResult {
-    RowState state = RowState::refused;
-    Reason reason = Reason::none; // for a state other than ok and reference
+struct RowResult : JudgedReading {
     KIV_RAWINFO raw{};
-    KIV_INFO info{};
-    double matrix[9] = {};
-    int code = 0; // of ReadMatrix
-    // In state ok.
-    RowTrust trust{};
-    bool hasUncertainty = false;
-    AngleUncertainty uncertainty{};
 };
 
 // Takes the rows of a table of readings through a sensor of its own. Copies go on from there.
@@ -35,15 +22,11 @@ public:
     void run(Table& table, RowResult& result);
 
     // From then on no row depends on those before it.
-    bool hasReference() const;
+    bool hasReference() const { return judged.hasReference(); }
 
 private:
-    void judge(RowResult& result);
-
-    CKiv sensor;
-    int mode;
-    TrustJudge trust;
-    std::optional<Propagation> propagation;
+    JudgedSensor judged;
+    JudgedSensor::Wanted wanted{.matrix = true, .state = true, .trust = true};
 };
 
 } // namespace kiv::host

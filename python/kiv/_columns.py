@@ -179,14 +179,14 @@ class Results:
     """The records of n results, and the columns over them; NaN where kiv run leaves a cell empty."""
 
     def __init__(
-        self, n: int, matrices: bool, trust: bool, uncertainties: bool, mode: int, local: bool
+        self, n: int, matrices: bool, trust: bool, uncertainties: bool, has_matrix: bool, local: bool
     ) -> None:
-        self._three_vectors = mode >= 7
+        self._has_matrix = has_matrix  # else the QVC vector
         self._states = np.empty(n, np.uint8)
         self._records = np.empty(n, RESULT)
         self._matrices = np.empty((n, 9)) if matrices else None
         self._trust = np.empty(n, TRUST) if trust else None
-        record = UNCERTAINTY[local and not self._three_vectors]
+        record = UNCERTAINTY[local and has_matrix]
         self._uncertainties = np.empty(n, record) if uncertainties else None
 
     def update(self, sensor: _library.Sensor, readings: Array, start: int) -> None:
@@ -204,12 +204,12 @@ class Results:
         for fields, empty in (
             (_corrected, others[became == State.REFUSED]),
             (_angles, others),
-            (_qvc, unmodelled if self._three_vectors else everywhere),
+            (_qvc, everywhere if self._has_matrix else unmodelled),
         ):
             for name in fields:
                 records[name][empty] = np.nan
         if matrices is not None:
-            matrices[everywhere if self._three_vectors else others] = np.nan
+            matrices[others if self._has_matrix else everywhere] = np.nan
         records["state"] = states
 
     def table(self, like: Any) -> Any:

@@ -104,6 +104,7 @@ _sensor_copy = _called("kiv_sensor_copy", _P, _P)
 _sensor_set_frame = _called("kiv_sensor_set_frame", _P, c_int)
 _sensor_frame = _called("kiv_sensor_frame", _P, _P)
 _sensor_mount_mode = _called("kiv_sensor_mount_mode", _P, _P)
+_sensor_has_matrix = _called("kiv_sensor_has_matrix", _P, _P)
 _sensor_set_uncertainty = _asked("kiv_sensor_set_uncertainty", _P, c_char_p, c_double)
 _sensor_judge_many = _called("kiv_sensor_judge_many", _P, _P, c_size_t, _P, _P, _P, _P, _P)
 _sensor_has_reference = _called("kiv_sensor_has_reference", _P, _P)
@@ -210,6 +211,9 @@ class Sensor(_Handle):
 
     def mount_mode(self) -> int:
         return self._number(_sensor_mount_mode, c_int32())
+
+    def has_matrix(self) -> bool:
+        return bool(self._number(_sensor_has_matrix, c_bool()))
 
     def has_reference(self) -> bool:
         return bool(self._number(_sensor_has_reference, c_bool()))

@@ -209,7 +209,7 @@ class Sensor:
             matrices,
             trust,
             self._uncertainties is not None,
-            self.mount_mode,
+            self._handle.has_matrix(),
             self.frame == "local",
         )
         part = np.zeros(min(given.count, _PART), _columns.READING)

@@ -1,18 +1,17 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/CKivPrm.h"
 #include "c/Boundary.h"
-#include "c/Judge.h"
+#include "judged/JudgedSensor.h"
 #include "params/Document.h"
 #include "params/Finding.h"
+#include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::c {
 
@@ -30,22 +29,19 @@ struct kiv_parameters {
 };
 
 struct kiv_sensor {
-    kiv_sensor() = default;
+    kiv_sensor(const CKiv& configured, const F_VECTOR4& levelLimits)
+        : judged(configured, levelLimits) {}
     kiv_sensor(const kiv_sensor& other)
         : kiv_sensor(other, std::lock_guard<std::mutex>(other.lock)) {}
     kiv_sensor& operator=(const kiv_sensor&) = delete;
 
     mutable std::mutex lock; // of all that follows
-    CKiv sensor;
-    std::int64_t given = 0; // readings so far
-    std::int64_t referenceIndex = -1;
-    KIV_RAWINFO reference{};
-    std::optional<kiv::c::Judge> judge; // since the sensor was configured
+    kiv::JudgedSensor judged;
+    kiv::NamedUncertainties uncertainties;
 
 private:
     kiv_sensor(const kiv_sensor& other, const std::lock_guard<std::mutex>&)
-        : sensor(other.sensor), given(other.given), referenceIndex(other.referenceIndex),
-          reference(other.reference), judge(other.judge) {}
+        : judged(other.judged), uncertainties(other.uncertainties) {}
 };
 
 namespace kiv::c {

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "c/Handles.h"
+#include "judged/RowResults.h"
 #include "sensor/SensorAccess.h"
 #include "support/ZelUtil.h"
 
@@ -13,18 +14,13 @@ namespace {
 // set gives a code, for the sensor itself.
 template <typename Set>
 int change(kiv_sensor* sensor, bool argumentsFit, Set set) {
-    return locked(sensor, argumentsFit, [&] {
-        const int code = set(sensor->sensor);
-        if (code == KIV_STATUS_OK)
-            sensor->judge->configure(sensor->sensor);
-        return code;
-    });
+    return locked(sensor, argumentsFit, [&] { return sensor->judged.set(set); });
 }
 
 template <typename Ask>
 int ask(const kiv_sensor* sensor, int32_t* out, Ask value) {
     return locked(sensor, out, [&] {
-        *out = value(sensor->sensor);
+        *out = value(sensor->judged.sensor());
         return KIV_STATUS_OK;
     });
 }
@@ -76,6 +72,13 @@ int kiv_sensor_set_mount_mode(kiv_sensor* sensor, int32_t mode) {
 
 int kiv_sensor_mount_mode(const kiv_sensor* sensor, int32_t* mode) {
     return ask(sensor, mode, SensorAccess::mountMode);
+}
+
+int kiv_sensor_has_matrix(const kiv_sensor* sensor, bool* has) {
+    return locked(sensor, has, [=] {
+        *has = givesMatrix(SensorAccess::mountMode(sensor->judged.sensor()));
+        return KIV_STATUS_OK;
+    });
 }
 
 int kiv_sensor_set_azimuth_table(kiv_sensor* sensor, const float* table, size_t rows) {

@@ -1,79 +1,88 @@
-#include "sensor/Update.h"
-
 #include <algorithm>
+#include <limits>
 
 #include "c/Handles.h"
 #include "c/Records.h"
-#include "sensor/RowState.h"
-#include "sensor/SensorAccess.h"
+#include "judged/RowResults.h"
 
 using namespace kiv;
 using namespace kiv::c;
-
-namespace {
-
-constexpr double identity[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 
 static_assert(KIV_STATE_OK == int(RowState::ok) && KIV_STATE_STATUS == int(RowState::status)
               && KIV_STATE_NO_REFERENCE == int(RowState::noReference)
               && KIV_STATE_REFERENCE == int(RowState::reference)
               && KIV_STATE_NO_ORIENTATION == int(RowState::noOrientation)
               && KIV_STATE_REFUSED == int(RowState::refused));
+static_assert(sizeof(kiv_trust) == 8 && sizeof(kiv_uncertainty) == 36);
+static_assert(KIV_TRUST_GOOD == int(Trust::good)
+              && KIV_TRUST_OUTSIDE_LIMITS == int(Trust::outsideLimits)
+              && KIV_TRUST_MIRROR_NEAR == int(Trust::mirrorNear)
+              && KIV_TRUST_SEAM == int(Trust::seam)
+              && KIV_TRUST_LEVELS_DISAGREE == int(Trust::levelsDisagree)
+              && KIV_TRUST_TWO_SIGNS == int(Trust::twoSigns)
+              && KIV_TRUST_NEAR_LEVEL_SIGHT == int(Trust::nearLevelSight)
+              && KIV_TRUST_ROLL_UNSEEN == int(Trust::rollUnseen)
+              && KIV_TRUST_NOT_SETTLED == int(Trust::notSettled)
+              && KIV_TRUST_REFERENCE == int(Trust::reference));
 
-// Where one reading's results go, those that are wanted.
-struct Places {
-    kiv_result* result;
-    double* matrix;
-    std::uint8_t* state;
+namespace {
+
+// Where there are no angles.
+constexpr float none = std::numeric_limits<float>::quiet_NaN();
+constexpr kiv_uncertainty noUncertainty{none, none, none, none, none, none, none, none, none};
+
+kiv_trust trustRecord(const JudgedReading& reading) {
+    if (!hasAngles(reading.state))
+        return {KIV_TRUST_NONE, none};
+    return {static_cast<std::int32_t>(reading.trust.trust),
+            static_cast<float>(reading.trust.modelError)};
+}
+
+kiv_uncertainty uncertaintyRecord(const AngleUncertainty& row) {
+    const auto& [u, correlation, contribution, rounding, reference] = row;
+    const auto single = [](double value) { return static_cast<float>(value); };
+    return {single(u[0]),           single(u[1]),           single(u[2]),
+            single(correlation[0]), single(correlation[1]), single(correlation[2]),
+            single(reference[0]),   single(reference[1]),   single(reference[2])};
+}
+
+// Where the results go, an element a reading; null for what is not wanted.
+struct Arrays {
+    kiv_result* results;
+    double* matrices;
+    std::uint8_t* states;
     kiv_trust* trust;
-    kiv_uncertainty* uncertainty;
+    kiv_uncertainty* uncertainties;
 
-    Places at(std::size_t i) const {
-        return {result + i, matrix ? matrix + 9 * i : nullptr, state ? state + i : nullptr,
-                trust ? trust + i : nullptr, uncertainty ? uncertainty + i : nullptr};
+    void set(std::size_t i, const JudgedReading& reading) const {
+        recordOf(results[i]) = reading.info;
+        if (matrices)
+            std::copy_n(reading.matrix, 9, matrices + 9 * i);
+        if (states)
+            states[i] = static_cast<std::uint8_t>(reading.state);
+        if (trust)
+            trust[i] = trustRecord(reading);
+        if (uncertainties)
+            uncertainties[i] =
+                reading.hasUncertainty ? uncertaintyRecord(reading.uncertainty) : noUncertainty;
     }
 };
 
-// One reading, of a locked sensor.
-void update(kiv_sensor& sensor, const KIV_RAWINFO& raw, const Places& out) {
-    KIV_INFO& info = recordOf(*out.result);
-    RowState became = RowState::refused;
-    if (isUsable(raw)) {
-        const UpdateOutcome outcome = SensorUpdate::runAlone(sensor.sensor, raw, info);
-        if (outcome == UpdateOutcome::reference) {
-            sensor.reference = raw;
-            sensor.referenceIndex = sensor.given;
-            sensor.judge->captured(sensor.sensor, raw, info);
+int judgeMany(kiv_sensor* sensor, const kiv_reading* readings, std::size_t count,
+              const Arrays& out) {
+    return locked(sensor, readings && out.results, [&] {
+        JudgedSensor& judged = sensor->judged;
+        JudgedSensor::Wanted wanted{.matrix = out.matrices != nullptr,
+                                    .state = out.states || out.trust || out.uncertainties,
+                                    .trust = out.trust != nullptr,
+                                    .uncertainty = out.uncertainties != nullptr};
+        if (wanted.uncertainty)
+            judged.prepareUncertainty();
+        JudgedReading reading;
+        for (std::size_t i = 0; i < count; ++i) {
+            judged.judge(recordOf(readings[i]), wanted, reading);
+            out.set(i, reading);
         }
-        if (out.matrix)
-            sensor.sensor.ReadMatrix(out.matrix);
-        if (out.state || out.trust || out.uncertainty)
-            became = stateAfter(sensor.sensor, outcome, info);
-    } else {
-        info = KIV_INFO{};
-        if (out.matrix)
-            std::copy_n(identity, 9, out.matrix);
-    }
-    if (out.state)
-        *out.state = static_cast<std::uint8_t>(became);
-    const bool oriented = became == RowState::ok;
-    if (out.trust)
-        *out.trust = oriented ? sensor.judge->trustIn(sensor.sensor, raw, info) : noTrust;
-    if (out.uncertainty)
-        *out.uncertainty =
-            oriented ? sensor.judge->uncertaintyOf(sensor.sensor, raw, info) : noUncertainty;
-    ++sensor.given;
-}
-
-int updateMany(kiv_sensor* sensor, const kiv_reading* readings, std::size_t count,
-               const Places& out) {
-    return locked(sensor, readings && out.result, [&] {
-        if (out.uncertainty)
-            sensor->judge->prepare(sensor->sensor, SensorAccess::hasReference(sensor->sensor)
-                                                       ? &sensor->reference
-                                                       : nullptr);
-        for (std::size_t i = 0; i < count; ++i)
-            update(*sensor, recordOf(readings[i]), out.at(i));
         return KIV_STATUS_OK;
     });
 }
@@ -85,26 +94,31 @@ const char* kiv_state_name(int state) {
     return index < rowStateNames.size() ? rowStateNames[index] : nullptr;
 }
 
+const char* kiv_trust_name(int trust) {
+    const auto index = static_cast<std::size_t>(trust);
+    return index < trustWords.size() ? trustWords[index] : nullptr;
+}
+
 int kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out) {
-    return updateMany(sensor, reading, 1, {out, nullptr, nullptr, nullptr, nullptr});
+    return judgeMany(sensor, reading, 1, {out, nullptr, nullptr, nullptr, nullptr});
 }
 
 int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
                            kiv_result* out, double* matrices, uint8_t* states) {
-    return updateMany(sensor, readings, count, {out, matrices, states, nullptr, nullptr});
+    return judgeMany(sensor, readings, count, {out, matrices, states, nullptr, nullptr});
 }
 
 int kiv_sensor_judge(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out,
                      kiv_trust* trust, kiv_uncertainty* uncertainty) {
-    return updateMany(sensor, reading, 1, {out, nullptr, nullptr, trust, uncertainty});
+    return judgeMany(sensor, reading, 1, {out, nullptr, nullptr, trust, uncertainty});
 }
 
 int kiv_sensor_judge_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
                           kiv_result* out, double* matrices, uint8_t* states, kiv_trust* trust,
                           kiv_uncertainty* uncertainties) {
-    return updateMany(sensor, readings, count, {out, matrices, states, trust, uncertainties});
+    return judgeMany(sensor, readings, count, {out, matrices, states, trust, uncertainties});
 }
 
 int kiv_sensor_matrix(kiv_sensor* sensor, double* m) {
-    return locked(sensor, m, [=] { return sensor->sensor.ReadMatrix(m); });
+    return locked(sensor, m, [=] { return sensor->judged.readMatrix(m); });
 }

@@ -1,4 +1,4 @@
-#include "sensor/RowState.h"
+#include "judged/RowState.h"
 
 #include "sensor/SensorAccess.h"
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-namespace kiv::host {
+namespace kiv {
 
 // Why a row has no angles.
 enum class Reason : unsigned char {
@@ -48,4 +48,4 @@ constexpr const ReasonWords& wordsOf(Reason reason) {
     return reasonWords[static_cast<std::size_t>(reason)];
 }
 
-} // namespace kiv::host
+} // namespace kiv

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "KIVInterface/CKiv.h"
+#include "KIVInterface/StatusCodes.h"
+#include "judged/Reason.h"
+#include "judged/RowState.h"
+#include "uncertainty/Propagation.h"
+#include "uncertainty/Trust.h"
+
+namespace kiv {
+
+// What became of one reading, and all that came of it. RowResults.h says which of it there is.
+struct JudgedReading {
+    RowState state = RowState::refused;
+    Reason reason = Reason::none; // for a state other than ok and reference
+    KIV_INFO info{};
+    double matrix[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+    int code = 0;     // of ReadMatrix
+    RowTrust trust{}; // in states ok and reference
+    bool hasUncertainty = false;
+    AngleUncertainty uncertainty{};
+};
+
+// A sensor that says of each reading whether it has angles, why not, and how far to trust them.
+class JudgedSensor {
+public:
+    // Limits as CKivPrm::GetKIVLevelLimits gives them, degrees.
+    JudgedSensor(const CKiv& configured, const F_VECTOR4& levelLimits)
+        : own(configured), trust(configured, levelLimits) {}
+
+    const CKiv& sensor() const { return own; }
+
+    // Runs a setter of the sensor, which gives a status code; what follows is judged by the
+    // setting.
+    template <typename Set>
+    int set(Set setter) {
+        const int code = setter(own);
+        if (code == KIV_OK) {
+            propagation.reset();
+            trust.configure(own);
+        }
+        return code;
+    }
+
+    // Standard uncertainties of readings and parameters; without any they are exactly known.
+    void setUncertainties(const Uncertainties& ofReadings);
+    // Makes ready for readings whose uncertainty is wanted; allocates the first time after a
+    // change.
+    void prepareUncertainty();
+
+    // Info and reference are there in any case, of the rest what is wanted. The state is wanted
+    // with trust or uncertainty.
+    struct Wanted {
+        bool matrix = false;
+        bool state = false;
+        bool trust = false;
+        bool uncertainty = false; // prepareUncertainty comes first
+    };
+    // The first reading that can becomes the reference. Allocates nothing.
+    void judge(const KIV_RAWINFO& raw, const Wanted& wanted, JudgedReading& out);
+
+    // CKiv::ReadMatrix, of the last reading that was not refused.
+    int readMatrix(double* m) { return own.ReadMatrix(m); }
+
+    // The reading that is the reference, and its place among all that were judged, from 0; -1 where
+    // it was captured.
+    bool hasReference() const;
+    const KIV_RAWINFO& referenceReading() const { return reference; }
+    std::int64_t referenceIndex() const { return indexOfReference; }
+
+    // Makes a reading the reference, in place of one that is there; nothing else changes. False for
+    // one that an update would not make the reference.
+    bool captureReference(const KIV_RAWINFO& raw);
+
+private:
+    Reason reasonOf(const KIV_RAWINFO& raw, UpdateOutcome outcome, RowState state) const;
+    void captured(const CKiv& by, const KIV_RAWINFO& raw, std::int64_t index);
+
+    CKiv own;
+    TrustJudge trust;
+    Uncertainties uncertainties;
+    std::optional<Propagation> propagation; // of the sensor as it is, once it is prepared
+    KIV_RAWINFO reference{};
+    std::int64_t indexOfReference = -1;
+    std::int64_t given = 0; // readings so far
+};
+
+} // namespace kiv
