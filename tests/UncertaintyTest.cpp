@@ -1,4 +1,4 @@
-// How far a row can be trusted: what docs/programs/TrustTrials.cpp does not try.
+// How far a row can be trusted: what tests/proofs/TrustTrials.cpp does not try.
 
 #include <array>
 #include <cmath>

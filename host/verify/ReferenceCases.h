@@ -6,7 +6,7 @@
 #include <vector>
 
 // The reference cases that the tool carries: readings of a sensor in every mount mode with what a
-// second computation outside of the library, host/verify/make-cases, made of them.
+// second computation outside of the library, tests/verify/make-cases, made of them.
 namespace kiv::host {
 
 // What is compared.

@@ -4,13 +4,11 @@ import os
 import signal
 import sys
 
-import pytest
+import distributed
 
 import kiv
 from tool import EXAMPLE, ROOT, kiv_tool, same_bits, table
 
-distributed = pytest.importorskip("distributed")
-pytest.importorskip("pandas")
 sys.path.insert(0, str(ROOT / "examples"))
 
 

@@ -3,6 +3,7 @@
 import json
 
 import numpy as np
+import pandas
 import pytest
 
 import kiv
@@ -56,7 +57,7 @@ def structured(given):
 
 
 def frame(given):
-    return pytest.importorskip("pandas").DataFrame(given, index=range(100, 100 + len(given["x"])))
+    return pandas.DataFrame(given, index=range(100, 100 + len(given["x"])))
 
 
 @pytest.mark.parametrize("matrices, trust, uncertain", [(True, True, UNCERTAIN), (False, False, None)])
@@ -154,7 +155,6 @@ def test_what_is_no_table(readings):
 
 
 def test_pandas_own_types():
-    pandas = pytest.importorskip("pandas")
     given = frame(columns())
     given["status"] = pandas.array([2, 2, 2, 2, 2, None], "Int64")
     given["ref_blocked"] = pandas.array([False] * 5 + [None], "boolean")

@@ -1,4 +1,4 @@
-#include "docs/programs/PageTables.h"
+#include "tests/proofs/PageTables.h"
 
 #include <algorithm>
 #include <cmath>

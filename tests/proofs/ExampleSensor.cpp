@@ -1,4 +1,4 @@
-#include "docs/programs/ExampleSensor.h"
+#include "tests/proofs/ExampleSensor.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-#include "docs/programs/PageTables.h"
-#include "docs/programs/PoseErrors.h"
+#include "tests/proofs/PageTables.h"
+#include "tests/proofs/PoseErrors.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
-#include "docs/programs/TrustTrials.h"
+#include "tests/proofs/TrustTrials.h"
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
 #include <stdexcept>
 
-#include "docs/programs/ExampleSensor.h"
 #include "host/summary/Statistics.h"
 #include "simulator/Noise.h"
+#include "tests/proofs/ExampleSensor.h"
 #include "uncertainty/Propagation.h"
 #include "uncertainty/Trust.h"
 

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "docs/programs/PoseErrors.h"
 #include "simulator/Noise.h"
+#include "tests/proofs/PoseErrors.h"
 
 // Long simulations that try what the library says of its own results: the bounds and the
 // uncertainties of src/uncertainty/. All go the whole way of a host, in machine coordinates, with

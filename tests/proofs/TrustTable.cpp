@@ -15,9 +15,9 @@
 #include <string_view>
 #include <vector>
 
-#include "docs/programs/PageTables.h"
-#include "docs/programs/TrustTrials.h"
 #include "host/base/Numbers.h"
+#include "tests/proofs/PageTables.h"
+#include "tests/proofs/TrustTrials.h"
 
 namespace {
 

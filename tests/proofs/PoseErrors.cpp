@@ -1,13 +1,13 @@
-#include "docs/programs/PoseErrors.h"
+#include "tests/proofs/PoseErrors.h"
 
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
 
-#include "docs/programs/ExampleSensor.h"
 #include "simulator/TypicalMounting.h"
 #include "support/ZelUtil.h"
 #include "tests/ModelCases.h"
+#include "tests/proofs/ExampleSensor.h"
 
 namespace kiv::docs {
 
