@@ -8,7 +8,6 @@
 
 #include "host/base/Files.h"
 #include "host/base/Numbers.h"
-#include "host/verify/ReferenceCases.h"
 
 namespace kiv::host {
 
@@ -68,11 +67,12 @@ void appendCheck(std::string& text, const ModelCheck& check) {
 
 } // namespace
 
-int verifyInstallation(const VerifyOptions& options, const Streams& streams) {
+int verifyInstallation(const VerifyOptions& options, const Streams& streams,
+                       const ReferenceData& data) {
     Output output;
     if (!output.open(options.output, streams))
         return unusable;
-    const std::vector<ModelCheck> checks = checkModels();
+    const std::vector<ModelCheck> checks = checkModels(data);
     const bool good =
         checks.size() == models
         && std::all_of(checks.begin(), checks.end(), [](const ModelCheck& c) { return c.good(); });

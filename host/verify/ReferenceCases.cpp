@@ -9,7 +9,6 @@
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/ConfigureSensor.h"
-#include "host/base/Embedded.h"
 #include "host/rows/Readings.h"
 #include "params/Parser.h"
 #include "params/RecordLoading.h"
@@ -121,10 +120,10 @@ bool ModelCheck::good() const {
                       [](const Difference& d, double allowed) { return d.size <= allowed; });
 }
 
-std::vector<ModelCheck> checkModels() {
-    TextSource text(embedded::verifyParameters());
+std::vector<ModelCheck> checkModels(const ReferenceData& data) {
+    TextSource text(data.parameters);
     ParsedFile parsed = parseParameterFile(text, sensorId);
-    const LineBlock cases{.text = std::string(embedded::verifyCases()), .name = "reference cases"};
+    const LineBlock cases{.text = std::string(data.cases), .name = "reference cases"};
     const auto columns = columnsOfCases();
     const TableFormat format;
     Table table(columns, format);

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/base/Embedded.h"
+
 // The reference cases that the tool carries: readings of a sensor in every mount mode with what a
 // second computation outside of the library, tests/verify/make-cases, made of them.
 namespace kiv::host {
@@ -35,7 +37,13 @@ struct ModelCheck {
     bool good() const;
 };
 
+// What the tool carries; the tests put a changed digit in its place.
+struct ReferenceData {
+    std::string_view parameters = embedded::verifyParameters();
+    std::string_view cases = embedded::verifyCases();
+};
+
 // Takes all cases through the library, as a run takes readings. Nothing where they cannot be read.
-std::vector<ModelCheck> checkModels();
+std::vector<ModelCheck> checkModels(const ReferenceData& data);
 
 } // namespace kiv::host
