@@ -32,7 +32,7 @@ constexpr double rotationTolerance = 1e-12; // per entry of transpose(M) M, and 
 struct Law {
     int mode;
     const char* name;
-    double poseError; // degrees, at tilts to 5 degrees, as docs/accuracy.md states it
+    double poseError; // degrees, at tilts to 5 degrees, as docs/accuracy-tables.md states it
     std::vector<int> unreadFactors;
     bool readsParity;
     bool readsLevelX;

@@ -48,7 +48,7 @@ void transverseVector(const MeasuredPoint& p, double beta, const AngleBetween& c
     // length l, the horizontal distance m from the point; d is that intersection's distance from
     // the origin. Where z and beta agree in sign it lies behind the point, else ahead of it.
     // At z = 0 both lengths vanish, and t with them. Close to it rounding decides:
-    // docs/accuracy.md.
+    // docs/geometry.md.
     if (p.z == 0) {
         t[0] = t[1] = t[2] = 0;
         return;

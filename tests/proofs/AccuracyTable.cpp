@@ -1,4 +1,4 @@
-// The measured error of each orientation model, as the tables of docs/accuracy.md.
+// The measured error of each orientation model, as tables of docs/accuracy-tables.md.
 //   kiv_accuracy                 prints the tables
 //   kiv_accuracy --check PAGE    compares them with a page's; exit code 1 where they differ
 

@@ -7,7 +7,7 @@
 // Markdown tables on a page of the documentation.
 namespace kiv::docs {
 
-// The section of docs/accuracy.md whose tables are another program's than the others.
+// The section of docs/accuracy-tables.md whose tables are another program's than the others.
 inline const std::string trustSection = "## Trust and uncertainty";
 
 // The lines of every table of a page's section, given by its heading, or of all others.
