@@ -1,178 +1,99 @@
-// kiv run, less its updates, against the conversions of its numbers alone.
+// kiv run, less its updates with trust (SensorBench.cpp), against the conversions of its numbers
+// alone.
 
 #include <charconv>
 #include <fstream>
-#include <iostream>
 #include <sstream>
-#include <stdexcept>
-#include <utility>
 
-#include "bench/Benchmark.h"
+#include "bench/Cases.h"
+#include "host/base/Cli.h"
 #include "host/base/Numbers.h"
-#include "host/commands/Run.h"
-#include "host/commands/Simulate.h"
+#include "kiv.h"
 #include "support/MountMode.h"
-#include "uncertainty/Trust.h"
 
 namespace kiv::bench {
 
 namespace {
 
-constexpr long rowCount = 20000;
+constexpr std::size_t rowCount = 20 * caseCount;
 
-// Simulated readings of a mode, as a file beside the sensor's parameter file.
-struct ReadingsFile {
-    explicit ReadingsFile(int mode) : path(parameterFile(mode) + ".readings.csv") {
-        host::SimulateOptions options;
-        options.parameterFile = parameterFile(mode);
-        options.readings = path;
-        options.rows = rowCount;
-        std::ostringstream messages;
-        if (host::simulateReadings(options, {std::cin, messages, messages}) != host::allGood)
-            throw std::runtime_error(messages.str());
+using Cells = std::vector<std::string>;
+
+// Readings behind the status.
+Cells cellsOf(const KIV_RAWINFO& raw) {
+    Cells cells;
+    for (const float value :
+         {raw.vector[0], raw.vector[1], raw.vector[2], raw.azimuthRaw, raw.elevationRaw,
+          raw.levelXRaw, raw.levelYRaw, raw.temperature, raw.refMetric}) {
+        char text[32];
+        cells.emplace_back(text, std::to_chars(text, std::end(text), value).ptr);
     }
-
-    std::string path;
-};
+    return cells;
+}
 
 void run(benchmark::State& state, int mode) {
-    const ReadingsFile readings(mode);
-    host::RunOptions options;
-    options.parameterFile = parameterFile(mode);
-    options.readings = {readings.path};
-    options.jobs = 1;
-    options.output = "/dev/null";
-    options.quiet = true;
-    std::ostringstream messages;
+    const std::string parameters = parameterFile(mode), readings = parameters + ".readings.csv";
+    {
+        std::ofstream file(readings, std::ios::binary);
+        file << "status,x,y,z,azimuth_deg,elevation_deg,level_x,level_y,temperature,ref_metric,ref_"
+                "blocked\n";
+        for (std::size_t i = 0; i < rowCount; ++i) {
+            file << '2';
+            for (const std::string& cell : cellsOf(casesOf(mode).readings[i % caseCount]))
+                file << ',' << cell;
+            file << ",0\n";
+        }
+    }
+    const char* const command[] = {
+        "kiv", "run", "-q", "-j", "1", parameters.c_str(), readings.c_str(), "-o", "/dev/null"};
+    std::istringstream in;
+    std::ostringstream out;
     for (auto _ : state)
-        if (host::runReadings(options, {std::cin, messages, messages}) != host::allGood)
-            state.SkipWithError(messages.str().c_str());
+        if (host::runTool(static_cast<int>(std::size(command)), command, {in, out, out})
+            != host::allGood)
+            state.SkipWithError(out.str().c_str());
     countItems(state, rowCount);
 }
 
-using Cells = std::vector<std::string_view>;
-
-// The rows of such a file, cut into cells.
-struct Rows {
-    explicit Rows(int mode) : lines(static_cast<std::size_t>(rowCount)) {
-        std::ifstream file(ReadingsFile(mode).path, std::ios::binary);
-        std::string header;
-        std::getline(file, header);
-        for (std::string& line : lines) {
-            std::getline(file, line);
-            Cells cells;
-            for (std::string_view rest = line;;) {
-                const std::size_t comma = rest.find(',');
-                cells.push_back(rest.substr(0, comma));
-                if (comma == rest.npos)
-                    break;
-                rest.remove_prefix(comma + 1);
-            }
-            all.push_back(cells);
-        }
-    }
-
-    std::vector<std::string> lines;
-    std::vector<Cells> all;
-};
-
-template <typename Number>
-Number number(std::string_view cell) {
-    return *host::numberIn<Number>(cell);
-}
-
-// From the cells behind the time stamp.
-KIV_RAWINFO readingsIn(const Cells& cells) {
-    KIV_RAWINFO raw{};
-    raw.status = number<int>(cells[1]);
-    float* const fields[] = {&raw.vector[0],  &raw.vector[1],    &raw.vector[2],
-                             &raw.azimuthRaw, &raw.elevationRaw, &raw.levelXRaw,
-                             &raw.levelYRaw,  &raw.temperature,  &raw.refMetric};
-    for (std::size_t i = 0; i < std::size(fields); ++i)
-        *fields[i] = number<float>(cells[2 + i]);
-    return raw;
-}
-
-struct Results {
-    KIV_INFO info{};
-    double matrix[9] = {};
-    int code = 0;
-    RowTrust trust{};
-};
-
-class Updates {
-public:
-    explicit Updates(int mode) : sensor(casesOf(mode).sensor) {}
-
-    void run(const KIV_RAWINFO& raw, Results& results) {
-        sensor.updateKIVData(raw, results.info);
-        results.trust = trust.judge(sensor, raw, results.info, false);
-        results.code = sensor.ReadMatrix(results.matrix);
-    }
-
-private:
-    CKiv& sensor;
-    TrustJudge trust{sensor, {-9, 9, -9, 9}};
-};
-
-// A row's updates alone.
-void update(benchmark::State& state, int mode) {
-    const Rows rows(mode);
-    std::vector<KIV_RAWINFO> readings;
-    for (const Cells& cells : rows.all)
-        readings.push_back(readingsIn(cells));
-    Updates updates(mode);
-    Results results;
-    for (auto _ : state)
-        for (const KIV_RAWINFO& raw : readings) {
-            updates.run(raw, results);
-            benchmark::DoNotOptimize(std::as_const(results));
-        }
-    countItems(state, rowCount);
-}
-
-// A row's conversions of numbers alone, true angles included.
 void numbers(benchmark::State& state, int mode) {
-    const Rows rows(mode);
-    const bool threeVector = reportsOwnMatrix(mode);
-    Updates updates(mode);
-    std::vector<Results> results(rows.all.size());
-    for (std::size_t i = 0; i < results.size(); ++i)
-        updates.run(readingsIn(rows.all[i]), results[i]);
-    char text[1024];
-    for (auto _ : state)
-        for (std::size_t i = 0; i < results.size(); ++i) {
-            const KIV_RAWINFO raw = readingsIn(rows.all[i]);
-            benchmark::DoNotOptimize(raw);
-            for (std::size_t truth = 12; truth < 15; ++truth)
-                benchmark::DoNotOptimize(number<double>(rows.all[i][truth]));
-            const KIV_INFO& info = results[i].info;
-            char* end = text;
-            const auto append = [&](auto value) {
-                end = std::to_chars(end, std::end(text), value).ptr;
-            };
-            for (const float value : {info.azimuth, info.elevation, info.levelX, info.levelY,
-                                      info.rx, info.ry, info.rz})
+    SensorCases& cases = casesOf(mode);
+    std::vector<Cells> rows;
+    std::vector<KIV_INFO> results(caseCount);
+    std::vector<std::array<double, 9>> matrices(caseCount);
+    for (std::size_t i = 0; i < caseCount; ++i) {
+        rows.push_back(cellsOf(cases.readings[i]));
+        cases.sensor.updateKIVData(cases.readings[i], results[i]);
+        cases.sensor.ReadMatrix(matrices[i].data());
+    }
+    forEachCase(state, [&](std::size_t i) {
+        for (const std::string& cell : rows[i])
+            benchmark::DoNotOptimize(host::numberIn<float>(cell));
+        char text[1024];
+        char* end = text;
+        const auto append = [&](auto value) {
+            end = std::to_chars(end, std::end(text), value).ptr;
+        };
+        const KIV_INFO& info = results[i];
+        for (const float value :
+             {info.azimuth, info.elevation, info.levelX, info.levelY, info.rx, info.ry, info.rz,
+              1e-6F * info.rx}) // as long as the model's error
+            append(value);
+        if (reportsOwnMatrix(mode))
+            for (const float value : info.qvc)
                 append(value);
-            if (threeVector)
-                for (const float value : info.qvc)
-                    append(value);
-            else
-                for (const double value : results[i].matrix)
-                    append(value);
-            append(results[i].code);
-            append(static_cast<float>(results[i].trust.modelError));
-            benchmark::DoNotOptimize(end);
-        }
-    countItems(state, rowCount);
+        else
+            for (const double value : matrices[i])
+                append(value);
+        benchmark::DoNotOptimize(text);
+        return end;
+    });
 }
 
 [[maybe_unused]] const bool registered = [] {
     for (int mode = 2; mode <= 10; mode += 2) {
-        const std::string name = "run_row/mode_" + std::to_string(mode);
-        benchmark::RegisterBenchmark((name + "/library").c_str(), run, mode);
-        benchmark::RegisterBenchmark((name + "/update").c_str(), update, mode);
-        benchmark::RegisterBenchmark((name + "/numbers").c_str(), numbers, mode);
+        const std::string name = "kiv run, a row in mode " + std::to_string(mode);
+        add(name + "|library", [=](benchmark::State& s) { run(s, mode); });
+        add(name + "|its numbers alone", [=](benchmark::State& s) { numbers(s, mode); });
     }
     return true;
 }();

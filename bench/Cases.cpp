@@ -1,4 +1,4 @@
-#include "bench/SensorCases.h"
+#include "bench/Cases.h"
 
 #include <map>
 #include <stdexcept>

@@ -6,11 +6,15 @@
 #include <string>
 #include <vector>
 
+#include <benchmark/benchmark.h>
+
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/CKivModel.h"
 #include "KIVInterface/Records.h"
 #include "simulator/Mounting.h"
 
+// Names of benchmarks are operation|whose: library, or the peer or limit that it is compared with;
+// what is less goes off the library's cost first. The items of each are what it does once.
 namespace kiv::bench {
 
 // Every benchmark runs through this many different cases and begins again.
@@ -32,5 +36,23 @@ struct SensorCases {
 };
 
 SensorCases& casesOf(int mode);
+
+inline void countItems(benchmark::State& state, std::size_t perIteration) {
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(perIteration));
+}
+
+// Times f(0) to f(cases - 1), again and again; what f returns counts as used.
+template <typename Function>
+void forEachCase(benchmark::State& state, Function f, std::size_t cases = caseCount) {
+    for (auto _ : state)
+        for (std::size_t i = 0; i < cases; ++i)
+            benchmark::DoNotOptimize(f(i));
+    countItems(state, cases);
+}
+
+template <typename Function>
+benchmark::internal::Benchmark* add(const std::string& name, Function f) {
+    return benchmark::RegisterBenchmark(name.c_str(), f);
+}
 
 } // namespace kiv::bench
