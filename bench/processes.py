@@ -41,7 +41,8 @@ def peak_memory(*command):
     """MB. A process starts with the peak of the one that it comes from: that has to be a small one."""
     from_here = ("import os, resource, sys; os.spawnvp(os.P_WAIT, sys.argv[1], sys.argv[1:]); "
                  "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)")
-    return int(subprocess.check_output([sys.executable, "-S", "-c", from_here, *command])) / 1024
+    said = subprocess.check_output([sys.executable, "-S", "-c", from_here, *command], stderr=subprocess.DEVNULL)
+    return int(said) / 1024
 
 
 def in_turn(passes, **calls):
