@@ -3,29 +3,25 @@
 # vectorizing of neighbouring statements leaves out the rounding of a double to single precision that is
 # widened again at once (OrientationAngles.cpp).
 function(kiv_compile_options target)
-    if(MSVC)
-        target_compile_options(${target} PRIVATE /W4 /fp:precise)
-        if(KIV_WARNINGS_AS_ERRORS)
-            target_compile_options(${target} PRIVATE /WX)
-        endif()
-    else()
-        target_compile_options(${target} PRIVATE
-            -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
-            -ffp-contract=off -fno-math-errno)
-        if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-            target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize)
-        endif()
-        if(KIV_WARNINGS_AS_ERRORS)
-            target_compile_options(${target} PRIVATE -Werror)
-        endif()
-        kiv_harden(${target})
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+        -ffp-contract=off -fno-math-errno)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize)
     endif()
+    kiv_harden(${target})
 endfunction()
+
+if(KIV_SANITIZE)
+    list(JOIN KIV_SANITIZE "," sanitizers)
+    add_compile_options(-fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${sanitizers})
+endif()
 
 # Checked buffers, stack and jump targets, and addresses that are read-only once bound. The checks of
 # buffers need optimisation and hide from the sanitizers what those would find: release builds alone.
 include(CheckCXXCompilerFlag)
-if(NOT WIN32 AND NOT MSVC)
+if(NOT WIN32)
     check_cxx_compiler_flag(-fcf-protection=full KIV_HAS_CF_PROTECTION)
 endif()
 function(kiv_harden target)
