@@ -11,7 +11,7 @@
 
 #include "bench/Cases.h"
 #include "kiv.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv::bench {
 

@@ -9,7 +9,7 @@
 #include "host/base/Cli.h"
 #include "host/base/Numbers.h"
 #include "kiv.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv::bench {
 

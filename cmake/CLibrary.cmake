@@ -1,4 +1,4 @@
-# The C surface: a second shared library of the core's objects, exporting the functions of kiv.h alone.
+# The C surface: a second shared library over the same sources, exporting the functions of kiv.h alone.
 add_library(kiv_c_objects OBJECT
     src/c/Blocks.cpp
     src/c/Uncertainty.cpp
@@ -7,7 +7,7 @@ add_library(kiv_c_objects OBJECT
     src/c/Settings.cpp
     src/c/Status.cpp
     src/c/Update.cpp)
-target_link_libraries(kiv_c_objects PUBLIC kiv_core)
+target_link_libraries(kiv_c_objects PUBLIC kiv_judging)
 kiv_compile_options(kiv_c_objects)
 
 add_library(kiv_c SHARED $<TARGET_OBJECTS:kiv_c_objects>)
@@ -18,9 +18,10 @@ if(MINGW)
         COMMAND ${CMAKE_OBJCOPY} --remove-section=.drectve $<TARGET_FILE:kiv_core> ${kiv_core_plain}
         DEPENDS kiv_core VERBATIM)
     target_sources(kiv_c PRIVATE ${kiv_core_plain})
-    target_link_libraries(kiv_c PRIVATE ${kiv_core_plain})
+    target_link_libraries(kiv_c PRIVATE $<TARGET_FILE:kiv_judging> ${kiv_core_plain})
+    add_dependencies(kiv_c kiv_judging)
 else()
-    target_sources(kiv_c PRIVATE $<TARGET_OBJECTS:kiv_core>)
+    target_link_libraries(kiv_c PRIVATE kiv_judging)
 endif()
 add_library(KIVInterface::kiv ALIAS kiv_c)
 target_include_directories(kiv_c
@@ -50,6 +51,6 @@ else()
     set_target_properties(kiv_c PROPERTIES LINK_DEPENDS ${kiv_exports})
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT KIV_SANITIZE)
         # Its run-time library is inside, so that it meets none of the host's.
-        target_link_options(kiv_c PRIVATE -static-libstdc++ -static-libgcc -Wl,--gc-sections -Wl,-z,defs)
+        target_link_options(kiv_c PRIVATE -static-libstdc++ -static-libgcc -Wl,-z,defs)
     endif()
 endif()

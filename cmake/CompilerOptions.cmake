@@ -4,10 +4,15 @@
 # widened again at once (OrientationAngles.cpp).
 function(kiv_compile_options target)
     target_compile_options(${target} PRIVATE
-        -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+        -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Werror=switch
         -ffp-contract=off -fno-math-errno)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize)
+    endif()
+    if(NOT WIN32)
+        # What a library cannot reach is not in it.
+        target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
+        target_link_options(${target} PRIVATE -Wl,--gc-sections)
     endif()
     kiv_harden(${target})
 endfunction()

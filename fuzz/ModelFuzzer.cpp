@@ -8,7 +8,7 @@
 #include "fuzz/ModelInput.h"
 #include "fuzz/Require.h"
 #include "sensor/Update.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "tests/ModelCases.h"
 #include "tests/PreparedSensor.h"
 

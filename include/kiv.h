@@ -234,13 +234,13 @@ int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size
 enum {
     KIV_TRUST_NONE = -1,            /* there are no angles */
     KIV_TRUST_GOOD = 0,             /* none of what follows */
-    KIV_TRUST_OUTSIDE_LIMITS = 1,   /* a tilt outside its table or the parameters' limits */
-    KIV_TRUST_MIRROR_NEAR = 2,      /* the mirrored solution is within the limits, too */
-    KIV_TRUST_SEAM = 3,             /* two levels, with angles from both sides of 180 degrees */
-    KIV_TRUST_LEVELS_DISAGREE = 4,  /* the two levels show different rolls */
-    KIV_TRUST_TWO_SIGNS = 5,        /* dual level: z and level y differ in sign */
+    KIV_TRUST_OUTSIDE_LIMITS = 1,   /* a tilt is outside its table or the file's level limits */
+    KIV_TRUST_MIRROR_NEAR = 2,      /* a second, mirrored pose fits and is within the limits, too */
+    KIV_TRUST_SEAM = 3,             /* the two levels' angles lie on both sides of 180 degrees */
+    KIV_TRUST_LEVELS_DISAGREE = 4,  /* the two levels show turns that differ by over 0.1 degrees */
+    KIV_TRUST_TWO_SIGNS = 5,        /* dual level: z and level Y differ in sign */
     KIV_TRUST_NEAR_LEVEL_SIGHT = 6, /* pendulum: z is so close to 0 that digits cancel */
-    KIV_TRUST_ROLL_UNSEEN = 7,      /* the roll about the line of sight hardly shows in the level */
+    KIV_TRUST_ROLL_UNSEEN = 7,      /* the level hardly shows the turn about the line of sight */
     KIV_TRUST_NOT_SETTLED = 8,      /* the result does not show its level's reading again */
     KIV_TRUST_REFERENCE = 9         /* local frame: the reference was not good */
 };

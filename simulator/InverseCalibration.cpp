@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "KIVInterface/CKivPrm.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::simulator {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simulator/Pose.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 class CKivPrm;
 
@@ -21,11 +21,8 @@ struct Mounting {
 
 Mounting mountingOf(const CKivPrm& record);
 
-// The odd modes of the principles with a start vector take the sensor to hang upside down.
 inline bool invertedIn(int mode) {
-    const Principle principle = principleOf(mode);
-    return (principle == Principle::threeVectors || principle == Principle::twoLevels)
-           && parityOf(mode) == 1;
+    return traitsOf(principleOf(mode)).startVector && parityOf(mode) == 1;
 }
 
 // Corrected readings, degrees. A level that the principle does not have reads 0.

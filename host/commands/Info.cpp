@@ -9,7 +9,7 @@
 #include "host/base/Numbers.h"
 #include "host/parameters/Findings.h"
 #include "params/BlockNames.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv::host {
 

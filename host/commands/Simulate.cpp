@@ -13,7 +13,7 @@
 #include "simulator/InverseCalibration.h"
 #include "simulator/Mounting.h"
 #include "simulator/Random.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::host {

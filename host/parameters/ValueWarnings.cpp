@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "host/base/Numbers.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "support/ZelUtil.h"
 
 namespace kiv::host {
@@ -259,7 +259,8 @@ std::optional<int> ValueCheck::mountMode() const {
 
 bool ValueCheck::limitsCount() const {
     const std::optional<int> mode = mountMode();
-    return layout->block != Block::tiltXCalibration || !mode || !leavesTiltXUnlimited(*mode);
+    return layout->block != Block::tiltXCalibration || !mode
+           || !traitsOf(principleOf(*mode)).tiltXUnlimited;
 }
 
 void ValueCheck::warn(std::size_t number, std::string expected, std::string found) {

@@ -4,7 +4,7 @@
 #include "host/base/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv::host {
 

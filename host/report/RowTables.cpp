@@ -14,18 +14,6 @@ constexpr std::array<const char*, rowStateNames.size()> stateMeanings{
     "the model has no orientation for the readings",
     "the readings are no use"};
 
-constexpr std::array<const char*, trustWords.size()> trustMeanings{
-    "",
-    "a tilt is outside its calibration table or the level limits",
-    "a second pose, on the other side, fits the readings within the limits",
-    "the two levels' angles lie on both sides of 180 degrees",
-    "the two levels show different turns about the line of sight",
-    "z and level Y differ in sign",
-    "z is too close to 0",
-    "the level hardly shows the turn about the line of sight",
-    "the result does not show its level's reading again",
-    "the reference was not good"};
-
 // How many of the rows with angles are good, and how many are not for which reason.
 void appendTrust(std::string& html, const Summary& summary) {
     if (summary.allTrusted()) {
@@ -36,9 +24,9 @@ void appendTrust(std::string& html, const Summary& summary) {
         const std::size_t n = summary.count(static_cast<Trust>(i));
         if (n == 0)
             continue;
-        html.append("<br>").append(countText(n)).append(" ").append(code(trustWords[i]));
-        if (*trustMeanings[i])
-            html.append(": ").append(trustMeanings[i]);
+        html.append("<br>").append(countText(n)).append(" ").append(code(trustWords[i].word));
+        if (static_cast<Trust>(i) != Trust::good)
+            html.append(": ").append(trustWords[i].meaning);
         if (static_cast<Trust>(i) == Trust::reference)
             html.append(", ").append(code(wordOf(summary.referenceTrust())));
     }

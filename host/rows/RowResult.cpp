@@ -3,7 +3,7 @@
 #include <string>
 
 #include "sensor/SensorAccess.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv::host {
 

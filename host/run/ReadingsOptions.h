@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/rows/TableFormat.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "uncertainty/Uncertainties.h"
 
 namespace kiv::host {

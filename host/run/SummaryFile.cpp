@@ -62,7 +62,7 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
     for (std::size_t i = 1; i < reasonWords.size(); ++i)
         reasons[reasonWords[i].word] = summary.count(static_cast<Reason>(i));
     for (std::size_t i = 0; i < trustWords.size(); ++i)
-        trust[trustWords[i]] = summary.count(static_cast<Trust>(i));
+        trust[trustWords[i].word] = summary.count(static_cast<Trust>(i));
     for (std::size_t i = 0; i < angleNames.size(); ++i) {
         angles[angleNames[i]] = figuresOf(summary.angle(i));
         residuals[angleNames[i]] = residualOf(summary, i);

@@ -109,7 +109,7 @@ void Summary::printCounts(std::ostream& out) const {
     if (!allTrusted())
         list("trust: ", trusts, 0, [this](std::size_t i) {
             const bool ofReference = static_cast<Trust>(i) == Trust::reference;
-            return std::string(trustWords[i])
+            return std::string(trustWords[i].word)
                    + (ofReference ? std::string(" (") + wordOf(trustOfReference) + ')' : "");
         });
     if (reference > 0 && count(RowState::reference) == 0)

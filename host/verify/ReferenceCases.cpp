@@ -13,7 +13,7 @@
 #include "params/Parser.h"
 #include "params/RecordLoading.h"
 #include "sensor/SensorAccess.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "support/platform/ByteSource.h"
 
 namespace kiv::host {

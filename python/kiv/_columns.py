@@ -81,13 +81,13 @@ class Trust(enum.IntEnum):
 
     NONE = -1  # there are no angles
     GOOD = 0  # none of what follows
-    OUTSIDE_LIMITS = 1  # a tilt outside its table or the parameters' limits
-    MIRROR_NEAR = 2  # the mirrored solution is within the limits, too
-    SEAM = 3  # two levels, with angles from both sides of 180 degrees
-    LEVELS_DISAGREE = 4  # the two levels show different rolls
-    TWO_SIGNS = 5  # dual level: z and level y differ in sign
+    OUTSIDE_LIMITS = 1  # a tilt is outside its table or the file's level limits
+    MIRROR_NEAR = 2  # a second, mirrored pose fits and is within the limits, too
+    SEAM = 3  # the two levels' angles lie on both sides of 180 degrees
+    LEVELS_DISAGREE = 4  # the two levels show turns that differ by over 0.1 degrees
+    TWO_SIGNS = 5  # dual level: z and level Y differ in sign
     NEAR_LEVEL_SIGHT = 6  # pendulum: z is so close to 0 that digits cancel
-    ROLL_UNSEEN = 7  # the roll about the line of sight hardly shows in the level
+    ROLL_UNSEEN = 7  # the level hardly shows the turn about the line of sight
     NOT_SETTLED = 8  # the result does not show its level's reading again
     REFERENCE = 9  # local frame: the reference was not good
 

@@ -96,7 +96,7 @@ const char* kiv_state_name(int state) {
 
 const char* kiv_trust_name(int trust) {
     const auto index = static_cast<std::size_t>(trust);
-    return index < trustWords.size() ? trustWords[index] : nullptr;
+    return index < trustWords.size() ? trustWords[index].word : nullptr;
 }
 
 int kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out) {

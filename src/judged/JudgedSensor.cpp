@@ -5,7 +5,7 @@
 #include "judged/RowResults.h"
 #include "sensor/SensorAccess.h"
 #include "sensor/Update.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "judged/RowState.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 // Which results a reading has, by what became of it and by the sensor's mount mode.
 namespace kiv {

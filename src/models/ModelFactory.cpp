@@ -1,7 +1,8 @@
 #include "models/ModelFactory.h"
 
-#include <type_traits>
+#include <tuple>
 #include <typeinfo>
+#include <utility>
 
 #include "KIVInterface/CKivDualLevel.h"
 #include "KIVInterface/CKivPendulum.h"
@@ -13,54 +14,54 @@ namespace kiv {
 
 namespace {
 
-std::unique_ptr<CKivModel> modelOf(Principle principle) {
-    switch (principle) {
-    case Principle::dualLevel:
-        return std::make_unique<CKivDualLevel>();
-    case Principle::polarizer:
-        return std::make_unique<CKivPolarizer>();
-    case Principle::threeVectors:
-        return std::make_unique<CKivThreeVec>();
-    case Principle::twoLevels:
-        return std::make_unique<CKivThreeVec2Level>();
-    case Principle::pendulum:
-        break;
-    }
-    return std::make_unique<CKivPendulum>();
-}
+// In the order of the table of principles.
+using Models =
+    std::tuple<CKivDualLevel, CKivPendulum, CKivPolarizer, CKivThreeVec, CKivThreeVec2Level>;
+static_assert(std::tuple_size_v<Models> == principles.size());
 
-// The models have no virtual operation for a copy.
-template <typename... Models>
-std::unique_ptr<CKivModel> copyAsOneOf(const CKivModel& model) {
-    std::unique_ptr<CKivModel> copy;
-    const auto copyIf = [&]<typename Model>(std::type_identity<Model>) {
-        if (typeid(model) == typeid(Model))
-            copy = std::make_unique<Model>(static_cast<const Model&>(model));
-    };
-    (copyIf(std::type_identity<Models>{}), ...);
-    return copy;
+// Calls use<Model>(principle) for each model until one gives true.
+template <typename Use>
+bool anyModel(Use use) {
+    return [&]<std::size_t... i>(std::index_sequence<i...>) {
+        return (use.template operator()<std::tuple_element_t<i, Models>>(principles[i].principle)
+                || ...);
+    }
+    (std::make_index_sequence<principles.size()>());
 }
 
 } // namespace
 
 std::unique_ptr<CKivModel> createModel(int mountMode) {
-    std::unique_ptr<CKivModel> model = modelOf(principleOf(mountMode));
+    std::unique_ptr<CKivModel> model;
+    anyModel([&]<typename Model>(Principle principle) {
+        if (principle == principleOf(mountMode))
+            model = std::make_unique<Model>();
+        return model != nullptr;
+    });
     model->set_iMMode(parityOf(mountMode));
     return model;
 }
 
 Principle principleOf(const CKivModel& model) {
-    const std::type_info& type = typeid(model);
-    return type == typeid(CKivDualLevel)        ? Principle::dualLevel
-           : type == typeid(CKivPolarizer)      ? Principle::polarizer
-           : type == typeid(CKivThreeVec)       ? Principle::threeVectors
-           : type == typeid(CKivThreeVec2Level) ? Principle::twoLevels
-                                                : Principle::pendulum;
+    Principle found = Principle::pendulum;
+    anyModel([&]<typename Model>(Principle principle) {
+        const bool isIt = typeid(model) == typeid(Model);
+        if (isIt)
+            found = principle;
+        return isIt;
+    });
+    return found;
 }
 
+// The models have no virtual operation for a copy.
 std::unique_ptr<CKivModel> copyOf(const CKivModel& model) {
-    return copyAsOneOf<CKivDualLevel, CKivPendulum, CKivPolarizer, CKivThreeVec,
-                       CKivThreeVec2Level>(model);
+    std::unique_ptr<CKivModel> copy;
+    anyModel([&]<typename Model>(Principle) {
+        if (typeid(model) == typeid(Model))
+            copy = std::make_unique<Model>(static_cast<const Model&>(model));
+        return copy != nullptr;
+    });
+    return copy;
 }
 
 } // namespace kiv

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "KIVInterface/CKivModel.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv {
 
@@ -13,7 +13,8 @@ std::unique_ptr<CKivModel> createModel(int mountMode);
 // By the model's class: a later mount mode of the sensor does not change it.
 Principle principleOf(const CKivModel& model);
 
-// What a model computes with.
+// What a model computes with. A sensor's own copies may be newer: a setter's values reach the model
+// with the next mount mode alone, and the class keeps them protected for the models' sake.
 struct ModelAccess : private CKivModel {
     static int parityOf(const CKivModel& m) { return m.*(&ModelAccess::iMMode); }
     static const float* factorsOf(const CKivModel& m) { return m.*(&ModelAccess::scaleFactors); }

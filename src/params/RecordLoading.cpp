@@ -6,7 +6,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "params/Parser.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "support/ZelUtil.h"
 
 namespace kiv {
@@ -118,7 +118,7 @@ void RecordLoading::store(CKivPrm& record, const ParsedFile& parsed) {
     if (parsed.outcome.code != KIV_OK)
         return;
     record.loaded = true;
-    const bool xUnlimited = leavesTiltXUnlimited(record.mountMode);
+    const bool xUnlimited = traitsOf(principleOf(record.mountMode)).tiltXUnlimited;
     const auto& limitsX = document.find(Block::tiltXCalibration)->trailing;
     const auto& limitsY = document.find(Block::tiltYCalibration)->trailing;
     record.levelLimits[0] = xUnlimited ? 0.0F : limitsX[0];

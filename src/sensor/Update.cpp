@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "sensor/OrientationAngles.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "support/ZelUtil.h"
 
 namespace kiv {

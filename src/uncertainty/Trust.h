@@ -4,30 +4,44 @@
 #include <cstddef>
 
 #include "KIVInterface/CKiv.h"
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv {
 
 // Why a row of results is not to be trusted like others: the first of these that holds.
 enum class Trust : unsigned char {
     good,
-    outsideLimits,  // a tilt outside its calibration table or the record's limits
-    mirrorNear,     // the mirrored solution is within the limits, too
-    seam,           // the mean of two levels' angles from both sides of 180 degrees
-    levelsDisagree, // two levels show different rolls
-    twoSigns,       // dual level: z and level Y differ in sign
-    nearLevelSight, // pendulum: z is so close to 0 that digits cancel
-    rollUnseen,     // the turn about the line of sight hardly shows in the level
-    notSettled,     // the result does not show its level's reading again
-    reference,      // local frame: the reference was not good
+    outsideLimits,
+    mirrorNear,
+    seam,
+    levelsDisagree,
+    twoSigns,
+    nearLevelSight,
+    rollUnseen,
+    notSettled,
+    reference,
 };
 
-inline constexpr std::array<const char*, 10> trustWords{
-    "good",      "outside_limits",   "mirror_near", "seam",        "levels_disagree",
-    "two_signs", "near_level_sight", "roll_unseen", "not_settled", "reference"};
+struct TrustWords {
+    const char* word;    // in columns and counts
+    const char* meaning; // in the same words on every page and in every header
+};
+
+inline constexpr std::array<TrustWords, 10> trustWords{{
+    {"good", "none of what follows"},
+    {"outside_limits", "a tilt is outside its table or the file's level limits"},
+    {"mirror_near", "a second, mirrored pose fits and is within the limits, too"},
+    {"seam", "the two levels' angles lie on both sides of 180 degrees"},
+    {"levels_disagree", "the two levels show turns that differ by over 0.1 degrees"},
+    {"two_signs", "dual level: z and level Y differ in sign"},
+    {"near_level_sight", "pendulum: z is so close to 0 that digits cancel"},
+    {"roll_unseen", "the level hardly shows the turn about the line of sight"},
+    {"not_settled", "the result does not show its level's reading again"},
+    {"reference", "local frame: the reference was not good"},
+}};
 
 constexpr const char* wordOf(Trust trust) {
-    return trustWords[static_cast<std::size_t>(trust)];
+    return trustWords[static_cast<std::size_t>(trust)].word;
 }
 
 struct RowTrust {

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "support/MountMode.h"
+#include "support/Principles.h"
 
 namespace kiv {
 
@@ -44,8 +44,8 @@ struct Uncertainties {
 
 // Whether a model's angles depend on it.
 constexpr bool reads(Principle principle, Source source) {
-    return (source != Source::levelX && source != Source::tiltOffsetX)
-           || principle == Principle::dualLevel || principle == Principle::twoLevels;
+    const bool ofLevelX = source == Source::levelX || source == Source::tiltOffsetX;
+    return !ofLevelX || traitsOf(principle).levelX;
 }
 
 } // namespace kiv

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "support/MountMode.h"
+#include "support/Principles.h"
 #include "uncertainty/Uncertainties.h"
 
 namespace kiv {
