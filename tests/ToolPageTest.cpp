@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <regex>
 #include <set>
@@ -12,7 +13,9 @@
 
 #include "host/commandline/CommandLine.h"
 #include "host/commandline/HelpTexts.h"
+#include "host/rows/ResultColumns.h"
 #include "tests/ToolRunner.h"
+#include "uncertainty/Trust.h"
 
 namespace {
 
@@ -96,19 +99,63 @@ TEST(ToolPage, NamesEverySubcommandAndOption) {
     }
 }
 
-TEST(ToolPage, NamesEveryColumn) {
+// A text in one line, with single blanks.
+std::string flat(const std::string& text) {
+    return std::regex_replace(text, std::regex("\\s+"), " ");
+}
+
+std::string flatFile(const std::string& path) {
+    std::ifstream file(path);
+    return flat({std::istreambuf_iterator<char>(file), {}});
+}
+
+TEST(ToolPage, NamesEveryColumnOfReadings) {
+    const std::string readings =
+        test::tool({"simulate", KIV_EXAMPLES "/Tg5.prm", "--rows", "2"}).out;
     const auto sections = sectionsOfPage();
-    const std::string example = KIV_EXAMPLES "/Tg5.prm";
-    const std::string readings = test::tool({"simulate", example, "--rows", "2"}).out;
-    const std::string results = test::tool({"run", example, "-"}, readings).out;
     const std::string page = sections.at("simulate").text + sections.at("run").text;
+    std::istringstream names(test::lines(readings).at(0));
     std::size_t columns = 0;
-    for (const std::string& table : {readings, results}) {
-        std::istringstream names(test::lines(table).at(0));
-        for (std::string name; std::getline(names, name, ','); ++columns)
-            EXPECT_NE(page.find('`' + name + '`'), std::string::npos) << name;
+    for (std::string name; std::getline(names, name, ','); ++columns)
+        EXPECT_NE(page.find('`' + name + '`'), std::string::npos) << name;
+    EXPECT_EQ(columns, 15U);
+}
+
+TEST(ToolPage, SaysOfEveryColumnOfResultsWhatItsTableSays) {
+    const std::string page = flat(sectionsOfPage().at("run").text);
+    for (std::size_t i = 0; i < resultColumns.size();) {
+        std::string entry = "- `";
+        const ResultColumn& first = resultColumns[i];
+        do
+            entry.append(entry == "- `" ? "" : "`, `").append(resultColumns[i].name);
+        while (++i < resultColumns.size() && resultColumns[i].sentence.empty());
+        entry.append("`: ").append(first.sentence);
+        const std::size_t at = page.find(entry);
+        ASSERT_NE(at, std::string::npos) << entry;
+        const std::string whole = page.substr(at, page.find(" - `", at + 1) - at);
+        EXPECT_NE(whole.find(first.unit), std::string::npos) << entry;
+        EXPECT_EQ(first.unit == "degrees", first.name.ends_with("_deg")) << entry;
     }
-    EXPECT_EQ(columns, 15U + 28U);
+}
+
+TEST(ToolPage, SaysOfEveryTrustWhatHeaderAndPythonSay) {
+    const std::string page = flat(sectionsOfPage().at("run").text);
+    const std::string header = flatFile(KIV_DOCS "/../include/kiv.h");
+    const std::string python = flatFile(KIV_DOCS "/../python/kiv/_columns.py");
+    for (std::size_t i = 0; i < trustWords.size(); ++i) {
+        const auto& [word, meaning] = trustWords[i];
+        std::string name = word;
+        std::transform(name.begin(), name.end(), name.begin(),
+                       [](char c) { return static_cast<char>(std::toupper(c)); });
+        const std::string number = name + " = " + std::to_string(i);
+        const std::regex inHeader("KIV_TRUST_" + number + ",? /\\* " + meaning + " \\*/");
+        EXPECT_TRUE(std::regex_search(header, inHeader)) << number;
+        EXPECT_NE(python.find(number + " # " + meaning), std::string::npos) << number;
+        if (i > 0) {
+            EXPECT_NE(page.find(std::string("`") + word + "`, " + meaning), std::string::npos)
+                << number;
+        }
+    }
 }
 
 } // namespace

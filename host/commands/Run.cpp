@@ -8,6 +8,7 @@
 #include <ostream>
 #include <span>
 
+#include "host/rows/ResultColumns.h"
 #include "host/run/ReadingsRun.h"
 #include "judged/RowResults.h"
 
@@ -15,43 +16,16 @@ namespace kiv::host {
 
 namespace {
 
-// Behind the carried columns. Angles are degrees; m<row><column> is the result matrix, code that of
-// ReadMatrix. The last six are there where they are asked for: uncertainties, and in the local
-// frame those of the reference.
-constexpr std::array<std::string_view, 30> resultColumns{"state",
-                                                         "reason",
-                                                         "azimuth_corrected_deg",
-                                                         "elevation_corrected_deg",
-                                                         "level_x_corrected_deg",
-                                                         "level_y_corrected_deg",
-                                                         "rx_deg",
-                                                         "ry_deg",
-                                                         "rz_deg",
-                                                         "qvc_x",
-                                                         "qvc_y",
-                                                         "qvc_z",
-                                                         "m00",
-                                                         "m01",
-                                                         "m02",
-                                                         "m10",
-                                                         "m11",
-                                                         "m12",
-                                                         "m20",
-                                                         "m21",
-                                                         "m22",
-                                                         "code",
-                                                         "trust",
-                                                         "model_error_deg",
-                                                         "u_rx_deg",
-                                                         "u_ry_deg",
-                                                         "u_rz_deg",
-                                                         "u_reference_rx_deg",
-                                                         "u_reference_ry_deg",
-                                                         "u_reference_rz_deg"};
+constexpr auto resultNames = [] {
+    std::array<std::string_view, resultColumns.size()> names;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        names[i] = resultColumns[i].name;
+    return names;
+}();
 
-std::span<const std::string_view> columnsOf(const ReadingsRun& run) {
+std::span<const std::string_view> namesOf(const ReadingsRun& run) {
     const std::size_t left = !run.givenUncertainties() ? 6 : run.localFrame() ? 0 : 3;
-    return std::span(resultColumns).first(resultColumns.size() - left);
+    return std::span(resultNames).first(resultNames.size() - left);
 }
 
 // What the update did not compute, and what is no number, stays empty.
@@ -110,12 +84,12 @@ void appendResult(std::string& text, const RowResult& result, const ReadingsRun&
 
 int runReadings(const RunOptions& options, const Streams& streams) {
     ReadingsRun run(options, streams, !options.summary.empty());
-    if (!run.open(resultColumns))
+    if (!run.open(resultNames))
         return unusable;
     const Table& table = run.table();
     std::string& text = run.output().text();
     table.appendCarriedNames(text);
-    for (const std::string_view name : columnsOf(run))
+    for (const std::string_view name : namesOf(run))
         text.append(name).push_back(table.separator());
     text.back() = '\n';
 

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+namespace kiv::host {
+
+// A column that is written for each row of readings, behind those that are carried over.
+struct ResultColumn {
+    std::string_view name;
+    std::string_view unit;     // empty: none
+    bool mayBeEmpty;           // a cell, where nothing was computed
+    std::string_view sentence; // of the help page, or its start; empty: that of the column before
+};
+
+// In the order in which they are written. m<row><column> is the result matrix. The last six are
+// there where they are asked for: uncertainties, and in the local frame those of the reference.
+inline constexpr std::array<ResultColumn, 30> resultColumns{{
+    {"state", "", false, "`ok`, angles are there;"},
+    {"reason", "", true, "why there are no angles."},
+    {"azimuth_corrected_deg", "degrees", true, "encoder angles, degrees"},
+    {"elevation_corrected_deg", "degrees", true, ""},
+    {"level_x_corrected_deg", "degrees", true, "tilts, degrees"},
+    {"level_y_corrected_deg", "degrees", true, ""},
+    {"rx_deg", "degrees", true, "rotations about x, y and z, degrees."},
+    {"ry_deg", "degrees", true, ""},
+    {"rz_deg", "degrees", true, ""},
+    {"qvc_x", "length unit", true, "the QVC vector of modes 7 and above, in the length unit"},
+    {"qvc_y", "length unit", true, ""},
+    {"qvc_z", "length unit", true, ""},
+    {"m00", "", true, "the rotation matrix, row by row, no unit; modes 1 to 6 only"},
+    {"m01", "", true, ""},
+    {"m02", "", true, ""},
+    {"m10", "", true, ""},
+    {"m11", "", true, ""},
+    {"m12", "", true, ""},
+    {"m20", "", true, ""},
+    {"m21", "", true, ""},
+    {"m22", "", true, ""},
+    {"code", "", true, "the library's status code for the matrix, no unit"},
+    {"trust", "", true, "`good`, or the first of these that holds:"},
+    {"model_error_deg", "degrees", true, "bound of what the model itself adds"},
+    {"u_rx_deg", "degrees", true, "standard uncertainties (one standard deviation) of the angles"},
+    {"u_ry_deg", "degrees", true, ""},
+    {"u_rz_deg", "degrees", true, ""},
+    {"u_reference_rx_deg", "degrees", true, "in the local frame the part of the reference's own"},
+    {"u_reference_ry_deg", "degrees", true, ""},
+    {"u_reference_rz_deg", "degrees", true, ""},
+}};
+
+} // namespace kiv::host
