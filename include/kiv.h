@@ -35,12 +35,12 @@ extern "C" {
 
 /* ---- Version and status ---- */
 
-/* Of this header. */
+/* The version of this header. */
 #define KIV_VERSION_MAJOR 0
 #define KIV_VERSION_MINOR 1
 #define KIV_VERSION_PATCH 0
 
-/* Of the library: such as "1.2.3", and 10000 * major + 100 * minor + patch. */
+/* The version of the library: such as "1.2.3", and 10000 * major + 100 * minor + patch. */
 const char* kiv_version(void);
 int32_t kiv_version_number(void);
 
@@ -100,7 +100,7 @@ enum {
 };
 const char* kiv_block_name(size_t index);
 int kiv_block_kind(const char* block, int32_t* kind);
-/* Of a value of the block's numbers, or of a tilt table's limits, with its unit at the end
+/* The name of one of the block's numbers, or of a tilt table's limits, with its unit at the end
  * ("azimuth_deg"); null where there is no such name. */
 const char* kiv_block_value_name(const char* block, size_t index);
 
@@ -109,13 +109,13 @@ const char* kiv_block_value_name(const char* block, size_t index);
  * values, 551 when nothing is loaded.
  */
 int kiv_parameters_integer(const kiv_parameters* parameters, const char* block, int32_t* value);
-/* Also that which closes a tilt table. */
+/* The word of a block, or the one that closes a tilt table. */
 int kiv_parameters_word(const kiv_parameters* parameters, const char* block, const char** word);
 /* A table has two numbers a row. capacity: of values, at least the count, else 20. */
 int kiv_parameters_number_count(const kiv_parameters* parameters, const char* block, size_t* count);
 int kiv_parameters_numbers(const kiv_parameters* parameters, const char* block, float* values,
                            size_t capacity);
-/* Of a tilt table: low and high limit in degrees, and the further value; 3 floats. */
+/* The limits of a tilt table: low and high in degrees, and the further value; 3 floats. */
 int kiv_parameters_limits(const kiv_parameters* parameters, const char* block, float* limits);
 
 /*
@@ -161,7 +161,7 @@ typedef struct kiv_result {
 /* Configured with all that the parameters say. 551. */
 int kiv_sensor_new(const kiv_parameters* parameters, kiv_sensor** out);
 void kiv_sensor_free(kiv_sensor* sensor);
-/* With its settings, its reference and its count of readings. */
+/* The copy has the settings, the reference and the count of readings. */
 int kiv_sensor_copy(const kiv_sensor* sensor, kiv_sensor** out);
 
 /*
@@ -214,7 +214,7 @@ enum {
     KIV_STATE_NO_ORIENTATION = 4, /* the model has none for it; angles may be no numbers */
     KIV_STATE_REFUSED = 5         /* not finite, or a zero vector: it did not reach the sensor */
 };
-/* As kiv run prints it: "ok", "no_reference"; null for another number. */
+/* The word that kiv run prints: "ok", "no_reference"; null for another number. */
 const char* kiv_state_name(int state);
 
 /*
@@ -244,10 +244,10 @@ enum {
     KIV_TRUST_NOT_SETTLED = 8,      /* the result does not show its level's reading again */
     KIV_TRUST_REFERENCE = 9         /* local frame: the reference was not good */
 };
-/* As kiv run prints it: "good", "outside_limits"; null for another number. */
+/* The word that kiv run prints: "good", "outside_limits"; null for another number. */
 const char* kiv_trust_name(int trust);
 
-/* Of one reading's angles; 8 bytes. */
+/* The trust in one reading's angles; 8 bytes. */
 typedef struct kiv_trust {
     int32_t trust;     /* KIV_TRUST_... */
     float model_error; /* bound of the model's own error of the largest of the three, degrees from

@@ -102,7 +102,7 @@ public:
     void rewrite(const std::string& path) const {
         check(kiv_parameters_rewrite(get(), path.c_str()));
     }
-    // Of a block, by its name.
+    // The values of a block, by its name.
     std::vector<float> numbers(const char* block) const {
         std::size_t count = 0;
         check(kiv_parameters_number_count(get(), block, &count));

@@ -10,7 +10,7 @@ class CKivPrm;
 
 namespace kiv::simulator {
 
-// From corrected readings back to the raw ones that a sensor with a record's calibration would
+// Goes from corrected readings back to the raw ones that a sensor with a record's calibration would
 // deliver.
 class InverseCalibration {
 public:

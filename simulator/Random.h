@@ -11,7 +11,7 @@ class Random {
 public:
     explicit Random(std::uint64_t seed) : bits(seed) {}
 
-    // In [low, high).
+    // The number lies in [low, high).
     double uniform(double low, double high);
     // Mean 0, standard deviation 1.
     double normal();

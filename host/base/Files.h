@@ -60,7 +60,7 @@ private:
 // it for something else.
 std::filesystem::path pathOf(const std::string& name);
 
-// As messages show them.
+// These names are as messages show them.
 std::string shownInput(const std::string& name);
 std::string shownOutput(const std::string& name);
 

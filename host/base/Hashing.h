@@ -10,7 +10,7 @@
 
 namespace kiv::host {
 
-// Of a table, as its rows were read.
+// What is known of a table once its rows have been read.
 struct TableFacts {
     std::string name; // as messages show it
     Sha256 digest;

@@ -32,7 +32,7 @@ public:
 
     explicit InOrder(Stages stages) : stage(std::move(stages)) {}
 
-    // In this thread and others, one or more in all; with fewer where the system has no more.
+    // Runs in this thread and others, one or more in all; with fewer where the system has no more.
     void run(std::size_t threads) {
         slots = std::vector<Slot>(threads > 1 ? 2 * threads : 1);
         std::vector<std::thread> others;

@@ -38,7 +38,7 @@ std::string shown(Number value) {
     return text;
 }
 
-// With so many significant digits at most.
+// Appends so many significant digits at most.
 inline void appendRounded(std::string& text, double value, int significant) {
     char digits[64];
     const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value,
@@ -46,7 +46,7 @@ inline void appendRounded(std::string& text, double value, int significant) {
     text.append(digits, end);
 }
 
-// With six decimals; no zero has a sign.
+// The text has six decimals; no zero has a sign.
 inline std::string degreesText(double value) {
     char digits[320]; // of the largest double
     const auto [end, error] =

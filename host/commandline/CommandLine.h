@@ -23,13 +23,13 @@ public:
     CommandLine(const CommandLine&) = delete;
     CommandLine& operator=(const CommandLine&) = delete;
 
-    // For a report: the words that the user gave.
+    // The words that the user gave, for a report.
     void startedAs(int argc, const char* const* argv);
 
     CLI::App app;
     bool isCommand(const std::string& name) const;
     std::string whyNoCommand(const std::string& word) const;
-    // Of the subcommand that was parsed. An exit code.
+    // Runs the subcommand that was parsed. An exit code.
     std::function<int(const Streams&)> action;
 
 private:

@@ -29,10 +29,10 @@ struct ExaminedFile {
     std::size_t warnings() const { return findings.size() - errors(); }
 };
 
-// Those that are of interest to who uses the file.
+// Gives the findings that are of interest to who uses the file.
 void reportForUse(std::ostream& err, const std::string& path, const ExaminedFile& examined);
 
-// With an id, the serial number is tested.
+// The serial number is tested where there is an id.
 ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id);
 
 // Reads any file; where its name tells the sensor's ID, the serial number is tested. Nothing, and a
@@ -40,7 +40,7 @@ ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id);
 std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err,
                                         Sha256* hash = nullptr);
 
-// As path:line:column: expected ..., found ...
+// Writes path:line:column: expected ..., found ...
 void report(std::ostream& err, const std::string& path, const FileFinding& finding);
 
 } // namespace kiv::host

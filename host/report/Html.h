@@ -12,7 +12,7 @@ void appendEscaped(std::string& html, std::string_view text);
 std::string escaped(std::string_view text);
 std::string code(std::string_view text);
 
-// In groups of three digits from five digits on.
+// The digits stand in groups of three from five digits on.
 std::string countText(std::size_t count);
 std::string rowsText(std::size_t count);
 std::string percentText(double share); // of 1, with one decimal

@@ -81,7 +81,7 @@ inline constexpr std::array<Chart, 9> charts{{
     {"metric", "Reference metric", Unit::none, Quantity::refMetric, Quantity::refMetric},
 }};
 
-// Of values that meet again after a full turn; no line of a chart leads across their seam.
+// Whether the values meet again after a full turn; no line of a chart leads across their seam.
 constexpr bool isDirection(Quantity quantity) {
     return quantity <= Quantity::rz || quantity == Quantity::azimuth
            || (quantity >= Quantity::residualX && quantity <= Quantity::residualZ);

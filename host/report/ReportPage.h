@@ -17,14 +17,14 @@
 
 namespace kiv::host {
 
-// Of rows with angles whose trust is not good: why, and the largest model error.
+// Why rows with angles are not good, and their largest model error.
 struct Doubt {
     Trust trust;
     double modelError;
 };
 bool join(Doubt& doubt, const Doubt& next);
 
-// Of rows that were refused or have no orientation.
+// Why rows were refused or have no orientation.
 struct NoResult {
     RowState state;
     std::string reason;
@@ -48,7 +48,7 @@ struct ReportContent {
     F_VECTOR4 levelLimits{};
 
     Summary summary;
-    // Of what the summary has no statistics of.
+    // The statistics that the summary does not have.
     std::array<Statistics, quantityCount> ofReadings = [] {
         std::array<Statistics, quantityCount> all;
         for (std::size_t q = 0; q < quantityCount; ++q)

@@ -35,15 +35,15 @@ class TimeColumn {
 public:
     explicit TimeColumn(const Table& table);
 
-    // Of a row; nothing where it has none. Of the axis' kind alone, so that rows can be read in any
-    // order.
+    // A row's time; nothing where it has none. It is of the axis' kind alone, so that rows can be
+    // read in any order.
     std::optional<TimeStamp> timeIn(const Table& table) const;
 
     struct Point {
         double time;               // in seconds
         std::optional<double> own; // the same, where it is the row's own
     };
-    // Of the next row, with its time and, where there are several tables, that of its line.
+    // The next row's point, from its time and, where there are several tables, that of its line.
     Point next(const std::optional<TimeStamp>& time, std::size_t line, std::string_view table);
     const XAxis& axis() const { return shown; }
 

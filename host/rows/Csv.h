@@ -25,7 +25,7 @@ public:
     const std::vector<std::string_view>& cells() const { return row; }
     bool quotesClosed() const { return closed; } // false: the last cell's quote is never closed
     std::size_t lineNumber() const { return number; }
-    // Of a cell, or of the line's end for an index behind the last; from 1, in bytes.
+    // The column of a cell, or of the line's end for an index behind the last; from 1, in bytes.
     std::size_t column(std::size_t cell) const;
 
 private:

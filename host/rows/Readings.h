@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "KIVInterface/Records.h"
-#include "judged/Reason.h"
 #include "host/rows/Table.h"
+#include "judged/Reason.h"
 
 namespace kiv::host {
 
@@ -43,7 +43,8 @@ inline constexpr std::string_view timeStampColumn = "time";
 
 class Truth {
 public:
-    // Not comparable where the results are not in machine coordinates; then no row has angles.
+    // Nothing is comparable where the results are not in machine coordinates; then no row has
+    // angles.
     Truth(const Table& table, bool comparable);
 
     bool comparable() const { return places[0] && places[1] && places[2]; }

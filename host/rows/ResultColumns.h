@@ -13,8 +13,9 @@ struct ResultColumn {
     std::string_view sentence; // of the help page, or its start; empty: that of the column before
 };
 
-// In the order in which they are written. m<row><column> is the result matrix. The last six are
-// there where they are asked for: uncertainties, and in the local frame those of the reference.
+// The columns in the order in which they are written. m<row><column> is the result matrix. The last
+// six are there where they are asked for: uncertainties, and in the local frame those of the
+// reference.
 inline constexpr std::array<ResultColumn, 30> resultColumns{{
     {"state", "", false, "`ok`, angles are there;"},
     {"reason", "", true, "why there are no angles."},

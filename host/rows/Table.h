@@ -70,14 +70,14 @@ public:
     void appendCarriedNames(std::string& out) const; // each with a separator behind it
     void appendCarriedCells(std::string& out) const;
 
-    // As the table's own numbers are printed.
+    // The separator and the decimal mark are those of the table's own numbers.
     void appendNumber(std::string& out, double value) const;
 
-    // At the i-th column that was asked for.
+    // Reports at the i-th column that was asked for.
     void report(std::size_t i, std::string_view expected, std::string_view found) {
         reportAt(columns[i], expected, found);
     }
-    // At the start of the row.
+    // Reports at the start of the row.
     void reportRow(std::string_view expected, std::string_view found) {
         reportAt(0, expected, found);
     }

@@ -16,7 +16,7 @@ struct TimeStamp {
 // Nothing for any other text.
 std::optional<TimeStamp> timeStampIn(std::string_view text);
 
-// The same moment, with Z where it is in UTC, to a microsecond.
+// The text of a moment to a microsecond, with Z where it is in UTC.
 std::string timeStampText(TimeStamp time);
 
 } // namespace kiv::host

@@ -29,7 +29,7 @@ struct ReadingsOptions {
     std::size_t jobs = 0; // threads; 0: as many as there are processors, for files
     bool quiet = false;   // no progress, of the summary the counts alone
 
-    // Where the mount mode knows frames.
+    // The local frame counts only where the mount mode knows frames.
     bool inLocalFrame(int mountMode) const { return localFrame && !reportsOwnMatrix(mountMode); }
 };
 

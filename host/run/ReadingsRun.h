@@ -74,7 +74,8 @@ private:
     void work(Batch& batch, RowRunner& runner, Table& cursor, const Prepare& prepare) const;
     bool finishBatch(Batch& batch, const Take& take, Progress& progress);
     bool writeSummary();
-    // Where these are asked for; false also where there is nothing to test, with a message.
+    // Both hold where they are not asked for; false also where there is nothing to test, with a
+    // message.
     bool withinTolerance() const;
     bool strictlyGood() const;
 

@@ -48,7 +48,7 @@ public:
     Figures figures() const;
 
 private:
-    // Of a turn, of values within half a turn.
+    // What is kept of directions that lie within half a turn.
     struct Sector {
         Moments moments;
         double turn = 0; // of its first value: so much more than within half a turn

@@ -26,25 +26,25 @@ public:
     bool allGood() const {
         return count(RowState::noOrientation) == 0 && count(RowState::refused) == 0;
     }
-    // Of the rows in state ok.
+    // All rows in state ok are good.
     bool allTrusted() const { return count(Trust::good) == count(RowState::ok); }
     std::size_t count(Trust trust) const { return trusts[static_cast<std::size_t>(trust)]; }
     std::size_t rows() const;
     std::size_t count(RowState state) const { return counts[static_cast<std::size_t>(state)]; }
     std::size_t count(Reason reason) const { return reasons[static_cast<std::size_t>(reason)]; }
-    // Where it stands; a row in state reference that is added says so itself.
+    // Says where the reference stands; a row in state reference that is added says so itself.
     void nameReference(std::string_view table, std::size_t line, Trust trust);
     std::size_t referenceLine() const { return reference; } // 0: none
-    // Where the line is, in words.
+    // The place of that line, in words.
     std::string referencePlace() const;
     const std::string& referenceTable() const { return tableOfReference; } // empty: the only one
     Trust referenceTrust() const { return trustOfReference; }
 
-    // From now on each row in state ok should have one.
+    // Each row in state ok should have an uncertainty from now on.
     void expectUncertainties() { uncertaintiesExpected = true; }
     std::size_t withoutUncertainty() const { return notUncertain; } // that should have
 
-    // Of the angles rx, ry and rz of the rows in state ok.
+    // The statistics of rx, ry and rz of the rows in state ok.
     const Statistics& angle(std::size_t i) const { return angles[i]; }
 
     // Angle less true angle, of the rows that have one.

@@ -21,7 +21,7 @@ inline constexpr std::array<double, comparedCount> allowedDifference{0, 1e-13, 2
 
 struct Difference {
     double size = 0; // infinite where a value is not a number
-    // Where it was found.
+    // The place where it was found.
     std::size_t caseNumber = 0; // from 1
     std::string_view column;
     double expected = 0;

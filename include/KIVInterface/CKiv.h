@@ -125,6 +125,6 @@ private:
     float level2Parameters[7] = {};
 
 public:
-    // For the host, which may load it; the sensor itself does not use it. Null after Destroy.
+    // The host may load it; the sensor itself does not use it. Null after Destroy.
     std::unique_ptr<CKivPrm> prm;
 };

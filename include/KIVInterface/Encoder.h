@@ -6,8 +6,8 @@
 // Corrects the raw readings of one angle encoder through a calibration table: corrected = raw +
 // correction(raw), the correction periodic over 360 degrees and piecewise linear through the rows.
 //
-// Not for hosts, and nothing of it is exported: it stands among the public headers because a CKiv
-// holds two of them, so that the object's layout needs it.
+// Hosts have no use for it, and nothing of it is exported: it stands among the public headers
+// because a CKiv holds two of them, so that the object's layout needs it.
 class CEncoder {
 public:
     CEncoder() = default;

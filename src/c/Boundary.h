@@ -13,7 +13,7 @@
 #pragma GCC visibility pop
 #endif
 
-// Where the library meets a host that knows no exceptions.
+// Here the library meets a host that knows no exceptions.
 namespace kiv::c {
 
 // Runs a body that gives a status code. What it throws is memory, or another resource of the

@@ -31,7 +31,7 @@ inline bool isUsable(const KIV_RAWINFO& raw) {
     return zero == 0 && (v[0] != 0 || v[1] != 0 || v[2] != 0);
 }
 
-// Of the readings that were last taken through the sensor, with what came of them.
+// The state of the readings that were last taken through the sensor, with what came of them.
 RowState stateAfter(const CKiv& sensor, UpdateOutcome outcome, const KIV_INFO& info);
 
 } // namespace kiv

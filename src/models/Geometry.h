@@ -36,7 +36,7 @@ double axisAngle(double m, double n, double deadBand, double onNegativeFirst,
     return general();
 }
 
-// In [0, 2 pi).
+// The angle lies in [0, 2 pi).
 inline double fullTurnAngle(double m, double n, double deadBand) {
     return axisAngle(m, n, deadBand, pi, threeHalfPi, [=] {
         const double a = std::atan(n / m);
@@ -46,7 +46,7 @@ inline double fullTurnAngle(double m, double n, double deadBand) {
     });
 }
 
-// In [-pi, pi].
+// The angle lies in [-pi, pi].
 inline double signedAngle(double m, double n, double deadBand) {
     return axisAngle(m, n, deadBand, pi, -halfPi, [=] {
         const double a = std::atan(n / m);
@@ -54,7 +54,7 @@ inline double signedAngle(double m, double n, double deadBand) {
     });
 }
 
-// In [-pi/2, pi/2]: the direction without regard to its sense along the first axis.
+// The angle lies in [-pi/2, pi/2]: the direction without regard to its sense along the first axis.
 inline double halfPlaneAngle(double m, double n, double deadBand) {
     return axisAngle(m, n, deadBand, 0, -halfPi, [=] { return std::atan(n / m); });
 }
@@ -76,8 +76,8 @@ inline void frameFromColumns(const double* a, const double* b, const double* c, 
     }
 }
 
-// In place: m becomes m * (Rz(alpha) * Ry(gamma))^-1. False when that product has no inverse (an
-// angle that is not finite).
+// Changes m in place: it becomes m * (Rz(alpha) * Ry(gamma))^-1. False when that product has no
+// inverse (an angle that is not finite).
 bool rotateBackByEncoders(double* m, double alpha, double gamma);
 
 bool allFinite(const double* values, int count);

@@ -10,7 +10,7 @@ namespace kiv {
 // The model of a mount mode, with its parity and no values yet.
 std::unique_ptr<CKivModel> createModel(int mountMode);
 
-// By the model's class: a later mount mode of the sensor does not change it.
+// The principle goes by the model's class: a later mount mode of the sensor does not change it.
 Principle principleOf(const CKivModel& model);
 
 // What a model computes with. A sensor's own copies may be newer: a setter's values reach the model

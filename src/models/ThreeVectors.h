@@ -11,8 +11,8 @@ struct MeasuringDirection {
     double elevation; // degrees
 };
 
-// From the measurement matrix M, the QVC block (tilts 3, 4 of the elevation axis and angle 5 of the
-// start vector, degrees) and the elevation encoder offset in radians.
+// Takes the measurement matrix M, the QVC block (tilts 3, 4 of the elevation axis and angle 5 of
+// the start vector, degrees) and the elevation encoder offset in radians.
 MeasuringDirection measuringDirection(const double* M, const float* qvcParameters,
                                       double elevationOffset);
 
@@ -23,7 +23,8 @@ struct InstrumentSide {
     double frame[9];  // columns e, b0, f: b0 the measured direction, e and f across it
 };
 
-// From the measured direction's azimuth and elevation in degrees and the mount mode's parity.
+// Starts from the measured direction's azimuth and elevation in degrees and the mount mode's
+// parity.
 InstrumentSide instrumentSide(int parity, double azimuth, double elevation);
 
 // The head's rotation, out row-major, from one level: its block (tilts 3, 4 of the axis, zero

@@ -13,8 +13,8 @@ namespace kiv {
 const char* keyOf(Block block);
 std::optional<Block> blockOf(std::string_view key);
 
-// Of the numbers of a block, or of those behind a tilt table's rows; a name ends with the unit.
-// None where the values have no names.
+// The names of a block's numbers, or of those behind a tilt table's rows; a name ends with the
+// unit. None where the values have no names.
 std::span<const char* const> valueNamesOf(Block block);
 
 constexpr bool isMatrix(Block block) {

@@ -22,8 +22,8 @@ public:
 
     TitleReading readTitle(const BlockLayout& layout);
 
-    // Behind the title; nothing where they break off. With the places, where wanted, of the
-    // numbers.
+    // The values behind the title; nothing where they break off. It notes the places, where wanted,
+    // of the numbers.
     std::optional<BlockValues> readValues(const BlockLayout& layout,
                                           std::vector<TextPlace>* places = nullptr);
 
@@ -31,7 +31,7 @@ public:
         document.blocks[static_cast<std::size_t>(layout.block)] = std::move(read);
     }
 
-    // Of the last title or values read.
+    // The outcome of the last title or values read.
     const std::optional<Finding>& failure() const { return lastFailure; }
 
     ParsedFile parsed(const ByteSource& source);

@@ -21,7 +21,7 @@ struct Finding {
     bool operator==(const Finding&) const = default;
 };
 
-// As findings show a word of the text; an empty one is the text's end.
+// A word of the text as findings show it; an empty one is the text's end.
 std::string shownWord(std::string_view word);
 
 // The word that comes next stands where something else is expected.

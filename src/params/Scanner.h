@@ -43,7 +43,7 @@ public:
     NumberResult read(float& value);
     NumberResult read(std::int32_t& value);
 
-    // Of the next byte.
+    // The place of the next byte.
     TextPlace place() const;
 
 private:

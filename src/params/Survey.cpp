@@ -106,7 +106,8 @@ void Surveyor::readValues(const BlockLayout& layout) {
 // Takes all up to a title, of the first block or a later one.
 void Surveyor::seekTitle(Block first) {
     constexpr std::size_t longestTitle = 64;
-    while (!(resumedAt >= first)) {
+    const auto arrived = [&] { return resumedAt && *resumedAt >= first; };
+    while (!arrived()) {
         const std::string_view word = scanner.peekWord();
         if (word.empty())
             return;

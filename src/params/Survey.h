@@ -17,7 +17,7 @@ struct Survey {
     // What the text has of one block.
     struct Extent {
         std::vector<TextPlace> numbers; // the place of every number read, in the text's order
-        // Of what stands in place of the title, up to where the parse goes on.
+        // What stands in place of the title is counted, up to where the parse goes on.
         std::size_t numbersBefore = 0;
         std::size_t wordsBefore = 0;
     };
@@ -27,7 +27,7 @@ struct Survey {
     std::optional<Finding> openEnd;    // no white space ends the last value, which may be cut
 };
 
-// As parseParameterFile and parseForRewrite.
+// They parse as parseParameterFile and parseForRewrite do.
 ParsedFile surveyParameterFile(ByteSource& source, std::optional<std::int32_t> id, Survey& survey);
 ParsedFile surveyForRewrite(ByteSource& source, Survey& survey);
 

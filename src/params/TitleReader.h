@@ -15,7 +15,8 @@ struct TitleReading {
 };
 
 // Takes the words of a block's title, fewer where the text ends or a later block's title has come.
-// With a block that the text may end before and has ended before, firstPassed is the first such.
+// Where the block is one that the text may end before and has ended before, firstPassed is the
+// first such.
 TitleReading readTitle(Scanner& scanner, const BlockLayout& layout, const BlockLayout* firstPassed);
 
 } // namespace kiv

@@ -24,15 +24,15 @@ public:
     // What stands behind the block's title. False where the values break off: failure says why.
     bool read(const BlockLayout& blockLayout, BlockValues& values);
 
-    // Of the last read.
+    // Why the last read failed.
     std::optional<Finding> failure;
     bool isWrongId = false;     // the failure is that complete values name another sensor
     std::size_t groupsRead = 0; // as BrokenBlock counts them
 
-    // Of all reads: what counts as 0.
+    // What counts as 0, of all reads.
     std::vector<Finding> unread;
 
-    // Where the place of every number read is wanted.
+    // Keeps the place of every number read from now on.
     std::vector<TextPlace>* places = nullptr;
 
 private:

@@ -16,7 +16,7 @@ enum class UpdateOutcome {
 struct SensorUpdate {
     // The whole of CKiv::updateKIVData, and what came of it.
     static UpdateOutcome run(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info);
-    // The same without the lock, for a caller that keeps every other call away.
+    // Does the same without the lock, for a caller that keeps every other call away.
     static UpdateOutcome runAlone(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info);
 };
 

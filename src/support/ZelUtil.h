@@ -7,8 +7,9 @@
 // c (m x p) = a (m x n) * b (n x p).
 void MatrixMultiply(const double* a, const double* b, int m, int n, int p, double* c);
 
-// In place: the n x n matrix a becomes its inverse. False, and a left as it was, when a is singular
-// (its determinant, or a pivot, vanishes against the size of its rows) or not finite, or n < 1.
+// Inverts in place: the n x n matrix a becomes its inverse. False, and a left as it was, when a is
+// singular (its determinant, or a pivot, vanishes against the size of its rows) or not finite, or n
+// < 1.
 bool MatrixInverse(double* a, int n);
 
 // The n x n matrix a becomes the identity.
@@ -17,7 +18,7 @@ void EyeMatrix(double* a, int n);
 // c = a x b.
 void CrossMultiply(double* const a, double* const b, double* const c);
 
-// In place: the rows x cols matrix a becomes its transpose (cols x rows).
+// Works in place: the rows x cols matrix a becomes its transpose (cols x rows).
 void MatrixTransform(double* const a, int rows, int cols);
 
 // r becomes the right-handed rotation about one axis by an angle in radians:
@@ -37,8 +38,9 @@ void mlaRotateAroundAxis(double* const v, double angle, double* const axis, doub
 void solveVectorsRelAng(double* const a, double* const b, double* const c, double alpha,
                         double beta, double* const out);
 
-// In place: (x, y, z) becomes p[0] = H in (-180, 180], p[1] = V in [-90, 90] degrees, with (x, y,
-// z) along (-sin H cos V, cos H cos V, sin V); p[2] is the length. The zero vector gives 0, 0, 0.
+// Converts in place: (x, y, z) becomes p[0] = H in (-180, 180], p[1] = V in [-90, 90] degrees, with
+// (x, y, z) along (-sin H cos V, cos H cos V, sin V); p[2] is the length. The zero vector gives 0,
+// 0, 0.
 void ConvertCartesianToSphericalCoordinates(double* p);
 
 // Natural cubic spline through n + 1 strictly monotonic (rising or falling) knots x with values y.

@@ -27,15 +27,15 @@ struct AngleUncertainty {
 // sensor and allocates nothing after construction.
 class Propagation {
 public:
-    // Of a sensor with a model, as it is configured now.
+    // The sensor has a model; it is taken as it is configured now.
     Propagation(const CKiv& sensor, const Uncertainties& uncertainties);
 
-    // After the update that captured the reference.
+    // Call it after the update that captured the reference.
     void captured(const CKiv& sensor, const KIV_RAWINFO& raw);
 
-    // After an update of the sensor that gave an orientation, from the same readings; at most 14
-    // updates. False where the model has no orientation on both sides of the readings, or they turn
-    // by more than a quarter of a turn.
+    // Call it after an update of the sensor that gave an orientation, from the same readings; at
+    // most 14 updates. False where the model has no orientation on both sides of the readings, or
+    // they turn by more than a quarter of a turn.
     bool of(const CKiv& sensor, const KIV_RAWINFO& raw, const KIV_INFO& info,
             AngleUncertainty& out);
 

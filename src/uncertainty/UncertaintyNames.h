@@ -9,7 +9,7 @@
 
 namespace kiv {
 
-// Of any quantity, in its unit.
+// The largest of any quantity, in its unit.
 inline constexpr double largestUncertainty = 1e6;
 
 // What a standard uncertainty is given by; units in the names, the vector's length unit and those

@@ -4,7 +4,7 @@
 
 namespace kiv::platform {
 
-// For tests: called in place of waiting, when it is set.
+// Tests set it: it is called in place of waiting.
 extern void (*waitInstead)(std::chrono::milliseconds);
 
 void wait(std::chrono::milliseconds duration);

@@ -90,7 +90,7 @@ PathKind kindOf(const char* path);
 std::string identityOf(const char* path);
 // The name itself is a symbolic link.
 bool isLink(const char* path);
-// Without links; as given when there is nothing there.
+// Resolves all links; the path as given when there is nothing there.
 std::string realPath(const char* path);
 // How many names a file has; 0 when there is none.
 std::size_t nameCount(const char* path);
@@ -98,7 +98,7 @@ std::size_t nameCount(const char* path);
 // Clears the read-only attribute; all other attributes and the times stay.
 bool makeWritable(const char* path);
 
-// Not a folder.
+// Removes what is no folder.
 bool removeFile(const char* path);
 bool removeFile(Utf8Path path);
 
