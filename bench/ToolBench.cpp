@@ -7,8 +7,8 @@
 
 #include "bench/Cases.h"
 #include "host/base/Cli.h"
-#include "host/base/Numbers.h"
 #include "kiv.h"
+#include "support/Numbers.h"
 #include "support/Principles.h"
 
 namespace kiv::bench {

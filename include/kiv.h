@@ -82,6 +82,15 @@ int kiv_parameters_fault_count(const kiv_parameters* parameters, size_t* count);
 int kiv_parameters_fault(const kiv_parameters* parameters, size_t index, int64_t* line,
                          int64_t* column, const char** expected, const char** found);
 
+/*
+ * What is doubtful in what is loaded, in the manner of the faults: values that the format allows and
+ * a sensor's should not be, and text behind the last block, as kiv check warns of them. 0 when
+ * nothing is loaded.
+ */
+int kiv_parameters_warning_count(const kiv_parameters* parameters, size_t* count);
+int kiv_parameters_warning(const kiv_parameters* parameters, size_t index, int64_t* line,
+                           int64_t* column, const char** expected, const char** found);
+
 /* The text that was loaded, byte for byte; size does not count the null character behind it. 551.
  */
 int kiv_parameters_text(const kiv_parameters* parameters, const char** text, size_t* size);
@@ -229,7 +238,8 @@ int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size
 
 /*
  * How far the angles of a reading can be trusted, as kiv run's columns trust and model_error_deg
- * say it: the first reason that holds.
+ * say it: the first reason that holds, with KIV_TRUST_NO_ROTATION and KIV_TRUST_READING_LOST before
+ * all others and KIV_TRUST_REFERENCE behind.
  */
 enum {
     KIV_TRUST_NONE = -1,            /* there are no angles */
@@ -242,7 +252,11 @@ enum {
     KIV_TRUST_NEAR_LEVEL_SIGHT = 6, /* pendulum: z is so close to 0 that digits cancel */
     KIV_TRUST_ROLL_UNSEEN = 7,      /* the level hardly shows the turn about the line of sight */
     KIV_TRUST_NOT_SETTLED = 8,      /* the result does not show its level's reading again */
-    KIV_TRUST_REFERENCE = 9         /* local frame: the reference was not good */
+    KIV_TRUST_REFERENCE = 9,        /* local frame: the reference was not good */
+    KIV_TRUST_NO_ROTATION = 10,     /* the matrix of the frame in use is no rotation */
+    KIV_TRUST_READING_LOST = 11,    /* a parameter leaves a reading without effect */
+    KIV_TRUST_RY_NEAR_90 = 12,      /* ry is so close to 90 degrees that rx and rz are unsure */
+    KIV_TRUST_SPARE_DISAGREES = 13  /* dual level: the levels ask for another elevation than the encoder's */
 };
 /* The word that kiv run prints: "good", "outside_limits"; null for another number. */
 const char* kiv_trust_name(int trust);

@@ -99,6 +99,10 @@ public:
     }
 
     void load(const std::string& path) { loaded(kiv_parameters_load(get(), path.c_str()), path); }
+    // What is doubtful in what is loaded, as kiv check warns of it.
+    std::vector<Fault> warnings() const {
+        return findings(kiv_parameters_warning_count, kiv_parameters_warning);
+    }
     void rewrite(const std::string& path) const {
         check(kiv_parameters_rewrite(get(), path.c_str()));
     }
@@ -116,20 +120,25 @@ public:
 private:
     explicit Parameters(kiv_parameters* own) : handle(own) {}
 
-    void loaded(int status, const std::string& name) const {
-        if (status != KIV_STATUS_BAD_FORMAT)
-            return check(status);
-        std::size_t count = 0;
-        check(kiv_parameters_fault_count(get(), &count));
-        std::vector<Fault> faults(count);
-        for (std::size_t i = 0; i < count; ++i) {
-            Fault& f = faults[i];
+    template <typename Count, typename Get>
+    std::vector<Fault> findings(Count count, Get getOne) const {
+        std::size_t size = 0;
+        check(count(get(), &size));
+        std::vector<Fault> all(size);
+        for (std::size_t i = 0; i < size; ++i) {
+            Fault& f = all[i];
             const char *expected = nullptr, *found = nullptr;
-            check(kiv_parameters_fault(get(), i, &f.line, &f.column, &expected, &found));
+            check(getOne(get(), i, &f.line, &f.column, &expected, &found));
             f.expected = expected;
             f.found = found;
         }
-        throw ParameterFileError(name, std::move(faults));
+        return all;
+    }
+
+    void loaded(int status, const std::string& name) const {
+        if (status != KIV_STATUS_BAD_FORMAT)
+            return check(status);
+        throw ParameterFileError(name, findings(kiv_parameters_fault_count, kiv_parameters_fault));
     }
 
     std::unique_ptr<kiv_parameters, detail::Free<kiv_parameters_free>> handle;

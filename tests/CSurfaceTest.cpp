@@ -499,6 +499,20 @@ TEST(CSurface, TellsEveryFaultAndKeepsWhatWasLoaded) {
 
     EXPECT_EQ(kiv_parameters_text(parameters.get(), &text, &size), 0);
     EXPECT_EQ(std::string(text, size), parameterText());
+    std::ofstream(folder.file(), std::ios::binary) << parameterText();
+    shown = lines(tool({"check", folder.file()}).err);
+    EXPECT_EQ(kiv_parameters_warning_count(parameters.get(), &count), 0);
+    EXPECT_GE(count, 1U);
+    ASSERT_EQ(count, shown.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        EXPECT_EQ(kiv_parameters_warning(parameters.get(), i, &line, &column, &expected, &found),
+                  0);
+        EXPECT_EQ(folder.file() + ':' + std::to_string(line) + ':' + std::to_string(column)
+                      + ": expected " + expected + ", found " + found + " (warning)",
+                  shown[i]);
+    }
+    EXPECT_EQ(kiv_parameters_warning(parameters.get(), count, &line, &column, &expected, &found),
+              20);
     EXPECT_EQ(kiv_parameters_load(parameters.get(), folder.path().c_str()), 550);
     EXPECT_EQ(kiv_parameters_fault_count(parameters.get(), &count), 0);
     EXPECT_EQ(count, 0U);
@@ -581,6 +595,7 @@ TEST(CSurface, RefusesANullInEveryPlace) {
     REFUSES_NULLS(kiv_parameters_load_text, p, "x", std::size_t{1});
     REFUSES_NULLS(kiv_parameters_fault_count, p, &size);
     REFUSES_NULLS(kiv_parameters_fault, p, std::size_t{0}, &line, &column, &text, &found);
+    REFUSES_NULLS(kiv_parameters_warning_count, p, &size);
     REFUSES_NULLS(kiv_parameters_load, p, example.c_str());
     REFUSES_NULLS(kiv_parameters_text, p, &text, &size);
     REFUSES_NULLS(kiv_block_kind, "qvc", &integer);
@@ -629,7 +644,7 @@ TEST(CSurface, RefusesANullInEveryPlace) {
     EXPECT_EQ(kiv_sensor_set_qvc_parameters(s, f, 7), 20);
     EXPECT_EQ(kiv_state_name(6), nullptr);
     EXPECT_EQ(kiv_state_name(-1), nullptr);
-    EXPECT_EQ(kiv_trust_name(10), nullptr);
+    EXPECT_EQ(kiv_trust_name(14), nullptr);
     EXPECT_EQ(kiv_trust_name(KIV_TRUST_NONE), nullptr);
     ASSERT_EQ(kiv_parameters_new(&newP), 0);
     const Parameters empty(newP);

@@ -132,7 +132,7 @@ TEST(Check, SaysAllThatIsWrong) {
 )"},
         {"knots that turn and repeat",
          parameterText(sound({.values = {{tiltXCalibration, "4\n-2 0\n0 0\n-1 0\n2 0\n-1 1 0\nend"},
-                                         {tiltYCalibration, "3\n5 0\n5 0\n-5 0\n-5 5 0\nend"}}})),
+                                         {tiltYCalibration, "3\n5 5\n5 0\n-5 0\n-5 5 0\nend"}}})),
          R"(45:1: expected knots that rise from row to row in "Tilt X Calibration Table", found -1 in )"
          R"(row 3 after 0 (warning)
 52:1: expected knots that fall from row to row in "Tilt Y Calibration Table", found 5 in row 2 after )"
@@ -158,11 +158,23 @@ TEST(Check, SaysAllThatIsWrong) {
 24:1: expected a rotation in "Machine Coordinate Tranform Matrix", found rows that miss length 1 and )"
          R"(right angles by 2e-05 (warning)
 )"},
+        {"what leaves a level out",
+         parameterText(sound({.values = {{mountingMode, "9"},
+                                         {thermalFactor, "0 1 0 0"},
+                                         {tiltYCalibration, "2\n5 0.5\n-5 -0.4\n-5 5 0\n7"},
+                                         {levelX, "0 0 0 -30 0 0 0"},
+                                         {levelY, "0 0 0 146 0 0 1"}}})),
+         R"(28:5: expected a slope or an intercept of level Y other than 0 in "Thermal Compensation Factor", as )"
+         R"(both leave the reading out, found 0 and 0 (warning)
+50:3: expected tilts that differ by a degree or more in "Tilt Y Calibration Table", found -0.4 to 0.5 (warning)
+61:15: expected a gain of level X other than 0 in "Level_X", as it leaves the reading out, found 0 (warning)
+63:7: expected axes of the two levels 5 degrees or more apart in "Level_Y", found 4 degrees (warning)
+)"},
         {"another mount mode, and gains of 0",
          parameterText(sound({.values = {{mountingMode, "12"}, {scaleFactor, "0 0 0 0 0 1 0 0"}}})),
-         R"(55:9: expected a gain of the azimuth other than 0 in "Scale Factor", as a pendulum leaves it out, )"
+         R"(55:9: expected a gain of the azimuth other than 0 in "Scale Factor", as it leaves the reading out, )"
          R"(found 0 (warning)
-55:13: expected a gain of level Y other than 0 in "Scale Factor", as a pendulum leaves it out, found 0 (warning)
+55:13: expected a gain of level Y other than 0 in "Scale Factor", as it leaves the reading out, found 0 (warning)
 57:1: expected a mount mode from 1 to 11 in "Mounting Mode", as any other runs as a pendulum, found 12 (warning)
 )"},
         {"rotations in print, and a reflection",

@@ -29,13 +29,14 @@ struct Place {
     double pitch, roll;        // degrees
     double azimuth, elevation; // of the measured direction, degrees
     double yaw = 0;
+    float level2 = -65; // azimuth of the second level's axis, degrees
 };
 
 KIV_RAWINFO readingsAt(int mode, const Place& place) {
     simulator::Mounting m;
     m.mode = mode;
     m.level1Parameters[3] = -30;
-    m.level2Parameters[3] = -65;
+    m.level2Parameters[3] = place.level2;
     Pose pose;
     simulator::rotationFromYawPitchRoll(place.yaw, place.pitch,
                                         place.roll + (simulator::invertedIn(mode) ? 180 : 0),
@@ -64,41 +65,136 @@ RowTrust judged(TrustJudge& judge, CKiv& sensor, const KIV_RAWINFO& raw) {
     return judge.judge(sensor, raw, info, outcome == UpdateOutcome::reference);
 }
 
+void turnedBy(CKiv& sensor, double degrees, double heightOfX = 1) {
+    double m[9];
+    rotation_y(m, degrees * simulator::radians);
+    m[6] *= heightOfX, m[7] *= heightOfX, m[8] *= heightOfX;
+    sensor.setMachineMatrix(m, 3);
+}
+
 TEST(Trust, EachReasonHasItsWord) {
     struct Row {
         const char* word;
         int mode;
         Place place;
         std::function<void(KIV_RAWINFO&)> disturb = [](KIV_RAWINFO&) {};
-        float factor1 = 0, factor3 = 0;
+        std::function<void(CKiv&)> set = [](CKiv&) {};
+        double ofElevation = 0; // uncertainty, degrees
     };
+    const auto as = [](KIV_RAWINFO&) {};
+    const auto factor = [](int which, float value) {
+        return [=](CKiv& s) {
+            float factors[] = {0, 0, 0, 0, 1, 1, 1, 0};
+            factors[which] = value;
+            s.setScaleFactors(factors, 8);
+        };
+    };
+    const auto level2 = [](float azimuth, float gain) {
+        return [=](CKiv& s) {
+            const float values[] = {0, 0, 0, azimuth, 0, 0, gain};
+            s.setLevel2Parameters(values, 7);
+        };
+    };
+    const auto elevationOffBy = [](double degrees) {
+        return [=](CKiv& s) {
+            s.setEncoderOffset({0, static_cast<float>(degrees * simulator::radians)});
+        };
+    };
+    const auto flat = [](CKiv& s) {
+        const float knots[] = {-20, 20, -20, 20, 0};
+        const double spline[] = {0, 0.02, 0, 0, 0.8, 0.02, 0, 0};
+        s.setLevelYComp(2, knots, spline);
+    };
+    const auto notFromX = [](CKiv& s) { s.setThermalFactor({0, 0, 0, 1}); };
     const Row rows[] = {
         {"good", 1, {3, 4, 90, 20}},
         {"two_signs", 1, {3, 4, 90, -20}},
-        {"not_settled", 1, {15, 10, 100, 10}, [](KIV_RAWINFO&) {}, 1},
+        {"not_settled", 1, {15, 10, 100, 10}, as, factor(1, 1)},
         {"near_level_sight", 4, {3, 4, 60, 1e-8}},
-        {"roll_unseen", 4, {3, 4, 60, 20}, [](KIV_RAWINFO&) {}, 0, 85},
+        {"roll_unseen", 4, {3, 4, 60, 20}, as, factor(3, 85)},
         {"roll_unseen", 5, {0, 0, 60, 89.99}},
         {"outside_limits", 4, {0, 19.5, 0, 10}},
         {"mirror_near", 8, {15, 9, 0, 60}},
-        {"good", 8, {5, 3, 0, 60}},
+        {"mirror_near", 8, {17, 17, -20, 60}}, // the result is the mirrored one
+        {"good", 8, {5, 3, 0, 45}},
         {"levels_disagree", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.2F; }},
         {"good", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.02F; }},
         {"outside_limits", 10, {3, 4, 60, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw = 20.1F; }},
         {"seam", 9, {3, 1e-4, 20, 20}, [](KIV_RAWINFO& raw) { raw.levelXRaw += 0.01F; }},
+        {"mirror_near", 10, {17, 17, -20, 60, 0, -30.1F}, as, level2(-30.1F, 1)},
+        {"no_rotation", 6, {3, 4, 60, 20}, as, [](CKiv& s) { turnedBy(s, 0, -1); }},
+        {"no_rotation", 6, {3, 4, 60, 20}, as, [](CKiv& s) { turnedBy(s, 0, 1.00002); }},
+        {"good", 6, {3, 4, 60, 20}, as, [](CKiv& s) { turnedBy(s, 0, 1.000002); }},
+        {"good", 8, {3, 4, 60, 20}, as, [](CKiv& s) { turnedBy(s, 0, -1); }},
+        {"ry_near_90", 6, {0, 0, 60, 20}, as, [](CKiv& s) { turnedBy(s, 89.999); }},
+        {"reading_lost", 1, {3, 4, 90, 20}, as, notFromX},
+        {"good", 8, {3, 4, 60, 20}, as, notFromX},
+        {"reading_lost", 8, {3, 4, 60, 20}, as, flat},
+        {"reading_lost", 4, {3, 4, 60, 20}, as, factor(4, 0)},
+        {"reading_lost", 5, {3, 4, 60, 20}, as, factor(5, 0)},
+        {"reading_lost", 5, {3, 4, 60, 20}, as, factor(6, 0)},
+        {"reading_lost", 10, {3, 4, 60, 20}, as, level2(-65, 0)},
+        {"spare_disagrees", 2, {3, 4, 90, 20}, as, elevationOffBy(0.051)},
+        {"good", 2, {3, 4, 90, 20}, as, elevationOffBy(-0.049)},
+        {"good", 2, {3, 4, 90, 20}, as, elevationOffBy(-0.051), 0.013},
     };
     for (const Row& row : rows) {
         CKiv sensor;
         prepare(sensor, row.mode);
-        const float factors[] = {0, row.factor1, 0, row.factor3, 1, 1, 1, 0};
-        sensor.setScaleFactors(factors, 8);
+        row.set(sensor);
         sensor.setMountMode(row.mode);
         TrustJudge judge(sensor, limits);
+        Uncertainties uncertainties;
+        uncertainties[Source::elevation] = row.ofElevation;
+        judge.expect(uncertainties);
         KIV_RAWINFO raw = readingsAt(row.mode, row.place);
         row.disturb(raw);
         judged(judge, sensor, raw);
         EXPECT_STREQ(wordOf(judged(judge, sensor, raw).trust), row.word)
-            << row.mode << ' ' << row.place.pitch << ' ' << row.place.elevation;
+            << &row - rows << ": " << row.mode << ' ' << row.place.pitch;
+    }
+}
+
+// The deviation of the spare reading is that of draws; an elevation offset shows with its sign.
+TEST(Trust, ExpectsOfTheSpareReadingWhatDrawsShow) {
+    for (const int mode : {1, 10}) {
+        CKiv sensor;
+        prepare(sensor, mode);
+        sensor.setThermalFactor({0.01F, 0.8F, 0.02F, 0.6F});
+        TrustJudge judge(sensor, limits);
+        Uncertainties u;
+        u[Source::vector1] = 0.1, u[Source::vector2] = 0.2, u[Source::vector3] = 0.3;
+        u[Source::elevation] = 0.004;
+        u[Source::levelX] = 0.005, u[Source::levelY] = 0.003;
+        u[Source::temperature] = 0.02;
+        judge.expect(u);
+        const KIV_RAWINFO raw = readingsAt(mode, {3, 4, 120, 35});
+        const double deviation =
+            (judged(judge, sensor, raw), judged(judge, sensor, raw)).spareDeviation;
+        simulator::Random random(3);
+        double sum = 0, squares = 0;
+        constexpr int draws = 4000;
+        for (int i = 0; i < draws; ++i) {
+            KIV_RAWINFO drawn = raw;
+            const auto by = [&](Source source) {
+                return static_cast<float>(u[source] * random.normal());
+            };
+            drawn.vector[0] += by(Source::vector1);
+            drawn.vector[1] += by(Source::vector2);
+            drawn.vector[2] += by(Source::vector3);
+            drawn.elevationRaw += by(Source::elevation);
+            drawn.levelXRaw += by(Source::levelX);
+            drawn.levelYRaw += by(Source::levelY);
+            drawn.temperature += by(Source::temperature);
+            const double spare = judged(judge, sensor, drawn).spare;
+            sum += spare;
+            squares += spare * spare;
+        }
+        EXPECT_NEAR(deviation / std::sqrt((squares - sum * sum / draws) / draws), 1, 0.06) << mode;
+        sensor.setEncoderOffset({0, static_cast<float>(0.02 * simulator::radians)});
+        judge.configure(sensor);
+        EXPECT_NEAR(judged(judge, sensor, raw).spare - sum / draws, mode == 1 ? -0.02 : 0,
+                    mode == 1 ? 0.001 : 0.02);
     }
 }
 

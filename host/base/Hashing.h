@@ -21,6 +21,7 @@ struct TableFacts {
 struct InputFacts {
     std::string deviceOwner;
     Sha256 parameterFile;
+    std::size_t parameterWarnings = 0;
     std::vector<TableFacts> readings;
     Sha256 reference; // of a table that has it alone
 };

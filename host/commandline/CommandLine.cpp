@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/base/Files.h"
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/commandline/HelpTexts.h"
 #include "host/rows/Readings.h"
 #include "params/Quoted.h"

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/parameters/Findings.h"
 #include "params/BlockNames.h"
 #include "support/Principles.h"

@@ -8,7 +8,7 @@
 #include <ostream>
 
 #include "host/base/Interrupt.h"
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/report/ReportPage.h"
 #include "host/run/ReadingsRun.h"

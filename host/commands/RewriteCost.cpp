@@ -4,7 +4,7 @@
 #include <ostream>
 #include <vector>
 
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/parameters/Findings.h"
 #include "params/Parser.h"
 #include "params/Survey.h"

@@ -5,7 +5,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "host/base/Files.h"
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/rows/Poses.h"
 #include "host/rows/Readings.h"

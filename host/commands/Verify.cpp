@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/base/Files.h"
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 

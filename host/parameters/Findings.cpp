@@ -8,7 +8,7 @@
 #include "host/base/Hashing.h"
 #include "host/parameters/LeftCopy.h"
 #include "host/parameters/ParameterFile.h"
-#include "host/parameters/ValueWarnings.h"
+#include "params/ValueWarnings.h"
 #include "params/Survey.h"
 #include "support/platform/File.h"
 
@@ -26,12 +26,10 @@ ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id) {
     std::vector<FileFinding>& findings = examined.findings;
     for (Finding& error : errorsIn(examined.parsed, survey))
         findings.push_back({std::move(error), true});
-    for (Finding& warning : valueWarnings(examined.parsed, survey))
-        findings.push_back({std::move(warning), false});
-    if (survey.textBehind)
-        findings.push_back({*survey.textBehind, false});
-    if (survey.openEnd)
-        findings.push_back({*survey.openEnd, false, true});
+    for (Finding& warning : warningsIn(examined.parsed, survey)) {
+        const bool doubt = survey.openEnd && warning == *survey.openEnd;
+        findings.push_back({std::move(warning), false, doubt});
+    }
     const auto placeOf = [](const FileFinding& f) {
         return std::tie(f.finding.line, f.finding.column);
     };

@@ -44,9 +44,12 @@ bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& e
         name ? examineFile(path, err, facts ? &facts->parameterFile : nullptr) : std::nullopt;
     if (!examined)
         return false;
-    reportForUse(err, path, *examined);
+    for (const FileFinding& finding : examined->findings)
+        report(err, path, finding);
     if (examined->errors() > 0)
         return false;
+    if (facts)
+        facts->parameterWarnings = examined->warnings();
 
     RecordLoading::store(record, examined->parsed);
     const BlockValues* owner = examined->parsed.document.find(Block::deviceOwner);

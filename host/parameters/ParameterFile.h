@@ -27,8 +27,8 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
                                                           std::ostream& err);
 
 // Loads a file for measuring: one that the library would refuse, or that holds a value which the
-// library would take for 0, is refused, with every reason on err. The facts learn the owner and the
-// bytes.
+// library would take for 0, is refused, with every reason on err, as are kiv check's warnings. The
+// facts learn the owner, the bytes and the count of warnings.
 bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err,
                        InputFacts* facts = nullptr);
 

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <span>
 
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/report/Sections.h"
 
 namespace kiv::host {

@@ -1,6 +1,6 @@
 #include <span>
 
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 

@@ -1,9 +1,9 @@
 #include <span>
 
 #include "KIVInterface/Version.h"
-#include "host/base/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
+#include "support/Numbers.h"
 #include "support/Principles.h"
 
 namespace kiv::host {
@@ -71,6 +71,8 @@ void appendProvenance(std::string& html, const ReportContent& content) {
     }
     line("Parameter file", code(content.parameterFile));
     line("SHA-256", code(content.facts.parameterFile.hex()));
+    if (const std::size_t warnings = content.facts.parameterWarnings; warnings > 0)
+        line("Warnings", countText(warnings) + " of the file's values, by " + code("kiv check"));
     line("Sensor ID", std::to_string(content.sensorId));
     line("Device owner", escaped(content.facts.deviceOwner));
     line("Mount mode",

@@ -76,6 +76,7 @@ std::string reportPage(const ReportContent& content) {
     html += "<div class=\"beside\">\n";
     appendProvenance(html, content);
     appendRowCounts(html, content);
+    appendSpareReading(html, content);
     html += "</div>\n";
     if (std::any_of(charts.begin(), charts.end(),
                     [&](const Chart& chart) { return content.has(chart); })) {

@@ -1,6 +1,6 @@
-#include "host/base/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 
@@ -108,6 +108,28 @@ void appendRowCounts(std::string& html, const ReportContent& content) {
     html += "</tbody>\n<tfoot>";
     appendTableRow(html, "all", {countText(summary.rows())});
     html += "</tfoot>\n</table>\n</section>\n";
+}
+
+void appendSpareReading(std::string& html, const ReportContent& content) {
+    const SpareReadings& spare = content.summary.spareReadings();
+    if (spare.rows() == 0)
+        return;
+    const std::string objection = spare.objection();
+    html += "<section>\n<h2>Spare reading</h2>\n<p>";
+    html += principleOf(content.mountMode) == Principle::twoLevels
+                ? "Half the difference of the two levels' turns about the line of sight"
+                : "The elevation turn that levels and vector ask for, less the encoder's";
+    html += ", over " + rowsText(spare.rows()) + ": mean " + degreesText(spare.mean())
+            + ", root mean square " + degreesText(spare.rootMeanSquare());
+    if (const auto expected = spare.expected())
+        html += " (by the uncertainties " + degreesText(*expected) + ")";
+    html += ", largest " + degreesText(spare.largest()) + " degrees in line "
+            + countText(spare.largestLine()) + ".</p>\n";
+    if (!objection.empty())
+        html.append("<p class=\"verdict warn\">Spare reading: ")
+            .append(escaped(objection))
+            .append(".</p>\n");
+    html += "</section>\n";
 }
 
 void appendBadRows(std::string& html, const ReportContent& content) {

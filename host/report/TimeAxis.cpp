@@ -14,7 +14,7 @@ const char* XAxis::name() const {
 }
 
 std::string XAxis::text(double time) const {
-    return overDates() ? timeStampText({time, kind == Kind::utc}) : host::shown(time);
+    return overDates() ? timeStampText({time, kind == Kind::utc}) : shown(time);
 }
 
 TimeColumn::TimeColumn(const Table& table) : place(table.find(timeColumn)) {

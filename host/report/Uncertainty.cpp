@@ -1,4 +1,4 @@
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 #include "uncertainty/UncertaintyNames.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "params/Quoted.h"
 
 namespace kiv::host {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "host/base/MessageLimit.h"
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "host/rows/Csv.h"
 #include "host/rows/LineBlocks.h"
 #include "host/rows/TableFormat.h"

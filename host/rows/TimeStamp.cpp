@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 

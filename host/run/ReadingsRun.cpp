@@ -35,9 +35,12 @@ bool ReadingsRun::inputsUsable() const {
 bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* facts) {
     const Interrupt::Waiting waiting(true); // nothing is written yet
     CKiv sensor;
-    if (!loadSensor(options.parameterFile, parameters, sensor, streams.err, facts)
+    InputFacts own;
+    InputFacts& all = facts ? *facts : own;
+    if (!loadSensor(options.parameterFile, parameters, sensor, streams.err, &all)
         || !inputsUsable())
         return false;
+    parameterWarnings = all.parameterWarnings;
     sensor.setMcsFlag(!options.localFrame);
     mode = SensorAccess::mountMode(sensor);
     if (options.localFrame && !localFrame())
@@ -220,7 +223,8 @@ bool ReadingsRun::strictlyGood() const {
     if (!options.strict)
         return true;
     if (totals.count(RowState::ok) > 0)
-        return totals.allTrusted();
+        return totals.allTrusted() && totals.spareReadings().objection().empty()
+               && parameterWarnings == 0;
     streams.err << "expected rows with angles for --strict, found none\n";
     return false;
 }

@@ -83,6 +83,7 @@ private:
     const Streams& streams;
     CKivPrm parameters;
     int mode = 0;
+    std::size_t parameterWarnings = 0;
     std::optional<Uncertainties> uncertainties;
     std::optional<RowRunner> lead;
     GivenReference given;

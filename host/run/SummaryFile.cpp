@@ -38,6 +38,17 @@ Json residualOf(const Summary& summary, std::size_t angle) {
             {"share_within_2u_of_good", share(summary.coverageOfGood())}};
 }
 
+Json spareOf(const SpareReadings& spare) {
+    if (spare.rows() == 0)
+        return {};
+    return {{"rows", spare.rows()},
+            {"mean_deg", spare.mean()},
+            {"root_mean_square_deg", spare.rootMeanSquare()},
+            {"expected_deg", spare.expected() ? Json(*spare.expected()) : Json()},
+            {"largest_deg", spare.largest()},
+            {"largest_line", spare.largestLine()}};
+}
+
 // As --uncertainties takes them; those of 0 are left out.
 Json uncertaintiesOf(const std::optional<Uncertainties>& given, int mountMode) {
     if (!given)
@@ -90,6 +101,7 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
                                 : Json()},
         {"reference_line", known ? Json(summary.referenceLine()) : Json()},
         {"reference_trust", known ? Json(wordOf(summary.referenceTrust())) : Json()},
+        {"spare_reading", spareOf(summary.spareReadings())},
         {"angles", angles},
         {"compared_rows", summary.compared()},
         {"residuals", summary.compared() > 0 ? residuals : Json()},

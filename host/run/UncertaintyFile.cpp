@@ -11,8 +11,8 @@
 #include <nlohmann/json.hpp>
 
 #include "host/base/Files.h"
-#include "host/base/Numbers.h"
 #include "params/Quoted.h"
+#include "support/Numbers.h"
 #include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "host/base/MessageLimit.h"
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 
@@ -29,6 +29,7 @@ void Summary::add(const RowResult& result, std::size_t line,
     if (result.state != RowState::ok)
         return;
     ++trusts[static_cast<std::size_t>(result.trust.trust)];
+    spare.add(result.trust, line);
     notUncertain += uncertaintiesExpected && !result.hasUncertainty ? 1U : 0U;
     const std::array<double, 3> values{result.info.rx, result.info.ry, result.info.rz};
     for (std::size_t i = 0; i < 3; ++i)
@@ -112,6 +113,8 @@ void Summary::printCounts(std::ostream& out) const {
             return std::string(trustWords[i].word)
                    + (ofReference ? std::string(" (") + wordOf(trustOfReference) + ')' : "");
         });
+    if (const std::string objection = spare.objection(); !objection.empty())
+        out << "spare reading: " << objection << '\n';
     if (reference > 0 && count(RowState::reference) == 0)
         out << "reference: " << referencePlace() << '\n';
     if (notUncertain > 0)

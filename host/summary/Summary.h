@@ -9,6 +9,7 @@
 
 #include "host/rows/RowResult.h"
 #include "host/summary/Quantile.h"
+#include "host/summary/SpareReadings.h"
 #include "host/summary/Statistics.h"
 
 namespace kiv::host {
@@ -43,6 +44,8 @@ public:
     // Each row in state ok should have an uncertainty from now on.
     void expectUncertainties() { uncertaintiesExpected = true; }
     std::size_t withoutUncertainty() const { return notUncertain; } // that should have
+
+    const SpareReadings& spareReadings() const { return spare; }
 
     // The statistics of rx, ry and rz of the rows in state ok.
     const Statistics& angle(std::size_t i) const { return angles[i]; }
@@ -80,6 +83,7 @@ private:
     Trust trustOfReference = Trust::good;
     bool uncertaintiesExpected = false;
     std::size_t notUncertain = 0;
+    SpareReadings spare;
     std::array<Statistics, 3> angles;
     std::size_t withTruth = 0;
     std::array<Residual, 3> residuals;

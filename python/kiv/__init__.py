@@ -15,7 +15,7 @@
 
 from . import _library
 from ._columns import State, Trust
-from .errors import Error, Fault, ParameterFileError, ReadingsError
+from .errors import Error, Fault, ParameterFileError, ParameterFileWarning, ReadingsError
 from .parameters import Parameters
 from .sensor import Sensor
 
@@ -25,6 +25,7 @@ __all__ = [
     "Error",
     "Fault",
     "ParameterFileError",
+    "ParameterFileWarning",
     "Parameters",
     "ReadingsError",
     "Sensor",

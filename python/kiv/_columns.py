@@ -90,6 +90,10 @@ class Trust(enum.IntEnum):
     ROLL_UNSEEN = 7  # the level hardly shows the turn about the line of sight
     NOT_SETTLED = 8  # the result does not show its level's reading again
     REFERENCE = 9  # local frame: the reference was not good
+    NO_ROTATION = 10  # the matrix of the frame in use is no rotation
+    READING_LOST = 11  # a parameter leaves a reading without effect
+    RY_NEAR_90 = 12  # ry is so close to 90 degrees that rx and rz are unsure
+    SPARE_DISAGREES = 13  # dual level: the levels ask for another elevation than the encoder's
 
 
 def is_frame(values: object) -> bool:

@@ -91,6 +91,8 @@ _parameters_load = _asked("kiv_parameters_load", _P, c_char_p)
 _parameters_load_text = _asked("kiv_parameters_load_text", _P, c_char_p, c_size_t)
 _parameters_fault_count = _called("kiv_parameters_fault_count", _P, _P)
 _parameters_fault = _called("kiv_parameters_fault", _P, c_size_t, _P, _P, _P, _P)
+_parameters_warning_count = _called("kiv_parameters_warning_count", _P, _P)
+_parameters_warning = _called("kiv_parameters_warning", _P, c_size_t, _P, _P, _P, _P)
 _parameters_text = _called("kiv_parameters_text", _P, _P, _P)
 _parameters_rewrite = _called("kiv_parameters_rewrite", _P, c_char_p)
 _parameters_integer = _called("kiv_parameters_integer", _P, c_char_p, _P)
@@ -146,16 +148,21 @@ class Parameters(_Handle):
         return _parameters_load_text(self.pointer, text, len(text))
 
     def faults(self) -> Tuple[Fault, ...]:
+        return self._findings(_parameters_fault_count, _parameters_fault)
+
+    def warnings(self) -> Tuple[Fault, ...]:
+        return self._findings(_parameters_warning_count, _parameters_warning)
+
+    def _findings(self, ask_count: Any, ask_one: Any) -> Tuple[Fault, ...]:
         count, line, column = c_size_t(), c_int64(), c_int64()
         expected, found = c_char_p(), c_char_p()
-        _parameters_fault_count(self.pointer, byref(count))
-        faults: List[Fault] = []
+        ask_count(self.pointer, byref(count))
+        findings: List[Fault] = []
         for i in range(count.value):
-            places = (byref(line), byref(column), byref(expected), byref(found))
-            _parameters_fault(self.pointer, i, *places)
+            ask_one(self.pointer, i, byref(line), byref(column), byref(expected), byref(found))
             words = _decoded(expected.value), _decoded(found.value)
-            faults.append(Fault(line.value, column.value, *words))
-        return tuple(faults)
+            findings.append(Fault(line.value, column.value, *words))
+        return tuple(findings)
 
     def text(self) -> bytes:
         text, size = c_void_p(), c_size_t()

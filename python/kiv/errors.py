@@ -45,6 +45,10 @@ class ParameterFileError(Error):
         return "\n".join(f"{self.path}:{fault}" for fault in self.faults)
 
 
+class ParameterFileWarning(UserWarning):
+    """A parameter file with values that a sensor's should not be, as kiv check warns of them."""
+
+
 class ReadingsError(Error, ValueError):
     """Readings that do not fit; nothing of them has reached the sensor.
 

@@ -4,13 +4,14 @@ from __future__ import annotations
 
 import errno
 import os
+import warnings
 from typing import Any, Callable, Dict, Tuple, Union
 
 import numpy as np
 from numpy.typing import NDArray
 
 from . import _library
-from .errors import Error, ParameterFileError
+from .errors import Error, ParameterFileError, ParameterFileWarning
 
 
 def _path_bytes(path: Union[str, bytes, os.PathLike[Any]]) -> bytes:
@@ -24,7 +25,8 @@ class Parameters:
     """The calibration parameters of one sensor, read from its parameter file; never changed.
 
     path: where the name is Tg<sensor ID>.prm, the file has to be that sensor's. Raises
-    ParameterFileError with the place of the fault, OSError for a file that cannot be read.
+    ParameterFileError with the place of the fault, OSError for a file that cannot be read. Warns,
+    by ParameterFileWarning, of what ``kiv check`` warns of.
 
     A block's values stand under the name that ``kiv info --json`` prints, in the file's units:
     angles in degrees.
@@ -66,6 +68,8 @@ class Parameters:
         if code == _library.BAD_FORMAT:
             raise ParameterFileError(name, self._handle.faults())
         _library.check(code)
+        for f in self._handle.warnings():
+            warnings.warn(f"{name}:{f}", ParameterFileWarning, stacklevel=3)
 
     @property
     def text(self) -> bytes:

@@ -19,6 +19,7 @@ struct LoadedFile {
     std::string text;
     Document document;
     CKivPrm record;
+    std::vector<Finding> warnings;
 };
 
 } // namespace kiv::c

@@ -9,6 +9,7 @@
 #include "params/Printer.h"
 #include "params/RecordLoading.h"
 #include "params/Survey.h"
+#include "params/ValueWarnings.h"
 #include "support/platform/File.h"
 
 using namespace kiv;
@@ -27,8 +28,21 @@ int load(kiv_parameters& parameters, std::string text, std::optional<std::int32_
         return KIV_STATUS_BAD_FORMAT;
     }
     RecordLoading::store(file->record, parsed);
+    file->warnings = warningsIn(parsed, survey);
     file->document = std::move(parsed.document);
     parameters.file = std::move(file);
+    return KIV_STATUS_OK;
+}
+
+int findingAt(const std::vector<Finding>& findings, size_t index, int64_t* line, int64_t* column,
+              const char** expected, const char** found) {
+    if (index >= findings.size() || !line || !column || !expected || !found)
+        return KIV_STATUS_BAD_ARGUMENT;
+    const Finding& finding = findings[index];
+    *line = static_cast<int64_t>(finding.line);
+    *column = static_cast<int64_t>(finding.column);
+    *expected = finding.expected.c_str();
+    *found = finding.found.c_str();
     return KIV_STATUS_OK;
 }
 
@@ -107,15 +121,22 @@ int kiv_parameters_fault_count(const kiv_parameters* parameters, size_t* count) 
 
 int kiv_parameters_fault(const kiv_parameters* parameters, size_t index, int64_t* line,
                          int64_t* column, const char** expected, const char** found) {
-    if (!parameters || index >= parameters->faults.size() || !line || !column || !expected
-        || !found)
+    return parameters ? findingAt(parameters->faults, index, line, column, expected, found)
+                      : KIV_STATUS_BAD_ARGUMENT;
+}
+
+int kiv_parameters_warning_count(const kiv_parameters* parameters, size_t* count) {
+    if (!parameters || !count)
         return KIV_STATUS_BAD_ARGUMENT;
-    const Finding& fault = parameters->faults[index];
-    *line = static_cast<int64_t>(fault.line);
-    *column = static_cast<int64_t>(fault.column);
-    *expected = fault.expected.c_str();
-    *found = fault.found.c_str();
+    *count = parameters->file ? parameters->file->warnings.size() : 0;
     return KIV_STATUS_OK;
+}
+
+int kiv_parameters_warning(const kiv_parameters* parameters, size_t index, int64_t* line,
+                           int64_t* column, const char** expected, const char** found) {
+    return parameters && parameters->file
+               ? findingAt(parameters->file->warnings, index, line, column, expected, found)
+               : KIV_STATUS_BAD_ARGUMENT;
 }
 
 int kiv_parameters_text(const kiv_parameters* parameters, const char** text, size_t* size) {

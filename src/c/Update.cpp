@@ -23,7 +23,11 @@ static_assert(KIV_TRUST_GOOD == int(Trust::good)
               && KIV_TRUST_NEAR_LEVEL_SIGHT == int(Trust::nearLevelSight)
               && KIV_TRUST_ROLL_UNSEEN == int(Trust::rollUnseen)
               && KIV_TRUST_NOT_SETTLED == int(Trust::notSettled)
-              && KIV_TRUST_REFERENCE == int(Trust::reference));
+              && KIV_TRUST_REFERENCE == int(Trust::reference)
+              && KIV_TRUST_NO_ROTATION == int(Trust::noRotation)
+              && KIV_TRUST_READING_LOST == int(Trust::readingLost)
+              && KIV_TRUST_RY_NEAR_90 == int(Trust::ryNear90)
+              && KIV_TRUST_SPARE_DISAGREES == int(Trust::spareDisagrees));
 
 namespace {
 

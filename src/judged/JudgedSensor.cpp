@@ -46,6 +46,7 @@ Reason whereNotFinite(Principle principle) {
 void JudgedSensor::setUncertainties(const Uncertainties& ofReadings) {
     propagation.reset();
     uncertainties = ofReadings;
+    trust.expect(ofReadings);
 }
 
 void JudgedSensor::prepareUncertainty() {

@@ -18,6 +18,7 @@ Principle principleOf(const CKivModel& model);
 struct ModelAccess : private CKivModel {
     static int parityOf(const CKivModel& m) { return m.*(&ModelAccess::iMMode); }
     static const float* factorsOf(const CKivModel& m) { return m.*(&ModelAccess::scaleFactors); }
+    static const float* qvcOf(const CKivModel& m) { return m.*(&ModelAccess::qvcParameters); }
     static const float* level1Of(const CKivModel& m) { return m.*(&ModelAccess::level1Parameters); }
     static const float* level2Of(const CKivModel& m) { return m.*(&ModelAccess::level2Parameters); }
 };

@@ -30,7 +30,13 @@ struct SensorAccess {
     static const double* levelXSpline(const CKiv& sensor) { return sensor.levelXSpline.get(); }
     static int levelYCount(const CKiv& sensor) { return sensor.levelYCount; }
     static const float* levelYTable(const CKiv& sensor) { return sensor.levelYTable.get(); }
+    static const double* levelYSpline(const CKiv& sensor) { return sensor.levelYSpline.get(); }
+    static const float* tiltOffset(const CKiv& sensor) { return sensor.tiltOffset; }
+    static int azimuthCount(const CKiv& sensor) { return sensor.azimuthCompCount; }
     static const float* azimuthComp(const CKiv& sensor) { return sensor.azimuthComp.get(); }
+    static int elevationCount(const CKiv& sensor) { return sensor.elevationCompCount; }
+    static const float* elevationComp(const CKiv& sensor) { return sensor.elevationComp.get(); }
+    static const double* machineMatrix(const CKiv& sensor) { return sensor.machineMatrix; }
 
     // The reference orientation of another sensor, as if captured.
     static void takeReference(CKiv& sensor, const CKiv& from) {

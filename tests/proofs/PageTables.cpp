@@ -5,8 +5,8 @@
 #include <istream>
 #include <ostream>
 
-#include "host/base/Numbers.h"
 #include "host/rows/Csv.h"
+#include "support/Numbers.h"
 
 namespace kiv::docs {
 
@@ -23,8 +23,8 @@ std::vector<std::string> cellsOf(const std::string& line) {
 bool sameCell(const std::string& page, const std::string& computed) {
     const bool sizeOnly = page.starts_with(about) && computed.starts_with(about);
     const std::size_t from = sizeOnly ? about.size() : 0;
-    const auto x = host::numberIn<double>(std::string_view(page).substr(from));
-    const auto y = host::numberIn<double>(std::string_view(computed).substr(from));
+    const auto x = numberIn<double>(std::string_view(page).substr(from));
+    const auto y = numberIn<double>(std::string_view(computed).substr(from));
     if (!x || !y)
         return page == computed;
     return sizeOnly ? *x <= 3 * *y && *y <= 3 * *x : std::abs(*x - *y) <= 0.1 * *y + 1e-10;

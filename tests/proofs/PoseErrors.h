@@ -23,6 +23,7 @@ struct Case {
     std::function<void(simulator::Pose&, simulator::RandomPoses&)> place = {};
     std::function<bool(const simulator::Pose&, const simulator::Readings&)> admit = {};
     std::function<void(simulator::Readings&)> disturb = {};
+    float limit = 0; // of the levels, in place of the file's, degrees; 0: the file's
 };
 
 struct Range {

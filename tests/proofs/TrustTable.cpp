@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/base/Numbers.h"
+#include "support/Numbers.h"
 #include "tests/proofs/PageTables.h"
 #include "tests/proofs/TrustTrials.h"
 
@@ -83,13 +83,15 @@ const std::vector<Row> bounds{
      usual,
      false},
     {"Pendulum", "3, 4", "sights to 85", {.modes = {3, 4}}, {20, 85}, false},
-    {"Three vectors", "7, 8", "tilted beyond the limits", {.modes = {7, 8}}, {30, 60}, false},
+    {"Three vectors", "7, 8", "limits of 20", {.modes = {7, 8}, .limit = 20}, wide, false},
+    {"Three vectors", "7, 8", "limits of 20", {.modes = {7, 8}, .limit = 20}, usual, false},
+    {"Three vectors", "7, 8", "tilted far beyond the limits", {.modes = {7, 8}}, {40, 60}, false},
     {"Two levels", "9", "rx within 1e-5 of 180", {.modes = {9}, .place = nearSeam}, usual, false},
 };
 
 std::string digits(double value, int significant) {
     std::string text;
-    host::appendRounded(text, value, significant);
+    appendRounded(text, value, significant);
     return text;
 }
 
@@ -146,12 +148,45 @@ void addBounds(std::vector<std::string>& lines, Proofs& proofs, const Counts& co
                                        docs::about + digits(t.largestExcess, 1),
                                        row.wholeRange ? share(t.rightNotGood, t.right) : ""};
         lines.push_back(docs::tableLine(cells));
-        const bool shownByOne = row.text != "tilted beyond the limits";
-        proofs.expect(t.wronglyGood == 0 || !shownByOne, lines.back(),
+        const bool beyond = row.text == "tilted far beyond the limits";
+        proofs.expect(t.wronglyGood == 0 || beyond, lines.back(),
                       std::to_string(t.wronglyGood) + " good rows above their bound");
-        proofs.expect(!row.wholeRange || 20 * t.rightNotGood <= t.right, lines.back(),
+        // Of three vectors tilted by 20 degrees many have a second pose within the limits.
+        const bool ambiguous = row.which.modes[0] == 7 && row.range.mostTilt > 5;
+        proofs.expect(!row.wholeRange || ambiguous || 20 * t.rightNotGood <= t.right, lines.back(),
                       "more than 5 % of the rows within 0.001 degrees are not good");
     }
+}
+
+void addAnySensor(std::vector<std::string>& lines, Proofs& proofs, const Counts& counts) {
+    lines.push_back(docs::tableLine({"Parameters", "Mode", "Good, %", "Good and above the bound, %",
+                                     "Largest excess over the bound"}));
+    lines.push_back("|---|---|---|---|---|");
+    const struct {
+        docs::Dead dead;
+        const char* text;
+        int firstMode, lastMode;
+        bool noneGood;
+    } rows[] = {
+        {docs::Dead::nothing, "as the sensor's", 1, 10, false},
+        {docs::Dead::parallelAxes, "level axes 0.1 degrees apart", 9, 10, false},
+        {docs::Dead::thermal, "thermal factors of a level 0", 1, 10, true},
+        {docs::Dead::table, "flat tilt table", 1, 10, true},
+        {docs::Dead::gain, "a gain of 0", 3, 10, true},
+        {docs::Dead::reflection, "a reflection as matrix", 1, 6, true},
+        {docs::Dead::shear, "a matrix that shears by 1 %", 1, 6, true},
+    };
+    for (const auto& row : rows)
+        for (int mode = row.firstMode; mode <= row.lastMode; ++mode) {
+            const docs::WideTrial t = docs::tryAnySensor(
+                mode, row.dead, row.noneGood ? counts.poses / 100 : counts.poses);
+            lines.push_back(docs::tableLine(
+                {row.text, std::to_string(mode), docs::about + share(t.good, t.rows),
+                 share(t.wronglyGood, t.good), docs::about + digits(t.largestExcess, 1)}));
+            proofs.expect(100000 * t.wronglyGood <= t.good && t.farAbove == 0, lines.back(),
+                          std::to_string(t.wronglyGood) + " good rows above their bound");
+            proofs.expect(!row.noneGood || t.good == 0, lines.back(), "good rows");
+        }
 }
 
 void addNoise(std::vector<std::string>& lines, Proofs& proofs, const Counts& counts) {
@@ -208,7 +243,7 @@ int run(int argc, char** argv) {
     for (int i = 1; i < argc; i += 2) {
         const std::string_view name = argv[i];
         const std::string_view value = i + 1 < argc ? argv[i + 1] : "";
-        const auto number = host::numberIn<std::size_t>(value);
+        const auto number = numberIn<std::size_t>(value);
         if (name == "--check" && !value.empty())
             page = value;
         else if (name == "--poses" && number && *number >= 1000)
@@ -223,6 +258,7 @@ int run(int argc, char** argv) {
     std::vector<std::string> lines;
     Proofs proofs;
     addBounds(lines, proofs, counts);
+    addAnySensor(lines, proofs, counts);
     addNoise(lines, proofs, counts);
     addMonteCarlo(lines, proofs, counts);
     if (page.empty()) {

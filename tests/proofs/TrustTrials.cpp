@@ -6,6 +6,8 @@
 #include <stdexcept>
 
 #include "host/summary/Statistics.h"
+#include "judged/RowState.h"
+#include "sensor/Update.h"
 #include "simulator/Noise.h"
 #include "tests/proofs/ExampleSensor.h"
 #include "uncertainty/Propagation.h"
@@ -45,7 +47,8 @@ Uncertainties uncertaintiesOf(const simulator::Noise& noise) {
 
 // A sensor in poses of a range, judged.
 struct Trial {
-    Trial(int mode, const Range& range, const std::function<void(simulator::Mounting&)>& mount = {})
+    Trial(int mode, const Range& range, const std::function<void(simulator::Mounting&)>& mount = {},
+          float limit = 0)
         : example(KIV_SENSORS "/wide" + std::to_string(mode)),
           poses(seed,
                 {range.mostTilt, -range.steepest, range.steepest, simulator::invertedIn(mode)}),
@@ -57,6 +60,8 @@ struct Trial {
         }
         F_VECTOR4 limits{};
         example.record.GetKIVLevelLimits(limits);
+        if (limit > 0)
+            limits = {-limit, limit, -limit, limit};
         judge.emplace(example.sensor, limits);
     }
 
@@ -75,21 +80,23 @@ struct Trial {
     RowTrust trust;
 };
 
-void tryBound(BoundTrial& result, Trial& trial, const Pose& pose) {
-    KIV_RAWINFO raw;
-    if (!trial.example.read(pose, raw) || !trial.update(raw))
-        return;
-    const double error = largest(residuals(trial.example, pose, trial.info));
-    const bool good = trial.trust.trust == Trust::good;
+void count(BoundTrial& result, double error, const RowTrust& row) {
+    const bool good = row.trust == Trust::good;
     ++result.rows;
     result.right += error < rightError;
     result.rightNotGood += error < rightError && !good;
     if (!good)
         return;
     ++result.good;
-    result.wronglyGood += error > trial.trust.modelError + singlePrecision;
+    result.wronglyGood += error > row.modelError + singlePrecision;
     result.largestError = std::max(result.largestError, error);
-    result.largestExcess = std::max(result.largestExcess, error - trial.trust.modelError);
+    result.largestExcess = std::max(result.largestExcess, error - row.modelError);
+}
+
+void tryBound(BoundTrial& result, Trial& trial, const Pose& pose) {
+    KIV_RAWINFO raw;
+    if (trial.example.read(pose, raw) && trial.update(raw))
+        count(result, largest(residuals(trial.example, pose, trial.info)), trial.trust);
 }
 
 } // namespace
@@ -97,7 +104,7 @@ void tryBound(BoundTrial& result, Trial& trial, const Pose& pose) {
 BoundTrial tryBound(const Case& which, const Range& range, std::size_t count) {
     BoundTrial result;
     for (const int mode : which.modes) {
-        Trial trial(mode, range, which.mount);
+        Trial trial(mode, range, which.mount, which.limit);
         for (std::size_t i = 0; i < count / which.modes.size(); ++i) {
             Pose pose = trial.poses.next();
             if (which.place)
@@ -108,9 +115,48 @@ BoundTrial tryBound(const Case& which, const Range& range, std::size_t count) {
     return result;
 }
 
+WideTrial tryAnySensor(int mode, Dead dead, std::size_t poses) {
+    constexpr std::size_t eachSensor = 100;
+    WideTrial result;
+    simulator::Random random(seed + 100 * static_cast<std::uint64_t>(mode)
+                             + static_cast<std::uint64_t>(dead));
+    for (std::size_t sensor = 0; sensor < poses / eachSensor; ++sensor) {
+        AnySensor any(mode, sensor % 2 == 0, dead, random);
+        TrustJudge judge(any.sensor, any.limits);
+        std::optional<Pose> reference;
+        for (std::size_t i = 0; i < eachSensor; ++i) {
+            Pose pose;
+            KIV_RAWINFO raw;
+            KIV_INFO info;
+            if (!any.next(pose, raw))
+                continue;
+            const UpdateOutcome outcome = SensorUpdate::run(any.sensor, raw, info);
+            const RowState state = stateAfter(any.sensor, outcome, info);
+            if (state != RowState::reference && state != RowState::ok)
+                continue;
+            const RowTrust row = judge.judge(any.sensor, raw, info, state == RowState::reference);
+            if (state == RowState::reference) {
+                reference = pose;
+                continue;
+            }
+            double angles[3];
+            double off[3];
+            any.trueAngles(pose, *reference, angles);
+            const double found[] = {info.rx, info.ry, info.rz};
+            for (std::size_t k = 0; k < 3; ++k)
+                off[k] = std::abs(host::withinHalfTurn(found[k] - angles[k]));
+            const double error = std::max({off[0], off[1], off[2]});
+            count(result, error, row);
+            result.farAbove += row.trust == Trust::good && error > row.modelError + 0.01;
+        }
+    }
+    return result;
+}
+
 NoiseTrial tryNoise(int mode, const simulator::Noise& noise, const Range& range,
                     std::size_t count) {
     Trial trial(mode, range);
+    trial.judge->expect(uncertaintiesOf(noise));
     Propagation propagation(trial.example.sensor, uncertaintiesOf(noise));
     NoiseTrial result;
     result.leastUncertainty = INFINITY;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "simulator/Noise.h"
+#include "tests/proofs/AnySensor.h"
 #include "tests/proofs/PoseErrors.h"
 
 // Long simulations that try what the library says of its own results: the bounds and the
@@ -25,6 +26,13 @@ struct BoundTrial {
 };
 
 BoundTrial tryBound(const Case& which, const Range& range, std::size_t count);
+
+// Exact readings of sensors drawn at random, 100 poses each in machine and local frames by turns.
+struct WideTrial : BoundTrial {
+    std::size_t farAbove = 0; // of good rows: by more than 0.01 degrees
+};
+
+WideTrial tryAnySensor(int mode, Dead dead, std::size_t count);
 
 // Of the size that makes the angles' uncertainties 0.005 degrees and more at tilts to 5 and sights
 // to 45, and of the size of single precision's own steps.

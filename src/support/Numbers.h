@@ -6,7 +6,7 @@
 #include <string_view>
 
 // Numbers as text, in any locale: all digits go through std::from_chars and std::to_chars.
-namespace kiv::host {
+namespace kiv {
 
 // The whole text as a decimal number; a plus sign is fine, anything left over is not. inf and nan
 // are numbers here; what does not fit in the type is none.
@@ -55,4 +55,4 @@ inline std::string degreesText(double value) {
     return std::string(text == "-0.000000" ? text.substr(1) : text);
 }
 
-} // namespace kiv::host
+} // namespace kiv

@@ -1,4 +1,4 @@
-#include "host/parameters/ValueWarnings.h"
+#include "params/ValueWarnings.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,13 +7,16 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <tuple>
 #include <utility>
 
-#include "host/base/Numbers.h"
+#include "support/AngleConstants.h"
+#include "support/Numbers.h"
 #include "support/Principles.h"
+#include "support/RotationCheck.h"
 #include "support/ZelUtil.h"
 
-namespace kiv::host {
+namespace kiv {
 
 namespace {
 
@@ -21,28 +24,11 @@ constexpr double turn = 360;     // degrees
 constexpr float mostAngle = 360; // degrees, of an encoder table, either way
 constexpr int lastMountMode = 11;
 
-// Of M times its transpose from the identity: entries in print have six decimals.
-constexpr double rotationTolerance = 1e-5;
+constexpr double leastTurn = 1; // degrees, of a table that has an effect
+constexpr double parallel = 5;  // degrees, between two levels' axes
 
 std::string inRow(float value, std::size_t row) {
     return shown(value) + " in row " + std::to_string(row + 1);
-}
-
-double determinant(const double (&m)[9]) {
-    return m[0] * (m[4] * m[8] - m[5] * m[7]) - m[1] * (m[3] * m[8] - m[5] * m[6])
-           + m[2] * (m[3] * m[7] - m[4] * m[6]);
-}
-
-// The largest entry of M times its transpose less the identity.
-double departureFromRotation(const double (&m)[9]) {
-    double largest = 0;
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j) {
-            const double product =
-                std::inner_product(m + 3 * i, m + 3 * i + 3, m + 3 * j, i == j ? -1.0 : 0.0);
-            largest = std::max(largest, std::abs(product));
-        }
-    return largest;
 }
 
 // The first thing of a kind is reported, the others are counted.
@@ -74,8 +60,14 @@ private:
     void checkLimits(const BlockValues& values);
     void checkMatrix(const BlockValues& values);
     void checkMode(const BlockValues& values);
+    void checkEffects(const BlockValues& values);
     void checkGains(const BlockValues& values);
+    void checkThermalFactors(const BlockValues& values);
+    void checkTurn(const BlockValues& values);
+    void checkLevel(const BlockValues& values);
 
+    void warnOfZero(const BlockValues& values, std::size_t number, const char* reading);
+    bool levelIsRead(bool x) const;
     bool isRead(Block block) const;
     std::optional<int> mountMode() const; // where it is there and can be read
     bool limitsCount() const;
@@ -111,8 +103,26 @@ void ValueCheck::checkAll() {
             checkMatrix(*values);
         if (layout->block == Block::mountingMode)
             checkMode(*values);
-        if (layout->block == Block::scaleFactor)
-            checkGains(*values);
+        if (mountMode())
+            checkEffects(*values);
+    }
+}
+
+// Of values in the place where the model of the mount mode reads them.
+void ValueCheck::checkEffects(const BlockValues& values) {
+    switch (layout->block) {
+    case Block::scaleFactor:
+        return checkGains(values);
+    case Block::thermalFactor:
+        return checkThermalFactors(values);
+    case Block::tiltXCalibration:
+    case Block::tiltYCalibration:
+        return checkTurn(values);
+    case Block::levelX:
+    case Block::levelY:
+        return checkLevel(values);
+    default:
+        return;
     }
 }
 
@@ -213,14 +223,14 @@ void ValueCheck::checkMatrix(const BlockValues& values) {
     double inverse[9];
     std::copy_n(values.numbers.begin(), 9, m);
     std::copy_n(m, 9, inverse);
-    const double departure = departureFromRotation(m);
+    const auto [departure, stretch, determinant] = checkRotation(m);
     if (!MatrixInverse(inverse, 3)) {
         warn(0, "a matrix that has an inverse in " + title(), "a singular one");
     } else if (departure > rotationTolerance) {
         std::string found = "rows that miss length 1 and right angles by ";
         appendRounded(found, departure, 2);
         warn(0, "a rotation in " + title(), std::move(found));
-    } else if (determinant(m) < 0) {
+    } else if (determinant < 0) {
         warn(0, "a rotation in " + title(), "a reflection (determinant -1)");
     }
 }
@@ -233,18 +243,76 @@ void ValueCheck::checkMode(const BlockValues& values) {
              std::to_string(values.integer));
 }
 
+// What a value of 0 leaves out of the model's computation.
+void ValueCheck::warnOfZero(const BlockValues& values, std::size_t number, const char* reading) {
+    if (values.numbers[number] == 0)
+        warn(number,
+             std::string("a gain of ") + reading + " other than 0 in " + title()
+                 + ", as it leaves the reading out",
+             shown(values.numbers[number]));
+}
+
 void ValueCheck::checkGains(const BlockValues& values) {
-    constexpr std::size_t first = 4;
-    constexpr const char* readings[] = {"the azimuth", "the elevation", "level Y"};
-    const std::optional<int> mode = mountMode();
-    if (!mode || principleOf(*mode) != Principle::pendulum)
+    const Principle principle = principleOf(*mountMode());
+    if (principle != Principle::pendulum && principle != Principle::polarizer)
         return;
+    constexpr const char* readings[] = {"the azimuth", "the elevation", "level Y"};
     for (std::size_t i = 0; i < std::size(readings); ++i)
-        if (const float gain = values.numbers[first + i]; gain == 0)
-            warn(first + i,
-                 std::string("a gain of ") + readings[i] + " other than 0 in " + title()
-                     + ", as a pendulum leaves it out",
-                 shown(gain));
+        warnOfZero(values, 4 + i, readings[i]);
+}
+
+void ValueCheck::checkThermalFactors(const BlockValues& values) {
+    for (std::size_t level = 0; level < 2; ++level) {
+        const std::size_t slope = 2 * level;
+        if (levelIsRead(level == 0) && values.numbers[slope] == 0 && values.numbers[slope + 1] == 0)
+            warn(slope,
+                 std::string("a slope or an intercept of level ") + (level == 0 ? 'X' : 'Y')
+                     + " other than 0 in " + title() + ", as both leave the reading out",
+                 "0 and 0");
+    }
+}
+
+void ValueCheck::checkTurn(const BlockValues& values) {
+    if (values.rows() == 0 || !levelIsRead(layout->block == Block::tiltXCalibration))
+        return;
+    float least = values.numbers[1];
+    float most = least;
+    for (std::size_t row = 0; row < values.rows(); ++row) {
+        least = std::min(least, values.numbers[2 * row + 1]);
+        most = std::max(most, values.numbers[2 * row + 1]);
+    }
+    if (!(static_cast<double>(most) - least >= leastTurn))
+        warn(2, "tilts that differ by a degree or more in " + title(),
+             shown(least) + " to " + shown(most));
+}
+
+// Of the three-vector models.
+void ValueCheck::checkLevel(const BlockValues& values) {
+    constexpr std::size_t gain = 6;
+    const Principle principle = principleOf(*mountMode());
+    const bool first = layout->block == Block::levelX;
+    if (principle == Principle::twoLevels)
+        warnOfZero(values, gain, first ? "level X" : "level Y");
+    else if (principle == Principle::threeVectors && first)
+        warnOfZero(values, gain, "level Y");
+    const BlockValues* other = file.document.find(Block::levelX);
+    if (principle != Principle::twoLevels || first || !other || !isRead(Block::levelX))
+        return;
+    const auto direction = [](const BlockValues& level) { return level.numbers[3] * degToRad; };
+    // A level axis' azimuth is that of a line: it has no sense.
+    const double apart =
+        std::abs(std::remainder(direction(values) - direction(*other), 2 * halfPi)) * radToDeg;
+    if (apart < parallel) {
+        std::string found;
+        appendRounded(found, apart, 2);
+        warn(3, "axes of the two levels 5 degrees or more apart in " + title(), found + " degrees");
+    }
+}
+
+// Where the mode is there and can be read.
+bool ValueCheck::levelIsRead(bool x) const {
+    const Principle principle = principleOf(*mountMode());
+    return !x || principle == Principle::dualLevel || principle == Principle::twoLevels;
 }
 
 bool ValueCheck::isRead(Block block) const {
@@ -279,10 +347,17 @@ void ValueCheck::warn(const Faults& faults, std::string expected) {
 
 } // namespace
 
-std::vector<Finding> valueWarnings(const ParsedFile& file, const Survey& survey) {
+std::vector<Finding> warningsIn(const ParsedFile& file, const Survey& survey) {
     ValueCheck check(file, survey);
     check.checkAll();
-    return std::move(check.warnings);
+    std::vector<Finding> warnings = std::move(check.warnings);
+    for (const auto& further : {survey.textBehind, survey.openEnd})
+        if (further)
+            warnings.push_back(*further);
+    std::stable_sort(warnings.begin(), warnings.end(), [](const Finding& a, const Finding& b) {
+        return std::tie(a.line, a.column) < std::tie(b.line, b.column);
+    });
+    return warnings;
 }
 
-} // namespace kiv::host
+} // namespace kiv
