@@ -1,43 +1,10 @@
 #include "host/rows/Csv.h"
 
-#include <bit>
-#include <cstdint>
-#include <cstring>
-
 namespace kiv::host {
 
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-// Of eight bytes, the highest bit of each that is the one looked for.
-std::uint64_t bytesEqualTo(const char* bytes, std::uint64_t eightTimes) {
-    constexpr std::uint64_t low7 = 0x7F7F7F7F7F7F7F7F;
-    std::uint64_t word;
-    std::memcpy(&word, bytes, sizeof word);
-    word ^= eightTimes;
-    return ~(((word & low7) + low7) | word | low7);
-}
-
-// Calls found with the place of every separator, from the left.
-template <typename Found>
-void forEachSeparator(std::string_view line, char separator, Found found) {
-    const std::uint64_t eightTimes = 0x0101010101010101 * static_cast<unsigned char>(separator);
-    std::size_t i = 0;
-    for (; i + 8 <= line.size(); i += 8) {
-        const std::uint64_t hits = bytesEqualTo(line.data() + i, eightTimes);
-        if constexpr (std::endian::native == std::endian::little)
-            for (auto left = hits; left != 0; left &= left - 1)
-                found(i + static_cast<std::size_t>(std::countr_zero(left)) / 8);
-        else
-            for (std::size_t byte = 0; hits != 0 && byte < 8; ++byte)
-                if (line[i + byte] == separator)
-                    found(i + byte);
-    }
-    for (; i < line.size(); ++i)
-        if (line[i] == separator)
-            found(i);
-}
 
 // Splits at the separators outside quotes; false when a quote is not closed.
 bool split(std::string_view line, char separator, std::vector<std::string_view>& cells) {
@@ -49,7 +16,8 @@ bool split(std::string_view line, char separator, std::vector<std::string_view>&
         start = end + 1;
     };
     if (line.find('"') == line.npos) {
-        forEachSeparator(line, separator, endCell);
+        for (std::size_t end; (end = line.find(separator, start)) != line.npos;)
+            endCell(end);
     } else {
         for (std::size_t i = 0; i < line.size(); ++i) {
             if (line[i] == '"')
