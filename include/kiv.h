@@ -83,8 +83,8 @@ int kiv_parameters_fault(const kiv_parameters* parameters, size_t index, int64_t
                          int64_t* column, const char** expected, const char** found);
 
 /*
- * What is doubtful in what is loaded, in the manner of the faults: values that the format allows and
- * a sensor's should not be, and text behind the last block, as kiv check warns of them. 0 when
+ * What is doubtful in what is loaded, in the manner of the faults: values that the format allows
+ * and a sensor's should not be, and text behind the last block, as kiv check warns of them. 0 when
  * nothing is loaded.
  */
 int kiv_parameters_warning_count(const kiv_parameters* parameters, size_t* count);
@@ -256,7 +256,8 @@ enum {
     KIV_TRUST_NO_ROTATION = 10,     /* the matrix of the frame in use is no rotation */
     KIV_TRUST_READING_LOST = 11,    /* a parameter leaves a reading without effect */
     KIV_TRUST_RY_NEAR_90 = 12,      /* ry is so close to 90 degrees that rx and rz are unsure */
-    KIV_TRUST_SPARE_DISAGREES = 13  /* dual level: the levels ask for another elevation than the encoder's */
+    KIV_TRUST_SPARE_DISAGREES =
+        13 /* dual level: the levels ask for another elevation than the encoder's */
 };
 /* The word that kiv run prints: "good", "outside_limits"; null for another number. */
 const char* kiv_trust_name(int trust);

@@ -24,11 +24,16 @@ std::string shownOutput(const std::string& name) {
 
 bool sameFile(const std::string& one, const std::string& other) {
     std::error_code failed;
+    return std::filesystem::equivalent(pathOf(one), pathOf(other), failed) && !failed;
+}
+
+bool sameOutput(const std::string& one, const std::string& other) {
+    std::error_code failed;
     if (one == "-" || other == "-")
         return one == other;
     if (other.empty() || std::filesystem::is_other(pathOf(one), failed))
         return false;
-    if (std::filesystem::equivalent(pathOf(one), pathOf(other), failed))
+    if (sameFile(one, other))
         return true;
     const auto place = [&](const std::string& name) {
         return std::filesystem::weakly_canonical(std::filesystem::absolute(pathOf(name), failed),
@@ -118,8 +123,7 @@ bool Output::finish(std::ostream& err) {
 bool refuseOverwriting(const std::string& output, const std::vector<std::string>& inputs,
                        std::ostream& err) {
     for (const std::string& input : inputs) {
-        std::error_code failed;
-        if (std::filesystem::equivalent(pathOf(output), pathOf(input), failed) && !failed) {
+        if (sameFile(output, input)) {
             err << output << ":1:1: expected an output of its own, found the input " << input
                 << '\n';
             return true;

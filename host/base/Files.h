@@ -64,8 +64,11 @@ std::filesystem::path pathOf(const std::string& name);
 std::string shownInput(const std::string& name);
 std::string shownOutput(const std::string& name);
 
-// Whether two names of outputs mean one place, where a file is or will be, or standard output.
+// Two names lead to one file that is there, also by links.
 bool sameFile(const std::string& one, const std::string& other);
+
+// Two names of outputs mean one place, where a file is or will be, or standard output.
+bool sameOutput(const std::string& one, const std::string& other);
 
 // Says that a file cannot be opened, and why.
 void reportUnopened(std::ostream& err, const std::string& name, const char* expected);

@@ -9,11 +9,12 @@
 #include <vector>
 
 #include "host/base/Files.h"
-#include "support/Numbers.h"
 #include "host/commandline/HelpTexts.h"
 #include "host/rows/Readings.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
+#include "support/Numbers.h"
+#include "support/VersionText.h"
 #include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {
@@ -44,6 +45,11 @@ CLI::Validator numberFrom(double least, double largest) {
         return message.append(", found ").append(text);
     };
     return {check, ""};
+}
+
+std::string finiteNumber(const std::string& text) {
+    const auto number = numberIn<double>(text);
+    return number && std::isfinite(*number) ? "" : "expected a finite number, found " + text;
 }
 
 // A whole number. The parser's own reading takes one with a leading zero as octal.
@@ -114,7 +120,7 @@ CommandLine::CommandLine() : app("", "kiv") {
     app.formatter_fn([](const CLI::App* command, const std::string&, CLI::AppFormatMode) {
         return std::string(helpText(command->get_name()));
     });
-    app.set_version_flag("-V,--version", KIV_VERSION);
+    app.set_version_flag("-V,--version", versionText);
     app.require_subcommand(1);
     app.allow_windows_style_options(false); // a path may begin with a slash
     addRun();
@@ -296,11 +302,17 @@ void CommandLine::addHome() {
     CLI::Option* table = addFile(command, "table", home.table);
     addFile(command, "-o,--output", home.results)->needs(table)->capture_default_str();
     const auto vectorOption = [&](const char* name, std::vector<double>& values, int count) {
-        command.add_option(name, values)
+        command
+            .add_option_function<std::vector<std::string>>(
+                name,
+                [&values](const std::vector<std::string>& texts) {
+                    for (const std::string& text : texts)
+                        values.push_back(*numberIn<double>(text));
+                })
             ->delimiter(',')
             ->expected(count)
             ->excludes(table)
-            ->check(CLI::Number);
+            ->check(finiteNumber);
     };
     vectorOption("--frame-x", home.frameX, 3);
     vectorOption("--direction", home.direction, 3);

@@ -6,9 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "support/Numbers.h"
 #include "host/parameters/Findings.h"
 #include "params/BlockNames.h"
+#include "support/Numbers.h"
 #include "support/Principles.h"
 
 namespace kiv::host {

@@ -8,10 +8,10 @@
 #include <ostream>
 
 #include "host/base/Interrupt.h"
-#include "support/Numbers.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/report/ReportPage.h"
 #include "host/run/ReadingsRun.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 

@@ -4,10 +4,11 @@
 #include <ostream>
 #include <vector>
 
-#include "support/Numbers.h"
 #include "host/parameters/Findings.h"
 #include "params/Parser.h"
+#include "params/Quoted.h"
 #include "params/Survey.h"
+#include "support/Numbers.h"
 #include "support/platform/ByteSource.h"
 
 namespace kiv::host {
@@ -55,7 +56,7 @@ void reportCost(const Document& before, const std::string& rewritten, const std:
                 lost = true;
                 report(err, path,
                        {{layout.block, place.line, place.column,
-                         "the value " + shown(was[i]) + " in \"" + std::string(layout.title) + '"',
+                         "the value " + shown(was[i]) + " in " + quoted(layout.title),
                          "0, all that six decimals keep of it"},
                         false});
             } else if (change > largest.relative * std::abs(double{was[i]})) {
@@ -67,8 +68,8 @@ void reportCost(const Document& before, const std::string& rewritten, const std:
     if (largest.relative > 0) {
         text = "largest relative change of a value: ";
         appendRounded(text, largest.relative, 2);
-        text += ", from " + shown(largest.before) + " to " + shown(largest.after) + " in \"";
-        text.append(largest.title).append("\", line ");
+        text += ", from " + shown(largest.before) + " to " + shown(largest.after) + " in ";
+        text += quoted(largest.title) + ", line ";
         text +=
             std::to_string(largest.place.line) + ", column " + std::to_string(largest.place.column);
     } else {

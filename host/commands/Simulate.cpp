@@ -5,7 +5,6 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "host/base/Files.h"
-#include "support/Numbers.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/rows/Poses.h"
 #include "host/rows/Readings.h"
@@ -13,6 +12,7 @@
 #include "simulator/InverseCalibration.h"
 #include "simulator/Mounting.h"
 #include "simulator/Random.h"
+#include "support/Numbers.h"
 #include "support/Principles.h"
 #include "support/ZelUtil.h"
 

@@ -8,6 +8,7 @@
 
 #include "host/base/Files.h"
 #include "support/Numbers.h"
+#include "support/VersionText.h"
 
 namespace kiv::host {
 
@@ -78,7 +79,8 @@ int verifyInstallation(const VerifyOptions& options, const Streams& streams,
         && std::all_of(checks.begin(), checks.end(), [](const ModelCheck& c) { return c.good(); });
 
     std::string& text = output.text();
-    text += "kiv " KIV_VERSION ", built for " KIV_BUILT_FOR
+    text.append("kiv ").append(versionText);
+    text += ", built for " KIV_BUILT_FOR
             "\nLargest differences to the reference cases, readings and angles in degrees:\n\n";
     Cells heading{"model", "mount modes", "cases", "verdict"};
     Cells allowed{"allowed"};

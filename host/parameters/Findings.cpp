@@ -8,8 +8,8 @@
 #include "host/base/Hashing.h"
 #include "host/parameters/LeftCopy.h"
 #include "host/parameters/ParameterFile.h"
-#include "params/ValueWarnings.h"
 #include "params/Survey.h"
+#include "params/ValueWarnings.h"
 #include "support/platform/File.h"
 
 namespace kiv::host {

@@ -8,6 +8,7 @@
 #include "host/base/Hashing.h"
 #include "host/parameters/Findings.h"
 #include "params/ParameterFileName.h"
+#include "params/Quoted.h"
 #include "params/RecordLoading.h"
 
 namespace kiv::host {
@@ -32,8 +33,8 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
                                                           std::ostream& err) {
     auto name = parseParameterFileName(path);
     if (!name)
-        err << path << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found \""
-            << path.substr(nameStart(path)) << "\"\n";
+        err << path << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found "
+            << kiv::quoted(path.substr(nameStart(path))) << '\n';
     return name;
 }
 

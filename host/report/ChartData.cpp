@@ -1,8 +1,8 @@
 #include <cmath>
 #include <span>
 
-#include "support/Numbers.h"
 #include "host/report/Sections.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 

@@ -1,10 +1,10 @@
 #include <span>
 
-#include "KIVInterface/Version.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 #include "support/Numbers.h"
 #include "support/Principles.h"
+#include "support/VersionText.h"
 
 namespace kiv::host {
 
@@ -17,11 +17,6 @@ std::string limitsText(float low, float high) {
 std::string rotationText(const ReportContent& content) {
     return content.localFrame ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx)"
                               : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)";
-}
-
-std::string libraryVersion() {
-    return std::to_string(KIV_VERSION_MAJOR) + '.' + std::to_string(KIV_VERSION_MINOR) + '.'
-           + std::to_string(KIV_VERSION_PATCH);
 }
 
 std::string tableList(std::span<const TableFacts> tables) {
@@ -92,7 +87,7 @@ void appendProvenance(std::string& html, const ReportContent& content) {
         line("Time", content.axis.text(bins.front().firstX) + " to "
                          + content.axis.text(bins.back().lastX)
                          + (content.axis.overDates() ? "" : " s"));
-    line("Software", "kiv " KIV_VERSION ", library " + libraryVersion());
+    line("Software", std::string("kiv ") + versionText + ", library " + versionText);
     html += "</table>\n</section>\n";
 }
 

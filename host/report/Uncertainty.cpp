@@ -1,6 +1,6 @@
-#include "support/Numbers.h"
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
+#include "support/Numbers.h"
 #include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {

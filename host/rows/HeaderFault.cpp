@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
-#include "support/Numbers.h"
 #include "params/Quoted.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 

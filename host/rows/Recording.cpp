@@ -1,11 +1,11 @@
 #include "host/rows/Recording.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <sstream>
-#include <unordered_map>
 
 #include "host/rows/Readings.h"
-#include "support/platform/File.h"
 
 namespace kiv::host {
 
@@ -19,16 +19,20 @@ bool mayWait(const std::string& name) {
 
 // False, and a message, when a file is there twice, under whatever name.
 bool eachOnce(const std::vector<std::string>& files, std::ostream& err) {
-    std::unordered_map<std::string, const std::string*> known; // by identity
+    std::multimap<std::uintmax_t, const std::string*> known; // by size: only these can be the same
     for (const std::string& file : files) {
-        const std::string identity = mayWait(file) ? "" : platform::identityOf(file.c_str());
-        if (identity.empty())
+        if (mayWait(file))
             continue;
-        const auto [there, isNew] = known.emplace(identity, &file);
-        if (isNew)
-            continue;
-        err << file << ":1:1: expected each table once, found " << *there->second << " again\n";
-        return false;
+        std::error_code ignored;
+        const std::uintmax_t size = std::filesystem::file_size(pathOf(file), ignored);
+        const auto [first, last] = known.equal_range(size);
+        const auto there =
+            std::find_if(first, last, [&](const auto& k) { return sameFile(*k.second, file); });
+        if (there != last) {
+            err << file << ":1:1: expected each table once, found " << *there->second << " again\n";
+            return false;
+        }
+        known.emplace(size, &file);
     }
     return true;
 }

@@ -11,11 +11,11 @@
 #include <vector>
 
 #include "host/base/MessageLimit.h"
-#include "support/Numbers.h"
 #include "host/rows/Csv.h"
 #include "host/rows/LineBlocks.h"
 #include "host/rows/TableFormat.h"
 #include "params/Quoted.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 

@@ -23,7 +23,7 @@ bool ReadingsRun::inputsUsable() const {
         return false;
     }
     inputs.push_back(options.parameterFile);
-    if (sameFile(options.output, options.summary)) {
+    if (sameOutput(options.output, options.summary)) {
         streams.err << shownOutput(options.summary)
                     << ":1:1: expected an output of its own, found that of --output\n";
         return false;

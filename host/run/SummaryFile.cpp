@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "KIVInterface/Version.h"
 #include "host/parameters/ParameterFile.h"
+#include "support/VersionText.h"
 #include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::host {
@@ -80,7 +80,7 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
     }
     const bool known = summary.referenceLine() > 0;
     const Json all{
-        {"version", KIV_VERSION},
+        {"version", versionText},
         {"parameter_file", options.parameterFile},
         {"sensor_id", parseParameterFileName(options.parameterFile)->id},
         {"mount_mode", mountMode},

@@ -1,7 +1,7 @@
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/StatusCodes.h"
-#include "KIVInterface/Version.h" // the compiler compares its macros with those of kiv.h
 #include "c/Boundary.h"
+#include "support/VersionText.h" // the compiler compares its macros with those of kiv.h
 
 static_assert(KIV_STATUS_OK == int{KIV_OK} && KIV_STATUS_BAD_ARGUMENT == int{KIV_BAD_ARGUMENT});
 static_assert(KIV_STATUS_CANNOT_OPEN == int{KIV_CANNOT_OPEN});
@@ -9,12 +9,8 @@ static_assert(KIV_STATUS_NOT_LOADED == int{KIV_NOT_LOADED});
 static_assert(KIV_STATUS_BAD_FORMAT == int{KIV_BAD_FORMAT});
 static_assert(KIV_STATUS_NO_TRANSFORM == int{KIV_NO_TRANSFORM});
 
-#define KIV_TEXT_OF(number) #number
-#define KIV_DOTTED(major, minor, patch)                                                            \
-    KIV_TEXT_OF(major) "." KIV_TEXT_OF(minor) "." KIV_TEXT_OF(patch)
-
 const char* kiv_version(void) {
-    return KIV_DOTTED(KIV_VERSION_MAJOR, KIV_VERSION_MINOR, KIV_VERSION_PATCH);
+    return kiv::versionText;
 }
 
 int32_t kiv_version_number(void) {

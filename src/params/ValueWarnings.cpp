@@ -10,6 +10,7 @@
 #include <tuple>
 #include <utility>
 
+#include "params/Quoted.h"
 #include "support/AngleConstants.h"
 #include "support/Numbers.h"
 #include "support/Principles.h"
@@ -71,7 +72,7 @@ private:
     bool isRead(Block block) const;
     std::optional<int> mountMode() const; // where it is there and can be read
     bool limitsCount() const;
-    std::string title() const { return '"' + std::string(layout->title) + '"'; }
+    std::string title() const { return quoted(layout->title); }
     // number: which of the block's, in the order of the text.
     void warn(std::size_t number, std::string expected, std::string found);
     void warn(const Faults& faults, std::string expected);
