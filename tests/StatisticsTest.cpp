@@ -1,11 +1,13 @@
 #include "host/summary/Statistics.h"
 
 #include <cmath>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "host/summary/Quantile.h"
+#include "host/summary/SpareReadings.h"
 
 namespace {
 
@@ -66,6 +68,41 @@ TEST(Statistics, QuantileIsWithinATenthOfAPercent) {
         quantile.add(i * 1e-6);
     EXPECT_GE(quantile.at(0.95), 950e-6);
     EXPECT_LE(quantile.at(0.95), 950e-6 * 1.001);
+}
+
+// Values of a mean and a spread to both sides, with what the uncertainties expect of each.
+TEST(SpareReadings, SpeakAgainstAMeanOrASizeThatIsOff) {
+    const struct {
+        int rows;
+        double mean, spread, expected;
+        const char* objection; // its start
+    } rows[] = {
+        {9, 0.02, 0, 0, ""},
+        {10, 0.02, 0, 0, "expected a mean of 0, found 0.020000 degrees in 10 rows"},
+        {10, -0.02, 0.011, 0, "expected a mean of 0, found -0.020000"},
+        {10, -0.02, 0.013, 0, ""},
+        {1000, 0.0049, 0.001, 0, ""},
+        {100, 0, 0.016, 0.01,
+         "expected 0.010000 degrees by the uncertainties, found 0.016000 in 100"},
+        {98, 0, 0.016, 0.01, ""},
+        {100, 0, 0.014, 0.01, ""},
+        {100, 0, 0.016, 0, ""},
+    };
+    for (const auto& row : rows) {
+        kiv::host::SpareReadings spare;
+        kiv::RowTrust trust;
+        spare.add(trust, 1); // has none
+        for (int i = 0; i < row.rows; ++i) {
+            trust.spare = row.mean + (i % 2 == 0 ? row.spread : -row.spread);
+            trust.spareDeviation = row.expected;
+            spare.add(trust, static_cast<std::size_t>(i) + 2);
+        }
+        const std::string objection = spare.objection();
+        EXPECT_TRUE(objection.starts_with(row.objection)) << objection;
+        EXPECT_EQ(objection.empty(), !*row.objection) << objection;
+        EXPECT_EQ(spare.rows(), static_cast<std::size_t>(row.rows));
+        EXPECT_DOUBLE_EQ(spare.largest(), std::abs(row.mean) + row.spread);
+    }
 }
 
 } // namespace

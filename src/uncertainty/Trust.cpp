@@ -88,7 +88,8 @@ double steepestOf(const float* table, int count) {
 } // namespace
 
 double TrustJudge::Encoder::rounding(float raw, float corrected) const {
-    return halfUlp * std::abs(gain) * (steepest * std::abs(raw) + std::abs(corrected));
+    const float size = std::abs(corrected);
+    return halfUlp * std::abs(gain) * (std::max<double>(steepest * std::abs(raw), size) + size);
 }
 
 TrustJudge::Frame::Frame(const double* matrix, double times) {

@@ -49,6 +49,11 @@ def test_a_fault_in_a_parameter_file_has_its_place(tmp_path):
         kiv.Parameters.from_text("")
 
 
+def test_what_is_doubtful_in_a_parameter_file_is_warned_of():
+    with pytest.warns(kiv.ParameterFileWarning, match="^text:28:14: expected a slope .*, found 0 and 0$"):
+        kiv.Parameters.from_text(EXAMPLE.replace("0.0004	0.992	-0.0003	1.006", "0.0004	0.992	0	0"))
+
+
 @pytest.mark.parametrize("make, kind", [
     (lambda path: path / "Tg5.prm", FileNotFoundError),
     (lambda path: path, OSError),
