@@ -105,6 +105,7 @@ TEST(Info, ShowsOneScreen) {
         EXPECT_LE(line.size(), 100U) << line;
     for (const char* line :
          {"Angle Offset                        azimuth_deg 12.5  elevation_deg -3.25",
+          "Thermal Compensation Factor         x_slope 0.0004  x_intercept 0.992  y_slope -0.0003",
           "AZ Calibration Table                360 rows, 0 to 359 deg, values -0.016151246 to "
           "0.011882429",
           "                                    limits -9 to 9 deg, further value 0, closing word "

@@ -15,9 +15,17 @@ namespace kiv::host {
 
 namespace {
 
-// Keeps the order of the file; numbers in print are the shortest that read back to the same float.
+// Keeps the order of the file; numbers in print read back to the same float.
 using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
                                   std::int64_t, std::uint64_t, float>;
+
+// A number with the digits that it has in JSON.
+std::string digitsOf(float value) {
+    std::string digits = Json(value).dump();
+    if (digits.ends_with(".0"))
+        digits.resize(digits.size() - 2);
+    return digits;
+}
 
 Json rowsOf(const BlockValues& values, std::size_t columns) {
     Json rows = Json::array();
@@ -71,7 +79,7 @@ std::string rangeOf(const BlockValues& values, std::size_t column) {
         least = std::min(least, values.numbers[i]);
         most = std::max(most, values.numbers[i]);
     }
-    return shown(least) + " to " + shown(most);
+    return digitsOf(least) + " to " + digitsOf(most);
 }
 
 // One line each.
@@ -88,8 +96,8 @@ std::vector<std::string> linesOf(const BlockLayout& layout, const BlockValues& v
         return {values.word};
     case BlockKind::numbers:
         for (std::size_t i = 0; i < values.numbers.size(); ++i) {
-            std::string text = names.empty() ? "" : std::string(names[i]) + ' ';
-            appendNumber(text, values.numbers[i]);
+            const std::string name = names.empty() ? "" : std::string(names[i]) + ' ';
+            const std::string text = name + digitsOf(values.numbers[i]);
             const bool newRow = isMatrix(layout.block) && i % 3 == 0;
             if (!lines.back().empty() && (newRow || lines.back().size() + text.size() > width))
                 lines.emplace_back();
@@ -102,9 +110,9 @@ std::vector<std::string> linesOf(const BlockLayout& layout, const BlockValues& v
         if (values.rows() > 0)
             lines[0] += ", " + rangeOf(values, 0) + " deg, values " + rangeOf(values, 1);
         if (layout.kind == BlockKind::tiltTable)
-            lines.push_back("limits " + shown(values.trailing[0]) + " to "
-                            + shown(values.trailing[1]) + " deg, further value "
-                            + shown(values.trailing[2]) + ", closing word " + values.word);
+            lines.push_back("limits " + digitsOf(values.trailing[0]) + " to "
+                            + digitsOf(values.trailing[1]) + " deg, further value "
+                            + digitsOf(values.trailing[2]) + ", closing word " + values.word);
         return lines;
     }
     return {};
