@@ -5,7 +5,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/ConfigureSensor.h"
-#include "host/base/Hashing.h"
+#include "host/base/InputFacts.h"
 #include "host/parameters/Findings.h"
 #include "params/ParameterFileName.h"
 #include "params/Quoted.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "KIVInterface/Records.h"
-#include "host/base/Hashing.h"
+#include "host/base/InputFacts.h"
 #include "host/report/Envelope.h"
 #include "host/report/Quantities.h"
 #include "host/report/RowRuns.h"

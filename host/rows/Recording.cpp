@@ -100,8 +100,8 @@ bool Recording::nextBlock(LineBlock& block) {
             current = block.brokenOff ? files.size() : current;
             return true;
         }
-        block.table = current;
         if (tables[current]->nextBlock(block)) {
+            block.table = current;
             current = block.brokenOff ? files.size() : current;
             return true;
         }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/base/InputFacts.h"
 #include "host/rows/TableInput.h"
 
 namespace kiv::host {

@@ -19,15 +19,14 @@ bool TableInput::open(const std::string& file, std::span<const std::string_view>
         return false;
     blocks.emplace(input.stream(), input.name(), format.blockBytes);
     bool found = true;
-    while (found && block.text.empty() && !block.brokenOff)
-        found = readBlock(block);
-    if (block.text.empty()) {
+    while (found && head.text.empty() && !head.brokenOff)
+        found = readBlock(head);
+    if (head.text.empty()) {
         streams.err << name() << ":1:1: expected a row of column names, found "
-                    << (block.brokenOff ? "a file that cannot be read" : "end of file") << '\n';
+                    << (head.brokenOff ? "a file that cannot be read" : "end of file") << '\n';
         return false;
     }
-    rows.start(block);
-    ends = block.said;
+    rows.start(head);
     if (rows.readHeader(reserved))
         return true;
     show(rows.messages(), streams.err);
@@ -41,10 +40,20 @@ bool TableInput::hasColumnsOf(const TableInput& first, std::ostream& err) {
     return false;
 }
 
+bool TableInput::nextBlock(LineBlock& next) {
+    if (headGiven)
+        return readBlock(next);
+    headGiven = true;
+    next = head;
+    next.text = rows.rest();
+    next.firstLine = rows.lineNumber() + 1;
+    return true;
+}
+
 bool TableInput::nextRow() {
     while (!rows.nextRow()) {
         const Interrupt::Waiting waiting(block.inputWouldWait);
-        if (Interrupt::requested() || !readBlock(block))
+        if (Interrupt::requested() || !nextBlock(block))
             return false;
         rows.start(block);
         ends += block.said;
@@ -62,20 +71,6 @@ bool TableInput::finish(const MessageLimit& limit, Output& output, std::ostream&
     limit.reportOthers(name());
     const bool readAll = reportEnd(err);
     return output.finish(err) && readAll;
-}
-
-bool TableInput::nextBlock(LineBlock& next) {
-    if (blockGiven)
-        return readBlock(next);
-    blockGiven = true;
-    const std::string_view rest = rows.rest();
-    next.text.assign(rest);
-    next.name = block.name;
-    next.firstLine = rows.lineNumber() + 1;
-    next.inputWouldWait = block.inputWouldWait;
-    next.brokenOff = block.brokenOff;
-    next.said = block.said;
-    return true;
 }
 
 } // namespace kiv::host

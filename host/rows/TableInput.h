@@ -28,7 +28,10 @@ public:
     const std::string& name() const { return input.name(); }
     std::uintmax_t size() const { return input.size(); } // bytes, 0 where unknown
 
-    // The table row by row; false at its end.
+    // The lines behind the row of names, block by block; false at the end.
+    bool nextBlock(LineBlock& next);
+
+    // The same blocks row by row; false at the end.
     bool nextRow();
     bool wouldWait() const { return rows.rest().empty() && block.inputWouldWait; }
     // Then: false, and a message, where reading broke off; a warning of a cut last row.
@@ -40,17 +43,15 @@ public:
     // False, and a message, when the names are not the same in the same order.
     bool hasColumnsOf(const TableInput& first, std::ostream& err);
 
-    // Or block by block, without the row of names; false at its end.
-    bool nextBlock(LineBlock& next);
-
 private:
     bool readBlock(LineBlock& next);
 
     const TableFormat& format;
     Input input;
     std::optional<LineBlockReader> blocks;
-    LineBlock block;
-    bool blockGiven = false;
+    LineBlock head;         // with the row of names
+    bool headGiven = false; // what is behind that row
+    LineBlock block;        // of the row
     bool broken = false;
     std::string ends; // what was said of the end
     Table rows;

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "host/rows/RowLoop.h"
 #include "host/rows/TableInput.h"
 
 namespace kiv::host {
@@ -23,25 +24,31 @@ bool takeReference(const ReadingsOptions& options, RowRunner& runner, const Stre
         return false;
     MessageLimit limit(options.format.mostMessages, streams.err);
     Table& table = input.table();
-    while (input.nextRow()) {
+    bool tried = false; // the line that was asked for
+    bool found = false;
+    const auto next = [&] { return input.nextRow(); };
+    forEachRow(input, next, [&](bool) {
         if (line > 0 && table.lineNumber() != line)
-            continue;
-        runner.run(table, given.result);
-        if (given.result.state == RowState::reference) {
-            given.table = input.name();
-            given.line = table.lineNumber();
-            limit.reportOthers(input.name());
-            for (LineBlock rest; hash && input.nextBlock(rest);) {
-            }
             return true;
-        }
-        if (line > 0)
+        tried = line > 0;
+        runner.run(table, given.result);
+        found = given.result.state == RowState::reference;
+        if (tried && !found)
             table.reportRow(expectedRow, wordsOf(given.result.reason).text);
-        limit.take(table.messages());
-        if (line > 0)
-            return false;
-    }
+        if (!found)
+            limit.take(table.messages());
+        return !tried && !found;
+    });
+    if (tried && !found)
+        return false;
     limit.reportOthers(input.name());
+    if (found) {
+        given.table = input.name();
+        given.line = table.lineNumber();
+        for (LineBlock rest; hash && input.nextBlock(rest);) { // the digest is that of all
+        }
+        return true;
+    }
     if (!input.reportEnd(streams.err))
         return false;
     streams.err << input.name() << ':' << table.lineNumber() + 1 << ":1: expected " << expectedRow
