@@ -26,7 +26,7 @@ std::string timeOfRun() {
 }
 
 // A row's messages without the place in front that they share, and without their own.
-NoResult noResult(const Row& row, const std::string& fileName) {
+NoResult noResult(const ComputedRow& row, const std::string& fileName) {
     const std::size_t placeSize = fileName.size() + std::to_string(row.line).size() + 2;
     NoResult result{row.result.state, "", ""};
     for (const Message& message : row.messages) {
@@ -51,7 +51,7 @@ Envelope::Mark markOf(const RowResult& result) {
 }
 
 // The summary has the angles and residuals, the report the rest.
-void addValues(ReportContent& content, const Row& row, double time) {
+void addValues(ReportContent& content, const ComputedRow& row, double time) {
     std::array<double, quantityCount> values;
     values.fill(NAN);
     const auto set = [&](Quantity quantity, double value) { values[at(quantity)] = value; };
@@ -92,7 +92,7 @@ void addValues(ReportContent& content, const Row& row, double time) {
     content.envelope.addRow(time, values, markOf(result));
 }
 
-void addRow(ReportContent& content, const Row& row, TimeColumn& time) {
+void addRow(ReportContent& content, const ComputedRow& row, TimeColumn& time) {
     const std::string& table = content.facts.readings[row.table].name;
     const TimeColumn::Point point =
         time.next(row.time, row.line, content.hasSeveralTables() ? table : std::string_view());
@@ -136,11 +136,11 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
 
     TimeColumn time(run.table());
     run.forEach(
-        [&](const Table& table, Row& row, std::string&) {
+        [&](const Table& table, ComputedRow& row, std::string&) {
             if (row.result.reason != Reason::rowShape)
                 row.time = time.timeIn(table);
         },
-        [&](const Row& row) {
+        [&](const ComputedRow& row) {
             addRow(content, row, time);
             return true;
         });

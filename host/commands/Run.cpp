@@ -94,11 +94,11 @@ int runReadings(const RunOptions& options, const Streams& streams) {
     text.back() = '\n';
 
     run.forEach(
-        [&](const Table& row, const Row& computed, std::string& results) {
+        [&](const Table& row, const ComputedRow& computed, std::string& results) {
             row.appendCarriedCells(results);
             appendResult(results, computed.result, run);
         },
-        [&](const Row&) { return !options.stopOnBad || run.summary().allGood(); });
+        [&](const ComputedRow&) { return !options.stopOnBad || run.summary().allGood(); });
     return run.finish();
 }
 

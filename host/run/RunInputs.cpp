@@ -1,0 +1,89 @@
+#include "host/run/RunInputs.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include "host/parameters/ParameterFile.h"
+#include "host/run/UncertaintyFile.h"
+#include "sensor/SensorAccess.h"
+
+namespace kiv::host {
+
+bool RunInputs::open(std::span<const std::string_view> results, InputFacts* facts) {
+    CKiv sensor;
+    InputFacts own;
+    InputFacts& all = facts ? *facts : own;
+    if (!loadSensor(options.parameterFile, parameters, sensor, streams.err, &all) || !namesUsable())
+        return false;
+    warnings = all.parameterWarnings;
+    sensor.setMcsFlag(!options.localFrame);
+    mode = SensorAccess::mountMode(sensor);
+    if (options.localFrame && !localFrame())
+        streams.err << "kiv: --frame local has no effect in mount mode " << mode << '\n';
+    if (!readUncertainties())
+        return false;
+    F_VECTOR4 levelLimits{};
+    parameters.GetKIVLevelLimits(levelLimits);
+    runner.emplace(sensor, levelLimits, given);
+    if (!tables.open(results, facts ? &facts->readings : nullptr) || !renamedColumnsThere()
+        || !referenceReadable()
+        || !takeReference(options, *runner, streams, reference,
+                          facts ? &facts->reference : nullptr))
+        return false;
+    trueAngles.emplace(tables.table(), !localFrame());
+    return comparableWhereAsked();
+}
+
+bool RunInputs::namesUsable() const {
+    std::vector<std::string> inputs = options.readings;
+    inputs.insert(inputs.end(), {options.uncertaintyFile, options.referenceFile});
+    if (std::count(inputs.begin(), inputs.end(), "-") > 1) {
+        streams.err << "kiv: expected one input from standard input, found several\n";
+        return false;
+    }
+    inputs.push_back(options.parameterFile);
+    if (sameOutput(options.output, options.summary)) {
+        streams.err << shownOutput(options.summary)
+                    << ":1:1: expected an output of its own, found that of --output\n";
+        return false;
+    }
+    return !refuseOverwriting(options.output, inputs, streams.err)
+           && !refuseOverwriting(options.summary, inputs, streams.err);
+}
+
+bool RunInputs::readUncertainties() {
+    given = options.uncertainties;
+    return options.uncertaintyFile.empty()
+           || host::readUncertainties(options.uncertaintyFile, mode, given.emplace(), streams);
+}
+
+// Columns that the model does without, too.
+bool RunInputs::renamedColumnsThere() const {
+    for (const auto& [ours, theirs] : options.format.otherNames) {
+        if (tables.table().find(ours))
+            continue;
+        streams.err << tables.first().name() << ":1:1: expected a column " << quoted(theirs)
+                    << " for " << ours << ", found none\n";
+        return false;
+    }
+    return true;
+}
+
+bool RunInputs::referenceReadable() const {
+    if (options.referenceLine == 0 || tables.first().size() > 0)
+        return true;
+    streams.err << tables.first().name()
+                << ":1:1: expected a file for --reference-line, found what can be read only once\n";
+    return false;
+}
+
+bool RunInputs::comparableWhereAsked() const {
+    if (!options.tolerance || trueAngles->comparable())
+        return true;
+    streams.err << tables.first().name()
+                << ":1:1: expected true angles in machine coordinates for --tolerance, found "
+                << (localFrame() ? "a run in the local frame" : "no columns of them") << '\n';
+    return false;
+}
+
+} // namespace kiv::host

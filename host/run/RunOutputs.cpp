@@ -1,0 +1,93 @@
+#include "host/run/RunOutputs.h"
+
+#include <ostream>
+
+#include "host/base/Interrupt.h"
+#include "host/base/Progress.h"
+#include "host/run/SummaryFile.h"
+
+namespace kiv::host {
+
+bool RunOutputs::open() {
+    const GivenReference& reference = inputs.givenReference();
+    if (options.referenceLine == 0 && reference.line > 0)
+        totals.nameReference(reference.table, reference.line, reference.result.trust.trust);
+    if (inputs.uncertainties())
+        totals.expectUncertainties();
+    // An earlier summary must not be left beside new results.
+    return (options.summary.empty() || writtenSummary.open(options.summary, streams))
+           && written.open(options.output, streams);
+}
+
+bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress) {
+    const LineBlock& block = batch.block;
+    std::size_t textEnd = 0;
+    std::size_t taken = 0;
+    bool goOn = true;
+    for (; goOn && taken < batch.count; ++taken) {
+        const ComputedRow& row = batch.rows[taken];
+        limit.take(row.messages);
+        totals.add(row.result, row.line, row.truth,
+                   inputs.recording().hasSeveral() ? block.name : std::string_view());
+        textEnd = row.textEnd;
+        goOn = take(row);
+    }
+    progress.add(taken, block.text.size());
+    const std::string_view text(batch.text);
+    if (!written.write(text.substr(0, textEnd), block.inputWouldWait))
+        return false;
+    if (taken == batch.count) {
+        ends += block.said;
+        broken = block.brokenOff;
+    }
+    return goOn && !broken;
+}
+
+bool RunOutputs::writeSummary() {
+    writtenSummary.text() =
+        summaryText(totals, options, inputs.mountMode(), inputs.uncertainties());
+    return writtenSummary.finish(streams.err);
+}
+
+bool RunOutputs::withinTolerance() const {
+    if (!options.tolerance)
+        return true;
+    if (totals.compared() == 0) {
+        streams.err << "expected rows with angles to compare for --tolerance, found none\n";
+        return false;
+    }
+    if (totals.largestResidual() <= *options.tolerance)
+        return true;
+    streams.err << "expected differences to the true angles of " << shown(*options.tolerance)
+                << " degrees at most, found " << degreesText(totals.largestResidual()) << '\n';
+    return false;
+}
+
+bool RunOutputs::strictlyGood() const {
+    if (!options.strict)
+        return true;
+    if (totals.count(RowState::ok) > 0)
+        return totals.allTrusted() && totals.spareReadings().objection().empty()
+               && inputs.parameterWarnings() == 0;
+    streams.err << "expected rows with angles for --strict, found none\n";
+    return false;
+}
+
+int RunOutputs::finish() {
+    limit.reportOthers(inputs.recording().name());
+    streams.err << ends;
+    if (!written.finish(streams.err) || broken)
+        return unusable;
+    totals.printCounts(streams.err);
+    if (!options.quiet)
+        totals.printStatistics(streams.err);
+    if (!options.summary.empty() && !writeSummary())
+        return unusable;
+    const bool close = withinTolerance();
+    const bool trusted = strictlyGood();
+    if (Interrupt::requested())
+        return interrupted;
+    return totals.allGood() && close && trusted ? allGood : someRowsBad;
+}
+
+} // namespace kiv::host

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "host/base/Files.h"
+#include "host/base/MessageLimit.h"
+#include "host/run/ComputedRow.h"
+#include "host/run/RunInputs.h"
+#include "host/summary/Summary.h"
+
+namespace kiv::host {
+
+class Progress;
+
+// What a run gives: the output, the messages about its rows, the summary and the exit code.
+class RunOutputs {
+public:
+    RunOutputs(const ReadingsOptions& asked, const RunInputs& opened, const Streams& own,
+               bool withResidualFigures)
+        : options(asked), inputs(opened), streams(own), limit(asked.format.mostMessages, own.err),
+          totals(withResidualFigures) {}
+
+    // False, and a message, when one cannot be written.
+    bool open();
+
+    Output& output() { return written; }
+    const Summary& summary() const { return totals; }
+    bool brokenOff() const { return broken; } // reading, before the end
+
+    // Takes one row after the other; false ends the run behind it.
+    using Take = std::function<bool(const ComputedRow&)>;
+    // The rows of a batch in their turn; false when the run ends here.
+    bool add(const RowBatch& batch, const Take& take, Progress& progress);
+
+    // Ends the output, shows and writes the summary. An exit code.
+    int finish();
+
+private:
+    bool writeSummary();
+    // Both hold where they are not asked for; false also where there is nothing to test, with a
+    // message.
+    bool withinTolerance() const;
+    bool strictlyGood() const;
+
+    const ReadingsOptions& options;
+    const RunInputs& inputs;
+    const Streams& streams;
+    MessageLimit limit;
+    Output written;
+    Output writtenSummary;
+    Summary totals;
+    bool broken = false; // reading
+    std::string ends;    // what was said of the tables' ends
+};
+
+} // namespace kiv::host
