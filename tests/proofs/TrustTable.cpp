@@ -1,5 +1,5 @@
-// Whether the library is right about how far its results can be trusted: the tables of the section
-// on trust of docs/accuracy.md.
+// Whether the library is right about how far its results can be trusted: its part of
+// docs/accuracy-tables.md.
 //   kiv_trust [--poses N] [--draws N] [--check PAGE]
 // N is the number of poses of each model's bound, 1000000 by default, and that of the draws of each
 // Monte Carlo evaluation, 100000. --check compares the tables with a page's. Exit code 1 where they
@@ -127,6 +127,12 @@ double allowance(double required, double spread, std::size_t rows) {
     return std::max(required, 4.5 * spread / std::sqrt(static_cast<double>(rows)));
 }
 
+// Within single precision the largest of many says how many they are, and no more.
+std::string excess(const docs::BoundTrial& t) {
+    return t.largestExcess <= docs::singlePrecision ? "at most " + digits(docs::singlePrecision, 1)
+                                                    : docs::about + digits(t.largestExcess, 1);
+}
+
 void addBounds(std::vector<std::string>& lines, Proofs& proofs, const Counts& counts) {
     lines.push_back(
         docs::tableLine({"Model", "Modes", "Case", "Tilts to", "Sights to", "Good, %",
@@ -145,7 +151,7 @@ void addBounds(std::vector<std::string>& lines, Proofs& proofs, const Counts& co
                                        (row.wholeRange ? "" : docs::about)
                                            + share(t.wronglyGood, t.good),
                                        docs::about + digits(t.largestError, 1),
-                                       docs::about + digits(t.largestExcess, 1),
+                                       excess(t),
                                        row.wholeRange ? share(t.rightNotGood, t.right) : ""};
         lines.push_back(docs::tableLine(cells));
         const bool beyond = row.text == "tilted far beyond the limits";
@@ -180,9 +186,9 @@ void addAnySensor(std::vector<std::string>& lines, Proofs& proofs, const Counts&
         for (int mode = row.firstMode; mode <= row.lastMode; ++mode) {
             const docs::WideTrial t = docs::tryAnySensor(
                 mode, row.dead, row.noneGood ? counts.poses / 100 : counts.poses);
-            lines.push_back(docs::tableLine(
-                {row.text, std::to_string(mode), docs::about + share(t.good, t.rows),
-                 share(t.wronglyGood, t.good), docs::about + digits(t.largestExcess, 1)}));
+            lines.push_back(docs::tableLine({row.text, std::to_string(mode),
+                                             docs::about + share(t.good, t.rows),
+                                             share(t.wronglyGood, t.good), excess(t)}));
             proofs.expect(100000 * t.wronglyGood <= t.good && t.farAbove == 0, lines.back(),
                           std::to_string(t.wronglyGood) + " good rows above their bound");
             proofs.expect(!row.noneGood || t.good == 0, lines.back(), "good rows");

@@ -19,8 +19,7 @@ namespace {
 
 using simulator::Pose;
 
-constexpr double singlePrecision = 2e-5; // degrees, of the reported angles
-constexpr double rightError = 0.001;     // degrees
+constexpr double rightError = 0.001; // degrees
 constexpr std::uint64_t seed = 20;
 
 // Reported less true angles, degrees.

@@ -13,6 +13,9 @@
 // the example sensor's encoders and tilt tables from -35 to 35 whose limits are 29 degrees.
 namespace kiv::docs {
 
+// The reported angles' own rounding, degrees: no error above the bound is smaller.
+inline constexpr double singlePrecision = 2e-5;
+
 // Exact readings.
 struct BoundTrial {
     std::size_t rows = 0; // with an orientation
