@@ -1,5 +1,8 @@
 #include <cmath>
+#include <cstdint>
 #include <span>
+
+#include <nlohmann/json.hpp>
 
 #include "host/report/Sections.h"
 #include "support/Numbers.h"
@@ -8,98 +11,91 @@ namespace kiv::host {
 
 namespace {
 
-// Pairs of a bin and how many of its rows are marked.
-void appendMarks(std::string& json, std::span<const Envelope::Bin> bins, const char* name,
-                 std::size_t Envelope::Bin::*count) {
-    json.append(",\"").append(name).append("\":[");
-    const char* separator = "";
-    for (std::size_t i = 0; i < bins.size(); ++i) {
-        if (bins[i].*count == 0)
-            continue;
-        json += separator;
-        json += '[' + std::to_string(i) + ',' + std::to_string(bins[i].*count) + ']';
-        separator = ",";
-    }
-    json += ']';
+using Json = nlohmann::ordered_json;
+
+// What is not finite becomes null; whole numbers need no point.
+Json number(double value) {
+    if (!std::isfinite(value))
+        return {};
+    const bool whole = std::abs(value) < 1e15 && value == std::trunc(value);
+    return whole ? Json(static_cast<std::int64_t>(value)) : Json(value);
 }
 
-// One value a bin; what is not finite becomes null.
+// A float is written with its own digits, not with those of the double that it is.
+Json number(float value) {
+    return std::isfinite(value) ? number(*numberIn<double>(shown(value))) : Json();
+}
+
+// Pairs of a bin and how many of its rows are marked.
+Json marksOf(std::span<const Envelope::Bin> bins, std::size_t Envelope::Bin::*count) {
+    Json marks = Json::array();
+    for (std::size_t i = 0; i < bins.size(); ++i)
+        if (bins[i].*count > 0)
+            marks.push_back({i, bins[i].*count});
+    return marks;
+}
+
+// One value a bin.
 template <typename ValueOf>
-void appendArray(std::string& json, const char* name, std::size_t count, ValueOf&& valueOf) {
-    json.append(",\"").append(name).append("\":[");
-    for (std::size_t i = 0; i < count; ++i) {
-        if (i > 0)
-            json.push_back(',');
-        const auto value = valueOf(i);
-        if (std::isfinite(value))
-            appendNumber(json, value);
-        else
-            json += "null";
-    }
-    json += ']';
+Json arrayOf(std::size_t count, ValueOf valueOf) {
+    Json values = Json::array();
+    for (std::size_t i = 0; i < count; ++i)
+        values.push_back(number(valueOf(i)));
+    return values;
 }
 
 // Of a bin across the seam the first side; the second one comes as [bin, mean, least, largest].
-void appendSeries(std::string& json, const Envelope& envelope, std::size_t q) {
+Json seriesOf(const Envelope& envelope, std::size_t q) {
     const std::size_t count = envelope.bins().size();
     const bool direction = isDirection(static_cast<Quantity>(q));
     const bool thinned = envelope.rowsPerBin() > 1;
     const auto acrossSeam = [&](std::size_t i) {
         return direction && thinned && envelope.acrossSeam(i, q);
     };
-    const auto array = [&](const char* name, auto valueOf) {
-        appendArray(json, name, count, [&](std::size_t i) {
+    const auto array = [&](auto valueOf) {
+        return arrayOf(count, [&](std::size_t i) {
             const Envelope::Range range =
                 acrossSeam(i) ? envelope.side(i, q, 0) : envelope.range(i, q);
             return range.count == 0 ? NAN : static_cast<float>(valueOf(range));
         });
     };
-    json.append("{\"name\":\"").append(quantityWords[q].key).append("\"");
-    array("mean", [](const Envelope::Range& range) { return range.mean(); });
+    Json series{{"name", quantityWords[q].key}};
+    series["mean"] = array([](const Envelope::Range& range) { return range.mean(); });
     if (thinned) {
-        array("least", [](const Envelope::Range& range) { return range.least; });
-        array("largest", [](const Envelope::Range& range) { return range.largest; });
+        series["least"] = array([](const Envelope::Range& range) { return range.least; });
+        series["largest"] = array([](const Envelope::Range& range) { return range.largest; });
     }
-    if (direction) {
-        json += ",\"seam\":[";
-        const char* separator = "";
-        for (std::size_t i = 0; i < count; ++i) {
-            if (!acrossSeam(i))
-                continue;
-            const Envelope::Range& other = envelope.side(i, q, 1);
-            json.append(separator).append("[").append(std::to_string(i));
-            for (const double value : {other.mean(), other.least, other.largest})
-                appendNumber(json += ',', static_cast<float>(value));
-            json += ']';
-            separator = ",";
-        }
-        json += ']';
+    if (!direction)
+        return series;
+    Json& seam = series["seam"] = Json::array();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!acrossSeam(i))
+            continue;
+        Json second = Json::array({i});
+        const Envelope::Range& other = envelope.side(i, q, 1);
+        for (const double value : {other.mean(), other.least, other.largest})
+            second.push_back(number(static_cast<float>(value)));
+        seam.push_back(second);
     }
-    json += '}';
+    return series;
 }
 
-void appendChart(std::string& json, const ReportContent& content, const Chart& chart) {
-    json.append("{\"id\":\"").append(chart.id).append("\",\"series\":[");
-    for (std::size_t q = at(chart.first); q <= at(chart.last); ++q) {
-        appendSeries(json, content.envelope, q);
-        json += q == at(chart.last) ? ']' : ',';
-    }
-    if (chart.first == Quantity::tiltX) {
-        const F_VECTOR4& limits = content.levelLimits;
-        const auto pair = [&](float low, float high) {
-            json += low < high ? '[' + shown(low) + ',' + shown(high) + ']' : "null";
-        };
-        json += ",\"limits\":[";
-        pair(limits.x, limits.y);
-        json += ',';
-        pair(limits.z, limits.w);
-        json += ']';
-    }
+Json limitsOf(float low, float high) {
+    return low < high ? Json{number(low), number(high)} : Json();
+}
+
+Json chartOf(const ReportContent& content, const Chart& chart) {
+    Json data{{"id", chart.id}, {"series", Json::array()}};
+    for (std::size_t q = at(chart.first); q <= at(chart.last); ++q)
+        data["series"].push_back(seriesOf(content.envelope, q));
+    const F_VECTOR4& limits = content.levelLimits;
+    if (chart.first == Quantity::tiltX)
+        data["limits"] = Json::array({limitsOf(limits.x, limits.y), limitsOf(limits.z, limits.w)});
     if (content.hasUncertainty() && chart.first == Quantity::rx)
-        json += ",\"bands\":\"value\"";
+        data["bands"] = "value";
     if (content.hasUncertainty() && chart.first == Quantity::residualX)
-        json += ",\"bands\":\"zero\"";
-    json += "},";
+        data["bands"] = "zero";
+    return data;
 }
 
 } // namespace
@@ -107,29 +103,26 @@ void appendChart(std::string& json, const ReportContent& content, const Chart& c
 void appendChartData(std::string& json, const ReportContent& content) {
     const Envelope& envelope = content.envelope;
     const auto bins = envelope.bins();
-    json.append("{\"x\":\"").append(content.axis.name());
-    json.append("\",\"dates\":").append(content.axis.overDates() ? "true" : "false");
-    json += ",\"rowsPerBin\":" + std::to_string(envelope.rowsPerBin());
-    json += ",\"rows\":" + std::to_string(envelope.rows());
+    Json data{{"x", content.axis.name()},
+              {"dates", content.axis.overDates()},
+              {"rowsPerBin", envelope.rowsPerBin()},
+              {"rows", envelope.rows()}};
     if (content.summary.count(RowState::reference) > 0)
-        json += ",\"reference\":"
-                + (content.axis.overTime() ? shown(content.referenceTime)
-                                           : std::to_string(content.referenceRow));
+        data["reference"] =
+            content.axis.overTime() ? Json(content.referenceTime) : Json(content.referenceRow);
     if (content.axis.overTime()) {
-        appendArray(json, "first", bins.size(), [&](std::size_t i) { return bins[i].firstX; });
+        data["first"] = arrayOf(bins.size(), [&](std::size_t i) { return bins[i].firstX; });
         if (envelope.rowsPerBin() > 1)
-            appendArray(json, "last", bins.size(), [&](std::size_t i) { return bins[i].lastX; });
+            data["last"] = arrayOf(bins.size(), [&](std::size_t i) { return bins[i].lastX; });
     }
-    appendMarks(json, bins, "refused", &Envelope::Bin::refused);
-    appendMarks(json, bins, "noOrientation", &Envelope::Bin::noOrientation);
-    appendMarks(json, bins, "notGood", &Envelope::Bin::notGood);
-    json += ",\"charts\":[";
+    data["refused"] = marksOf(bins, &Envelope::Bin::refused);
+    data["noOrientation"] = marksOf(bins, &Envelope::Bin::noOrientation);
+    data["notGood"] = marksOf(bins, &Envelope::Bin::notGood);
+    data["charts"] = Json::array();
     for (const Chart& chart : charts)
         if (content.has(chart))
-            appendChart(json, content, chart);
-    if (json.back() == ',')
-        json.pop_back();
-    json += "]}";
+            data["charts"].push_back(chartOf(content, chart));
+    json += data.dump();
 }
 
 } // namespace kiv::host
