@@ -254,8 +254,7 @@ void ValueCheck::warnOfZero(const BlockValues& values, std::size_t number, const
 }
 
 void ValueCheck::checkGains(const BlockValues& values) {
-    const Principle principle = principleOf(*mountMode());
-    if (principle != Principle::pendulum && principle != Principle::polarizer)
+    if (!traitsOf(principleOf(*mountMode())).readingGains)
         return;
     constexpr const char* readings[] = {"the azimuth", "the elevation", "level Y"};
     for (std::size_t i = 0; i < std::size(readings); ++i)
@@ -287,17 +286,15 @@ void ValueCheck::checkTurn(const BlockValues& values) {
              shown(least) + " to " + shown(most));
 }
 
-// Of the three-vector models.
+// The level axes of the three-vector models.
 void ValueCheck::checkLevel(const BlockValues& values) {
     constexpr std::size_t gain = 6;
-    const Principle principle = principleOf(*mountMode());
+    const int axes = traitsOf(principleOf(*mountMode())).levelAxes;
     const bool first = layout->block == Block::levelX;
-    if (principle == Principle::twoLevels)
-        warnOfZero(values, gain, first ? "level X" : "level Y");
-    else if (principle == Principle::threeVectors && first)
-        warnOfZero(values, gain, "level Y");
+    if (axes == 2 || (axes == 1 && first))
+        warnOfZero(values, gain, axes == 2 && first ? "level X" : "level Y");
     const BlockValues* other = file.document.find(Block::levelX);
-    if (principle != Principle::twoLevels || first || !other || !isRead(Block::levelX))
+    if (axes != 2 || first || !other || !isRead(Block::levelX))
         return;
     const auto direction = [](const BlockValues& level) { return level.numbers[3] * degToRad; };
     // A level axis' azimuth is that of a line: it has no sense.
@@ -312,8 +309,7 @@ void ValueCheck::checkLevel(const BlockValues& values) {
 
 // Where the mode is there and can be read.
 bool ValueCheck::levelIsRead(bool x) const {
-    const Principle principle = principleOf(*mountMode());
-    return !x || principle == Principle::dualLevel || principle == Principle::twoLevels;
+    return !x || traitsOf(principleOf(*mountMode())).levelX;
 }
 
 bool ValueCheck::isRead(Block block) const {

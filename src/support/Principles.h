@@ -15,14 +15,14 @@ struct PrincipleTraits {
     const char* name;           // of its model, as people call it
     std::array<int, 2> modes;   // mount modes; the odd one has parity 1
     bool levelX;                // the model reads it
-    bool scaleFactors;          // the model computes with them
+    bool readingGains;          // scale factors 4 to 6 multiply encoders and level Y
     bool startVector;           // from the QVC parameters; the odd mode hangs upside down
     int levelAxes;              // from Level_X and Level_Y parameters: 0, the first, or both
     bool tiltXUnlimited{false}; // a load sets the limits of tilt X to 0
 };
 
 inline constexpr std::array<PrincipleTraits, 5> principles{{
-    {Principle::dualLevel, "dual-level", {1, 2}, true, true, false, 0},
+    {Principle::dualLevel, "dual-level", {1, 2}, true, false, false, 0},
     {Principle::pendulum, "pendulum", {3, 4}, false, true, false, 0},
     {Principle::polarizer, "polarizer", {5, 6}, false, true, false, 0},
     {Principle::threeVectors, "three-vector", {7, 8}, false, false, true, 1, true},

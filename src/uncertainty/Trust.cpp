@@ -167,7 +167,7 @@ TrustJudge::TrustJudge(const CKiv& sensor, const F_VECTOR4& levelLimits)
     encoderLost =
         !(std::abs(azimuth.gain) * 360 >= leastTurn && std::abs(elevation.gain) * 360 >= leastTurn);
     levelY = JudgedLevel(sensor, JudgedLevel::y, ofY, limits + 2);
-    if (principle == Principle::dualLevel || principle == Principle::twoLevels)
+    if (traitsOf(principle).levelX)
         levelX.emplace(sensor, JudgedLevel::x, ofX, limits);
     setLimits();
 }
@@ -454,8 +454,10 @@ RowTrust TrustJudge::ofModel(const CKiv& sensor, const KIV_RAWINFO& raw,
     case Principle::dualLevel:
         row = dualLevel(sight, sensor, raw, info);
         break;
-    default:
+    case Principle::pendulum:
+    case Principle::threeVectors:
         row = oneLevel(sight, raw, info);
+        break;
     }
     row.modelError += sight.azimuthRounding + exactError;
     return row;
