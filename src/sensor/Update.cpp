@@ -46,25 +46,40 @@ UpdateOutcome SensorUpdate::run(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& 
 UpdateOutcome SensorUpdate::runAlone(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info) {
     info = KIV_INFO{};
     sensor.matrixValid = false;
-
-    bool outsideX = false;
-    bool outsideY = false;
-    const float* thermal = sensor.thermalFactor;
-    info.levelX =
-        correctedTilt(sensor.levelXTable.get(), sensor.levelXSpline.get(), sensor.levelXCount,
-                      tiltXArgument(sensor.mountMode, raw), sensor.tiltOffset[0], thermal[0],
-                      thermal[1], raw.temperature, outsideX);
-    info.levelY = correctedTilt(sensor.levelYTable.get(), sensor.levelYSpline.get(),
-                                sensor.levelYCount, raw.levelYRaw, sensor.tiltOffset[1], thermal[2],
-                                thermal[3], raw.temperature, outsideY);
-    info.elevation = correctedAngle(sensor.elEncoder, raw.elevationRaw);
-    info.azimuth = correctedAngle(sensor.azEncoder, raw.azimuthRaw);
-
+    const OutsideTables outside = correctReadings(sensor, raw, info);
     EyeMatrix(sensor.result, 3);
     if (raw.status != orientationStatus)
         return UpdateOutcome::badStatus;
     sensor.matrixValid = true;
+    if (!orient(sensor, raw, info, outside))
+        return UpdateOutcome::modelFailed;
+    if (!sensor.referenceSet)
+        return captureReference(sensor, raw);
+    const OrientationAngles angles = anglesInFrame(sensor);
+    info.rx = angles.rx;
+    info.rz = angles.rz;
+    info.ry = angles.ry;
+    return UpdateOutcome::oriented;
+}
 
+inline SensorUpdate::OutsideTables
+SensorUpdate::correctReadings(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info) {
+    OutsideTables outside;
+    const float* thermal = sensor.thermalFactor;
+    info.levelX =
+        correctedTilt(sensor.levelXTable.get(), sensor.levelXSpline.get(), sensor.levelXCount,
+                      tiltXArgument(sensor.mountMode, raw), sensor.tiltOffset[0], thermal[0],
+                      thermal[1], raw.temperature, outside.x);
+    info.levelY = correctedTilt(sensor.levelYTable.get(), sensor.levelYSpline.get(),
+                                sensor.levelYCount, raw.levelYRaw, sensor.tiltOffset[1], thermal[2],
+                                thermal[3], raw.temperature, outside.y);
+    info.elevation = correctedAngle(sensor.elEncoder, raw.elevationRaw);
+    info.azimuth = correctedAngle(sensor.azEncoder, raw.azimuthRaw);
+    return outside;
+}
+
+inline bool SensorUpdate::orient(CKiv& sensor, const KIV_RAWINFO& raw, KIV_INFO& info,
+                                 OutsideTables outside) {
     double* transform = sensor.transform;
     transform[0] = raw.vector[0];
     transform[1] = raw.vector[1];
@@ -76,45 +91,41 @@ UpdateOutcome SensorUpdate::runAlone(CKiv& sensor, const KIV_RAWINFO& raw, KIV_I
     transform[7] = 0.0;
     transform[8] = 0.0;
     if (!sensor.model || !sensor.levelXTable || !sensor.levelYTable)
-        return UpdateOutcome::modelFailed;
+        return false;
     if (!sensor.model->CalTranxMatrix(transform, sensor.encoderOffset[0], sensor.encoderOffset[1],
-                                      3, outsideX, outsideY))
-        return UpdateOutcome::modelFailed;
-
-    const bool ownMatrix = reportsOwnMatrix(sensor.mountMode);
-    if (ownMatrix) {
+                                      3, outside.x, outside.y))
+        return false;
+    if (reportsOwnMatrix(sensor.mountMode)) {
         sensor.model->GetQVCMatrix(sensor.qvcParameters, 6);
         info.qvc[0] = sensor.qvcParameters[0];
         info.qvc[1] = sensor.qvcParameters[2];
         info.qvc[2] = sensor.qvcParameters[1];
     }
+    return true;
+}
 
-    if (!sensor.referenceSet) {
-        if (!(raw.refMetric <= largestRefMetric) || raw.refBlocked)
-            return UpdateOutcome::noReference;
-        std::copy_n(transform, 9, sensor.refInverse);
-        MatrixInverse(sensor.refInverse, 3);
-        sensor.referenceSet = true;
-        return UpdateOutcome::reference;
-    }
+inline UpdateOutcome SensorUpdate::captureReference(CKiv& sensor, const KIV_RAWINFO& raw) {
+    if (!(raw.refMetric <= largestRefMetric) || raw.refBlocked)
+        return UpdateOutcome::noReference;
+    std::copy_n(sensor.transform, 9, sensor.refInverse);
+    MatrixInverse(sensor.refInverse, 3);
+    sensor.referenceSet = true;
+    return UpdateOutcome::reference;
+}
 
-    OrientationAngles angles;
-    if (ownMatrix) {
-        angles = threeVectorAngles(transform);
-    } else if (sensor.mcsFlag) {
+inline OrientationAngles SensorUpdate::anglesInFrame(CKiv& sensor) {
+    const double* transform = sensor.transform;
+    if (reportsOwnMatrix(sensor.mountMode))
+        return threeVectorAngles(transform);
+    if (sensor.mcsFlag) {
         MatrixMultiply(sensor.machineMatrix, transform, 3, 3, 3, sensor.result);
-        angles = machineAngles(sensor.result);
-    } else {
-        // result = L * T * T0^-1 * L^-1
-        MatrixMultiply(sensor.refInverse, sensor.localInverse, 3, 3, 3, sensor.result);
-        MatrixMultiply(transform, sensor.result, 3, 3, 3, sensor.work);
-        MatrixMultiply(sensor.localMatrix, sensor.work, 3, 3, 3, sensor.result);
-        angles = localAngles(sensor.result);
+        return machineAngles(sensor.result);
     }
-    info.rx = angles.rx;
-    info.rz = angles.rz;
-    info.ry = angles.ry;
-    return UpdateOutcome::oriented;
+    // result = L * T * T0^-1 * L^-1
+    MatrixMultiply(sensor.refInverse, sensor.localInverse, 3, 3, 3, sensor.result);
+    MatrixMultiply(transform, sensor.result, 3, 3, 3, sensor.work);
+    MatrixMultiply(sensor.localMatrix, sensor.work, 3, 3, 3, sensor.result);
+    return localAngles(sensor.result);
 }
 
 } // namespace kiv

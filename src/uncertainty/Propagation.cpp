@@ -126,6 +126,42 @@ bool Propagation::move(Channel channel, const KIV_RAWINFO& back, const KIV_RAWIN
     return true;
 }
 
+// The vector moved across the line of sight.
+bool Propagation::slopeAcross(Channel channel, const KIV_RAWINFO& raw, const Sight& sight,
+                              double clearance) {
+    const AngleTriple& way = channel == side ? sight.side : sight.above;
+    const float z = raw.vector[2];
+    double squared = 0;
+    for (std::size_t i = 0; i < 3; ++i)
+        squared += std::pow(given.of[at(Source::vector1) + i] * way[i], 2);
+    double size = given.bySight ? given[channel == side ? Source::vector2 : Source::vector3]
+                                : std::sqrt(squared);
+    size = std::max(size, leastSteps * ulp(static_cast<float>(sight.length)));
+    if (channel == above && std::abs(std::abs(z) - size * way[2]) < clearance)
+        size = std::abs(z) / 2;
+    KIV_RAWINFO forth = raw;
+    KIV_RAWINFO back = raw;
+    double distance = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+        forth.vector[i] = static_cast<float>(raw.vector[i] + size * way[i]);
+        back.vector[i] = static_cast<float>(raw.vector[i] - size * way[i]);
+        distance += (static_cast<double>(forth.vector[i]) - back.vector[i]) * way[i];
+    }
+    return move(channel, back, forth, distance);
+}
+
+// One of the other readings moved. Where it is exactly known its rounding counts.
+bool Propagation::slopeOf(Channel channel, float KIV_RAWINFO::*reading, double uncertainty,
+                          const KIV_RAWINFO& raw) {
+    const float value = raw.*reading;
+    const double size = std::max(uncertainty, leastSteps * ulp(value));
+    KIV_RAWINFO forth = raw;
+    KIV_RAWINFO back = raw;
+    forth.*reading = static_cast<float>(value + size);
+    back.*reading = static_cast<float>(value - size);
+    return move(channel, back, forth, static_cast<double>(forth.*reading) - back.*reading);
+}
+
 bool Propagation::slopesAt(const KIV_RAWINFO& row, const Sight& sight) {
     KIV_RAWINFO raw = row;
     float& z = raw.vector[2];
@@ -133,61 +169,20 @@ bool Propagation::slopesAt(const KIV_RAWINFO& row, const Sight& sight) {
         principle == Principle::pendulum ? levelSightClearance * sight.length : 0;
     if (std::abs(z) < clearance)
         z = static_cast<float>(std::copysign(clearance, z));
-    for (const Channel channel : {side, above}) {
-        const AngleTriple& way = channel == side ? sight.side : sight.above;
-        double squared = 0;
-        for (std::size_t i = 0; i < 3; ++i)
-            squared += std::pow(given.of[at(Source::vector1) + i] * way[i], 2);
-        double size = given.bySight ? given[channel == side ? Source::vector2 : Source::vector3]
-                                    : std::sqrt(squared);
-        size = std::max(size, leastSteps * ulp(static_cast<float>(sight.length)));
-        if (channel == above && std::abs(std::abs(z) - size * way[2]) < clearance)
-            size = std::abs(z) / 2;
-        KIV_RAWINFO forth = raw;
-        KIV_RAWINFO back = raw;
-        double distance = 0;
-        for (std::size_t i = 0; i < 3; ++i) {
-            forth.vector[i] = static_cast<float>(raw.vector[i] + size * way[i]);
-            back.vector[i] = static_cast<float>(raw.vector[i] - size * way[i]);
-            distance += (static_cast<double>(forth.vector[i]) - back.vector[i]) * way[i];
-        }
-        if (!move(channel, back, forth, distance))
-            return false;
-    }
-
-    struct Reading {
-        Channel channel;
-        bool always; // also where it is exactly known: its rounding counts
-        float KIV_RAWINFO::*reading;
-        double size;
+    const auto both = [&](Source reading, Source offset) {
+        return std::hypot(given[reading], given[offset]);
     };
-    const Reading readings[] = {
-        {az, true, &KIV_RAWINFO::azimuthRaw,
-         std::hypot(given[Source::azimuth], given[Source::azimuthOffset])},
-        {el, true, &KIV_RAWINFO::elevationRaw,
-         std::hypot(given[Source::elevation], given[Source::elevationOffset])},
-        {lx, reads(principle, Source::levelX), &KIV_RAWINFO::levelXRaw,
-         std::hypot(given[Source::levelX], given[Source::tiltOffsetX])},
-        {ly, true, &KIV_RAWINFO::levelYRaw,
-         std::hypot(given[Source::levelY], given[Source::tiltOffsetY])},
-        {temp, given[Source::temperature] > 0, &KIV_RAWINFO::temperature,
-         given[Source::temperature]},
-    };
-    for (const Reading& each : readings) {
-        if (!each.always)
-            continue;
-        const float value = raw.*each.reading;
-        const double size = std::max(each.size, leastSteps * ulp(value));
-        KIV_RAWINFO forth = raw;
-        KIV_RAWINFO back = raw;
-        forth.*each.reading = static_cast<float>(value + size);
-        back.*each.reading = static_cast<float>(value - size);
-        const double distance = static_cast<double>(forth.*each.reading) - back.*each.reading;
-        if (!move(each.channel, back, forth, distance))
-            return false;
-    }
-
-    return true;
+    return slopeAcross(side, raw, sight, clearance) && slopeAcross(above, raw, sight, clearance)
+           && slopeOf(az, &KIV_RAWINFO::azimuthRaw, both(Source::azimuth, Source::azimuthOffset),
+                      raw)
+           && slopeOf(el, &KIV_RAWINFO::elevationRaw,
+                      both(Source::elevation, Source::elevationOffset), raw)
+           && (!reads(principle, Source::levelX)
+               || slopeOf(lx, &KIV_RAWINFO::levelXRaw, both(Source::levelX, Source::tiltOffsetX),
+                          raw))
+           && slopeOf(ly, &KIV_RAWINFO::levelYRaw, both(Source::levelY, Source::tiltOffsetY), raw)
+           && (!(given[Source::temperature] > 0)
+               || slopeOf(temp, &KIV_RAWINFO::temperature, given[Source::temperature], raw));
 }
 
 // A source's effect on angles or on the rotation: its uncertainty times the slope.

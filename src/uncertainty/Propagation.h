@@ -55,6 +55,9 @@ private:
     bool update(const KIV_RAWINFO& raw, Moved& out);
     void setSlope(Channel channel, const Moved& from, const Moved& to, double distance);
     bool move(Channel channel, const KIV_RAWINFO& back, const KIV_RAWINFO& forth, double distance);
+    bool slopeAcross(Channel channel, const KIV_RAWINFO& raw, const Sight& sight, double clearance);
+    bool slopeOf(Channel channel, float KIV_RAWINFO::*reading, double uncertainty,
+                 const KIV_RAWINFO& raw);
     bool slopesAt(const KIV_RAWINFO& row, const Sight& sight);
     AngleTriple part(Source source, const Sight& sight, AngleTriple Slope::*what) const;
     void addRounding(const KIV_RAWINFO& raw, const Sight& sight, const KIV_INFO& info,
