@@ -8,6 +8,15 @@
 
 namespace kiv {
 
+void tiltedAxis(const float* tilts, int untilted, double* axis) {
+    const double t0 = std::tan(tilts[0] * degToRad);
+    const double t1 = std::tan(tilts[1] * degToRad);
+    const double length = std::sqrt(t0 * t0 + 1 + t1 * t1);
+    axis[untilted] = 1 / length;
+    axis[1 - untilted] = t0 / length;
+    axis[2] = t1 / length;
+}
+
 MeasuringDirection measuringDirection(const double* M, const float* qvcParameters,
                                       double elevationOffset) {
     MeasuringDirection direction;
@@ -18,10 +27,8 @@ MeasuringDirection measuringDirection(const double* M, const float* qvcParameter
 
     const double q5 = qvcParameters[5] * degToRad;
     double w0[3] = {std::cos(q5), 0, std::sin(q5)};
-    const double t3 = std::tan(qvcParameters[3] * degToRad);
-    const double t4 = std::tan(qvcParameters[4] * degToRad);
-    const double length = std::sqrt(t3 * t3 + 1 + t4 * t4);
-    double axis[3] = {t3 / length, 1 / length, t4 / length};
+    double axis[3];
+    tiltedAxis(qvcParameters + 3, 1, axis);
     mlaRotateAroundAxis(w0, M[6] - elevationOffset * radToDeg, axis, direction.w1);
     return direction;
 }
@@ -43,10 +50,8 @@ InstrumentSide instrumentSide(int parity, double azimuth, double elevation) {
 
 void rotationFromLevel(const float* levelParameters, double levelReading, double* w1,
                        InstrumentSide& instrument, double* out) {
-    const double t3 = std::tan(levelParameters[3] * degToRad);
-    const double t4 = std::tan(levelParameters[4] * degToRad);
-    const double length = std::sqrt(t3 * t3 + 1 + t4 * t4);
-    double axis[3] = {1 / length, t3 / length, t4 / length};
+    double axis[3];
+    tiltedAxis(levelParameters + 3, 0, axis);
     const double lambda = (levelReading - levelParameters[5]) * levelParameters[6] + 90.0;
 
     // The vertical as the sensor sees it.

@@ -5,6 +5,10 @@
 // the order x, z, y.
 namespace kiv {
 
+// The unit vector of a block's axis: x (0) or y (1), tilted towards the other of these and towards
+// z by tilts[0] and tilts[1], degrees.
+void tiltedAxis(const float* tilts, int untilted, double* axis);
+
 struct MeasuringDirection {
     double w1[3];     // unit vector in the frame of the sensor's head
     double azimuth;   // of the measured vector in the instrument frame, degrees

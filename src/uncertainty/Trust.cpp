@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "models/ModelFactory.h"
+#include "models/ThreeVectors.h"
 #include "sensor/SensorAccess.h"
 #include "support/AngleConstants.h"
 #include "support/RotationCheck.h"
@@ -99,10 +100,9 @@ TrustJudge::Frame::Frame(const double* matrix, double times) {
 }
 
 JudgedLevel::Axis TrustJudge::levelAxis(const float* parameters) {
-    const double t3 = std::tan(parameters[3] * degToRad);
-    const double t4 = std::tan(parameters[4] * degToRad);
-    const double length = std::sqrt(1 + t3 * t3 + t4 * t4);
-    return {{1 / length, t3 / length, t4 / length}, parameters[5], -parameters[6]};
+    JudgedLevel::Axis axis{{}, parameters[5], -parameters[6]};
+    tiltedAxis(parameters + 3, 0, axis.to);
+    return axis;
 }
 
 // The local matrix stands on both sides of the result.
@@ -154,13 +154,7 @@ TrustJudge::TrustJudge(const CKiv& sensor, const F_VECTOR4& levelLimits)
         ofX = levelAxis(ModelAccess::level1Of(model));
         ofY = levelAxis(ModelAccess::level2Of(model));
         up = sense;
-        const float* qvc = ModelAccess::qvcOf(model);
-        const double t3 = std::tan(qvc[3] * degToRad);
-        const double t4 = std::tan(qvc[4] * degToRad);
-        const double length = std::sqrt(1 + t3 * t3 + t4 * t4);
-        elevationAxis[0] = t3 / length;
-        elevationAxis[1] = 1 / length;
-        elevationAxis[2] = t4 / length;
+        tiltedAxis(ModelAccess::qvcOf(model) + 3, 1, elevationAxis);
         break;
     }
     }
