@@ -15,7 +15,7 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // So many more; looks at the clock.
+    // Counts what has been done; looks at the clock.
     void add(std::size_t newRows, std::size_t newBytes);
 
 private:

@@ -12,7 +12,7 @@ namespace kiv::host {
 
 struct InputFacts;
 
-// Where a parameter file lies and whose it is, from its path: a folder and Tg<id>.prm.
+// A path to a parameter file in its parts: the folder where it lies and Tg<id>.prm.
 struct ParameterFileName {
     std::string folder; // all of the path before the name: empty, or a separator ends it
     std::string name;

@@ -40,7 +40,8 @@ public:
     virtual bool finish(Output& output, std::ostream& err) const = 0;
 };
 
-// So many poses of a trajectory, the temperature rising from 20 to 24 degrees Celsius.
+// The poses of a trajectory, a number of them, the temperature rising from 20 to 24 degrees
+// Celsius.
 class TrajectoryPoses : public PoseSource {
 public:
     TrajectoryPoses(const simulator::Trajectory& path, long rowCount, std::string parameterFile,

@@ -21,7 +21,7 @@ public:
     // The result of the row where the table stands; whatever is wrong with it is reported there.
     void run(Table& table, RowResult& result);
 
-    // Where there is one, no row depends on those before it.
+    // Once there is a reference, no row depends on those before it.
     bool hasReference() const { return judged.hasReference(); }
 
 private:

@@ -35,8 +35,8 @@ public:
     // False, and a message, when columns are missing, a name stands twice or is in reserved.
     bool readHeader(std::span<const std::string_view> reserved);
 
-    // Of its row of names: false, and a message, when another table's names and separators are not
-    // the same in the same order.
+    // False, and a message at its row of names, when another table has not the same names and
+    // separators in the same order.
     bool hasColumnsOf(const Table& other, std::string_view otherName);
 
     // False at the end of the block.
@@ -58,7 +58,7 @@ public:
     template <typename Number>
     bool readNumber(std::size_t i, Number& value);
 
-    // Where a carried column stands in a row's cells; the cell there is empty in a row too short.
+    // The place of a carried column in a row's cells; the cell there is empty in a row too short.
     std::optional<std::size_t> find(std::string_view columnName) const;
     std::string_view cell(std::size_t place) const {
         return place < csv.cells().size() ? cellText(csv.cells()[place]) : std::string_view{};

@@ -34,9 +34,10 @@ public:
     // The same blocks row by row; false at the end.
     bool nextRow();
     bool wouldWait() const { return rows.rest().empty() && block.inputWouldWait; }
-    // Then: false, and a message, where reading broke off; a warning of a cut last row.
+    // Ends such a run of rows: false, and a message, where reading broke off; a warning of a cut
+    // last row.
     bool reportEnd(std::ostream& err) const;
-    // Ends such a run: false, and a message, when the table was not read to its end or the output
+    // The same and more: false, and a message, when the table was not read to its end or the output
     // not written; shows how many messages were too many.
     bool finish(const MessageLimit& limit, Output& output, std::ostream& err) const;
 

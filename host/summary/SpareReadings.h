@@ -20,7 +20,7 @@ public:
     double rootMeanSquare() const;
     double largest() const { return most; } // magnitude
     std::size_t largestLine() const { return lineOfMost; }
-    // By the readings' uncertainties, root mean square; nothing without these.
+    // The root mean square that the readings' uncertainties allow for; nothing without these.
     std::optional<double> expected() const;
 
     // What speaks against the sensor's parameters, a sentence without an end; empty for nothing.

@@ -3,7 +3,7 @@
 #include "judged/RowState.h"
 #include "support/Principles.h"
 
-// Which results a reading has, by what became of it and by the sensor's mount mode.
+// The results that a reading has depend on what became of it and on the sensor's mount mode.
 namespace kiv {
 
 constexpr bool hasCorrectedReadings(RowState state) {

@@ -6,8 +6,8 @@
 
 namespace kiv {
 
-// Whose a parameter file is, from its name without a folder. Nothing for a name that is not Tg, a
-// decimal 32-bit ID without leading zeros, .prm.
+// The ID of the sensor that a parameter file is named after, without a folder. Nothing for a name
+// that is not Tg, a decimal 32-bit ID without leading zeros, .prm.
 std::optional<std::int32_t> sensorIdIn(std::string_view fileName);
 
 } // namespace kiv

@@ -33,7 +33,7 @@ std::string inRow(float value, std::size_t row) {
 }
 
 // The first thing of a kind is reported, the others are counted.
-struct Faults {
+struct FaultyRows {
     std::size_t count = 0;
     std::size_t row = 0;
     std::string found;
@@ -75,7 +75,7 @@ private:
     std::string title() const { return quoted(layout->title); }
     // number: which of the block's, in the order of the text.
     void warn(std::size_t number, std::string expected, std::string found);
-    void warn(const Faults& faults, std::string expected);
+    void warn(const FaultyRows& faults, std::string expected);
 
     const ParsedFile& file;
     const Survey& survey;
@@ -161,7 +161,7 @@ void ValueCheck::checkAngles(const BlockValues& values) {
     const auto angle = [&](const Row& row) { return values.numbers[2 * row.index]; };
     const auto correction = [&](const Row& row) { return values.numbers[2 * row.index + 1]; };
 
-    Faults far;
+    FaultyRows far;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         rows[i].index = i;
         const double degrees = angle(rows[i]);
@@ -173,7 +173,7 @@ void ValueCheck::checkAngles(const BlockValues& values) {
 
     std::stable_sort(rows.begin(), rows.end(),
                      [](const Row& a, const Row& b) { return a.turned < b.turned; });
-    Faults repeated;
+    FaultyRows repeated;
     for (std::size_t i = 1; i < rows.size(); ++i) {
         const Row& row = rows[i];
         const Row& before = rows[i - 1];
@@ -190,7 +190,7 @@ void ValueCheck::checkAngles(const BlockValues& values) {
 void ValueCheck::checkKnots(const BlockValues& values) {
     const auto knot = [&](std::size_t row) { return values.numbers[2 * row]; };
     const bool falling = knot(values.rows() - 1) < knot(0);
-    Faults turned;
+    FaultyRows turned;
     for (std::size_t row = 1; row < values.rows(); ++row)
         if (!(falling ? knot(row) < knot(row - 1) : knot(row) > knot(row - 1)))
             turned.add(row, inRow(knot(row), row) + " after " + shown(knot(row - 1)));
@@ -334,7 +334,7 @@ void ValueCheck::warn(std::size_t number, std::string expected, std::string foun
                         std::move(expected), std::move(found)});
 }
 
-void ValueCheck::warn(const Faults& faults, std::string expected) {
+void ValueCheck::warn(const FaultyRows& faults, std::string expected) {
     if (faults.count == 0)
         return;
     const std::string others =

@@ -5,7 +5,8 @@
 
 namespace kiv {
 
-// Of M times its transpose from the identity: entries in print have six decimals.
+// A rotation times its transpose departs from the identity by no more: entries in print have six
+// decimals.
 inline constexpr double rotationTolerance = 1e-5;
 
 // How far a row-major 3x3 matrix is from a rotation.

@@ -9,7 +9,7 @@
 
 namespace kiv {
 
-// Of single precision, a rounding's largest error relative to the number.
+// A rounding to single precision moves a number by at most this part of it.
 inline constexpr double halfUlp = 0x1p-24;
 
 // One level of a sensor as its results are judged: how its raw reading becomes the rise of an axis,

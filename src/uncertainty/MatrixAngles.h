@@ -7,7 +7,7 @@ namespace kiv {
 // Rz(rz), in the local frame Rz(rz) * Ry(ry) * Rx(rx).
 void matrixAngles(const double* r, bool localFrame, double* angles);
 
-// By how much an angle in radians lies before another, within half a turn.
+// The turn from one angle to another, radians, in [-pi, pi].
 double turnBetween(double from, double to);
 
 } // namespace kiv

@@ -9,15 +9,15 @@ struct SpareError {
     double variance; // by the uncertainties of what was read
 };
 
-// Of the rise of a level's axis.
+// How far the rise of a level's axis may be wrong.
 struct RiseError {
     double rounding;
     double deviation;      // by raw reading and offset together
     double perTemperature; // its change per unit of the temperature
 };
 
-// Of the line of sight and of what all readings share: standard uncertainties and the rounding of
-// both of these angles.
+// How far the line of sight, and what all readings share, may be wrong: standard uncertainties and
+// the rounding of both of these angles.
 struct SightError {
     double rounding;
     double elevation; // of encoder and offset together

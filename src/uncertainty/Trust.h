@@ -74,8 +74,8 @@ struct RowTrust {
 // update; changes nothing, allocates nothing.
 class TrustJudge {
 public:
-    // Of a sensor with a model. Limits as CKivPrm::GetKIVLevelLimits gives them, degrees; a pair of
-    // which the first is not below the second does not count.
+    // The sensor has a model. The limits, degrees, are those of CKivPrm::GetKIVLevelLimits; a pair
+    // of which the first is not below the second does not count.
     TrustJudge(const CKiv& sensor, const F_VECTOR4& levelLimits);
 
     // Reads the sensor's calibration values again; the reference stays as it was judged.
@@ -83,8 +83,8 @@ public:
     // What the spare reading may come to by the uncertainties; where all are 0 they count as none.
     void expect(const Uncertainties& ofReadings);
 
-    // Of an update of the sensor that gave an orientation or became the reference. The reference's
-    // own error counts for all later rows in the local frame.
+    // Call it after an update of the sensor that gave an orientation or became the reference. The
+    // reference's own error counts for all later rows in the local frame.
     RowTrust judge(const CKiv& sensor, const KIV_RAWINFO& raw, const KIV_INFO& info,
                    bool becameReference);
 

@@ -18,7 +18,7 @@ enum class Source : unsigned char {
     levelX,
     levelY,
     temperature,
-    // Of the sensor's parameters.
+    // The sensor's parameters follow.
     azimuthOffset,
     elevationOffset,
     tiltOffsetX,
