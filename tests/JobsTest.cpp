@@ -73,7 +73,9 @@ Outcome outcomeOf(Options options, int (*run)(const Options&, const Streams&), s
                   std::istream& in) {
     options.parameterFile = example;
     options.readings = {"-"};
-    options.summary = ::testing::TempDir() + "kiv_jobs.json";
+    // Tests run beside each other.
+    const char* test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    options.summary = ::testing::TempDir() + "kiv_jobs_" + test + ".json";
     options.format.blockBytes = 300; // some two or three rows
     options.jobs = jobs;
     std::ostringstream out, err;
