@@ -35,7 +35,7 @@ SensorCases::SensorCases(int mode) {
     simulator::RandomPoses poses(1, {.inverted = simulator::invertedIn(mode)});
     while (readings.size() < caseCount) {
         const simulator::Pose pose = poses.next();
-        simulator::Readings corrected;
+        simulator::CorrectedReadings corrected;
         if (!simulator::readingsOf(mounting, pose, corrected))
             continue;
         KIV_RAWINFO raw{};

@@ -92,8 +92,8 @@ float InverseCalibration::TiltCurve::rawOf(double tilt, float temperature) {
     return static_cast<float>(0.5 * (low + high));
 }
 
-void InverseCalibration::rawReadings(const Pose& pose, const Readings& readings, float temperature,
-                                     KIV_RAWINFO& raw) {
+void InverseCalibration::rawReadings(const Pose& pose, const CorrectedReadings& readings,
+                                     float temperature, KIV_RAWINFO& raw) {
     for (int i = 0; i < 3; ++i)
         raw.vector[i] = static_cast<float>(pose.position[i]);
     raw.azimuthRaw = rawAngleOf(azimuth, readings.azimuth);

@@ -18,7 +18,7 @@ public:
 
     // Fills vector, azimuthRaw, elevationRaw, levelXRaw, levelYRaw and temperature; the rest is the
     // caller's. Each raw reading is the single-precision number whose correction comes closest.
-    void rawReadings(const Pose& pose, const Readings& readings, float temperature,
+    void rawReadings(const Pose& pose, const CorrectedReadings& readings, float temperature,
                      KIV_RAWINFO& raw);
 
 private:

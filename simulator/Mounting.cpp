@@ -84,7 +84,8 @@ bool turnWithElevationAbout(const Vector& axis, const Vector& start, const Vecto
 
 // Modes 1 and 2: levels along the elevation axis and along the axis 90 degrees + scale factor 0
 // before it, the one showing its rise, the other its fall.
-bool dualLevel(const Mounting& m, const double* rotation, const Vector& u, Readings& readings) {
+bool dualLevel(const Mounting& m, const double* rotation, const Vector& u,
+               CorrectedReadings& readings) {
     HeadTurn turn;
     if (!turnWithElevationAboutY(u, 1, 0, turn))
         return false;
@@ -99,7 +100,8 @@ bool dualLevel(const Mounting& m, const double* rotation, const Vector& u, Readi
 // Modes 3, 4 and all others: the line of sight at 90 degrees + scale factor 0 from the elevation
 // axis, one inclination sensor along the axis that scale factors 2 and 3 give. An odd mode counts
 // all three angles the other way round.
-bool pendulum(const Mounting& m, const double* rotation, const Vector& u, Readings& readings) {
+bool pendulum(const Mounting& m, const double* rotation, const Vector& u,
+              CorrectedReadings& readings) {
     const double c0 = m.scaleFactors[0] * radians + halfPi;
     HeadTurn turn;
     if (!turnWithElevationAboutY(u, std::sin(c0), std::cos(c0), turn))
@@ -119,7 +121,8 @@ bool pendulum(const Mounting& m, const double* rotation, const Vector& u, Readin
 
 // Modes 5 and 6: an optical frame whose y axis is the line of sight and whose roll about it,
 // against the frame with a horizontal x axis, the polarizer shows.
-bool polarizer(const Mounting& m, const double* rotation, const Vector& u, Readings& readings) {
+bool polarizer(const Mounting& m, const double* rotation, const Vector& u,
+               CorrectedReadings& readings) {
     const double m0 = m.scaleFactors[0] * radians;
     HeadTurn turn;
     if (!turnWithElevationAboutX(u, std::sin(m0), std::cos(m0), turn))
@@ -155,7 +158,8 @@ double levelReading(const float* level, const HeadTurn& turn, const double* rota
 
 // Modes 7 to 10: the start vector turns about the elevation axis that the QVC parameters give; one
 // level (Y) or two (X and Y).
-bool threeVector(const Mounting& m, const double* rotation, const Vector& u, Readings& readings) {
+bool threeVector(const Mounting& m, const double* rotation, const Vector& u,
+                 CorrectedReadings& readings) {
     const double t3 = std::tan(m.qvcParameters[3] * radians);
     const double t4 = std::tan(m.qvcParameters[4] * radians);
     const double length = std::sqrt(t3 * t3 + 1 + t4 * t4);
@@ -192,7 +196,7 @@ Mounting mountingOf(const CKivPrm& record) {
     return m;
 }
 
-bool readingsOf(const Mounting& mounting, const Pose& pose, Readings& readings) {
+bool readingsOf(const Mounting& mounting, const Pose& pose, CorrectedReadings& readings) {
     double inSensor[3];
     transposedTimes(pose.rotation, pose.position, inSensor);
     const double length = std::hypot(inSensor[0], inSensor[1], inSensor[2]);

@@ -26,7 +26,7 @@ inline bool invertedIn(int mode) {
 }
 
 // Corrected readings, degrees. A level that the principle does not have reads 0.
-struct Readings {
+struct CorrectedReadings {
     double levelX = 0;
     double levelY = 0;
     double azimuth = 0;
@@ -34,6 +34,6 @@ struct Readings {
 };
 
 // False when the sensor cannot turn its line of sight onto the measured direction.
-bool readingsOf(const Mounting& mounting, const Pose& pose, Readings& readings);
+bool readingsOf(const Mounting& mounting, const Pose& pose, CorrectedReadings& readings);
 
 } // namespace kiv::simulator

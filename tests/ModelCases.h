@@ -23,7 +23,8 @@ inline std::unique_ptr<CKivModel> modelOf(simulator::Mounting m) {
     return model;
 }
 
-inline Matrix measurementOf(const simulator::Pose& pose, const simulator::Readings& readings) {
+inline Matrix measurementOf(const simulator::Pose& pose,
+                            const simulator::CorrectedReadings& readings) {
     return {pose.position[0],
             pose.position[1],
             pose.position[2],

@@ -21,9 +21,9 @@
 namespace {
 
 using namespace kiv;
+using simulator::CorrectedReadings;
 using simulator::Mounting;
 using simulator::Pose;
-using simulator::Readings;
 using test::Matrix;
 using test::modelOf;
 
@@ -81,7 +81,7 @@ protected:
     // The dual-level model is exact where z and the level-Y reading agree in sign; elsewhere it
     // takes the tilt's direction from the wrong side. Inside the dead band around the axes its
     // azimuth is off by up to the band's width.
-    double allowedError(const Pose& pose, const Readings& readings) const {
+    double allowedError(const Pose& pose, const CorrectedReadings& readings) const {
         double allowed = GetParam().poseError;
         if (GetParam().mode > 2)
             return allowed;
@@ -98,7 +98,7 @@ protected:
 
     // The two-level model averages angles without regard to the seam at 180 degrees: there,
     // rounding may put one level's rotation on either side.
-    bool onSeamOfMean(const Pose& pose, const Readings& readings) const {
+    bool onSeamOfMean(const Pose& pose, const CorrectedReadings& readings) const {
         double turn[9];
         double head[9];
         rotation_z(turn, readings.azimuth * simulator::radians - mounting.encoderOffset[0]);
@@ -109,7 +109,7 @@ protected:
     }
 
     void expectPose(const Pose& pose, const std::string& row) {
-        Readings readings;
+        CorrectedReadings readings;
         ASSERT_TRUE(simulator::readingsOf(mounting, pose, readings)) << row;
         ++rows;
         if (onSeamOfMean(pose, readings)) {
@@ -191,7 +191,7 @@ TEST_P(ModelLaws, UnreadValuesChangeNoBit) {
     simulator::RandomPoses poses(5, {5, -30, 30, simulator::invertedIn(law.mode)});
     for (int i = 0; i < 50; ++i) {
         const Pose pose = poses.next();
-        Readings readings;
+        CorrectedReadings readings;
         ASSERT_TRUE(simulator::readingsOf(mounting, pose, readings));
         const Matrix input = test::measurementOf(pose, readings);
         Matrix expected = input;
@@ -231,7 +231,7 @@ void expectCopiesCompute(const CKivModel& model, const Matrix& input, const Matr
 TEST_P(ModelLaws, CopiesComputeTheSame) {
     simulator::RandomPoses poses(11, {5, 1, 30, simulator::invertedIn(GetParam().mode)});
     const Pose pose = poses.next();
-    Readings readings;
+    CorrectedReadings readings;
     ASSERT_TRUE(simulator::readingsOf(mounting, pose, readings));
     const Matrix input = test::measurementOf(pose, readings);
     Matrix expected = input;

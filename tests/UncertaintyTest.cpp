@@ -46,7 +46,7 @@ KIV_RAWINFO readingsAt(int mode, const Place& place) {
     pose.position[0] = 4000 * std::cos(elevation) * std::cos(azimuth);
     pose.position[1] = 4000 * std::cos(elevation) * std::sin(azimuth);
     pose.position[2] = 4000 * std::sin(elevation);
-    simulator::Readings readings;
+    simulator::CorrectedReadings readings;
     EXPECT_TRUE(simulator::readingsOf(m, pose, readings));
     KIV_RAWINFO raw = test::goodReading();
     for (int i = 0; i < 3; ++i)

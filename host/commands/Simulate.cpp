@@ -63,7 +63,7 @@ public:
 
     // Good readings; false when the line of sight does not reach the pose.
     bool read(const SimulatedPose& pose, KIV_RAWINFO& raw) {
-        simulator::Readings readings;
+        simulator::CorrectedReadings readings;
         if (!simulator::readingsOf(mounting, pose, readings))
             return false;
         raw = {};

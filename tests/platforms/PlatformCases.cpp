@@ -93,7 +93,7 @@ int make() {
         RandomPoses poses(static_cast<unsigned>(mode), {10, -30, 30, invertedIn(mode)});
         for (int made = 0; made < casesPerMode;) {
             const Pose pose = poses.next();
-            Readings readings;
+            CorrectedReadings readings;
             if (!readingsOf(mounting, pose, readings))
                 continue;
             Case c{mode, kiv::test::measurementOf(pose, readings)};

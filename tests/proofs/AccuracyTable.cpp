@@ -19,11 +19,11 @@ namespace {
 using namespace kiv;
 using docs::Case;
 using docs::Errors;
+using simulator::CorrectedReadings;
 using simulator::Mounting;
 using simulator::Pose;
 using simulator::radians;
 using simulator::RandomPoses;
-using simulator::Readings;
 
 struct Row {
     std::string model;
@@ -39,11 +39,11 @@ constexpr double steepest[] = {20, 45};  // degrees
 
 // Conditions on a pose and its readings.
 
-bool sidesAgree(const Pose& pose, const Readings& readings) {
+bool sidesAgree(const Pose& pose, const CorrectedReadings& readings) {
     return pose.position[2] * readings.levelY > 0;
 }
 
-bool sidesDiffer(const Pose& pose, const Readings& readings) {
+bool sidesDiffer(const Pose& pose, const CorrectedReadings& readings) {
     return !sidesAgree(pose, readings);
 }
 
@@ -55,7 +55,7 @@ double tiltTimesElevation(const Pose& pose) {
     return std::hypot(r[2], r[5]) / std::abs(r[8]) * std::abs(u[2]) / std::hypot(u[0], u[1]);
 }
 
-bool wellInsideLevelSide(const Pose& pose, const Readings&) {
+bool wellInsideLevelSide(const Pose& pose, const CorrectedReadings&) {
     return tiltTimesElevation(pose) < 0.45; // the sine of 30 degrees, with some margin
 }
 
@@ -106,7 +106,7 @@ auto invertedWithRoll(double most) {
 }
 
 auto levelXOffBy(double error) {
-    return [=](Readings& readings) { readings.levelX += error; };
+    return [=](CorrectedReadings& readings) { readings.levelX += error; };
 }
 
 const std::vector<Row> models{
@@ -177,7 +177,8 @@ const std::vector<Row> edges{
      "9",
      "level X off by 0.01 degrees, rx over 0.02 from 180",
      {.modes = {9},
-      .admit = [](const Pose& pose, const Readings&) { return degreesFromSeam(pose) > 0.02; },
+      .admit = [](const Pose& pose,
+                  const CorrectedReadings&) { return degreesFromSeam(pose) > 0.02; },
       .disturb = levelXOffBy(0.01)}},
     {"Two levels",
      "9",

@@ -279,7 +279,7 @@ bool AnySensor::next(Pose& pose, KIV_RAWINFO& raw) {
     pose.position[0] = distance * std::cos(rise) * std::cos(bearing);
     pose.position[1] = distance * std::cos(rise) * std::sin(bearing);
     pose.position[2] = distance * std::sin(rise);
-    simulator::Readings readings;
+    simulator::CorrectedReadings readings;
     if (!simulator::readingsOf(mounting, pose, readings))
         return false;
     raw = {};

@@ -27,14 +27,15 @@ ExampleSensor::ExampleSensor(const std::string& folder) : calibration(loaded(rec
 }
 
 bool ExampleSensor::read(const simulator::Pose& pose, KIV_RAWINFO& raw) {
-    simulator::Readings readings;
+    simulator::CorrectedReadings readings;
     if (!simulator::readingsOf(mounting, pose, readings))
         return false;
     raw = rawOf(pose, readings);
     return true;
 }
 
-KIV_RAWINFO ExampleSensor::rawOf(const simulator::Pose& pose, const simulator::Readings& readings) {
+KIV_RAWINFO ExampleSensor::rawOf(const simulator::Pose& pose,
+                                 const simulator::CorrectedReadings& readings) {
     KIV_RAWINFO raw{};
     raw.status = 2;
     calibration.rawReadings(pose, readings, 21, raw);

@@ -13,11 +13,11 @@ namespace kiv::docs {
 
 namespace {
 
+using simulator::CorrectedReadings;
 using simulator::Mounting;
 using simulator::Pose;
 using simulator::radians;
 using simulator::RandomPoses;
-using simulator::Readings;
 
 constexpr std::size_t posesEach = 4000;
 constexpr std::uint64_t seed = 20;
@@ -28,7 +28,7 @@ Errors errorsOf(std::vector<double> values) {
 }
 
 // The error in degrees of what is computed from a pose's readings.
-using Computation = std::function<double(const Pose&, const Readings&)>;
+using Computation = std::function<double(const Pose&, const CorrectedReadings&)>;
 
 std::runtime_error noOrientation(int mode) {
     return std::runtime_error("no orientation in mode " + std::to_string(mode));
@@ -47,7 +47,7 @@ std::vector<double> errorsIn(const Case& which, const Mounting& mounting, const 
         Pose pose = poses.next();
         if (which.place)
             which.place(pose, poses);
-        Readings readings;
+        CorrectedReadings readings;
         if (!simulator::readingsOf(mounting, pose, readings))
             throw std::runtime_error("a pose out of the sensor's reach");
         if (which.admit && !which.admit(pose, readings))
@@ -61,7 +61,7 @@ std::vector<double> errorsIn(const Case& which, const Mounting& mounting, const 
 
 Computation modelError(const Mounting& mounting) {
     const std::shared_ptr<CKivModel> model = test::modelOf(mounting);
-    return [=](const Pose& pose, const Readings& readings) {
+    return [=](const Pose& pose, const CorrectedReadings& readings) {
         test::Matrix m = test::measurementOf(pose, readings);
         if (!model->CalTranxMatrix(m.data(), mounting.encoderOffset[0], mounting.encoderOffset[1],
                                    3, false, false))
@@ -83,7 +83,7 @@ void rotationOf(const KIV_INFO& info, double* out) {
 }
 
 Computation updateError(const std::shared_ptr<ExampleSensor>& example) {
-    return [=](const Pose& pose, const Readings& readings) {
+    return [=](const Pose& pose, const CorrectedReadings& readings) {
         KIV_INFO info;
         if (!example->update(example->rawOf(pose, readings), info))
             throw noOrientation(example->mounting.mode);

@@ -21,8 +21,8 @@ struct Case {
     std::vector<int> modes;
     std::function<void(simulator::Mounting&)> mount = {};
     std::function<void(simulator::Pose&, simulator::RandomPoses&)> place = {};
-    std::function<bool(const simulator::Pose&, const simulator::Readings&)> admit = {};
-    std::function<void(simulator::Readings&)> disturb = {};
+    std::function<bool(const simulator::Pose&, const simulator::CorrectedReadings&)> admit = {};
+    std::function<void(simulator::CorrectedReadings&)> disturb = {};
     float limit = 0; // of the levels, in place of the file's, degrees; 0: the file's
 };
 
