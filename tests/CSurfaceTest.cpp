@@ -54,12 +54,6 @@ kiv_reading goodOne() {
     return std::bit_cast<kiv_reading>(goodReading());
 }
 
-std::string exampleInMode(int mode) {
-    std::string text = contentOf(example).value_or("");
-    const std::string title = "Mounting Mode\n";
-    return text.replace(text.find(title) + title.size(), 1, std::to_string(mode));
-}
-
 template <typename T>
 bool sameBytes(const std::vector<T>& a, const std::vector<T>& b) {
     return std::memcmp(a.data(), b.data(), sizeof(T) * a.size()) == 0;

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -29,29 +28,6 @@ namespace fs = std::filesystem;
 using namespace kiv::host;
 
 constexpr std::size_t jobCounts[] = {1, 2, 3, 7};
-
-// A table of text that comes in at once. From so many bytes on the user presses Ctrl-C.
-class Readings final : public std::streambuf {
-public:
-    Readings(const std::string& table, std::size_t interruptAt)
-        : text(table), from(std::min(interruptAt, table.size())) {
-        setg(text.data(), text.data(), text.data() + from);
-    }
-
-protected:
-    int_type underflow() override {
-        if (egptr() == text.data() + text.size())
-            return traits_type::eof();
-        std::raise(SIGINT);
-        setg(text.data(), gptr(), text.data() + text.size());
-        return traits_type::to_int_type(*gptr());
-    }
-    std::streamsize showmanyc() override { return egptr() < text.data() + text.size() ? 1 : -1; }
-
-private:
-    std::string text;
-    std::size_t from;
-};
 
 // What comes of a table: exit code, messages, summary, results or page.
 struct Outcome {
@@ -154,7 +130,7 @@ TEST(Jobs, AreInterruptedBehindTheSameRow) {
     for (const std::size_t jobs : jobCounts) {
         const auto run = [&] {
             host::Interrupt::install();
-            Readings readings(rows, rows.size() / 2);
+            InterruptedReadings readings(rows, rows.size() / 2, true);
             std::istream in(&readings);
             const Outcome outcome = outcomeOf(RunOptions{}, runReadings, jobs, in);
             std::ofstream(path, std::ios::binary) << outcome.out;

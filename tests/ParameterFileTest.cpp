@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <limits>
 
@@ -14,7 +12,6 @@
 namespace {
 
 using namespace kiv;
-using kiv::test::parameterNumber;
 using kiv::test::parameterText;
 using kiv::test::TextChanges;
 
@@ -96,71 +93,6 @@ TEST(Scanner, ReadsNumbers) {
 ParsedFile parse(const std::string& text) {
     TextSource source(text);
     return parseParameterFile(source, 5);
-}
-
-// The id and the finding of a failure, then every value that was not read.
-std::string textOf(const ParseOutcome& outcome) {
-    std::string text = outcome.code == KIV_OK ? "" : std::to_string(outcome.messageId) + " at ";
-    const auto append = [&text](const Finding& finding) {
-        text += std::to_string(finding.line) + ":" + std::to_string(finding.column) + ": expected "
-                + finding.expected + ", found " + finding.found + "\n";
-    };
-    if (outcome.code != KIV_OK)
-        append(outcome.failure);
-    std::for_each(outcome.unread.begin(), outcome.unread.end(), append);
-    return text;
-}
-
-TEST(Parser, ReadsEveryValue) {
-    const auto [document, outcome] = parse(parameterText());
-    EXPECT_EQ(textOf(outcome), "");
-    std::size_t count = 0;
-    for (const BlockLayout& layout : blockTable) {
-        SCOPED_TRACE(layout.title);
-        const BlockValues* values = document.find(layout.block);
-        ASSERT_TRUE(values);
-        const bool tilt = layout.kind == BlockKind::tiltTable;
-        for (std::size_t i = 0; i < values->numbers.size(); ++i, ++count)
-            EXPECT_EQ(values->numbers[i], parameterNumber(layout.block, i));
-        EXPECT_EQ(values->trailing,
-                  (std::array<float, 3>{tilt ? -30.F : 0, tilt ? 30.F : 0, tilt ? 0.5F : 0}));
-        EXPECT_EQ(values->word, layout.kind == BlockKind::word ? "owner" : tilt ? "end" : "");
-    }
-    EXPECT_EQ(count, 116U);
-    EXPECT_EQ(document.find(Block::serialNumber)->integer, 5);
-    EXPECT_EQ(document.find(Block::mountingMode)->integer, 3);
-}
-
-TEST(Parser, RequiresEveryTitle) {
-    for (std::size_t i = 0; i < blockTable.size(); ++i) {
-        const BlockLayout& layout = blockTable[i];
-        SCOPED_TRACE(layout.title);
-        std::string lower(layout.title);
-        std::transform(lower.begin(), lower.end(), lower.begin(),
-                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-        const auto [document, outcome] = parse(parameterText({.titles = {{layout.block, lower}}}));
-        EXPECT_EQ(outcome.code, KIV_BAD_FORMAT);
-        EXPECT_EQ(outcome.messageId, layout.messageId);
-        EXPECT_EQ(outcome.failure.block, layout.block);
-        EXPECT_EQ(outcome.failure.found,
-                  '"' + lower + "\", which is close but has to match letter by letter");
-        for (std::size_t j = 0; j < blockTable.size(); ++j)
-            EXPECT_EQ(document.blocks[j].has_value(), j < i) << blockTable[j].title;
-    }
-}
-
-TEST(Parser, KnowsWhereTheFileMayEnd) {
-    for (std::size_t i = 0; i < blockTable.size(); ++i) {
-        SCOPED_TRACE(blockTable[i].title);
-        const auto [document, outcome] = parse(parameterText({.blocks = i}) + " \r\n\t");
-        EXPECT_EQ(outcome.code, KIV_BAD_FORMAT);
-        EXPECT_EQ(outcome.messageId, i < 17 ? blockTable[i].messageId : 609U);
-        EXPECT_EQ(outcome.failure.found, "end of file");
-        EXPECT_EQ(document.find(Block::tiltYCalibration) != nullptr, i > 17);
-        const BlockValues* scale = document.find(Block::scaleFactor);
-        ASSERT_EQ(scale != nullptr, i >= 17);
-        EXPECT_EQ(scale && scale->defaulted, i == 17 || i == 18);
-    }
 }
 
 TEST(Parser, TakesATitleWithinItsWords) {

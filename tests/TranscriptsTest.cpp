@@ -28,15 +28,23 @@ using Lines = std::vector<std::string>;
 
 struct Command {
     std::string text;
-    Lines input;
-    Lines output;
-    Lines errors; // of an example: empty, its output holds both
+    Lines input{};
+    Lines output{};
+    Lines errors{}; // of an example: empty, its output holds both
+    Lines parts{};  // of the output, in place of its lines
+    Lines noParts{};
     int code = 0;
+};
+
+// A copy of a file with a change, or a file of these lines.
+struct File {
+    std::string request;
+    Lines lines;
 };
 
 struct Transcript {
     std::string name;
-    Lines copies;
+    std::vector<File> files;
     std::vector<Command> commands;
 };
 
@@ -61,6 +69,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 
 std::vector<Transcript> casesIn(const std::string& file) {
     std::vector<Transcript> cases;
+    bool ofFile = false; // the lines of input
     std::vector<std::pair<std::string, std::string>> names{
         {"{tab}", "\t"}, {"{cr}", "\r"}, {"{bom}", "\xEF\xBB\xBF"}};
     for (std::string line : linesIn(file)) {
@@ -69,17 +78,23 @@ std::vector<Transcript> casesIn(const std::string& file) {
         const char kind = line.empty() ? ' ' : line[0];
         const std::size_t blank = line.find(' ');
         const std::string rest = blank < line.size() ? line.substr(blank + 1) : "";
+        ofFile = kind == '@' || (ofFile && kind == '<');
         if (kind == '%')
             names.emplace_back('{' + rest.substr(0, rest.find(' ')) + '}',
                                rest.substr(rest.find(' ') + 1));
         else if (line.starts_with("## "))
             cases.push_back({rest, {}, {}});
         else if (kind == '@')
-            cases.back().copies.push_back(rest);
+            cases.back().files.push_back({rest, {}});
         else if (kind == '$')
-            cases.back().commands.push_back({rest, {}, {}, {}, blank == 1 ? 0 : line[1] - '0'});
+            cases.back().commands.push_back({.text = rest, .code = blank == 1 ? 0 : line[1] - '0'});
         else if (kind == '<')
-            cases.back().commands.back().input.push_back(rest);
+            (ofFile ? cases.back().files.back().lines : cases.back().commands.back().input)
+                .push_back(rest);
+        else if (kind == '+')
+            cases.back().commands.back().parts.push_back(rest);
+        else if (kind == '-')
+            cases.back().commands.back().noParts.push_back(rest);
         else if (kind == '>')
             cases.back().commands.back().output.push_back(rest);
         else if (kind == '!')
@@ -100,7 +115,7 @@ std::vector<Transcript> examplesIn(const std::string& file) {
             if (fenced)
                 examples.push_back({file + ':' + std::to_string(number), {}, {}});
         } else if (fenced && line.starts_with("$ ")) {
-            examples.back().commands.push_back({line.substr(2), {}, {}, {}, 0});
+            examples.back().commands.push_back({.text = line.substr(2)});
         } else if (fenced && !examples.back().commands.empty()) {
             examples.back().commands.back().output.push_back(line);
         }
@@ -142,6 +157,14 @@ bool sameLine(std::string_view expected, std::string_view found) {
     return open || found.empty();
 }
 
+bool contain(const Lines& lines, const std::string& part) {
+    for (const std::string_view line : lines)
+        for (std::size_t at = 0; (at = line.find(part[0], at)) != line.npos; ++at)
+            if (sameLine(part + "...", line.substr(at)))
+                return true;
+    return false;
+}
+
 void compare(const char* stream, const Lines& expected, const Lines& found) {
     const bool open = !expected.empty() && expected.back().ends_with("...");
     std::size_t line = 0;
@@ -176,7 +199,12 @@ void run(const Command& command, bool separateErrors) {
     const int status = std::system(
         ("cd . && " + line + (separateErrors ? "> stdout 2> stderr" : "> stdout 2>&1")).c_str());
     const int code = status > 255 ? status >> 8 : status; // POSIX: in the upper byte
-    compare("standard output", command.output, linesIn("stdout"));
+    if (command.parts.empty() && command.noParts.empty())
+        compare("standard output", command.output, linesIn("stdout"));
+    for (const std::string& part : command.parts)
+        EXPECT_TRUE(contain(linesIn("stdout"), part)) << part;
+    for (const std::string& part : command.noParts)
+        EXPECT_FALSE(contain(linesIn("stdout"), part)) << part;
     if (!separateErrors) {
         EXPECT_LE(code, 1);
         return;
@@ -185,18 +213,20 @@ void run(const Command& command, bool separateErrors) {
     EXPECT_EQ(code, command.code);
 }
 
-// NEW OLD, or NEW OLD FROM TO.
-void copyFile(const std::string& request) {
-    std::istringstream words(request);
+void makeFile(const File& file) {
+    std::istringstream words(file.request);
     std::string target;
     std::string source;
     std::string from;
     std::string to;
     words >> std::quoted(target) >> source >> from >> to;
     std::stringstream text;
-    text << std::ifstream(source, std::ios::binary).rdbuf();
+    if (!source.empty())
+        text << std::ifstream(source, std::ios::binary).rdbuf();
+    for (const std::string& line : file.lines)
+        text << line << '\n';
     std::string changed = text.str();
-    ASSERT_NE(changed.find(from), std::string::npos) << request;
+    ASSERT_NE(changed.find(from), std::string::npos) << file.request;
     changed.replace(changed.find(from), from.size(), to);
     const fs::path path = fs::absolute(kiv::host::pathOf(target));
     fs::create_directories(path.parent_path());
@@ -211,8 +241,8 @@ void run(const std::vector<Transcript>& transcripts, bool separateErrors) {
         for (const char* name : {"Tg5.prm", "readings.csv"})
             fs::copy_file(fs::path(KIV_EXAMPLES) / name, fs::path(folder.path()) / name);
         fs::current_path(folder.path());
-        for (const std::string& request : transcript.copies)
-            copyFile(request);
+        for (const File& file : transcript.files)
+            makeFile(file);
         for (const Command& command : transcript.commands)
             run(command, separateErrors);
         fs::current_path(home);

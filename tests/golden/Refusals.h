@@ -31,6 +31,108 @@ inline std::string refusalOf(const TextChanges& changes) {
     return shown.str();
 }
 
+// Without anything to warn of.
+inline TextChanges sound(TextChanges changes = {}) {
+    changes.values.insert({{Block::localMatrix, "1 0 0\n0 1 0\n0 0 1"},
+                           {Block::machineMatrix, "0 -1 0\n1 0 0\n0 0 1"},
+                           {Block::azCalibration, "3\n0 0.1\n180 0.2\n360 0.1"},
+                           {Block::tiltXCalibration, "3\n-2 -2\n0 0\n2 2\n-1 1 0\nend"},
+                           {Block::tiltYCalibration, "2\n5 5\n-5 -5\n-5 5 0\n7"}});
+    return changes;
+}
+
+inline TextChanges valued(Block block, const std::string& text) {
+    return sound({.values = {{block, text}}});
+}
+
+inline TextChanges titled(Block block, const std::string& text) {
+    return sound({.titles = {{block, text}}});
+}
+
+inline std::string without(std::string text, const std::string& part) {
+    for (auto at = text.find(part); at != text.npos; at = text.find(part, at))
+        text.erase(at, part.size());
+    return text;
+}
+
+// All that kiv check shows of texts with several faults, and with what it warns of.
+inline std::string findingsOfWholeFiles() {
+    using enum Block;
+    std::string longJunk;
+    for (int i = 0; i < 20; ++i)
+        longJunk += "Junk ";
+    const struct {
+        const char* name;
+        std::string text;
+    } rows[] = {
+        {"sound", parameterText(sound())},
+        {"two misspelt titles",
+         parameterText(sound({.titles = {{localMatrix, "Local Coordinate Transform Matrix"},
+                                         {machineMatrix, "machine coordinate Tranform Matrix"}}}))},
+        {"values behind a misspelt title",
+         parameterText(sound({.values = {{tiltOffset, "1 x"}, {elCalibration, "2\n500 1\n9 2"}},
+                              .titles = {{tiltOffset, "Tilt Sensor Ofset"}}}))},
+        {"a block left out, and one further on",
+         without(without(parameterText(sound()), "Device Owner\nowner\n"), "Mounting Mode\n3\n")},
+        {"junk",
+         parameterText(titled(azPositionGain, "some 7 words " + longJunk + "AZ Position Gain"))},
+        {"nothing of it", "junk " + std::string(300, 'x')},
+        {"bad counts",
+         parameterText(sound({.values = {{azCalibration, "0\n1 2"}, {tiltXCalibration, "many"}}}))},
+        {"more rows than the count",
+         parameterText(sound({.values = {{azCalibration, "2\n1 1\n2 2\n3 3\n4 4"},
+                                         {tiltXCalibration, "1\n-2 0\n0 0\n2 0\n-1 1 0\nend"},
+                                         {tiltYCalibration, "1\n5 5\n-5 -5\n-5 5 0\n7"}}}))},
+        {"fewer rows than the count",
+         parameterText(sound({.values = {{azCalibration, "4\n1 1\n2 2\n3 3"},
+                                         {tiltXCalibration, "4\n-2 -2\n0 0\n2 2\n-1 1 0\nend"}}}))},
+        {"half a row", parameterText(valued(azCalibration, "3\n1 1\n2 2\n3"))},
+        {"a table cut off",
+         parameterText(sound({.values = {{azCalibration, "3\n1 1\n2"}}, .blocks = 15}))},
+        {"cut off where defaults are", parameterText(sound({.blocks = 17}))},
+        {"angles twice and far",
+         parameterText(sound({.values = {{azCalibration, "5\n1 1\n-359 2\n1 1\n-361 0\n720.5 0"},
+                                         {elCalibration, "3\n-5 1\n355 1\n7 7"}}}))},
+        {"knots that turn and repeat",
+         parameterText(sound({.values = {{tiltXCalibration, "4\n-2 0\n0 0\n-1 0\n2 0\n-1 1 0\nend"},
+                                         {tiltYCalibration, "3\n5 5\n5 0\n-5 0\n-5 5 0\nend"}}}))},
+        {"level limits",
+         parameterText(sound({.values = {{tiltXCalibration, "2\n-2 -2\n2 2\n1.5 -2.5 0\nend"},
+                                         {tiltYCalibration, "2\n5 5\n-5 -5\n-5 5.1 0\nend"}}}))},
+        {"limits of tilt X in mode 7",
+         parameterText(sound({.values = {{tiltXCalibration, "2\n-2 -2\n2 2\n-35 35 0\nend"},
+                                         {mountingMode, "7"}}}))},
+        {"matrices",
+         parameterText(sound({.values = {{localMatrix, "1 0 0\n0 1 0\n1 1 0"},
+                                         {machineMatrix, "0 -1 0\n1 0 0\n0 0 1.00001"}}}))},
+        {"what leaves a level out",
+         parameterText(sound({.values = {{mountingMode, "9"},
+                                         {thermalFactor, "0 1 0 0"},
+                                         {tiltYCalibration, "2\n5 0.5\n-5 -0.4\n-5 5 0\n7"},
+                                         {levelX, "0 0 0 -30 0 0 0"},
+                                         {levelY, "0 0 0 146 0 0 1"}}}))},
+        {"another mount mode, and gains of 0",
+         parameterText(
+             sound({.values = {{mountingMode, "12"}, {scaleFactor, "0 0 0 0 0 1 0 0"}}}))},
+        {"rotations in print, and a reflection",
+         parameterText(
+             sound({.values = {{localMatrix, "0.939373 -.342898 0 0.342898 .939373 0 0 0 1"},
+                               {machineMatrix, "0 1 0\n1 0 0\n0 0 1"}}}))},
+        {"text behind", parameterText(sound()) + "more"},
+        {"no line end", parameterText(sound()).erase(parameterText(sound()).size() - 2)},
+        {"no warning of what was not read",
+         parameterText(valued(machineMatrix, "1 0 0 0 1 0 0 0"))},
+    };
+    std::ostringstream all;
+    for (const auto& row : rows) {
+        all << "\n  " << row.name << '\n';
+        TextSource source(row.text);
+        for (const host::FileFinding& f : host::examine(source, std::nullopt).findings)
+            host::report(all, "    Tg5.prm", f);
+    }
+    return all.str();
+}
+
 // Every kind of fault, one at a time, in a block of each kind and in those that differ otherwise;
 // another title in every block.
 inline std::string refusals() {
@@ -100,7 +202,7 @@ inline std::string refusals() {
                 add(fault.name, fault.changes);
         add("the file ending before it", {.blocks = i});
     }
-    return all;
+    return all + "\nWhole files\n" + findingsOfWholeFiles();
 }
 
 } // namespace kiv::test
