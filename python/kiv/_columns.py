@@ -106,16 +106,17 @@ class Readings:
 
     def __init__(self, argument: str, readings: Any) -> None:
         self._argument = argument
+        self._index = readings.index if is_frame(readings) else None
         names = self._names(readings)
         for name in _reading_fields:
             if name not in names:
-                raise ReadingsError(argument, name, None, "a column of this name", "none")
+                raise self._error(name, None, "a column of this name", "none")
         self._columns = {name: self._numbers(name, readings[name]) for name in _reading_fields}
         self.count = len(self._columns["status"])
         for name, values in self._columns.items():
             if len(values) != self.count:
-                raise ReadingsError(
-                    argument, name, None, f"{self.count} rows as in column status", f"{len(values)}"
+                raise self._error(
+                    name, None, f"{self.count} rows as in column status", f"{len(values)}"
                 )
         self._no_use: Optional[Array] = None
         with np.errstate(invalid="ignore"):
@@ -135,6 +136,10 @@ class Readings:
             f"found {type(readings).__name__}"
         )
 
+    def _error(self, name: str, row: Optional[int], expected: str, found: str) -> ReadingsError:
+        index = None if row is None or self._index is None else self._index[row]
+        return ReadingsError(self._argument, name, row, expected, found, index)
+
     def _numbers(self, name: str, values: Any) -> Array:
         """A column's values; a missing one is NaN."""
         if isinstance(values, np.ma.MaskedArray):
@@ -148,14 +153,14 @@ class Readings:
         except ValueError:  # rows of different lengths
             array = np.empty((0, 0))
         if array.ndim != 1:
-            raise ReadingsError(
-                self._argument, name, None, "one dimension", f"the shape {array.shape}"
-            )
+            raise self._error(name, None, "one dimension", f"the shape {array.shape}")
         if array.dtype.kind in "biuf":
             return array
+        if array.dtype.kind in "mM" and len(array) > 0:  # in a list they are whole numbers
+            raise self._error(name, 0, "a number", str(array[0]))
         for row, value in enumerate(array.tolist()):
             if value is not None and not isinstance(value, numbers.Real):
-                raise ReadingsError(self._argument, name, row, "a number", repr(value))
+                raise self._error(name, row, "a number", repr(value))
         return array.astype(np.float64)
 
     def _require(self, name: str, wrong: Array, expected: str) -> None:
@@ -166,7 +171,7 @@ class Readings:
         missing = np.isnan(values)
         if (wrong & ~missing).any():
             row = int(np.argmax(wrong & ~missing))
-            raise ReadingsError(self._argument, name, row, expected, str(values[row]))
+            raise self._error(name, row, expected, str(values[row]))
         self._no_use = missing if self._no_use is None else self._no_use | missing
 
     def fill(self, records: Array, start: int) -> None:

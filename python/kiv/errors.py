@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import NamedTuple, Optional, Tuple
+from typing import Any, NamedTuple, Optional, Tuple
 
 
 class Error(Exception):
@@ -52,16 +52,23 @@ class ParameterFileWarning(UserWarning):
 class ReadingsError(Error, ValueError):
     """Readings that do not fit; nothing of them has reached the sensor.
 
-    argument is the name of the argument, column that of the column, row counts from 0; the last two
-    are None where the fault is not in one.
+    argument is the name of the argument, column that of the column, row the place of the first row
+    that does not fit, from 0, whatever the index of a frame; the last two are None where the fault
+    is not in one. index is the row's label in a frame, else None.
     """
 
     def __init__(
-        self, argument: str, column: Optional[str], row: Optional[int], expected: str, found: str
+        self,
+        argument: str,
+        column: Optional[str],
+        row: Optional[int],
+        expected: str,
+        found: str,
+        index: Any = None,
     ) -> None:
         super().__init__(20, "")
-        self.args = (argument, column, row, expected, found)
-        self.argument, self.column, self.row = argument, column, row
+        self.args = (argument, column, row, expected, found, index)
+        self.argument, self.column, self.row, self.index = argument, column, row, index
         self.expected, self.found = expected, found
 
     def __str__(self) -> str:
@@ -69,5 +76,7 @@ class ReadingsError(Error, ValueError):
         if self.column is not None:
             place += f": column {self.column}"
         if self.row is not None:
-            place += f", row {self.row}"
+            place += f", row {self.row} (from 0)"
+        if self.index is not None and self.index != self.row:
+            place += f", index {self.index}"
         return f"{place}: expected {self.expected}, found {self.found}"

@@ -132,8 +132,11 @@ def test_refusals_name_the_place_and_leave_the_sensor(name, values, row, found):
         one.run(given)
     error = refused.value
     assert (error.argument, error.column) == ("readings", name) and found in str(error)
-    assert error.row == row
+    assert error.row == row and (row is None or f"column {name}, row {row} (from 0): " in str(error))
     assert one.reference is None
+    if row is not None:
+        with pytest.raises(kiv.ReadingsError, match=f"column {name}, row {row} .from 0., index {100 + row}: "):
+            one.run(frame(given))
 
 
 @pytest.mark.parametrize("given, found", [
