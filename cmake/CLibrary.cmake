@@ -3,10 +3,12 @@ add_library(kiv_c_objects OBJECT
     src/c/Blocks.cpp
     src/c/Uncertainty.cpp
     src/c/Parameters.cpp
+    src/c/Refusal.cpp
     src/c/Sensor.cpp
     src/c/Settings.cpp
     src/c/Status.cpp
-    src/c/Update.cpp)
+    src/c/Update.cpp
+    src/support/platform/$<IF:$<BOOL:${WIN32}>,LastRefusalWindows.cpp,LastRefusalPosix.cpp>)
 target_link_libraries(kiv_c_objects PUBLIC kiv_judging)
 kiv_compile_options(kiv_c_objects)
 

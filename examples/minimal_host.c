@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
     for (i = 0; i < 2 && code == KIV_STATUS_OK; ++i)
         printf("rx %.4f  ry %.4f  rz %.4f degrees\n", results[i].rx, results[i].ry, results[i].rz);
     if (code != KIV_STATUS_OK)
-        fprintf(stderr, "code %d: %s\n", code, kiv_status_text(code));
+        fprintf(stderr, "code %d: %s\n", code, kiv_last_error());
     kiv_sensor_free(sensor);
     kiv_parameters_free(parameters);
     return code != KIV_STATUS_OK;

@@ -5,13 +5,14 @@
  * that refuses writes nothing and leaves its handle as it was; a refused load changes the list of
  * faults, nothing else. Nothing throws, prints or ends the process.
  *
- * Null: a null handle or pointer gives 20, except where a pointer is said to be optional. Freeing
- * null does nothing.
+ * Null: a null handle or pointer gives 20, except where a pointer is said to be optional; an array
+ * of 0 elements may be null. Freeing null does nothing.
  *
  * Ownership: what a ..._new or ..._copy hands out is freed once, by the ..._free of its kind; using
  * or freeing a handle after that is undefined. Arrays belong to the caller and are used during the
  * call alone. Texts that a function hands out belong to the library: those from a handle live until
- * it is loaded again or freed, the others as long as the library is loaded.
+ * it is loaded again or freed, that of kiv_last_error until its thread's next refused call, the
+ * others as long as the library is loaded.
  *
  * Threads: handles share nothing, so that different threads use different handles at the same time.
  * Calls on one sensor wait for one another. Parameters may be read by several threads at once, but
@@ -56,6 +57,16 @@ enum {
 
 /* Never null, also for a code that the library does not use. */
 const char* kiv_status_text(int status);
+
+/*
+ * The detail of the calling thread's last refused call: an argument with what was expected and
+ * found, a file with the system's reason ("Tg5.prm: No such file or directory"), the first fault of
+ * a parameter file with its line and column. At most 1019 bytes; empty before the first refusal,
+ * never null. A call that succeeds leaves it.
+ */
+const char* kiv_last_error(void);
+/* The system's own number of that reason, errno or GetLastError; 0 where the system gave none. */
+int kiv_last_system_error(void);
 
 /* ---- Parameters: what one sensor's parameter file says ---- */
 

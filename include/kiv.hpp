@@ -24,7 +24,7 @@ using Uncertainty = kiv_uncertainty;
 
 enum class Frame { local = KIV_FRAME_LOCAL, machine = KIV_FRAME_MACHINE };
 
-// A status code other than 0.
+// A status code other than 0. The text is the detail of the refusal.
 class Error : public std::runtime_error {
 public:
     explicit Error(int status) : Error(status, kiv_status_text(status)) {}
@@ -37,7 +37,7 @@ private:
 
 inline void check(int status) {
     if (status != KIV_STATUS_OK)
-        throw Error(status);
+        throw Error(status, kiv_last_error());
 }
 
 namespace detail {
@@ -170,11 +170,9 @@ public:
     void update(const Readings& readings, Results&& results, std::uint8_t* states = nullptr,
                 double* matrices = nullptr) {
         const std::size_t count = std::size(readings);
-        if (std::size(results) < count)
-            throw Error(KIV_STATUS_BAD_ARGUMENT);
-        if (count > 0) // else the pointers may be null
-            check(kiv_sensor_update_many(get(), std::data(readings), count, std::data(results),
-                                         matrices, states));
+        requireRoom("results", std::size(results), count);
+        check(kiv_sensor_update_many(get(), std::data(readings), count, std::data(results),
+                                     matrices, states));
     }
 
     // A standard uncertainty of a reading or parameter.
@@ -195,11 +193,10 @@ public:
                Uncertainty* uncertainties = nullptr, std::uint8_t* states = nullptr,
                double* matrices = nullptr) {
         const std::size_t count = std::size(readings);
-        if (std::size(results) < count || std::size(trusts) < count)
-            throw Error(KIV_STATUS_BAD_ARGUMENT);
-        if (count > 0)
-            check(kiv_sensor_judge_many(get(), std::data(readings), count, std::data(results),
-                                        matrices, states, std::data(trusts), uncertainties));
+        requireRoom("results", std::size(results), count);
+        requireRoom("trusts", std::size(trusts), count);
+        check(kiv_sensor_judge_many(get(), std::data(readings), count, std::data(results), matrices,
+                                    states, std::data(trusts), uncertainties));
     }
 
     bool hasReference() const {
@@ -220,6 +217,13 @@ public:
 
 private:
     explicit Sensor(kiv_sensor* own) : handle(own) {}
+
+    static void requireRoom(const char* what, std::size_t found, std::size_t count) {
+        if (found < count)
+            throw Error(KIV_STATUS_BAD_ARGUMENT,
+                        what + (": expected room for " + std::to_string(count)) + ", found "
+                            + std::to_string(found));
+    }
 
     std::unique_ptr<kiv_sensor, detail::Free<kiv_sensor_free>> handle;
 };

@@ -9,6 +9,7 @@
 #include <limits>
 #include <memory>
 #include <set>
+#include <thread>
 #include <tuple>
 
 #include <gtest/gtest.h>
@@ -540,6 +541,9 @@ void refuseNulls(const char* name, std::size_t optional, int (*f)(P...), std::tu
             auto arguments = given;
             std::get<i>(arguments) = nullptr;
             EXPECT_EQ(std::apply(f, arguments), i >= optional ? 0 : 20) << name << ", place " << i;
+            EXPECT_TRUE(
+                i >= optional
+                || std::string(kiv_last_error()).ends_with(": expected a pointer, found null"));
         }
     };
     (tryOne(std::integral_constant<std::size_t, I>()), ...);
@@ -631,21 +635,81 @@ TEST(CSurface, RefusesANullInEveryPlace) {
     REFUSES_NULLS(kiv_home_angles, d, d2, d, d2, d, d);
     EXPECT_EQ(kiv_block_value_name(nullptr, 0), nullptr);
 
-    EXPECT_EQ(kiv_sensor_set_frame(s, 2), 20);
-    EXPECT_EQ(kiv_sensor_set_tilt_x_table(s, f, 0), 20);
-    EXPECT_EQ(kiv_sensor_set_tilt_x_table(s, f, SIZE_MAX / 4 + 2), 20);
-    EXPECT_EQ(kiv_sensor_set_azimuth_table(s, f, SIZE_MAX), 20);
-    EXPECT_EQ(kiv_sensor_set_qvc_parameters(s, f, 7), 20);
     EXPECT_EQ(kiv_state_name(6), nullptr);
     EXPECT_EQ(kiv_state_name(-1), nullptr);
     EXPECT_EQ(kiv_trust_name(14), nullptr);
     EXPECT_EQ(kiv_trust_name(KIV_TRUST_NONE), nullptr);
-    ASSERT_EQ(kiv_parameters_new(&newP), 0);
-    const Parameters empty(newP);
-    EXPECT_EQ(kiv_sensor_new(empty.get(), &newS), 551);
-    EXPECT_EQ(kiv_parameters_text(empty.get(), &text, &size), 551);
-    EXPECT_EQ(kiv_parameters_number_count(empty.get(), "qvc", &size), 551);
-    EXPECT_EQ(kiv_parameters_rewrite(empty.get(), target.c_str()), 551);
+}
+
+TEST(CSurface, TellsWhyACallWasRefused) {
+    const ParameterFolder folder;
+    const auto parameters = loaded(example);
+    const auto sensor = sensorOf(parameters);
+    kiv_parameters *const p = parameters.get(), *made = nullptr;
+    kiv_sensor* const s = sensor.get();
+    ASSERT_EQ(kiv_parameters_new(&made), 0);
+    const Parameters empty(made);
+    const std::string missing = folder.path() + "/none.prm", longName(5000, 'x');
+    kiv_sensor* newSensor = nullptr;
+    kiv_reading reading = goodOne();
+    reading.level_y = std::numeric_limits<float>::infinity();
+    std::size_t size;
+    std::int64_t index;
+    const char* text;
+    float f[9] = {};
+    double d[9];
+    const struct {
+        int code;
+        std::string detail;
+        std::function<int()> call;
+    } rows[] = {
+        {550, missing + ": " + kiv::platform::systemErrorText(2),
+         [&] { return kiv_parameters_load(p, missing.c_str()); }},
+        {550, folder.path() + ": expected a regular file",
+         [&] { return kiv_parameters_load(p, folder.path().c_str()); }},
+        {553, "text:1:1: expected the title \"Serial Number\", found end of file",
+         [&] { return kiv_parameters_load_text(p, nullptr, 0); }},
+        {20, "index: expected one below the count, 1, found 1",
+         [&] { return kiv_parameters_fault(p, 1, &index, &index, &text, &text); }},
+        {551, "parameters: expected a file to be loaded, found none",
+         [&] { return kiv_sensor_new(empty.get(), &newSensor); }},
+        {551, "parameters: expected a file to be loaded, found none",
+         [&] { return kiv_parameters_text(empty.get(), &text, &size); }},
+        {551, "parameters: expected a file to be loaded, found none",
+         [&] { return kiv_parameters_number_count(empty.get(), "qvc", &size); }},
+        {551, "parameters: expected a file to be loaded, found none",
+         [&] { return kiv_parameters_rewrite(empty.get(), missing.c_str()); }},
+        {20, "block: expected a name that kiv_block_name gives, found \"" + longName.substr(0, 962),
+         [&] { return kiv_parameters_number_count(p, longName.c_str(), &size); }},
+        {20, "block: expected one with limits, found qvc",
+         [&] { return kiv_parameters_limits(p, "qvc", f); }},
+        {20, "capacity: expected at least 6, the count of qvc, found 5",
+         [&] { return kiv_parameters_numbers(p, "qvc", f, 5); }},
+        {20, "frame: expected 0 (local) or 1 (machine), found 2",
+         [&] { return kiv_sensor_set_frame(s, 2); }},
+        {20, "rows: expected at least 1, found 0",
+         [&] { return kiv_sensor_set_tilt_x_table(s, f, 0); }},
+        {20, "rows: expected at most 536870911, found " + std::to_string(SIZE_MAX / 4 + 2),
+         [&] { return kiv_sensor_set_tilt_x_table(s, f, SIZE_MAX / 4 + 2); }},
+        {20, "rows: expected at most 536870911, found " + std::to_string(SIZE_MAX),
+         [&] { return kiv_sensor_set_azimuth_table(s, f, SIZE_MAX); }},
+        {20, "count: expected at most 6, found 7",
+         [&] { return kiv_sensor_set_qvc_parameters(s, f, 7); }},
+        {554,
+         "reading: expected one that an update makes the reference, found no number in level_y",
+         [&] { return kiv_sensor_capture_reference(s, &reading); }},
+        {554, "sensor: expected one with a reference, found none",
+         [&] { return kiv_sensor_reference_index(s, &index); }},
+        {554, "sensor: expected a last reading with status 2, found none",
+         [&] { return kiv_sensor_matrix(s, d); }},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.call(), row.code);
+        EXPECT_EQ(kiv_last_error(), row.detail);
+    }
+    EXPECT_EQ(kiv_sensor_update_many(s, nullptr, 0, nullptr, nullptr, nullptr), 0);
+    EXPECT_STREQ(kiv_last_error(), rows[std::size(rows) - 1].detail.c_str());
+    std::thread([] { EXPECT_STREQ(kiv_last_error(), ""); }).join();
 }
 
 // The setters against those of the class, on sensors that differ in everything else.

@@ -2,8 +2,10 @@
 // Others are declared in the same way.
 
 using System;
+using System.IO;
 using System.Runtime.InteropServices;
 using System.Text;
+using Microsoft.Win32.SafeHandles;
 
 namespace Kiv
 {
@@ -32,10 +34,25 @@ namespace Kiv
 
     public enum State : byte { Ok, Status, NoReference, Reference, NoOrientation, Refused }
 
+    // A refusal that .NET has no exception for; the others are ArgumentException, FileNotFoundException,
+    // UnauthorizedAccessException, IOException, ObjectDisposedException and OutOfMemoryException.
     public class KivException : Exception
     {
         public readonly int Code;
         public KivException(int code, string text) : base(text) { Code = code; }
+    }
+
+    // Freed once, and not while a call is in it.
+    internal sealed class ParametersHandle : SafeHandleZeroOrMinusOneIsInvalid
+    {
+        public ParametersHandle() : base(true) { }
+        protected override bool ReleaseHandle() { Native.kiv_parameters_free(handle); return true; }
+    }
+
+    internal sealed class SensorHandle : SafeHandleZeroOrMinusOneIsInvalid
+    {
+        public SensorHandle() : base(true) { }
+        protected override bool ReleaseHandle() { Native.kiv_sensor_free(handle); return true; }
     }
 
     internal static class Native
@@ -44,21 +61,20 @@ namespace Kiv
         private const CallingConvention C = CallingConvention.Cdecl;
 
         [DllImport(Library, CallingConvention = C)] public static extern IntPtr kiv_version();
-        [DllImport(Library, CallingConvention = C)] public static extern IntPtr kiv_status_text(int status);
-        [DllImport(Library, CallingConvention = C)] public static extern int kiv_parameters_new(out IntPtr parameters);
+        [DllImport(Library, CallingConvention = C)] public static extern IntPtr kiv_last_error();
+        [DllImport(Library, CallingConvention = C)] public static extern int kiv_last_system_error();
+        [DllImport(Library, CallingConvention = C)]
+        public static extern int kiv_parameters_new(out ParametersHandle parameters);
         [DllImport(Library, CallingConvention = C)] public static extern void kiv_parameters_free(IntPtr parameters);
         [DllImport(Library, CallingConvention = C)]
-        public static extern int kiv_parameters_load(IntPtr parameters, byte[] path);
+        public static extern int kiv_parameters_load(ParametersHandle parameters, byte[] path);
         [DllImport(Library, CallingConvention = C)]
-        public static extern int kiv_parameters_fault(IntPtr parameters, UIntPtr index, out long line,
-            out long column, out IntPtr expected, out IntPtr found);
-        [DllImport(Library, CallingConvention = C)]
-        public static extern int kiv_sensor_new(IntPtr parameters, out IntPtr sensor);
+        public static extern int kiv_sensor_new(ParametersHandle parameters, out SensorHandle sensor);
         [DllImport(Library, CallingConvention = C)] public static extern void kiv_sensor_free(IntPtr sensor);
         [DllImport(Library, CallingConvention = C)]
-        public static extern int kiv_sensor_set_frame(IntPtr sensor, int frame);
+        public static extern int kiv_sensor_set_frame(SensorHandle sensor, int frame);
         [DllImport(Library, CallingConvention = C)]
-        public static extern int kiv_sensor_update_many(IntPtr sensor, [In] Reading[] readings, UIntPtr count,
+        public static extern int kiv_sensor_update_many(SensorHandle sensor, [In] Reading[] readings, UIntPtr count,
             [Out] Result[] results, [Out] double[] matrices, [Out] byte[] states);
 
         public static string Text(IntPtr utf8)
@@ -71,67 +87,78 @@ namespace Kiv
             return Encoding.UTF8.GetString(bytes);
         }
 
-        public static void Check(int code)
+        // path: of the file that the call was about.
+        public static void Check(int code, string path = null)
         {
             if (code != 0)
-                throw new KivException(code, Text(kiv_status_text(code)));
+                throw Refusal(code, Text(kiv_last_error()), path);
+        }
+
+        private static Exception Refusal(int code, string detail, string path)
+        {
+            switch (code)
+            {
+                case 20: return new ArgumentException(detail);
+                case 21: return new OutOfMemoryException(detail);
+                case 550: return FileRefusal(detail, path);
+                default: return new KivException(code, detail);
+            }
+        }
+
+        private static Exception FileRefusal(string detail, string path)
+        {
+            bool windows = Environment.OSVersion.Platform == PlatformID.Win32NT;
+            int error = kiv_last_system_error();
+            if (error == 2 || (windows && error == 3))
+                return new FileNotFoundException(detail, path);
+            if (windows ? error == 5 : error == 1 || error == 13)
+                return new UnauthorizedAccessException(detail);
+            return new IOException(detail);
         }
     }
 
     // One sensor, configured from its parameter file.
     public sealed class Sensor : IDisposable
     {
-        private IntPtr handle;
+        private readonly SensorHandle handle;
 
         public static string Version { get { return Native.Text(Native.kiv_version()); } }
 
         public Sensor(string parameterFile, bool localFrame = false)
         {
-            IntPtr parameters;
+            if (parameterFile == null)
+                throw new ArgumentNullException("parameterFile");
+            if (parameterFile.IndexOf('\0') >= 0)
+                throw new ArgumentException("parameterFile: expected a path, found one with a null character");
+            ParametersHandle parameters;
             Native.Check(Native.kiv_parameters_new(out parameters));
-            try
+            using (parameters)
             {
-                Load(parameters, parameterFile);
+                byte[] path = Encoding.UTF8.GetBytes(parameterFile + "\0");
+                Native.Check(Native.kiv_parameters_load(parameters, path), parameterFile);
                 Native.Check(Native.kiv_sensor_new(parameters, out handle));
-            }
-            finally
-            {
-                Native.kiv_parameters_free(parameters);
             }
             Native.Check(Native.kiv_sensor_set_frame(handle, localFrame ? 0 : 1));
         }
 
-        private static void Load(IntPtr parameters, string path)
-        {
-            int code = Native.kiv_parameters_load(parameters, Encoding.UTF8.GetBytes(path + "\0"));
-            long line, column;
-            IntPtr expected, found;
-            if (code == 553 && Native.kiv_parameters_fault(parameters, UIntPtr.Zero, out line, out column,
-                                                           out expected, out found) == 0)
-                throw new KivException(code, path + ":" + line + ":" + column + ": expected "
-                                       + Native.Text(expected) + ", found " + Native.Text(found));
-            Native.Check(code);
-        }
-
         public Result[] Update(Reading[] readings, State[] states = null)
         {
+            if (readings == null)
+                throw new ArgumentNullException("readings");
+            if (states != null && states.Length < readings.Length)
+                throw new ArgumentException("states: expected room for " + readings.Length + ", found "
+                                            + states.Length);
+            if (handle.IsClosed)
+                throw new ObjectDisposedException(typeof(Sensor).FullName);
             var results = new Result[readings.Length];
             var bytes = new byte[readings.Length];
-            if (readings.Length > 0)
-                Native.Check(Native.kiv_sensor_update_many(handle, readings, (UIntPtr)readings.Length, results,
-                                                           null, bytes));
+            Native.Check(Native.kiv_sensor_update_many(handle, readings, (UIntPtr)readings.Length, results, null,
+                                                       bytes));
             for (int i = 0; states != null && i < bytes.Length; ++i)
                 states[i] = (State)bytes[i];
             return results;
         }
 
-        public void Dispose()
-        {
-            Native.kiv_sensor_free(handle);
-            handle = IntPtr.Zero;
-            GC.SuppressFinalize(this);
-        }
-
-        ~Sensor() { Dispose(); }
+        public void Dispose() { handle.Dispose(); }
     }
 }

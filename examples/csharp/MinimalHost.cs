@@ -19,7 +19,7 @@ public static class MinimalHost
                         "rx {0:F4}  ry {1:F4}  rz {2:F4} degrees\n", (double)r.Rx, (double)r.Ry, (double)r.Rz));
             return 0;
         }
-        catch (Kiv.KivException error)
+        catch (Exception error)
         {
             Console.Error.WriteLine(error.Message);
             return 1;

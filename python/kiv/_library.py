@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import ctypes
+import errno
 import os
 import sys
 import weakref
@@ -49,7 +50,7 @@ def _decoded(text: Optional[bytes]) -> str:
     return (text or b"").decode("utf-8", "backslashreplace")
 
 
-_status_text = _text("kiv_status_text", c_int)
+_last_error = _text("kiv_last_error")
 version = _text("kiv_version")
 block_name = _text("kiv_block_name", c_size_t)
 uncertainty_name = _text("kiv_uncertainty_name", c_size_t)
@@ -62,11 +63,20 @@ def names(name_of: Callable[[int], Optional[str]]) -> Tuple[str, ...]:
     return tuple(found)
 
 
-def check(code: int) -> None:
+def check(code: int, path: str = "") -> None:
+    """Raises what the library refused; path is that of the file that the call was about."""
+    if code == 0:
+        return
+    detail = _last_error() or ""
     if code == NO_MEMORY:
-        raise MemoryError(_status_text(code))
-    if code != 0:
-        raise Error(code, f"{_status_text(code)} ({code})")
+        raise MemoryError(detail)
+    if code == CANNOT_OPEN:
+        reason = detail.rsplit(": ", 1)[-1]
+        number = _last_system_error()
+        if sys.platform == "win32" and number:
+            raise OSError(0, reason, path, number)
+        raise OSError(number or errno.EINVAL, reason, path)
+    raise Error(code, f"{detail} ({code})")
 
 
 def _asked(name: str, *arguments: Any) -> Callable[..., int]:
@@ -85,6 +95,7 @@ def _called(name: str, *arguments: Any) -> Callable[..., None]:
     return call
 
 
+_last_system_error = _asked("kiv_last_system_error")
 _P = c_void_p  # a handle, an array, or a place for one value
 _parameters_new = _called("kiv_parameters_new", _P)
 _parameters_load = _asked("kiv_parameters_load", _P, c_char_p)
@@ -94,7 +105,7 @@ _parameters_fault = _called("kiv_parameters_fault", _P, c_size_t, _P, _P, _P, _P
 _parameters_warning_count = _called("kiv_parameters_warning_count", _P, _P)
 _parameters_warning = _called("kiv_parameters_warning", _P, c_size_t, _P, _P, _P, _P)
 _parameters_text = _called("kiv_parameters_text", _P, _P, _P)
-_parameters_rewrite = _called("kiv_parameters_rewrite", _P, c_char_p)
+_parameters_rewrite = _asked("kiv_parameters_rewrite", _P, c_char_p)
 _parameters_integer = _called("kiv_parameters_integer", _P, c_char_p, _P)
 _parameters_word = _called("kiv_parameters_word", _P, c_char_p, _P)
 _parameters_number_count = _called("kiv_parameters_number_count", _P, c_char_p, _P)
@@ -191,8 +202,8 @@ class Parameters(_Handle):
         _parameters_limits(self.pointer, block.encode(), _pointer(values))
         return values
 
-    def rewrite(self, path: bytes) -> None:
-        _parameters_rewrite(self.pointer, path)
+    def rewrite(self, path: bytes) -> int:
+        return _parameters_rewrite(self.pointer, path)
 
 
 class Sensor(_Handle):

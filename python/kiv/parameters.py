@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import errno
 import os
 import warnings
 from typing import Any, Callable, Dict, Tuple, Union
@@ -11,7 +10,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from . import _library
-from .errors import Error, ParameterFileError, ParameterFileWarning
+from .errors import ParameterFileError, ParameterFileWarning
 
 
 def _path_bytes(path: Union[str, bytes, os.PathLike[Any]]) -> bytes:
@@ -46,14 +45,7 @@ class Parameters:
     def __init__(self, path: Union[str, bytes, os.PathLike[Any]]) -> None:
         encoded = _path_bytes(path)
         self._handle = _library.Parameters()
-        name = os.fsdecode(path)
-        code = self._handle.load(encoded)
-        if code == _library.CANNOT_OPEN:
-            os.stat(path)  # says more, where it cannot
-            if not os.access(path, os.R_OK):
-                raise PermissionError(errno.EACCES, os.strerror(errno.EACCES), name)
-            raise OSError(errno.EINVAL, "expected a regular file that can be read", name)
-        self._check(code, name)
+        self._check(self._handle.load(encoded), os.fsdecode(path))
 
     @classmethod
     def from_text(cls, text: Union[bytes, str]) -> Parameters:
@@ -67,7 +59,7 @@ class Parameters:
     def _check(self, code: int, name: str) -> None:
         if code == _library.BAD_FORMAT:
             raise ParameterFileError(name, self._handle.faults())
-        _library.check(code)
+        _library.check(code, name)
         for f in self._handle.warnings():
             warnings.warn(f"{name}:{f}", ParameterFileWarning, stacklevel=3)
 
@@ -96,11 +88,11 @@ class Parameters:
         return low, high
 
     def rewrite(self, path: Union[str, bytes, os.PathLike[Any]]) -> None:
-        """Writes the parameters in the library's own layout, as ``kiv rewrite`` does."""
-        try:
-            self._handle.rewrite(_path_bytes(path))
-        except Error as error:
-            raise OSError(errno.EIO, "the file cannot be written", os.fsdecode(path)) from error
+        """Writes the parameters in the library's own layout, as ``kiv rewrite`` does.
+
+        Raises OSError with the system's reason.
+        """
+        _library.check(self._handle.rewrite(_path_bytes(path)), os.fsdecode(path))
 
     def __copy__(self) -> Parameters:
         return self

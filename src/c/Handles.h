@@ -8,6 +8,7 @@
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/CKivPrm.h"
 #include "c/Boundary.h"
+#include "c/Refusal.h"
 #include "judged/JudgedSensor.h"
 #include "params/Document.h"
 #include "params/Finding.h"
@@ -49,10 +50,10 @@ namespace kiv::c {
 
 // Runs a body that gives a status code while no other call is in the sensor.
 template <typename Sensor, typename Body>
-int locked(Sensor* sensor, bool argumentsFit, Body body) {
-    if (!sensor || !argumentsFit)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([&]() -> int {
+int locked(Sensor* sensor, std::initializer_list<Given> pointers, Body body) noexcept {
+    if (const int code = refuseNull({{"sensor", sensor}}))
+        return code;
+    return guarded(pointers, [&]() -> int {
         const std::lock_guard guard(sensor->lock);
         return body();
     });

@@ -11,13 +11,16 @@
 #include "params/Survey.h"
 #include "params/ValueWarnings.h"
 #include "support/platform/File.h"
+#include "support/platform/SystemError.h"
 
 using namespace kiv;
 using namespace kiv::c;
 
 namespace {
 
-int load(kiv_parameters& parameters, std::string text, std::optional<std::int32_t> id) {
+// The name is the text's in what is refused.
+int load(kiv_parameters& parameters, std::string_view name, std::string text,
+         std::optional<std::int32_t> id) {
     auto file = std::make_shared<LoadedFile>();
     file->text = std::move(text);
     TextSource source(file->text);
@@ -25,7 +28,9 @@ int load(kiv_parameters& parameters, std::string text, std::optional<std::int32_
     ParsedFile parsed = surveyParameterFile(source, id, survey);
     if (auto errors = errorsIn(parsed, survey); !errors.empty()) {
         parameters.faults = std::move(errors);
-        return KIV_STATUS_BAD_FORMAT;
+        const Finding& first = parameters.faults.front();
+        return refuseFile(KIV_STATUS_BAD_FORMAT, name, ":", first.line, ":", first.column,
+                          ": expected ", first.expected, ", found ", first.found);
     }
     RecordLoading::store(file->record, parsed);
     file->warnings = warningsIn(parsed, survey);
@@ -36,8 +41,9 @@ int load(kiv_parameters& parameters, std::string text, std::optional<std::int32_
 
 int findingAt(const std::vector<Finding>& findings, size_t index, int64_t* line, int64_t* column,
               const char** expected, const char** found) {
-    if (index >= findings.size() || !line || !column || !expected || !found)
-        return KIV_STATUS_BAD_ARGUMENT;
+    if (index >= findings.size())
+        return refuse(KIV_STATUS_BAD_ARGUMENT, "index: expected one below the count, ",
+                      findings.size(), ", found ", index);
     const Finding& finding = findings[index];
     *line = static_cast<int64_t>(finding.line);
     *column = static_cast<int64_t>(finding.column);
@@ -46,15 +52,27 @@ int findingAt(const std::vector<Finding>& findings, size_t index, int64_t* line,
     return KIV_STATUS_OK;
 }
 
-std::optional<std::string> textOf(const char* path) {
+int refuseBySystem(const char* path, int systemError) {
+    const std::string reason = platform::systemErrorText(systemError);
+    RefusalText text(systemError);
+    text.addPath(path);
+    text.add(": ");
+    text.add(reason);
+    return KIV_STATUS_CANNOT_OPEN;
+}
+
+// 0 with the file's text, or a refusal.
+int read(const char* path, std::string& text) {
     platform::InputFile file;
-    if (!file.open(platform::Utf8Path{path}))
-        return std::nullopt;
-    std::string text;
+    if (!file.open(platform::Utf8Path{path})) {
+        const int error = platform::lastSystemError();
+        return error ? refuseBySystem(path, error)
+                     : refuseFile(KIV_STATUS_CANNOT_OPEN, path, ": expected a regular file");
+    }
     char buffer[16 * 1024];
     while (const std::size_t n = file.read(buffer, sizeof buffer))
         text.append(buffer, n);
-    return file.failed() ? std::nullopt : std::optional(std::move(text));
+    return file.failed() ? refuseBySystem(path, platform::lastSystemError()) : int{KIV_STATUS_OK};
 }
 
 bool writeTo(platform::Utf8Path path, const Document& document) {
@@ -70,9 +88,7 @@ bool writeTo(platform::Utf8Path path, const Document& document) {
 } // namespace
 
 int kiv_parameters_new(kiv_parameters** out) {
-    if (!out)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] {
+    return guarded({{"out", out}}, [=] {
         *out = new kiv_parameters;
         return KIV_STATUS_OK;
     });
@@ -83,84 +99,91 @@ void kiv_parameters_free(kiv_parameters* parameters) {
 }
 
 int kiv_parameters_copy(const kiv_parameters* parameters, kiv_parameters** out) {
-    if (!parameters || !out)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return guarded([=] {
+    return guarded({{"parameters", parameters}, {"out", out}}, [=] {
         *out = new kiv_parameters(*parameters);
         return KIV_STATUS_OK;
     });
 }
 
 int kiv_parameters_load(kiv_parameters* parameters, const char* path) {
-    if (!parameters || !path)
-        return KIV_STATUS_BAD_ARGUMENT;
-    parameters->faults.clear();
-    return guarded([=]() -> int {
-        std::optional<std::string> text = textOf(path);
-        if (!text)
-            return KIV_STATUS_CANNOT_OPEN;
+    return guarded({{"parameters", parameters}, {"path", path}}, [=]() -> int {
+        parameters->faults.clear();
+        std::string text;
+        if (const int code = read(path, text))
+            return code;
         const std::string_view whole(path);
         const std::string_view name = whole.substr(whole.find_last_of("/\\") + 1);
-        return load(*parameters, *std::move(text), sensorIdIn(name));
+        return load(*parameters, whole, std::move(text), sensorIdIn(name));
     });
 }
 
 int kiv_parameters_load_text(kiv_parameters* parameters, const char* text, size_t size) {
-    if (!parameters || !text)
-        return KIV_STATUS_BAD_ARGUMENT;
-    parameters->faults.clear();
-    return guarded([=] { return load(*parameters, std::string(text, size), std::nullopt); });
+    return guarded({{"parameters", parameters}, {"text", text, size}}, [=] {
+        parameters->faults.clear();
+        return load(*parameters, "text", size ? std::string(text, size) : "", std::nullopt);
+    });
 }
 
 int kiv_parameters_fault_count(const kiv_parameters* parameters, size_t* count) {
-    if (!parameters || !count)
-        return KIV_STATUS_BAD_ARGUMENT;
-    *count = parameters->faults.size();
-    return KIV_STATUS_OK;
+    return guarded({{"parameters", parameters}, {"count", count}}, [=] {
+        *count = parameters->faults.size();
+        return KIV_STATUS_OK;
+    });
 }
 
 int kiv_parameters_fault(const kiv_parameters* parameters, size_t index, int64_t* line,
                          int64_t* column, const char** expected, const char** found) {
-    return parameters ? findingAt(parameters->faults, index, line, column, expected, found)
-                      : KIV_STATUS_BAD_ARGUMENT;
+    return guarded(
+        {{"parameters", parameters},
+         {"line", line},
+         {"column", column},
+         {"expected", expected},
+         {"found", found}},
+        [=] { return findingAt(parameters->faults, index, line, column, expected, found); });
 }
 
 int kiv_parameters_warning_count(const kiv_parameters* parameters, size_t* count) {
-    if (!parameters || !count)
-        return KIV_STATUS_BAD_ARGUMENT;
-    *count = parameters->file ? parameters->file->warnings.size() : 0;
-    return KIV_STATUS_OK;
+    return guarded({{"parameters", parameters}, {"count", count}}, [=] {
+        *count = parameters->file ? parameters->file->warnings.size() : 0;
+        return KIV_STATUS_OK;
+    });
 }
 
 int kiv_parameters_warning(const kiv_parameters* parameters, size_t index, int64_t* line,
                            int64_t* column, const char** expected, const char** found) {
-    return parameters && parameters->file
-               ? findingAt(parameters->file->warnings, index, line, column, expected, found)
-               : KIV_STATUS_BAD_ARGUMENT;
+    return guarded({{"parameters", parameters},
+                    {"line", line},
+                    {"column", column},
+                    {"expected", expected},
+                    {"found", found}},
+                   [=] {
+                       static const std::vector<Finding> none;
+                       const auto& all = parameters->file ? parameters->file->warnings : none;
+                       return findingAt(all, index, line, column, expected, found);
+                   });
 }
 
 int kiv_parameters_text(const kiv_parameters* parameters, const char** text, size_t* size) {
-    if (!parameters || !text || !size)
-        return KIV_STATUS_BAD_ARGUMENT;
-    if (!parameters->file)
-        return KIV_STATUS_NOT_LOADED;
-    *text = parameters->file->text.c_str();
-    *size = parameters->file->text.size();
-    return KIV_STATUS_OK;
+    return guarded({{"parameters", parameters}, {"text", text}, {"size", size}}, [=]() -> int {
+        if (!parameters->file)
+            return refuseUnloaded();
+        *text = parameters->file->text.c_str();
+        *size = parameters->file->text.size();
+        return KIV_STATUS_OK;
+    });
 }
 
 int kiv_parameters_rewrite(const kiv_parameters* parameters, const char* path) {
-    if (!parameters || !path)
-        return KIV_STATUS_BAD_ARGUMENT;
-    if (!parameters->file)
-        return KIV_STATUS_NOT_LOADED;
-    return guarded([=] {
+    return guarded({{"parameters", parameters}, {"path", path}}, [=]() -> int {
+        if (!parameters->file)
+            return refuseUnloaded();
         const std::string copyPath = std::string(path) + "$tmp";
         const platform::Utf8Path copy{copyPath.c_str()};
         if (writeTo(copy, parameters->file->document)
             && platform::replaceFile(copy, platform::Utf8Path{path}))
             return KIV_STATUS_OK;
+        const int error = platform::lastSystemError();
         platform::removeFile(copy);
-        return KIV_STATUS_CANNOT_OPEN;
+        return refuseBySystem(path, error);
     });
 }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #include "c/Handles.h"
@@ -11,29 +12,44 @@ using namespace kiv::c;
 
 namespace {
 
+constexpr std::size_t mostRows = std::numeric_limits<int>::max() / 4;
+
+int refuseMore(const char* argument, std::size_t most, std::size_t found) {
+    return refuse(KIV_STATUS_BAD_ARGUMENT, argument, ": expected at most ", most, ", found ",
+                  found);
+}
+
 // set gives a code, for the sensor itself.
 template <typename Set>
-int change(kiv_sensor* sensor, bool argumentsFit, Set set) {
-    return locked(sensor, argumentsFit, [&] { return sensor->judged.set(set); });
+int change(kiv_sensor* sensor, std::initializer_list<Given> pointers, Set set) {
+    return locked(sensor, pointers, [&] { return sensor->judged.set(set); });
 }
 
 template <typename Ask>
-int ask(const kiv_sensor* sensor, int32_t* out, Ask value) {
-    return locked(sensor, out, [&] {
-        *out = value(sensor->judged.sensor());
+int ask(const kiv_sensor* sensor, Given out, int32_t* value, Ask valueOf) {
+    return locked(sensor, {out}, [&] {
+        *value = valueOf(sensor->judged.sensor());
         return KIV_STATUS_OK;
     });
 }
 
 int setEncoderTable(kiv_sensor* sensor, int (CKiv::*set)(int, const float*), const float* table,
                     size_t rows) {
-    return change(sensor, table && fitsInt(rows),
-                  [=](CKiv& s) { return (s.*set)(static_cast<int>(rows), table); });
+    return change(sensor, {{"table", table, rows}}, [=](CKiv& s) {
+        constexpr float none = 0;
+        if (rows > mostRows)
+            return refuseMore("rows", mostRows, rows);
+        return (s.*set)(static_cast<int>(rows), rows > 0 ? table : &none);
+    });
 }
 
 int setTiltTable(kiv_sensor* sensor, int (CKiv::*set)(int, const float*, const double*),
                  const float* table, size_t rows) {
-    return change(sensor, table && rows > 0 && fitsInt(4 * rows) && fitsInt(rows), [=](CKiv& s) {
+    return change(sensor, {{"table", table}}, [=](CKiv& s) {
+        if (rows > mostRows)
+            return refuseMore("rows", mostRows, rows);
+        if (rows == 0)
+            return refuse(KIV_STATUS_BAD_ARGUMENT, "rows: expected at least 1, found 0");
         std::vector<float> knots(rows + 3); // an update does not read the last three
         std::vector<float> tilts(rows);
         std::vector<double> spline(4 * rows);
@@ -48,34 +64,41 @@ int setTiltTable(kiv_sensor* sensor, int (CKiv::*set)(int, const float*, const d
 }
 
 int setBlock(kiv_sensor* sensor, int (CKiv::*set)(const float*, int), const float* values,
-             size_t count) {
-    return change(sensor, values && fitsInt(count),
-                  [=](CKiv& s) { return (s.*set)(values, static_cast<int>(count)); });
+             size_t count, size_t most) {
+    return change(sensor, {{"values", values, count}}, [=](CKiv& s) {
+        if (count > most)
+            return refuseMore("count", most, count);
+        return count > 0 ? (s.*set)(values, static_cast<int>(count)) : int{KIV_STATUS_OK};
+    });
 }
 
 } // namespace
 
 int kiv_sensor_set_frame(kiv_sensor* sensor, int frame) {
-    return change(sensor, frame == KIV_FRAME_LOCAL || frame == KIV_FRAME_MACHINE,
-                  [=](CKiv& s) { return s.setMcsFlag(frame == KIV_FRAME_MACHINE); });
+    return change(sensor, {}, [=](CKiv& s) {
+        if (frame != KIV_FRAME_LOCAL && frame != KIV_FRAME_MACHINE)
+            return refuse(KIV_STATUS_BAD_ARGUMENT,
+                          "frame: expected 0 (local) or 1 (machine), found ", frame);
+        return s.setMcsFlag(frame == KIV_FRAME_MACHINE);
+    });
 }
 
 int kiv_sensor_frame(const kiv_sensor* sensor, int32_t* frame) {
-    return ask(sensor, frame, [](const CKiv& s) {
+    return ask(sensor, {"frame", frame}, frame, [](const CKiv& s) {
         return SensorAccess::inMachineFrame(s) ? KIV_FRAME_MACHINE : KIV_FRAME_LOCAL;
     });
 }
 
 int kiv_sensor_set_mount_mode(kiv_sensor* sensor, int32_t mode) {
-    return change(sensor, true, [=](CKiv& s) { return s.setMountMode(mode); });
+    return change(sensor, {}, [=](CKiv& s) { return s.setMountMode(mode); });
 }
 
 int kiv_sensor_mount_mode(const kiv_sensor* sensor, int32_t* mode) {
-    return ask(sensor, mode, SensorAccess::mountMode);
+    return ask(sensor, {"mode", mode}, mode, SensorAccess::mountMode);
 }
 
 int kiv_sensor_has_matrix(const kiv_sensor* sensor, bool* has) {
-    return locked(sensor, has, [=] {
+    return locked(sensor, {{"has", has}}, [=] {
         *has = givesMatrix(SensorAccess::mountMode(sensor->judged.sensor()));
         return KIV_STATUS_OK;
     });
@@ -98,27 +121,27 @@ int kiv_sensor_set_tilt_y_table(kiv_sensor* sensor, const float* table, size_t r
 }
 
 int kiv_sensor_set_level1_parameters(kiv_sensor* sensor, const float* values, size_t count) {
-    return setBlock(sensor, &CKiv::setLevel1Parameters, values, count);
+    return setBlock(sensor, &CKiv::setLevel1Parameters, values, count, 7);
 }
 
 int kiv_sensor_set_level2_parameters(kiv_sensor* sensor, const float* values, size_t count) {
-    return setBlock(sensor, &CKiv::setLevel2Parameters, values, count);
+    return setBlock(sensor, &CKiv::setLevel2Parameters, values, count, 7);
 }
 
 int kiv_sensor_set_qvc_parameters(kiv_sensor* sensor, const float* values, size_t count) {
-    return setBlock(sensor, &CKiv::setQVCParameters, values, count);
+    return setBlock(sensor, &CKiv::setQVCParameters, values, count, 6);
 }
 
 int kiv_sensor_set_scale_factors(kiv_sensor* sensor, const float* values, size_t count) {
-    return setBlock(sensor, &CKiv::setScaleFactors, values, count);
+    return setBlock(sensor, &CKiv::setScaleFactors, values, count, 8);
 }
 
 int kiv_sensor_set_local_matrix(kiv_sensor* sensor, const double* m) {
-    return change(sensor, m, [=](CKiv& s) { return s.setLocalMatrix(m, 3); });
+    return change(sensor, {{"m", m}}, [=](CKiv& s) { return s.setLocalMatrix(m, 3); });
 }
 
 int kiv_sensor_set_machine_matrix(kiv_sensor* sensor, const double* m) {
-    return change(sensor, m, [=](CKiv& s) {
+    return change(sensor, {{"m", m}}, [=](CKiv& s) {
         double own[9];
         std::copy_n(m, 9, own);
         return s.setMachineMatrix(own, 3);
@@ -126,22 +149,22 @@ int kiv_sensor_set_machine_matrix(kiv_sensor* sensor, const double* m) {
 }
 
 int kiv_sensor_set_known_vector(kiv_sensor* sensor, const double* v) {
-    return change(sensor, v, [=](CKiv& s) { return s.setKnownVector(v); });
+    return change(sensor, {{"v", v}}, [=](CKiv& s) { return s.setKnownVector(v); });
 }
 
 int kiv_sensor_set_encoder_offset(kiv_sensor* sensor, float azimuth, float elevation) {
-    return change(sensor, true, [=](CKiv& s) {
+    return change(sensor, {}, [=](CKiv& s) {
         return s.setEncoderOffset(F_VECTOR2{azimuth, elevation});
     });
 }
 
 int kiv_sensor_set_tilt_offset(kiv_sensor* sensor, float x, float y) {
-    return change(sensor, true, [=](CKiv& s) { return s.setTiltOffset(F_VECTOR2{x, y}); });
+    return change(sensor, {}, [=](CKiv& s) { return s.setTiltOffset(F_VECTOR2{x, y}); });
 }
 
 int kiv_sensor_set_thermal_factor(kiv_sensor* sensor, float x_slope, float x_intercept,
                                   float y_slope, float y_intercept) {
-    return change(sensor, true, [=](CKiv& s) {
+    return change(sensor, {}, [=](CKiv& s) {
         return s.setThermalFactor(F_VECTOR4{x_slope, x_intercept, y_slope, y_intercept});
     });
 }

@@ -1,6 +1,6 @@
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/StatusCodes.h"
-#include "c/Boundary.h"
+#include "c/Refusal.h"
 #include "support/VersionText.h" // the compiler compares its macros with those of kiv.h
 
 static_assert(KIV_STATUS_OK == int{KIV_OK} && KIV_STATUS_BAD_ARGUMENT == int{KIV_BAD_ARGUMENT});
@@ -23,18 +23,25 @@ const char* kiv_status_text(int status) {
 
 int kiv_home_angles(const double* frame_x, const double* direction, const double* angles,
                     const double* tilt, double* home_h, double* home_v) {
-    if (!frame_x || !direction || !angles || !tilt || !home_h || !home_v)
-        return KIV_STATUS_BAD_ARGUMENT;
-    return kiv::c::guarded([&] {
-        const auto vector = [](const double* v) { return D_VECTOR3{v[0], v[1], v[2]}; };
-        double h = 0;
-        double v = 0;
-        CKiv anySensor;
-        if (!anySensor.Calc_HV0(vector(frame_x), vector(direction), {angles[0], angles[1]},
-                                {tilt[0], tilt[1], 0}, &h, &v))
-            return KIV_STATUS_NO_TRANSFORM;
-        *home_h = h;
-        *home_v = v;
-        return KIV_STATUS_OK;
-    });
+    return kiv::c::guarded(
+        {{"frame_x", frame_x},
+         {"direction", direction},
+         {"angles", angles},
+         {"tilt", tilt},
+         {"home_h", home_h},
+         {"home_v", home_v}},
+        [&]() -> int {
+            const auto vector = [](const double* v) { return D_VECTOR3{v[0], v[1], v[2]}; };
+            double h = 0;
+            double v = 0;
+            CKiv anySensor;
+            if (!anySensor.Calc_HV0(vector(frame_x), vector(direction), {angles[0], angles[1]},
+                                    {tilt[0], tilt[1], 0}, &h, &v))
+                return kiv::c::refuse(
+                    KIV_STATUS_NO_TRANSFORM,
+                    "frame_x: expected a tilt frame that has an inverse, found a singular one");
+            *home_h = h;
+            *home_v = v;
+            return KIV_STATUS_OK;
+        });
 }

@@ -72,9 +72,9 @@ struct Arrays {
     }
 };
 
-int judgeMany(kiv_sensor* sensor, const kiv_reading* readings, std::size_t count,
-              const Arrays& out) {
-    return locked(sensor, readings && out.results, [&] {
+int judgeMany(kiv_sensor* sensor, const kiv_reading* readings, std::size_t count, const Arrays& out,
+              const char* argument = "readings") {
+    return locked(sensor, {{argument, readings, count}, {"out", out.results, count}}, [&] {
         JudgedSensor& judged = sensor->judged;
         JudgedSensor::Wanted wanted{.matrix = out.matrices != nullptr,
                                     .state = out.states || out.trust || out.uncertainties,
@@ -104,7 +104,7 @@ const char* kiv_trust_name(int trust) {
 }
 
 int kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out) {
-    return judgeMany(sensor, reading, 1, {out, nullptr, nullptr, nullptr, nullptr});
+    return judgeMany(sensor, reading, 1, {out, nullptr, nullptr, nullptr, nullptr}, "reading");
 }
 
 int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
@@ -114,7 +114,7 @@ int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size
 
 int kiv_sensor_judge(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out,
                      kiv_trust* trust, kiv_uncertainty* uncertainty) {
-    return judgeMany(sensor, reading, 1, {out, nullptr, nullptr, trust, uncertainty});
+    return judgeMany(sensor, reading, 1, {out, nullptr, nullptr, trust, uncertainty}, "reading");
 }
 
 int kiv_sensor_judge_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
@@ -124,5 +124,10 @@ int kiv_sensor_judge_many(kiv_sensor* sensor, const kiv_reading* readings, size_
 }
 
 int kiv_sensor_matrix(kiv_sensor* sensor, double* m) {
-    return locked(sensor, m, [=] { return sensor->judged.readMatrix(m); });
+    return locked(sensor, {{"m", m}}, [=] {
+        const int code = sensor->judged.readMatrix(m);
+        return code == KIV_STATUS_OK
+                   ? code
+                   : refuse(code, "sensor: expected a last reading with status 2, found none");
+    });
 }

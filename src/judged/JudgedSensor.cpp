@@ -119,16 +119,19 @@ void JudgedSensor::judge(const KIV_RAWINFO& raw, const Wanted& wanted, JudgedRea
         out.hasUncertainty = propagation->of(own, raw, out.info, out.uncertainty);
 }
 
-bool JudgedSensor::captureReference(const KIV_RAWINFO& raw) {
+Reason JudgedSensor::captureReference(const KIV_RAWINFO& raw) {
+    if (!isUsable(raw))
+        return reasonOf(raw, UpdateOutcome::badStatus, RowState::refused);
     KIV_INFO info;
     CKiv trial(own);
     SensorAccess::forgetReference(trial);
-    if (!isUsable(raw) || SensorUpdate::run(trial, raw, info) != UpdateOutcome::reference)
-        return false;
+    const UpdateOutcome outcome = SensorUpdate::run(trial, raw, info);
+    if (outcome != UpdateOutcome::reference)
+        return reasonOf(raw, outcome, stateAfter(trial, outcome, info));
     SensorAccess::takeReference(own, trial);
     trust.judge(trial, raw, info, true);
     captured(trial, raw, -1);
-    return true;
+    return Reason::none;
 }
 
 } // namespace kiv

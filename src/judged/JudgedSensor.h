@@ -71,9 +71,9 @@ public:
     const KIV_RAWINFO& referenceReading() const { return reference; }
     std::int64_t referenceIndex() const { return indexOfReference; }
 
-    // Makes a reading the reference, in place of one that is there; nothing else changes. False for
-    // one that an update would not make the reference.
-    bool captureReference(const KIV_RAWINFO& raw);
+    // Makes a reading the reference, in place of one that is there; nothing else changes. Gives the
+    // reason why an update would not make it the reference; without one it is.
+    Reason captureReference(const KIV_RAWINFO& raw);
 
 private:
     Reason reasonOf(const KIV_RAWINFO& raw, UpdateOutcome outcome, RowState state) const;

@@ -26,7 +26,14 @@ void OutputFile::append(std::string_view text) {
 
 void OutputFile::flush() {
     drain();
-    writeFailed = mustFail(FileOperation::flush) || writeFailed;
+    noteUnless(!mustFail(FileOperation::flush));
+}
+
+void OutputFile::noteUnless(bool done) {
+    if (done || writeFailed)
+        return;
+    writeFailed = true;
+    error = lastSystemError();
 }
 
 } // namespace kiv::platform

@@ -7,18 +7,24 @@
 
 #include "support/platform/ByteSink.h"
 #include "support/platform/ByteSource.h"
+#include "support/platform/SystemError.h"
 
 // Files by path. A backslash in a path separates folders on every platform. All that can fail is
-// reported by a result; nothing blocks on a path that is not a regular file.
+// reported by a result, with the reason as the system's last error; nothing blocks on a path that
+// is not a regular file.
 namespace kiv::platform {
 
 // Each operation below asks this first, when it is set; true makes the operation fail (a close
-// still closes). For tests.
+// still closes) with this error. For tests.
+inline constexpr int errorOfTests = 5;
 enum class FileOperation { open, read, write, flush, sync, close, status, remove, rename };
 extern bool (*failFileOperation)(FileOperation);
 
 inline bool mustFail(FileOperation operation) {
-    return failFileOperation && failFileOperation(operation);
+    const bool fails = failFileOperation && failFileOperation(operation);
+    if (fails)
+        setLastSystemError(errorOfTests);
+    return fails;
 }
 
 // A path in UTF-8 everywhere. Windows takes a plain const char* to be in the process's code page.
@@ -33,7 +39,8 @@ public:
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
-    // False when the path cannot be opened for reading or is not a regular file.
+    // False when the path cannot be opened for reading or is not a regular file; the latter leaves
+    // 0 as the system's error.
     bool open(const char* path);
     bool open(Utf8Path path);
     std::size_t read(char* buffer, std::size_t size) override;
@@ -65,7 +72,8 @@ public:
     void flush();
     // What was flushed, and the file's name in its folder, are on the disk.
     void sync();
-    // True when nothing has failed since create: all that was written is in the file.
+    // True when nothing has failed since create: all that was written is in the file. Else the
+    // first failure's error is the system's last one.
     bool close();
 
 private:
@@ -73,10 +81,12 @@ private:
     bool createPath(Path path);
     void append(std::string_view text);
     void drain();
+    void noteUnless(bool done);
 
     std::intptr_t handle = -1;
     std::intptr_t folder = -1; // the file's, where a sync of the file alone leaves its name out
     bool writeFailed = false;
+    int error = 0; // of the first failure
     std::size_t size = 0;
     char buffer[16 * 1024]; // within the object: nothing here allocates
 };

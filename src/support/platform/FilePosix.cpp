@@ -121,6 +121,7 @@ bool InputFile::open(const char* path) {
     if (isRegularFile(descriptor))
         return true;
     close();
+    errno = 0;
     return false;
 }
 
@@ -172,7 +173,8 @@ void OutputFile::write(std::string_view text) {
 void OutputFile::drain() {
     const char* next = buffer;
     const char* const end = buffer + size;
-    writeFailed = writeFailed || (size > 0 && mustFail(FileOperation::write));
+    if (size > 0 && !writeFailed)
+        noteUnless(!mustFail(FileOperation::write));
     size = 0;
     while (next != end && !writeFailed) {
         const auto left = static_cast<std::size_t>(end - next);
@@ -180,13 +182,12 @@ void OutputFile::drain() {
         if (n > 0)
             next += n;
         else
-            writeFailed = n == 0 || errno != EINTR;
+            noteUnless(n < 0 && errno == EINTR);
     }
 }
 
 void OutputFile::sync() {
-    writeFailed =
-        mustFail(FileOperation::sync) || fsync(static_cast<int>(handle)) != 0 || writeFailed;
+    noteUnless(!mustFail(FileOperation::sync) && fsync(static_cast<int>(handle)) == 0);
     syncAndCloseFolder(folder);
     folder = -1;
 }
@@ -195,11 +196,13 @@ bool OutputFile::close() {
     if (handle < 0)
         return false;
     drain();
-    writeFailed = mustFail(FileOperation::close) || writeFailed;
-    writeFailed = ::close(static_cast<int>(handle)) != 0 || writeFailed;
+    noteUnless(!mustFail(FileOperation::close));
+    noteUnless(::close(static_cast<int>(handle)) == 0);
     if (folder >= 0)
         ::close(static_cast<int>(folder));
     handle = folder = -1;
+    if (writeFailed)
+        errno = error;
     return !writeFailed;
 }
 

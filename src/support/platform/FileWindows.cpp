@@ -64,6 +64,18 @@ DWORD attributesOf(const char* path) {
     return mustFail(FileOperation::status) ? noFile : GetFileAttributesA(path);
 }
 
+bool isFolder(DWORD attributes) {
+    return attributes != noFile && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+bool isFolder(const char* path) {
+    return isFolder(GetFileAttributesA(path));
+}
+
+bool isFolder(Utf8Path path) {
+    return isFolder(GetFileAttributesW(WidePath(path)));
+}
+
 bool isRegularFile(HANDLE file) {
     BY_HANDLE_FILE_INFORMATION information;
     return GetFileType(file) == FILE_TYPE_DISK && GetFileInformationByHandle(file, &information)
@@ -96,12 +108,16 @@ bool InputFile::openPath(Path path) {
     if (mustFail(FileOperation::open))
         return false;
     const HANDLE file = openToRead(path);
-    if (file == INVALID_HANDLE_VALUE)
+    if (file == INVALID_HANDLE_VALUE) {
+        if (GetLastError() == ERROR_ACCESS_DENIED)
+            SetLastError(isFolder(path) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED);
         return false;
+    }
     handle = reinterpret_cast<std::intptr_t>(file);
     if (isRegularFile(file))
         return true;
     close();
+    SetLastError(ERROR_SUCCESS);
     return false;
 }
 
@@ -166,23 +182,25 @@ void OutputFile::write(std::string_view text) {
 void OutputFile::drain() {
     DWORD n = 0;
     if (size > 0 && !writeFailed)
-        writeFailed = mustFail(FileOperation::write)
-                      || !WriteFile(native(handle), buffer, static_cast<DWORD>(size), &n, nullptr)
-                      || n != size;
+        noteUnless(!mustFail(FileOperation::write)
+                   && WriteFile(native(handle), buffer, static_cast<DWORD>(size), &n, nullptr)
+                   && n == size);
     size = 0;
 }
 
 void OutputFile::sync() {
-    writeFailed = mustFail(FileOperation::sync) || !FlushFileBuffers(native(handle)) || writeFailed;
+    noteUnless(!mustFail(FileOperation::sync) && FlushFileBuffers(native(handle)));
 }
 
 bool OutputFile::close() {
     if (native(handle) == INVALID_HANDLE_VALUE)
         return false;
     drain();
-    writeFailed = mustFail(FileOperation::close) || writeFailed;
-    writeFailed = !CloseHandle(native(handle)) || writeFailed;
+    noteUnless(!mustFail(FileOperation::close));
+    noteUnless(CloseHandle(native(handle)));
     handle = -1;
+    if (writeFailed)
+        SetLastError(static_cast<DWORD>(error));
     return !writeFailed;
 }
 

@@ -1,0 +1,10 @@
+#include "support/platform/LastRefusal.h"
+
+namespace kiv::platform {
+
+LastRefusal* lastRefusal() noexcept {
+    thread_local LastRefusal own{};
+    return &own;
+}
+
+} // namespace kiv::platform

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+namespace kiv::platform {
+
+// The system's own number of the reason why it refused the calling thread's last call to it: errno,
+// or that of GetLastError.
+int lastSystemError();
+void setLastSystemError(int error);
+
+// In the system's words, in UTF-8, without a full stop: "Permission denied".
+std::string systemErrorText(int error);
+
+} // namespace kiv::platform

@@ -1,0 +1,34 @@
+#include <cwchar>
+#include <iterator>
+
+#include "support/platform/SystemError.h"
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+namespace kiv::platform {
+
+int lastSystemError() {
+    return static_cast<int>(GetLastError());
+}
+
+void setLastSystemError(int error) {
+    SetLastError(static_cast<DWORD>(error));
+}
+
+std::string systemErrorText(int error) {
+    wchar_t wide[512];
+    DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                  nullptr, static_cast<DWORD>(error), 0, wide,
+                                  static_cast<DWORD>(std::size(wide)), nullptr);
+    while (length > 0 && std::wcschr(L"\r\n. ", wide[length - 1]))
+        --length;
+    char text[4 * std::size(wide)];
+    const int size = WideCharToMultiByte(CP_UTF8, 0, wide, static_cast<int>(length), text,
+                                         static_cast<int>(sizeof text), nullptr, nullptr);
+    if (size > 0)
+        return {text, static_cast<std::size_t>(size)};
+    return "error " + std::to_string(error) + " of the system";
+}
+
+} // namespace kiv::platform
