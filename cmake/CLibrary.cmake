@@ -5,6 +5,7 @@ add_library(kiv_c_objects OBJECT
     src/c/Parameters.cpp
     src/c/Refusal.cpp
     src/c/Sensor.cpp
+    src/c/SettingChecks.cpp
     src/c/Settings.cpp
     src/c/Status.cpp
     src/c/Update.cpp

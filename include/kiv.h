@@ -193,10 +193,11 @@ int kiv_sensor_set_frame(kiv_sensor* sensor, int frame);
 int kiv_sensor_frame(const kiv_sensor* sensor, int32_t* frame);
 
 /*
- * Each replaces what the parameters say. Scale factors, QVC and level parameters reach the model
- * with the next kiv_sensor_set_mount_mode. The model's kind and parity are those of the parameters'
- * mount mode: they stay.
+ * Each replaces what the parameters say. A value with which no angle would be right gives 20: a
+ * number that is not finite, and what the setters below say. Scale factors, QVC and level
+ * parameters reach the model with the next kiv_sensor_set_mount_mode.
  */
+/* The model is that of the parameters' mount mode and stays: another mode gives 20. */
 int kiv_sensor_set_mount_mode(kiv_sensor* sensor, int32_t mode);
 int kiv_sensor_mount_mode(const kiv_sensor* sensor, int32_t* mode);
 /* Whether the mode gives a matrix, as 1 to 6 do; the others give the QVC vector. */
@@ -205,7 +206,7 @@ int kiv_sensor_has_matrix(const kiv_sensor* sensor, bool* has);
 int kiv_sensor_set_azimuth_table(kiv_sensor* sensor, const float* table, size_t rows);
 int kiv_sensor_set_elevation_table(kiv_sensor* sensor, const float* table, size_t rows);
 /* rows (at least 1) of raw reading and tilt in degrees, 2 * rows floats, the readings rising or
- * falling. */
+ * falling from row to row, else 20. */
 int kiv_sensor_set_tilt_x_table(kiv_sensor* sensor, const float* table, size_t rows);
 int kiv_sensor_set_tilt_y_table(kiv_sensor* sensor, const float* table, size_t rows);
 /* The first count values of a block of 7, 7, 6 and 8; the others stay. */
@@ -213,8 +214,9 @@ int kiv_sensor_set_level1_parameters(kiv_sensor* sensor, const float* values, si
 int kiv_sensor_set_level2_parameters(kiv_sensor* sensor, const float* values, size_t count);
 int kiv_sensor_set_qvc_parameters(kiv_sensor* sensor, const float* values, size_t count);
 int kiv_sensor_set_scale_factors(kiv_sensor* sensor, const float* values, size_t count);
+/* A rotation: m times its transpose is the identity to 1e-5, and m no reflection, else 20. */
 int kiv_sensor_set_local_matrix(kiv_sensor* sensor, const double* m);
-/* The inverse of the file's machine matrix. */
+/* The same; the inverse of the file's machine matrix. */
 int kiv_sensor_set_machine_matrix(kiv_sensor* sensor, const double* m);
 /* 3 doubles, kept and not used. */
 int kiv_sensor_set_known_vector(kiv_sensor* sensor, const double* v);

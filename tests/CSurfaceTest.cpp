@@ -325,7 +325,7 @@ TEST(CSurface, JudgesByTheSettingsOfTheMoment) {
         {"factors", byFactors, false, false},
         {"factors, mode",
          [&](kiv_sensor* s) { return byFactors(s) + kiv_sensor_set_mount_mode(s, 4); }, true, true},
-        {"mode", [](kiv_sensor* s) { return kiv_sensor_set_mount_mode(s, 1); }, false, false},
+        {"mode", [](kiv_sensor* s) { return kiv_sensor_set_mount_mode(s, 4); }, false, false},
         {"uncertainty", [](kiv_sensor* s) { return kiv_sensor_set_uncertainty(s, "level_y", 0.5); },
          false, true},
         {"clear", kiv_sensor_clear_uncertainties, false, true},
@@ -658,6 +658,7 @@ TEST(CSurface, TellsWhyACallWasRefused) {
     const char* text;
     float f[9] = {};
     double d[9];
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     const struct {
         int code;
         std::string detail;
@@ -695,6 +696,40 @@ TEST(CSurface, TellsWhyACallWasRefused) {
          [&] { return kiv_sensor_set_azimuth_table(s, f, SIZE_MAX); }},
         {20, "count: expected at most 6, found 7",
          [&] { return kiv_sensor_set_qvc_parameters(s, f, 7); }},
+        {20, "table: row 1, column 1 (from 0): expected a finite number, found nan",
+         [&] {
+             return kiv_sensor_set_azimuth_table(s, std::data({0.F, 0.F, 9.F, nan}), 2);
+         }},
+        {20, "table: row 0, column 0 (from 0): expected a finite number, found nan",
+         [&] {
+             return kiv_sensor_set_tilt_y_table(s, std::data({nan, 0.F}), 1);
+         }},
+        {20, "table: row 1 (from 0): expected a reading above 2, that of the row before, found 2",
+         [&] {
+             return kiv_sensor_set_tilt_x_table(s, std::data({2.F, 0.F, 2.F, 1.F}), 2);
+         }},
+        {20, "table: row 2 (from 0): expected a reading below 1, that of the row before, found 3",
+         [&] {
+             return kiv_sensor_set_tilt_y_table(s, std::data({2.F, 0.F, 1.F, 1.F, 3.F, 2.F}), 3);
+         }},
+        {20, "values[1]: expected a finite number, found nan",
+         [&] {
+             return kiv_sensor_set_scale_factors(s, std::data({1.F, nan}), 2);
+         }},
+        {20, "elevation: expected a finite number, found nan",
+         [&] { return kiv_sensor_set_encoder_offset(s, 0, nan); }},
+        {20, "mode: expected the mount mode of the parameters, 4, whose model stays, found 3",
+         [&] { return kiv_sensor_set_mount_mode(s, 3); }},
+        {20, "m: expected a rotation, found a reflection (determinant -1)",
+         [&] {
+             return kiv_sensor_set_local_matrix(s,
+                                                std::data({1., 0., 0., 0., 1., 0., 0., 0., -1.}));
+         }},
+        {20, "m: expected a rotation, found rows that miss length 1 and right angles by 1.1e-05",
+         [&] {
+             return kiv_sensor_set_machine_matrix(
+                 s, std::data({1., 1.1e-5, 0., 0., 1., 0., 0., 0., 1.}));
+         }},
         {554,
          "reading: expected one that an update makes the reference, found no number in level_y",
          [&] { return kiv_sensor_capture_reference(s, &reading); }},
@@ -703,6 +738,7 @@ TEST(CSurface, TellsWhyACallWasRefused) {
         {554, "sensor: expected a last reading with status 2, found none",
          [&] { return kiv_sensor_matrix(s, d); }},
     };
+    const Sensor untouched = sensorOf(parameters);
     for (const auto& row : rows) {
         EXPECT_EQ(row.call(), row.code);
         EXPECT_EQ(kiv_last_error(), row.detail);
@@ -710,6 +746,8 @@ TEST(CSurface, TellsWhyACallWasRefused) {
     EXPECT_EQ(kiv_sensor_update_many(s, nullptr, 0, nullptr, nullptr, nullptr), 0);
     EXPECT_STREQ(kiv_last_error(), rows[std::size(rows) - 1].detail.c_str());
     std::thread([] { EXPECT_STREQ(kiv_last_error(), ""); }).join();
+    const std::vector<kiv_reading> readings(2, goodOne());
+    EXPECT_TRUE(runMany(sensor, readings) == runMany(untouched, readings));
 }
 
 // The setters against those of the class, on sensors that differ in everything else.
@@ -745,6 +783,16 @@ TEST(CSurface, SettersReachTheSensor) {
         reading.azimuth += 7;
         reading.level_y += 1;
     }
+    // The three-vector model starts from the QVC parameters as set, whatever updates made of them.
+    const ParameterFolder folder;
+    std::ofstream(folder.file(), std::ios::binary) << exampleInMode(8);
+    const Sensor threeVectors = sensorOf(loaded(folder.file()));
+    const std::vector<kiv_reading> readings(2, goodOne());
+    runMany(threeVectors, readings);
+    const Results before = runMany(threeVectors, readings);
+    EXPECT_EQ(kiv_sensor_set_qvc_parameters(threeVectors.get(), factors, 0), 0);
+    EXPECT_EQ(kiv_sensor_set_mount_mode(threeVectors.get(), 8), 0);
+    EXPECT_TRUE(runMany(threeVectors, readings) == before);
     const double x[] = {1, 0, 0}, direction[] = {0.8, 0.5, 0.1}, angles[] = {1, 2}, tilt[] = {3, 4};
     double h = 0, v = 0, expectedH = 0, expectedV = 0;
     EXPECT_EQ(kiv_home_angles(x, direction, angles, tilt, &h, &v), 0);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -12,6 +14,7 @@
 #include "judged/JudgedSensor.h"
 #include "params/Document.h"
 #include "params/Finding.h"
+#include "sensor/SensorAccess.h"
 #include "uncertainty/UncertaintyNames.h"
 
 namespace kiv::c {
@@ -32,7 +35,10 @@ struct kiv_parameters {
 
 struct kiv_sensor {
     kiv_sensor(const CKiv& configured, const F_VECTOR4& levelLimits)
-        : judged(configured, levelLimits) {}
+        : judged(configured, levelLimits) {
+        std::copy_n(kiv::SensorAccess::qvcParameters(configured), qvcParameters.size(),
+                    qvcParameters.begin());
+    }
     kiv_sensor(const kiv_sensor& other)
         : kiv_sensor(other, std::lock_guard<std::mutex>(other.lock)) {}
     kiv_sensor& operator=(const kiv_sensor&) = delete;
@@ -40,10 +46,13 @@ struct kiv_sensor {
     mutable std::mutex lock; // of all that follows
     kiv::JudgedSensor judged;
     kiv::NamedUncertainties uncertainties;
+    // As they were set; in modes 7 and above an update puts its result in place of the sensor's.
+    std::array<float, 6> qvcParameters;
 
 private:
     kiv_sensor(const kiv_sensor& other, const std::lock_guard<std::mutex>&)
-        : judged(other.judged), uncertainties(other.uncertainties) {}
+        : judged(other.judged), uncertainties(other.uncertainties),
+          qvcParameters(other.qvcParameters) {}
 };
 
 namespace kiv::c {
