@@ -23,7 +23,6 @@ namespace {
 
 constexpr double turn = 360;     // degrees
 constexpr float mostAngle = 360; // degrees, of an encoder table, either way
-constexpr int lastMountMode = 11;
 
 constexpr double leastTurn = 1; // degrees, of a table that has an effect
 constexpr double parallel = 5;  // degrees, between two levels' axes

@@ -40,6 +40,9 @@ constexpr const PrincipleTraits& traitsOf(Principle principle) {
     return principles[static_cast<std::size_t>(principle)];
 }
 
+// The modes are counted from 1.
+inline constexpr int lastMountMode = principles.back().modes.back();
+
 // Any other mode is a pendulum's.
 constexpr Principle principleOf(int mountMode) {
     for (const PrincipleTraits& traits : principles)

@@ -113,7 +113,7 @@ inline std::string findingsOfWholeFiles() {
                                          {levelY, "0 0 0 146 0 0 1"}}}))},
         {"another mount mode, and gains of 0",
          parameterText(
-             sound({.values = {{mountingMode, "12"}, {scaleFactor, "0 0 0 0 0 1 0 0"}}}))},
+             sound({.values = {{mountingMode, "11"}, {scaleFactor, "0 0 0 0 0 1 0 0"}}}))},
         {"rotations in print, and a reflection",
          parameterText(
              sound({.values = {{localMatrix, "0.939373 -.342898 0 0.342898 .939373 0 0 0 1"},
