@@ -315,8 +315,8 @@ const char* kiv_uncertainty_name(size_t index);
 
 /*
  * As kiv_sensor_update and kiv_sensor_update_many, and how far the results can be trusted: trust
- * and uncertainty, one each a reading, are optional. An uncertainty takes up to 14 further updates;
- * the first call for any, also one of 0 readings, after the sensor was made or set allocates.
+ * and uncertainty, one each a reading, are optional. An uncertainty takes up to 14 further updates.
+ * Allocates nothing; what it needs, the sensor's setters allocate.
  */
 int kiv_sensor_judge(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out,
                      kiv_trust* trust, kiv_uncertainty* uncertainty);

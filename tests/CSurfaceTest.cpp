@@ -819,11 +819,12 @@ TEST(CSurface, SurvivesEveryRefusedAllocation) {
     ASSERT_EQ(kiv_sensor_update(s, &reading, &first), 0);
     kiv_trust trust;
     kiv_uncertainty uncertainty;
-    ASSERT_EQ(kiv_sensor_judge_many(s, &reading, 0, &first, nullptr, nullptr, &trust, &uncertainty),
-              0);
-    const auto calls = allocationCount();
-    ASSERT_EQ(kiv_sensor_judge(s, &reading, &first, &trust, &uncertainty), 0);
-    EXPECT_EQ(allocationCount(), calls);
+    for (const bool local : {true, false}) {
+        ASSERT_EQ(kiv_sensor_set_frame(s, local ? KIV_FRAME_LOCAL : KIV_FRAME_MACHINE), 0);
+        const auto calls = allocationCount();
+        ASSERT_EQ(kiv_sensor_judge(s, &reading, &first, &trust, &uncertainty), 0);
+        EXPECT_EQ(allocationCount(), calls);
+    }
 
     const auto made = [](auto* handle, int code) {
         if (code == 0)
@@ -853,11 +854,9 @@ TEST(CSurface, SurvivesEveryRefusedAllocation) {
          }},
         {"azimuth", [&] { return kiv_sensor_set_azimuth_table(s, rows.data(), 800); }},
         {"tilt", [&] { return kiv_sensor_set_tilt_y_table(s, rows.data(), 800); }},
-        {"judge",
-         [&] {
-             kiv_sensor_clear_uncertainties(s);
-             return kiv_sensor_judge(s, &reading, &again, &trust, &uncertainty);
-         }},
+        {"uncertainty", [&] { return kiv_sensor_set_uncertainty(s, "level_y", 0.5); }},
+        {"clear", [&] { return kiv_sensor_clear_uncertainties(s); }},
+        {"frame", [&] { return kiv_sensor_set_frame(s, KIV_FRAME_MACHINE); }},
         {"capture", [&] { return kiv_sensor_capture_reference(s, &reading); }},
         {"home", [&] { return kiv_home_angles(d, d, d, d, &h, &v); }},
         {"rewrite", [&] { return kiv_parameters_rewrite(p, target.c_str()); }},

@@ -14,7 +14,6 @@ RowRunner::RowRunner(const CKiv& configured, const F_VECTOR4& levelLimits,
         return;
     wanted.uncertainty = true;
     judged.setUncertainties(*uncertainties);
-    judged.prepareUncertainty();
 }
 
 void RowRunner::run(Table& table, RowResult& result) {

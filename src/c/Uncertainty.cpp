@@ -38,18 +38,20 @@ const char* kiv_uncertainty_name(size_t index) {
 int kiv_sensor_set_uncertainty(kiv_sensor* sensor, const char* name, double value) {
     return locked(sensor, {{"name", name}}, [=]() -> int {
         const Principle principle = principleOf(*SensorAccess::model(sensor->judged.sensor()));
-        const UncertaintyFault fault = sensor->uncertainties.give(principle, name, value);
+        NamedUncertainties given = sensor->uncertainties;
+        const UncertaintyFault fault = given.give(principle, name, value);
         if (fault != UncertaintyFault::none)
             return refuseUncertainty(fault, principle, *sensor, name, value);
-        sensor->judged.setUncertainties(sensor->uncertainties.values());
+        sensor->judged.setUncertainties(given.values());
+        sensor->uncertainties = given;
         return KIV_STATUS_OK;
     });
 }
 
 int kiv_sensor_clear_uncertainties(kiv_sensor* sensor) {
     return locked(sensor, {}, [=] {
-        sensor->uncertainties = {};
         sensor->judged.setUncertainties({});
+        sensor->uncertainties = {};
         return KIV_STATUS_OK;
     });
 }

@@ -76,12 +76,10 @@ int judgeMany(kiv_sensor* sensor, const kiv_reading* readings, std::size_t count
               const char* argument = "readings") {
     return locked(sensor, {{argument, readings, count}, {"out", out.results, count}}, [&] {
         JudgedSensor& judged = sensor->judged;
-        JudgedSensor::Wanted wanted{.matrix = out.matrices != nullptr,
-                                    .state = out.states || out.trust || out.uncertainties,
-                                    .trust = out.trust != nullptr,
-                                    .uncertainty = out.uncertainties != nullptr};
-        if (wanted.uncertainty)
-            judged.prepareUncertainty();
+        const JudgedSensor::Wanted wanted{.matrix = out.matrices != nullptr,
+                                          .state = out.states || out.trust || out.uncertainties,
+                                          .trust = out.trust != nullptr,
+                                          .uncertainty = out.uncertainties != nullptr};
         JudgedReading reading;
         for (std::size_t i = 0; i < count; ++i) {
             judged.judge(recordOf(readings[i]), wanted, reading);

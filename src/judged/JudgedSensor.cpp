@@ -43,18 +43,18 @@ Reason whereNotFinite(Principle principle) {
 
 } // namespace
 
-void JudgedSensor::setUncertainties(const Uncertainties& ofReadings) {
-    propagation.reset();
-    uncertainties = ofReadings;
-    trust.expect(ofReadings);
+Replaceable<Propagation> JudgedSensor::propagationOf(const CKiv& sensor,
+                                                     const Uncertainties& ofReadings) const {
+    Replaceable<Propagation> made(std::in_place, sensor, ofReadings);
+    if (hasReference())
+        made->captured(sensor, reference);
+    return made;
 }
 
-void JudgedSensor::prepareUncertainty() {
-    if (propagation)
-        return;
-    propagation.emplace(own, uncertainties);
-    if (hasReference())
-        propagation->captured(own, reference);
+void JudgedSensor::setUncertainties(const Uncertainties& ofReadings) {
+    propagation = propagationOf(own, ofReadings);
+    uncertainties = ofReadings;
+    trust.expect(ofReadings);
 }
 
 bool JudgedSensor::hasReference() const {
@@ -64,8 +64,7 @@ bool JudgedSensor::hasReference() const {
 void JudgedSensor::captured(const CKiv& by, const KIV_RAWINFO& raw, std::int64_t index) {
     reference = raw;
     indexOfReference = index;
-    if (propagation)
-        propagation->captured(by, raw);
+    propagation->captured(by, raw);
 }
 
 Reason JudgedSensor::reasonOf(const KIV_RAWINFO& raw, UpdateOutcome outcome, RowState state) const {

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <utility>
 
 #include "KIVInterface/CKiv.h"
 #include "KIVInterface/StatusCodes.h"
 #include "judged/Reason.h"
 #include "judged/RowState.h"
+#include "support/Copies.h"
 #include "uncertainty/Propagation.h"
 #include "uncertainty/Trust.h"
 
@@ -29,27 +30,29 @@ class JudgedSensor {
 public:
     // Limits as CKivPrm::GetKIVLevelLimits gives them, degrees.
     JudgedSensor(const CKiv& configured, const F_VECTOR4& levelLimits)
-        : own(configured), trust(configured, levelLimits) {}
+        : own(configured), trust(configured, levelLimits),
+          propagation(std::in_place, own, uncertainties) {}
 
     const CKiv& sensor() const { return own; }
 
-    // Runs a setter of the sensor, which gives a status code; what follows is judged by the
-    // setting.
+    // Runs a setter of the sensor, which gives a status code, first on a copy; what follows is
+    // judged by the setting. Allocates, so that judging need not. What it throws has changed
+    // nothing.
     template <typename Set>
     int set(Set setter) {
+        CKiv trial(own);
+        if (const int code = setter(trial); code != KIV_OK)
+            return code;
+        auto next = propagationOf(trial, uncertainties);
         const int code = setter(own);
-        if (code == KIV_OK) {
-            propagation.reset();
-            trust.configure(own);
-        }
+        propagation = std::move(next);
+        trust.configure(own);
         return code;
     }
 
-    // Standard uncertainties of readings and parameters; without any they are exactly known.
+    // Standard uncertainties of readings and parameters; without any they are exactly known. As
+    // set.
     void setUncertainties(const Uncertainties& ofReadings);
-    // Makes ready for readings whose uncertainty is wanted; allocates the first time after a
-    // change.
-    void prepareUncertainty();
 
     // Info and reference are there in any case, of the rest what is wanted. The state is wanted
     // with trust or uncertainty.
@@ -57,7 +60,7 @@ public:
         bool matrix = false;
         bool state = false;
         bool trust = false;
-        bool uncertainty = false; // prepareUncertainty comes first
+        bool uncertainty = false;
     };
     // The first reading that can becomes the reference. Allocates nothing.
     void judge(const KIV_RAWINFO& raw, const Wanted& wanted, JudgedReading& out);
@@ -78,11 +81,13 @@ public:
 private:
     Reason reasonOf(const KIV_RAWINFO& raw, UpdateOutcome outcome, RowState state) const;
     void captured(const CKiv& by, const KIV_RAWINFO& raw, std::int64_t index);
+    Replaceable<Propagation> propagationOf(const CKiv& sensor,
+                                           const Uncertainties& ofReadings) const;
 
     CKiv own;
     TrustJudge trust;
     Uncertainties uncertainties;
-    std::optional<Propagation> propagation; // of the sensor as it is, once it is prepared
+    Replaceable<Propagation> propagation; // of the sensor as it is
     KIV_RAWINFO reference{};
     std::int64_t indexOfReference = -1;
     std::int64_t given = 0; // readings so far
