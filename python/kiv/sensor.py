@@ -3,13 +3,13 @@
 from __future__ import annotations
 
 import numbers
-import threading
 from typing import TYPE_CHECKING, Any, Callable, Dict, Mapping, Optional, Tuple, Union, overload
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _columns, _library
+from ._lock import Lock
 from .parameters import Parameters
 
 if TYPE_CHECKING:
@@ -37,7 +37,8 @@ class Sensor:
     (module copy) and a pickle have the reference with them.
 
     Sensors share nothing: two of them on two threads use two processors. Calls on one sensor wait
-    for one another.
+    for one another, a run as a whole: a frame that is set meanwhile is that of the next run. In a
+    process that is forked during a run, that sensor raises RuntimeError.
 
     >>> import pandas
     >>> sensor = Sensor(Parameters("Tg5.prm"))
@@ -64,7 +65,7 @@ class Sensor:
             )
         self._parameters = parameters
         self._handle = _library.Sensor.new(parameters._handle)
-        self._run = threading.Lock()
+        self._lock = Lock()
         self._uncertainties = None if uncertainties is None else dict(uncertainties)
         for name, value in (self._uncertainties or {}).items():
             self._set_uncertainty(name, value)
@@ -98,18 +99,21 @@ class Sensor:
     @property
     def frame(self) -> str:
         """"machine" or "local"; the next readings' angles are in it."""
-        return {value: name for name, value in _FRAMES.items()}[self._handle.frame()]
+        with self._lock:
+            return {value: name for name, value in _FRAMES.items()}[self._handle.frame()]
 
     @frame.setter
     def frame(self, frame: str) -> None:
         if frame not in _FRAMES:
             raise ValueError(f"frame: expected 'machine' or 'local', found {frame!r}")
-        self._handle.set_frame(_FRAMES[frame])
+        with self._lock:
+            self._handle.set_frame(_FRAMES[frame])
 
     @property
     def mount_mode(self) -> int:
         """1 to 10, which says the model."""
-        return self._handle.mount_mode()
+        with self._lock:
+            return self._handle.mount_mode()
 
     @property
     def reference(self) -> Optional[Dict[str, Union[int, float, bool]]]:
@@ -120,9 +124,8 @@ class Sensor:
     @property
     def reference_row(self) -> Optional[int]:
         """Its place among all rows that were run, from 0; None where it was captured."""
-        if not self._handle.has_reference():
-            return None
-        index = self._handle.reference_index()
+        with self._lock:
+            index = self._handle.reference_index() if self._handle.has_reference() else -1
         return None if index < 0 else index
 
     def capture_reference(self, reading: Any) -> None:
@@ -137,13 +140,15 @@ class Sensor:
         columns = {name: [reading[name]] for name in names if name in given}
         record = np.zeros(1, _columns.READING)
         _columns.Readings("reading", columns).fill(record, 0)
-        self._handle.capture_reference(record)
+        with self._lock:
+            self._handle.capture_reference(record)
 
     def _reference_record(self) -> Optional[NDArray[np.void]]:
-        if not self._handle.has_reference():
-            return None
         record = np.zeros(1, _columns.READING)
-        self._handle.reference_reading(record)
+        with self._lock:
+            if not self._handle.has_reference():
+                return None
+            self._handle.reference_reading(record)
         return record
 
     @overload
@@ -204,16 +209,16 @@ class Sensor:
         The arrays of a dict and the columns of a frame are views of common records.
         """
         given = _columns.Readings("readings", readings)
-        results = _columns.Results(
-            given.count,
-            matrices,
-            trust,
-            self._uncertainties is not None,
-            self._handle.has_matrix(),
-            self.frame == "local",
-        )
         part = np.zeros(min(given.count, _PART), _columns.READING)
-        with self._run:
+        with self._lock:
+            results = _columns.Results(
+                given.count,
+                matrices,
+                trust,
+                self._uncertainties is not None,
+                self._handle.has_matrix(),
+                self.frame == "local",
+            )
             for start in range(0, given.count, _PART):
                 filled = part[: given.count - start]
                 given.fill(filled, start)
@@ -223,22 +228,27 @@ class Sensor:
     def __copy__(self) -> Sensor:
         made = Sensor.__new__(Sensor)
         made._parameters = self._parameters
-        made._handle = self._handle.copy()
+        with self._lock:
+            made._handle = self._handle.copy()
         made._uncertainties = self._uncertainties
-        made._run = threading.Lock()
+        made._lock = Lock()
         return made
 
     def __deepcopy__(self, memo: Dict[int, Any]) -> Sensor:
         return self.__copy__()
 
     def __reduce__(self) -> Tuple[Callable[..., Sensor], Tuple[Any, ...]]:
-        record = self._reference_record()
+        with self._lock:
+            record, frame = self._reference_record(), self.frame
         reference = None if record is None else record.tobytes()
-        return _restored, (self._parameters, self.frame, self._uncertainties, reference)
+        return _restored, (self._parameters, frame, self._uncertainties, reference)
 
     def __repr__(self) -> str:
-        has = "with a" if self._handle.has_reference() else "without a"
-        return f"<kiv.Sensor, mount mode {self.mount_mode}, {self.frame} frame, {has} reference>"
+        if self._lock.lost:
+            return "<kiv.Sensor, in a run when the process was forked>"
+        with self._lock:
+            has = "with a" if self._handle.has_reference() else "without a"
+            return f"<kiv.Sensor, mount mode {self.mount_mode}, {self.frame} frame, {has} reference>"
 
 
 def _restored(

@@ -1,11 +1,13 @@
 """Parameters, copies and pickles, the guide's lines, the wheel."""
 
 import copy
+import os
 import pickle
 import re
 import subprocess
 import sys
 import threading
+from concurrent.futures import ThreadPoolExecutor
 from zipfile import ZipFile
 
 import numpy as np
@@ -112,20 +114,58 @@ def test_a_twin_has_the_reference(twin, mode):
     assert (run(readings)["rz_deg"] != one.run(readings)["rz_deg"]).all() or mode >= 7
 
 
+def on_threads(*functions):
+    together = threading.Barrier(len(functions))
+    with ThreadPoolExecutor(len(functions)) as pool:
+        return [work.result() for work in [pool.submit(lambda f=f: (together.wait(), f())[1]) for f in functions]]
+
+
 def test_one_sensor_on_threads_gives_whole_runs():
-    one = sensor(6)
-    given = columns(50_000)
-    one.run(given)
-    expected = one.run(given)["rx_deg"]
-    results = []
-    threads = [threading.Thread(target=lambda: results.append(one.run(given))) for _ in range(4)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert len(results) == 4
-    for result in results:
-        np.testing.assert_array_equal(result["rx_deg"], expected)
+    one, blocked = sensor(6, "local"), 20_000
+    given = columns(50_000, ref_blocked=np.arange(50_000) < blocked)
+    states = [results["state"] for results in on_threads(*[lambda: one.run(given)] * 4)]
+    first = [state for state in states if state[0] == kiv.State.NO_REFERENCE]
+    assert len(first) == 1 and first[0][blocked] == kiv.State.REFERENCE
+    assert sum((state == kiv.State.OK).all() for state in states) == 3
+
+    def turn_frames():
+        for frame in ("machine", "local") * 50:
+            one.frame = frame
+
+    local = one.run(given)["rz_deg"]
+    one.frame = "machine"
+    machine = one.run(given)["rz_deg"]
+    runs = on_threads(turn_frames, lambda: [one.run(given)["rz_deg"] for _ in range(10)])[1]
+    for rz in runs:
+        assert np.array_equal(rz, local) or np.array_equal(rz, machine)
+
+
+@pytest.mark.skipif(not hasattr(os, "fork"), reason="no fork on this system")
+def test_a_process_that_is_forked_during_a_run():
+    code = """
+import os, sys, threading
+sys.path.insert(0, sys.argv[1])
+from test_run import columns, sensor
+busy, free = sensor(6), sensor(6)
+thread = threading.Thread(target=lambda: busy.run(columns(3_000_000)))
+thread.start()
+while busy._lock._lock.acquire(blocking=False):
+    busy._lock._lock.release()
+if os.fork() == 0:
+    assert free.run(columns(2))["state"].tolist() == [3, 0]
+    try:
+        print(busy.frame)
+    except RuntimeError as refused:
+        print(refused, busy, flush=True)
+    os._exit(0)
+os.wait()
+thread.join()
+print(busy.frame)
+"""
+    run = subprocess.run([sys.executable, "-c", code, ROOT / "tests/python"], capture_output=True, text=True, timeout=60)
+    assert run.stdout == (
+        "sensor: expected no run on another thread when this process was forked, found one; make the sensor anew here, "
+        "or fork between the runs <kiv.Sensor, in a run when the process was forked>\nmachine\n"), run.stderr
 
 
 def test_the_guides_lines(capsys, monkeypatch):
