@@ -32,10 +32,10 @@ TEST(Check, TakesManyFilesAndTestsTheIdByTheName) {
     const ToolResult result = tool({"check", named("none"), other, good, any, folder.path()});
     EXPECT_EQ(result.code, 2);
     EXPECT_EQ(without(result.err, folder.path()),
-              "/none:1:1: expected a parameter file, found no such file\n"
+              "/none: No such file\n"
               "/Tg6.prm:2:1: expected the sensor ID 6 as the value of \"Serial Number\", found "
               "\"5\"\n"
-              ":1:1: expected a parameter file, found a folder\n");
+              ": Is a folder; name a file in it\n");
     EXPECT_EQ(without(result.out, folder.path()), "/Tg6.prm: 1 error, 0 warnings\n"
                                                   "/Tg5.prm: 0 errors, 0 warnings\n"
                                                   "/Tg06.prm: 0 errors, 0 warnings\n");

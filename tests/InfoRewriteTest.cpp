@@ -51,9 +51,10 @@ TEST(Info, GivesEveryNameAndDigitInJson) {
     EXPECT_EQ(json["tilt_x_calibration_table"]["rows_deg"][3][0].dump(), "25.1");
     EXPECT_EQ(json["tilt_x_calibration_table"]["limit_low_deg"].dump(), "-29.9");
     EXPECT_EQ(json["local_coordinate_tranform_matrix"][1][2].dump(), "15.35");
-    EXPECT_EQ(json["qvc"].dump(),
-              R"({"x":0.1,"z":1e-40,"y":3.4028235e+38,"axis_x_deg":-0.0,"axis_z_deg":1.6777216e+07,)"
-              R"("start_deg":-1.1754944e-38})");
+    EXPECT_EQ(
+        json["qvc"].dump(),
+        R"({"x":0.1,"z":1e-40,"y":3.4028235e+38,"axis_x_deg":-0.0,"axis_z_deg":1.6777216e+07,)"
+        R"("start_deg":-1.1754944e-38})");
     std::set<std::string> names;
     for (const auto& [block, values] : json.items()) {
         names.insert(block);
@@ -210,8 +211,9 @@ TEST_F(RewriteTool, SaysWhyItRefuses) {
     platform::failFileOperation = [](platform::FileOperation operation) {
         return operation == platform::FileOperation::remove;
     };
-    EXPECT_EQ(shown(run().err), "DIR/$tmp.prm:1:1: expected to delete this copy of an earlier "
-                                "rewrite, found that this failed; DIR/Tg5.prm is as before\n");
+    const std::string reason = platform::systemErrorText(platform::errorOfTests);
+    EXPECT_EQ(shown(run().err), "DIR/$tmp.prm: cannot delete this copy of an earlier rewrite: "
+                                    + reason + "; DIR/Tg5.prm is as before\n");
     platform::failFileOperation = nullptr;
     EXPECT_EQ(file(), parameterText());
     fs::create_directory(folder.path() + "/Tg8.prm");
@@ -222,8 +224,7 @@ TEST_F(RewriteTool, SaysWhyItRefuses) {
     write(parameterText());
     const ToolResult result = run();
     EXPECT_EQ(result.code, 2);
-    EXPECT_EQ(shown(result.err).find("DIR/Tg5.prm:1:1: expected to create the copy, found"), 0U)
-        << result.err;
+    EXPECT_EQ(shown(result.err).find("DIR/Tg5.prm: cannot create the copy: "), 0U) << result.err;
 }
 
 // Whatever fails, the last line tells where the contents are.
@@ -262,10 +263,10 @@ TEST_F(RewriteTool, TellsTheTruthWhenAnOperationFails) {
                     || says("prm is complete") == (copy() == rewritten));
     }
     for (const char* step :
-         {"read the file's status", "make the file writable, open it or create the copy",
-          "copy all of the file", "delete the old file", "rename the copy", "look at the result"})
-        EXPECT_EQ(steps.erase("DIR/Tg5.prm:1:1: expected to " + std::string(step)
-                              + ", found that this failed"),
+         {"make the file writable", "open the file", "read all of the file", "create the copy",
+          "write all of the copy", "delete the old file", "rename the copy"})
+        EXPECT_EQ(steps.erase("DIR/Tg5.prm: cannot " + std::string(step) + ": "
+                              + platform::systemErrorText(platform::errorOfTests)),
                   1U)
             << step;
     EXPECT_TRUE(steps.empty()) << *steps.begin();

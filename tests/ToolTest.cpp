@@ -16,6 +16,7 @@
 
 #include "host/base/Interrupt.h"
 #include "host/parameters/ParameterFile.h"
+#include "host/rows/LineBlocks.h"
 #include "simulator/Pose.h"
 #include "tests/FileFaults.h"
 #include "tests/ToolRunner.h"
@@ -28,18 +29,39 @@ using test::lines;
 using test::tool;
 using test::ToolResult;
 
-TEST(Tool, OutputThatCannotBeWrittenIsAnError) {
-    if (!std::filesystem::exists("/dev/full"))
-        GTEST_SKIP() << "no device that is always full";
+TEST(Tool, GivesTheSystemsReason) {
+    const std::string full = "/dev/full", broken = "/proc/self/mem",
+                      readings = KIV_EXAMPLES "/readings.csv";
+    if (!std::filesystem::exists(full) || !std::filesystem::exists(broken))
+        GTEST_SKIP() << "no files that are always full or broken";
     for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"run", example, KIV_EXAMPLES "/readings.csv", "-o", "/dev/full"},
-          {"report", example, KIV_EXAMPLES "/readings.csv", "-o", "/dev/full"},
-          {"simulate", example, "-o", "/dev/full"}}) {
+         {std::vector<std::string>{"run", example, readings, "-o", full},
+          {"report", example, readings, "-o", full},
+          {"simulate", example, "-o", full},
+          {"run", example, broken},
+          {"run", example, readings, "--uncertainties", broken},
+          {"check", broken}}) {
         const ToolResult result = tool(arguments);
+        const bool writes = arguments.back() == full;
         EXPECT_EQ(result.code, 2) << arguments[0];
-        EXPECT_NE(result.err.find("/dev/full: expected to write all of the output"),
-                  std::string::npos)
+        EXPECT_TRUE(result.err.starts_with(writes ? full : broken)) << result.err;
+        EXPECT_NE(
+            result.err.find(writes ? ": No space left on device; " : ": Input/output error; "),
+            std::string::npos)
             << result.err;
+    }
+}
+
+TEST(Tool, AFileThatShrinksBreaksReadingOff) {
+    for (const std::size_t missing : {0U, 1U}) {
+        const std::string text = "a\nb\n";
+        std::istringstream in(text);
+        host::LineBlockReader reader(in, "a.csv", 100, text.size() + missing);
+        host::LineBlock block;
+        EXPECT_TRUE(reader.next(block) && block.text == text);
+        EXPECT_EQ(reader.next(block), missing > 0);
+        EXPECT_EQ(block.brokenOff, missing > 0);
+        EXPECT_EQ(block.said.starts_with("a.csv:3:1: The file has become shorter"), missing > 0);
     }
 }
 
@@ -53,8 +75,8 @@ TEST(Tool, StandardOutputThatCannotBeWrittenIsAnError) {
         std::ostringstream err;
         const auto count = static_cast<int>(arguments.size());
         EXPECT_EQ(host::runTool(count, arguments.data(), {in, closed, err}), 2) << arguments[1];
-        EXPECT_EQ(err.str(), "standard output: expected to write all of the output, found that not "
-                             "all of it was taken\n");
+        EXPECT_EQ(err.str(), "standard output: the system gives no reason; not all of the output "
+                             "is there\n");
     }
 }
 

@@ -1,12 +1,47 @@
 #include "host/base/Files.h"
 
+#include <array>
 #include <ostream>
+
+#include "params/Quoted.h"
+#include "support/platform/SystemError.h"
 
 namespace kiv::host {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr std::size_t blockSize = 1 << 16;
+
+std::string shownPath(const fs::path& path) {
+    const std::u8string name = path.u8string();
+    return printable({reinterpret_cast<const char*>(name.data()), name.size()});
+}
+
+// Empty where there is none.
+fs::path firstMissingFolder(const fs::path& file) {
+    std::error_code ignored;
+    fs::path missing;
+    for (fs::path folder = file.parent_path(); !folder.empty() && !fs::exists(folder, ignored);
+         folder = folder.parent_path())
+        missing = folder;
+    return missing;
+}
+
+// Where the system says no more than that something is missing, it is said what.
+std::string openingCause(const fs::path& path, int error) {
+    std::error_code ignored;
+    if (fs::is_directory(path, ignored))
+        return "Is a folder; name a file in it";
+    if (!platform::meansMissing(error))
+        return platform::systemErrorText(error);
+    if (fs::is_symlink(path, ignored))
+        return "Is a link to " + shownPath(fs::read_symlink(path, ignored))
+               + ", which is not there";
+    const fs::path folder = firstMissingFolder(path);
+    return folder.empty() ? "No such file" : "No such folder: " + shownPath(folder);
+}
 
 } // namespace
 
@@ -15,40 +50,34 @@ std::filesystem::path pathOf(const std::string& name) {
 }
 
 std::string shownInput(const std::string& name) {
-    return name == "-" ? "standard input" : name;
+    return name == "-" ? "standard input" : printable(name);
 }
 
 std::string shownOutput(const std::string& name) {
-    return name == "-" ? "standard output" : name;
+    return name == "-" ? "standard output" : printable(name);
 }
 
 bool sameFile(const std::string& one, const std::string& other) {
     std::error_code failed;
-    return std::filesystem::equivalent(pathOf(one), pathOf(other), failed) && !failed;
+    return fs::equivalent(pathOf(one), pathOf(other), failed) && !failed;
 }
 
 bool sameOutput(const std::string& one, const std::string& other) {
     std::error_code failed;
     if (one == "-" || other == "-")
         return one == other;
-    if (other.empty() || std::filesystem::is_other(pathOf(one), failed))
+    if (other.empty() || fs::is_other(pathOf(one), failed))
         return false;
     if (sameFile(one, other))
         return true;
     const auto place = [&](const std::string& name) {
-        return std::filesystem::weakly_canonical(std::filesystem::absolute(pathOf(name), failed),
-                                                 failed);
+        return fs::weakly_canonical(fs::absolute(pathOf(name), failed), failed);
     };
     return place(one) == place(other);
 }
 
-void reportUnopened(std::ostream& err, const std::string& name, const char* expected) {
-    std::error_code ignored;
-    const auto status = std::filesystem::status(pathOf(name), ignored);
-    const char* found = std::filesystem::is_directory(status) ? "a folder"
-                        : std::filesystem::exists(status)     ? "one that cannot be opened"
-                                                              : "no such file";
-    err << name << ":1:1: expected " << expected << ", found " << found << '\n';
+void reportUnopened(std::ostream& err, const std::string& name, int error) {
+    err << printable(name) << ": " << openingCause(pathOf(name), error) << '\n';
 }
 
 bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) {
@@ -58,20 +87,35 @@ bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) 
     } else {
         chosen = &file;
         std::error_code ignored;
-        if (!std::filesystem::is_directory(pathOf(name), ignored))
+        platform::setLastSystemError(0);
+        if (!fs::is_directory(pathOf(name), ignored))
             file.open(name, std::ios::binary);
-        if (std::filesystem::is_regular_file(pathOf(name), ignored))
-            bytes = std::filesystem::file_size(pathOf(name), ignored);
         if (!file.is_open()) {
-            reportUnopened(streams.err, name, "a file that can be read");
+            reportUnopened(streams.err, name, platform::lastSystemError());
             return false;
         }
+        if (fs::is_regular_file(pathOf(name), ignored))
+            bytes = fs::file_size(pathOf(name), ignored);
     }
     if (hash) {
         buffer.open(*chosen->rdbuf(), *hash);
         hashed.emplace(&buffer);
     }
     return true;
+}
+
+bool Input::readAll(std::string& text, std::ostream& err) {
+    std::array<char, 4096> block;
+    platform::setLastSystemError(0);
+    do {
+        stream().read(block.data(), block.size());
+        text.append(block.data(), static_cast<std::size_t>(stream().gcount()));
+    } while (stream());
+    if (!stream().bad())
+        return true;
+    err << name() << ": " << platform::systemErrorText(platform::lastSystemError())
+        << "; not all of the file could be read\n";
+    return false;
 }
 
 bool Output::open(const std::string& name, const Streams& streams) {
@@ -81,16 +125,28 @@ bool Output::open(const std::string& name, const Streams& streams) {
         return true;
     }
     chosen = &file;
+    platform::setLastSystemError(0);
     file.open(name, std::ios::binary | std::ios::trunc);
     if (!file.is_open()) {
-        reportUnopened(streams.err, name, "a file that can be written");
+        reportUnopened(streams.err, name, platform::lastSystemError());
         return false;
     }
     return true;
 }
 
+// Once one has failed, nothing further is attempted.
+template <typename Action>
+void Output::attempt(Action action) {
+    if (chosen->fail())
+        return;
+    platform::setLastSystemError(0);
+    action();
+    if (chosen->fail())
+        error = platform::lastSystemError();
+}
+
 void Output::writePending() {
-    chosen->write(pending.data(), static_cast<std::streamsize>(pending.size()));
+    attempt([&] { chosen->write(pending.data(), static_cast<std::streamsize>(pending.size())); });
     pending.clear();
 }
 
@@ -102,21 +158,26 @@ bool Output::endRow(bool inputWouldWait) {
 
 bool Output::write(std::string_view block, bool inputWouldWait) {
     writePending();
-    chosen->write(block.data(), static_cast<std::streamsize>(block.size()));
+    attempt([&] { chosen->write(block.data(), static_cast<std::streamsize>(block.size())); });
     if (inputWouldWait)
-        chosen->flush();
+        attempt([&] { chosen->flush(); });
     return !chosen->fail();
 }
 
 bool Output::finish(std::ostream& err) {
     writePending();
-    chosen->flush();
+    attempt([&] { chosen->flush(); });
     if (chosen == &file)
-        file.close();
+        attempt([&] { file.close(); });
     if (!chosen->fail())
         return true;
-    err << shownName
-        << ": expected to write all of the output, found that not all of it was taken\n";
+    if (error == 0) { // it failed elsewhere: what is left once more, for the reason
+        chosen->clear();
+        attempt([&] { chosen->flush(); });
+        chosen->setstate(std::ios::failbit);
+    }
+    err << shownName << ": " << platform::systemErrorText(error)
+        << "; not all of the output is there\n";
     return false;
 }
 
@@ -124,8 +185,8 @@ bool refuseOverwriting(const std::string& output, const std::vector<std::string>
                        std::ostream& err) {
     for (const std::string& input : inputs) {
         if (sameFile(output, input)) {
-            err << output << ":1:1: expected an output of its own, found the input " << input
-                << '\n';
+            err << shownOutput(output) << ":1:1: expected an output of its own, found the input "
+                << shownInput(input) << '\n';
             return true;
         }
     }

@@ -20,6 +20,8 @@ public:
     // False, and a message, when the file cannot be opened. What is read goes into the hash, too.
     bool open(const std::string& name, const Streams& streams, Sha256* hash = nullptr);
     std::istream& stream() { return hashed ? *hashed : *chosen; }
+    // False, and a message, when it breaks off before its end.
+    bool readAll(std::string& text, std::ostream& err);
     const std::string& name() const { return shownName; }
     std::uintmax_t size() const { return bytes; } // 0 where unknown
 
@@ -48,10 +50,13 @@ public:
     bool finish(std::ostream& err);
 
 private:
+    template <typename Action>
+    void attempt(Action action);
     void writePending();
 
     std::ofstream file;
     std::ostream* chosen = nullptr;
+    int error = 0; // of the first attempt that has failed
     std::string shownName;
     std::string pending;
 };
@@ -60,7 +65,7 @@ private:
 // it for something else.
 std::filesystem::path pathOf(const std::string& name);
 
-// These names are as messages show them.
+// These names are as messages show them, on one line.
 std::string shownInput(const std::string& name);
 std::string shownOutput(const std::string& name);
 
@@ -70,8 +75,8 @@ bool sameFile(const std::string& one, const std::string& other);
 // Two names of outputs mean one place, where a file is or will be, or standard output.
 bool sameOutput(const std::string& one, const std::string& other);
 
-// Says that a file cannot be opened, and why.
-void reportUnopened(std::ostream& err, const std::string& name, const char* expected);
+// Says why the system has not opened a file, by its error.
+void reportUnopened(std::ostream& err, const std::string& name, int error);
 
 // True, and a message, when the output names the same file on disk as one of the inputs.
 bool refuseOverwriting(const std::string& output, const std::vector<std::string>& inputs,

@@ -15,25 +15,34 @@ void show(std::span<const Message> messages, std::ostream& err) {
         err << message.text;
 }
 
-bool MessageLimit::admits(std::string_view kind) {
-    auto known = std::find_if(kinds.begin(), kinds.end(),
-                              [&](const Kind& other) { return other.text == kind; });
+void MessageLimit::count(const Message& message) {
+    const auto known = std::find_if(kinds.begin(), kinds.end(),
+                                    [&](const Kind& kind) { return kind.text == message.kind; });
     if (known == kinds.end())
-        known = kinds.insert(known, Kind{std::string(kind)});
-    return ++known->count <= most;
+        kinds.push_back({message.kind, 1, message.text.substr(0, message.text.find(": "))});
+    else
+        ++known->rows;
 }
 
-void MessageLimit::take(std::span<const Message> messages) {
-    for (const Message& message : messages)
-        if (admits(message.kind))
-            err << message.text;
+void MessageLimit::take(std::span<const Message> ofARow) {
+    for (std::size_t i = 0; i < ofARow.size(); ++i) {
+        const auto before = ofARow.first(i);
+        const auto same = [&](const Message& other) { return other.kind == ofARow[i].kind; };
+        if (shown < most) {
+            err << ofARow[i].text;
+            ++shown;
+        } else if (std::none_of(before.begin(), before.end(), same)) {
+            count(ofARow[i]);
+        }
+    }
 }
 
 void MessageLimit::reportOthers(const std::string& name) const {
     for (const Kind& kind : kinds)
-        if (kind.count > most)
-            err << name << ": " << kind.count - most << (most > 0 ? " more" : "")
-                << " where it was expected: " << kind.text << '\n';
+        err << name << ": " << kind.rows << (most > 0 ? " more" : "")
+            << (kind.rows == 1 ? " row " : " rows ") << kind.text
+            << (kind.firstPlace == name ? "" : ", the first at " + kind.firstPlace)
+            << (&kind == &kinds.back() ? "; --messages all shows them\n" : "\n");
 }
 
 } // namespace kiv::host

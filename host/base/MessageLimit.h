@@ -10,8 +10,8 @@
 namespace kiv::host {
 
 struct Message {
-    std::string kind; // what was expected
-    std::string text; // the whole line
+    std::string_view kind; // of rows, as "with a cell that is no number"
+    std::string text;      // the whole line
 };
 
 // A line in words, of a table that is named where there are several.
@@ -19,27 +19,27 @@ std::string linePlace(std::size_t line, std::string_view table);
 
 void show(std::span<const Message> messages, std::ostream& err);
 
-// Shows the first messages of each kind and counts the others.
+// Shows the first messages about rows and counts the rows of the others by their kinds.
 class MessageLimit {
 public:
-    MessageLimit(std::size_t mostOfAKind, std::ostream& messages)
-        : most(mostOfAKind), err(messages) {}
+    MessageLimit(std::size_t mostShown, std::ostream& messages) : most(mostShown), err(messages) {}
 
-    void take(std::span<const Message> messages);
+    void take(std::span<const Message> ofARow);
 
-    // A line for each kind that had more.
+    // A line for each kind of those that are not shown.
     void reportOthers(const std::string& name) const;
 
 private:
-    // False: the message is one too many.
-    bool admits(std::string_view kind);
+    void count(const Message& message);
 
     struct Kind {
-        std::string text;
-        std::size_t count = 0;
+        std::string_view text;
+        std::size_t rows;
+        std::string firstPlace;
     };
 
     std::size_t most;
+    std::size_t shown = 0;
     std::ostream& err;
     std::vector<Kind> kinds; // few: in the order of their first message
 };

@@ -42,14 +42,33 @@ CLI::Validator numberFrom(double least, double largest) {
         appendNumber(message, least);
         if (std::isfinite(largest))
             appendNumber(message.append(" to "), largest);
-        return message.append(", found ").append(text);
+        return message.append(", found ").append(kiv::quoted(text));
     };
     return {check, ""};
 }
 
 std::string finiteNumber(const std::string& text) {
     const auto number = numberIn<double>(text);
-    return number && std::isfinite(*number) ? "" : "expected a finite number, found " + text;
+    return number && std::isfinite(*number)
+               ? ""
+               : "expected a finite number, found " + kiv::quoted(text);
+}
+
+// One of a few words.
+CLI::Validator oneOf(std::vector<std::string> words) {
+    const auto check = [words = std::move(words)](const std::string& text) {
+        std::string all;
+        for (const std::string& word : words) {
+            if (word == text)
+                return std::string();
+            all.append(all.empty()              ? "expected "
+                       : &word == &words.back() ? " or "
+                                                : ", ")
+                .append(word);
+        }
+        return all + ", found " + kiv::quoted(text);
+    };
+    return {check, ""};
 }
 
 // A whole number. The parser's own reading takes one with a leading zero as octal.
@@ -61,7 +80,7 @@ CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number
         if (number && *number >= least && *number <= largest)
             return std::string();
         return "expected a whole number from " + std::to_string(least) + " to "
-               + std::to_string(largest) + ", found " + text;
+               + std::to_string(largest) + ", found " + kiv::quoted(text);
     };
     return command
         .add_option_function<std::string>(
@@ -140,7 +159,7 @@ CLI::App& CommandLine::add(const char* name, std::function<int(const Streams&)> 
     return *command;
 }
 
-// Messages of each kind: a number, or all.
+// Messages about rows: a number, or all.
 void CommandLine::addMessages(CLI::App& command, TableFormat& format) {
     command
         .add_option_function<std::string>("--messages",
@@ -151,7 +170,7 @@ void CommandLine::addMessages(CLI::App& command, TableFormat& format) {
         ->check([](const std::string& text) {
             return text == "all" || numberIn<std::size_t>(text)
                        ? ""
-                       : "expected a whole number or all, found " + text;
+                       : "expected a whole number or all, found " + kiv::quoted(text);
         });
 }
 
@@ -180,7 +199,8 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
             std::string names;
             for (const std::string_view column : columns)
                 names.append(names.empty() ? "" : ", ").append(column);
-            return "expected NAME=OTHER_NAME with one of the names " + names + ", found " + pair;
+            return "expected NAME=OTHER_NAME with one of the names " + names + ", found "
+                   + kiv::quoted(pair);
         });
 }
 
@@ -188,7 +208,7 @@ void CommandLine::addKeep(CLI::App& command, TableFormat& format) {
     command
         .add_option_function<std::string>(
             "--keep", [&format](const std::string& kept) { format.keepAll = kept == "all"; })
-        ->check(CLI::IsMember({"others", "all"}));
+        ->check(oneOf({"others", "all"}));
 }
 
 // The readings' own option.
@@ -200,7 +220,7 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
         .add_option_function<std::string>(
             "--frame",
             [&options](const std::string& frame) { options.localFrame = frame == "local"; })
-        ->check(CLI::IsMember({"machine", "local"}));
+        ->check(oneOf({"machine", "local"}));
     std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
     columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
     columns.push_back(timeColumn);
@@ -269,7 +289,7 @@ void CommandLine::addSimulate() {
     CLI::Option* poses = addFile(command, "--poses", simulate.poses);
     command.add_option("--trajectory", simulate.trajectory)
         ->excludes(poses)
-        ->check(CLI::IsMember({"still", "turn", "swing", "random"}))
+        ->check(oneOf({"still", "turn", "swing", "random"}))
         ->capture_default_str();
     command.add_option("--tilt", simulate.tilt)
         ->excludes(poses)
@@ -375,6 +395,73 @@ std::string CommandLine::whyNoCommand(const std::string& word) const {
 
 namespace {
 
+// As the parser takes a word: an option, but no negative number.
+bool looksLikeOption(std::string_view word) {
+    return word.size() > 1 && word[0] == '-' && (word[1] < '0' || word[1] > '9') && word[1] != '.';
+}
+
+std::string optionName(std::string_view word) {
+    return std::string(word.starts_with("--") ? word.substr(0, word.find('=')) : word.substr(0, 2));
+}
+
+// Of one subcommand, where it is not too far.
+std::string nearestOption(const CLI::App& command, std::string_view word) {
+    const std::string_view typed = word.substr(word.find_first_not_of('-'));
+    std::string nearest;
+    std::size_t least = std::max<std::size_t>(typed.size() / 2, 1) + 1;
+    for (const CLI::Option* option : command.get_options())
+        for (const std::string& name : option->get_lnames())
+            if (const std::size_t distance = editDistance(name, typed); distance < least) {
+                least = distance;
+                nearest = "--" + name;
+            }
+    return nearest;
+}
+
+// What has no letter or dash in front is an argument by its place.
+std::string argumentName(const CLI::Option& option) {
+    std::string name = option.get_name();
+    if (option.get_positional())
+        std::transform(name.begin(), name.end(), name.begin(),
+                       [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+    return name;
+}
+
+} // namespace
+
+// A word that is taken for something else, as the value of a mistyped option, leaves the parser
+// with another fault than its own.
+std::string CommandLine::whyNot(const CLI::ParseError& fault, int argc,
+                                const char* const* argv) const {
+    const bool named = isCommand(argv[1]);
+    const CLI::App& command = named ? *app.get_subcommand(argv[1]) : app;
+    const std::string start = named ? "kiv " + command.get_name() : "kiv";
+    for (int i = named ? 2 : 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
+        const std::string_view word = argv[i];
+        if (!looksLikeOption(word) || command.get_option_no_throw(optionName(word)))
+            continue;
+        const std::string nearest = nearestOption(command, optionName(word));
+        return start + ": expected one of its options, found "
+               + kiv::quoted(word.substr(0, word.find('=')))
+               + (nearest.empty() ? "" : "; the nearest is " + nearest);
+    }
+    std::string text = fault.what();
+    for (const CLI::Option* option : command.get_options()) {
+        if (option->get_required() && option->empty())
+            return start + ": expected " + argumentName(*option) + ", found none";
+        if (option->get_positional() && text.starts_with(option->get_name() + ": "))
+            return start + ' ' + argumentName(*option)
+                   + kiv::printable(text.substr(option->get_name().size()));
+    }
+    if (fault.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError))
+        text = "expected nothing more, found" + text.substr(text.rfind(':') + 1);
+    else if (text.ends_with(" missing"))
+        text = text.substr(0, text.find(':')) + ": expected a value, found none";
+    return start + (text.starts_with("--") ? " " : ": ") + kiv::printable(text);
+}
+
+namespace {
+
 int runCommand(int argc, const char* const* argv, const Streams& streams) {
     CommandLine line;
     if (argc < 2) {
@@ -389,7 +476,12 @@ int runCommand(int argc, const char* const* argv, const Streams& streams) {
     try {
         line.app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
-        return line.app.exit(e, streams.out, streams.err) == 0 ? allGood : unusable;
+        if (e.get_exit_code() == 0)
+            return line.app.exit(e, streams.out, streams.err);
+        streams.err << line.whyNot(e, argc, argv) << '\n'
+                    << "kiv " << (line.isCommand(argv[1]) ? argv[1] + std::string(" ") : "")
+                    << "--help shows what can be given\n";
+        return unusable;
     }
     return line.action(streams);
 }

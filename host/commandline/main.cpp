@@ -1,9 +1,11 @@
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <new>
 
 #include "host/base/Cli.h"
 #include "host/base/Interrupt.h"
+#include "params/Quoted.h"
 #include "support/platform/Terminal.h"
 
 int main(int argc, char** argv) {
@@ -16,9 +18,11 @@ int main(int argc, char** argv) {
                                    kiv::platform::outputIsTerminal()});
     } catch (const std::bad_alloc&) {
         std::fputs("kiv: expected memory for all of this, found none left\n", stderr);
-    } catch (...) { // what it says is no text for users
-        std::fputs("kiv: expected to finish, found a fault that has no message of its own\n",
-                   stderr);
+    } catch (const std::exception& fault) {
+        std::fprintf(stderr,
+                     "kiv: ended by a fault of its own (%s); please report this line and what you "
+                     "typed\n",
+                     kiv::printable(fault.what()).c_str());
     }
     return kiv::host::unusable;
 }

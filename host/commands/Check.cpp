@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/parameters/Findings.h"
+#include "params/Quoted.h"
 
 namespace kiv::host {
 
@@ -38,7 +39,7 @@ Json jsonOf(const std::string& path, const ExaminedFile& examined) {
 void print(const std::string& path, const ExaminedFile& examined, const Streams& streams) {
     for (const FileFinding& finding : examined.findings)
         report(streams.err, path, finding);
-    streams.out << path << ": " << counted(examined.errors(), "error") << ", "
+    streams.out << printable(path) << ": " << counted(examined.errors(), "error") << ", "
                 << counted(examined.warnings(), "warning") << '\n';
 }
 

@@ -89,7 +89,7 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
             good = table.readNumber(i, numbers[i]);
         const auto home = good ? solve(sensor, numbers) : std::nullopt;
         if (good && !home)
-            table.reportRow(expectedSolution, foundSingular);
+            table.reportRow(expectedSolution, foundSingular, "without home angles");
         limit.take(table.messages());
         allSolved = allSolved && home;
 

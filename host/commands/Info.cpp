@@ -8,6 +8,7 @@
 
 #include "host/parameters/Findings.h"
 #include "params/BlockNames.h"
+#include "params/Quoted.h"
 #include "support/Numbers.h"
 #include "support/Principles.h"
 
@@ -93,7 +94,7 @@ std::vector<std::string> linesOf(const BlockLayout& layout, const BlockValues& v
     case BlockKind::integer:
         return {std::to_string(values.integer) + ", " + modelName(values.integer) + " model"};
     case BlockKind::word:
-        return {values.word};
+        return {printable(values.word)};
     case BlockKind::numbers:
         for (std::size_t i = 0; i < values.numbers.size(); ++i) {
             const std::string name = names.empty() ? "" : std::string(names[i]) + ' ';
@@ -112,7 +113,8 @@ std::vector<std::string> linesOf(const BlockLayout& layout, const BlockValues& v
         if (layout.kind == BlockKind::tiltTable)
             lines.push_back("limits " + digitsOf(values.trailing[0]) + " to "
                             + digitsOf(values.trailing[1]) + " deg, further value "
-                            + digitsOf(values.trailing[2]) + ", closing word " + values.word);
+                            + digitsOf(values.trailing[2]) + ", closing word "
+                            + printable(values.word));
         return lines;
     }
     return {};

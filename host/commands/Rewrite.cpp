@@ -6,6 +6,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "host/base/Files.h"
+#include "host/base/FirstFailure.h"
 #include "host/base/Interrupt.h"
 #include "host/commands/RewriteCost.h"
 #include "host/parameters/Findings.h"
@@ -13,6 +14,7 @@
 #include "host/parameters/ParameterFile.h"
 #include "params/Parser.h"
 #include "params/Printer.h"
+#include "params/Quoted.h"
 #include "params/Survey.h"
 #include "support/platform/File.h"
 #include "support/platform/FolderLock.h"
@@ -33,7 +35,7 @@ public:
     WorkingFolder(const WorkingFolder&) = delete;
     WorkingFolder& operator=(const WorkingFolder&) = delete;
 
-    bool entered() const { return !failed; }
+    const std::error_code& fault() const { return failed; }
 
 private:
     std::error_code failed;
@@ -58,7 +60,8 @@ bool waitForTurn(platform::FolderLock& turn, const std::string& folder, const St
     auto result = turn.take(path.c_str(), false);
     if (result == busy) {
         if (streams.errIsTerminal)
-            streams.err << "kiv: waiting for the end of another rewrite in " << path << std::endl;
+            streams.err << "kiv: waiting for the end of another rewrite in " << printable(path)
+                        << std::endl;
         const Interrupt::Waiting waiting(true);
         result = turn.take(path.c_str(), true);
     }
@@ -131,7 +134,6 @@ public:
     const std::string& rewrittenText() const { return expected; }
     State fileState() const;
     State copyState() const;
-    std::string_view failedStep(int code, State fileState) const;
 
 private:
     std::string file;
@@ -146,7 +148,9 @@ std::string Rewriting::obstacle() const {
         return "a second name of " + file + "; keep it under its own name alone";
     const auto [document, outcome] = valuesIn(copyName);
     if (outcome.code == KIV_CANNOT_OPEN)
-        return "a file that cannot be read";
+        return "a file that cannot be read: "
+               + platform::systemErrorText(
+                   platform::InputFile().open(copyName) ? 0 : platform::lastSystemError());
     if (outcome.code != KIV_OK || printed(document) == expected)
         return "";
     return "a whole parameter file, of sensor "
@@ -182,30 +186,24 @@ State Rewriting::copyState() const {
     return *rewritten && before.outcome.code == KIV_OK ? State::complete : State::incomplete;
 }
 
-bool canCreateCopy() {
-    platform::OutputFile probe;
-    return probe.create(copyName) && probe.close() && platform::removeFile(copyName);
-}
-
-// By what the disk shows and by trying again, since the library tells no more than the code.
-std::string_view Rewriting::failedStep(int code, State fileState) const {
-    const bool copied = isFile(copyName);
-    if (code != KIV_OK) {
-        platform::InputFile source;
-        return copied                                  ? "copy all of the file"
-               : !platform::makeWritable(file.c_str()) ? "make the file writable"
-               : !source.open(file.c_str())            ? "open the file"
-               : !canCreateCopy()                      ? "create the copy"
-                                  : "make the file writable, open it or create the copy";
-    }
-    switch (fileState) {
-    case State::unreadable:
-        return "look at the result";
-    case State::asBefore:
-    case State::rewritten:
-        return copied ? "delete the old file" : "read the file's status";
-    default:
+// By the operation that has failed first, since the library tells no more than the code.
+std::string_view stepOf(std::optional<platform::FileOperation> operation) {
+    using enum platform::FileOperation;
+    switch (operation.value_or(close)) {
+    case status:
+        return "make the file writable";
+    case open:
+        return "open the file";
+    case create:
+        return "create the copy";
+    case read:
+        return "read all of the file";
+    case remove:
+        return "delete the old file";
+    case rename:
         return "rename the copy";
+    default:
+        return "write all of the copy";
     }
 }
 
@@ -215,46 +213,50 @@ int rewriteFile(const RewriteOptions& options, const Streams& streams) {
     const auto name = requireParameterFileName(options.file, streams.err);
     if (!name)
         return unusable;
+    const std::string path = printable(options.file), copyPath = printable(name->folder + copyName);
     platform::FolderLock turn;
     const bool ordered = waitForTurn(turn, name->folder, streams);
+    const std::string whyNotOrdered = platform::systemErrorText(platform::lastSystemError());
+    const FirstFailure failure;
     ParsedFile before = valuesIn(options.file);
     if (before.outcome.code == KIV_CANNOT_OPEN) {
         turn.release();
-        reportUnopenedParameters(streams.err, options.file);
+        reportUnopenedParameters(streams.err, options.file, failure.error());
         return unusable;
     }
-    const auto refuse = [&](const std::string& path, const std::string& expectedAndFound) {
-        streams.err << path << ":1:1: expected " << expectedAndFound << '\n';
+    const auto refuse = [&](const std::string& place, const std::string& cause) {
+        streams.err << place << cause << '\n';
         return unusable;
     };
     if (platform::isLink(options.file.c_str()))
-        return refuse(options.file, "the file itself, found a link to "
-                                        + platform::realPath(options.file.c_str())
-                                        + "; rewrite that");
+        return refuse(path, ":1:1: expected the file itself, found a link to "
+                                + printable(platform::realPath(options.file.c_str()))
+                                + "; rewrite that");
     reportOpenEnd(options.file, streams.err);
     const WorkingFolder folder(name->folder + '.');
-    if (!ordered || !folder.entered())
-        return refuse(
-            options.file,
-            "a folder where rewrites wait for each other, found that it cannot be locked");
-    const std::string copyPath = name->folder + copyName;
+    if (folder.fault())
+        return refuse(path, ": cannot enter its folder: " + folder.fault().message());
+    if (!ordered)
+        return refuse(path, ": cannot lock its folder against other rewrites: " + whyNotOrdered);
     Rewriting rewriting(name->name, std::move(before));
     if (const std::string obstacle = rewriting.obstacle(); !obstacle.empty())
-        return refuse(copyPath, "nothing that is needed, found " + obstacle);
+        return refuse(copyPath, ":1:1: expected nothing that is needed, found " + obstacle);
     if (const auto names = platform::nameCount(name->name.c_str()); names > 1)
-        return refuse(options.file, "a file of one name, found one of " + std::to_string(names)
-                                        + " (hard links); under the others it would stay as it is");
+        return refuse(path, ":1:1: expected a file of one name, found one of "
+                                + std::to_string(names)
+                                + " (hard links); under the others it would stay as it is");
     // What is there of it afterwards is from this rewrite.
     if (isFile(copyName) && !platform::removeFile(copyName))
-        return refuse(copyPath,
-                      "to delete this copy of an earlier rewrite, found that this failed; "
-                          + options.file + " is as before");
+        return refuse(copyPath, ": cannot delete this copy of an earlier rewrite: "
+                                    + platform::systemErrorText(platform::lastSystemError()) + "; "
+                                    + path + " is as before");
 
+    FirstFailure::forget();
     const int code = rewriting.run(name->id);
     const State file = rewriting.fileState();
     const State copy = rewriting.copyState();
     if (code == KIV_OK && file == State::rewritten && copy == State::missing) {
-        streams.out << options.file << ": rewritten\n";
+        streams.out << path << ": rewritten\n";
         reportCost(rewriting.valuesBefore().document, rewriting.rewrittenText(), options.file,
                    streams.out, streams.err);
         return allGood;
@@ -262,9 +264,9 @@ int rewriteFile(const RewriteOptions& options, const Streams& streams) {
     if (code == KIV_BAD_FORMAT)
         report(streams.err, options.file, {rewriting.valuesBefore().outcome.failure, true});
     else
-        streams.err << options.file << ":1:1: expected to " << rewriting.failedStep(code, file)
-                    << ", found that this failed\n";
-    streams.err << options.file << " is " << shown(file) << ", the copy in " << copyPath << " is "
+        streams.err << path << ": cannot " << stepOf(failure.operation()) << ": "
+                    << platform::systemErrorText(failure.error()) << '\n';
+    streams.err << path << " is " << shown(file) << ", the copy in " << copyPath << " is "
                 << shown(copy) << '\n';
     return code == KIV_BAD_FORMAT ? fileFaulty : unusable;
 }

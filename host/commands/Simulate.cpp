@@ -9,6 +9,7 @@
 #include "host/rows/Poses.h"
 #include "host/rows/Readings.h"
 #include "host/rows/RowLoop.h"
+#include "params/Quoted.h"
 #include "simulator/InverseCalibration.h"
 #include "simulator/Mounting.h"
 #include "simulator/Random.h"
@@ -147,7 +148,8 @@ std::unique_ptr<PoseSource> posesFor(const SimulateOptions& options, int mode,
                                                            : Motion::turn;
     return std::make_unique<TrajectoryPoses>(
         simulator::Trajectory(motion, options.seed, options.tilt, simulator::invertedIn(mode)),
-        options.rows, options.parameterFile, options.posesFormat.mostMessages, streams.err);
+        options.rows, printable(options.parameterFile), options.posesFormat.mostMessages,
+        streams.err);
 }
 
 } // namespace

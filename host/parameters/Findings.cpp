@@ -5,9 +5,11 @@
 #include <tuple>
 #include <utility>
 
+#include "host/base/FirstFailure.h"
 #include "host/base/Hashing.h"
 #include "host/parameters/LeftCopy.h"
 #include "host/parameters/ParameterFile.h"
+#include "params/Quoted.h"
 #include "params/Survey.h"
 #include "params/ValueWarnings.h"
 #include "support/platform/File.h"
@@ -39,9 +41,10 @@ ExaminedFile examine(ByteSource& source, std::optional<std::int32_t> id) {
 }
 
 std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& err, Sha256* hash) {
+    const FirstFailure failure;
     platform::InputFile file;
     if (!file.open(path.c_str())) {
-        reportUnopenedParameters(err, path);
+        reportUnopenedParameters(err, path, failure.error());
         return std::nullopt;
     }
     const auto name = parseParameterFileName(path);
@@ -56,7 +59,8 @@ std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& e
     }
     if (!file.failed())
         return examined;
-    err << path << ":1:1: expected to read all of the file, found a read error\n";
+    err << printable(path) << ": " << platform::systemErrorText(failure.error())
+        << "; not all of the file could be read\n";
     return std::nullopt;
 }
 
@@ -67,7 +71,7 @@ void reportForUse(std::ostream& err, const std::string& path, const ExaminedFile
 }
 
 void report(std::ostream& err, const std::string& path, const FileFinding& f) {
-    err << path << ':' << f.finding.line << ':' << f.finding.column << ": expected "
+    err << printable(path) << ':' << f.finding.line << ':' << f.finding.column << ": expected "
         << f.finding.expected << ", found " << f.finding.found << (f.error ? "\n" : " (warning)\n");
 }
 

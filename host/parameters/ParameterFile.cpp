@@ -33,7 +33,8 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
                                                           std::ostream& err) {
     auto name = parseParameterFileName(path);
     if (!name)
-        err << path << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found "
+        err << printable(path)
+            << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found "
             << kiv::quoted(path.substr(nameStart(path))) << '\n';
     return name;
 }
@@ -65,8 +66,8 @@ bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ost
         return false;
     const int code = configureSensor(sensor, record);
     if (code != KIV_OK)
-        err << path << ":1:1: expected values that a sensor takes, found code " << code << " ("
-            << kivStatusText(code) << ")\n";
+        err << printable(path) << ":1:1: expected values that a sensor takes, found code " << code
+            << " (" << kivStatusText(code) << ")\n";
     return code == KIV_OK;
 }
 

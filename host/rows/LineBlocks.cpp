@@ -4,6 +4,8 @@
 #include <istream>
 #include <string_view>
 
+#include "support/platform/SystemError.h"
+
 namespace kiv::host {
 
 namespace {
@@ -21,14 +23,20 @@ std::size_t linesEnd(std::string_view text, std::size_t from) {
 // Takes what has been read ahead, and waits when there is nothing; false at the end. No more, as a
 // read error would take what is in front of it along.
 bool LineBlockReader::readSome(std::string& text) {
-    if (in.peek() == std::istream::traits_type::eof())
+    if (!in.good())
         return false;
+    platform::setLastSystemError(0);
+    if (in.peek() == std::istream::traits_type::eof()) {
+        error = platform::lastSystemError();
+        return false;
+    }
     const std::size_t start = text.size();
     const std::size_t most = start < size ? size - start : size;
     const auto count =
         std::clamp<std::streamsize>(in.rdbuf()->in_avail(), 1, static_cast<std::streamsize>(most));
     text.resize(start + static_cast<std::size_t>(count));
     in.read(text.data() + start, count);
+    taken += static_cast<std::uintmax_t>(count);
     return true;
 }
 
@@ -40,11 +48,17 @@ void LineBlockReader::endWithoutLineEnd(LineBlock& block) {
                    "(warning)\n";
 }
 
+bool LineBlockReader::isCutShort() const {
+    return in.bad() || taken < expected;
+}
+
 void LineBlockReader::breakOff(LineBlock& block) {
     block.text.clear();
     block.brokenOff = true;
-    block.said =
-        name + ':' + std::to_string(lines + 1) + ":1: expected to read on, found a read error\n";
+    block.said = name + ':' + std::to_string(lines + 1) + ":1: "
+                 + (in.bad() ? platform::systemErrorText(error) + "; from here on nothing is read\n"
+                             : "The file has become shorter while it was read; run again once "
+                               "nothing writes to it\n");
 }
 
 bool LineBlockReader::next(LineBlock& block) {
@@ -69,11 +83,11 @@ bool LineBlockReader::next(LineBlock& block) {
     }
     if (end == 0 && atEnd) {
         finished = true;
-        if (in.bad())
+        if (isCutShort())
             breakOff(block);
         else if (!text.empty())
             endWithoutLineEnd(block);
-        return in.bad() || !text.empty();
+        return isCutShort() || !text.empty();
     }
     std::size_t cut = 0;
     std::size_t count = 0;

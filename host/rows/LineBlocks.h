@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <string>
 #include <utility>
@@ -21,8 +22,10 @@ struct LineBlock {
 // Reads an input block by block; what has come in is never held back for more of it.
 class LineBlockReader {
 public:
-    LineBlockReader(std::istream& stream, std::string shownName, std::size_t blockBytes)
-        : in(stream), name(std::move(shownName)), size(blockBytes) {}
+    // Of all bytes, where they are known, the input has at least so many.
+    LineBlockReader(std::istream& stream, std::string shownName, std::size_t blockBytes,
+                    std::uintmax_t allBytes = 0)
+        : in(stream), name(std::move(shownName)), size(blockBytes), expected(allBytes) {}
 
     // False at the end. A block is about as large as asked, or as what is at hand.
     bool next(LineBlock& block);
@@ -31,12 +34,16 @@ private:
     bool readSome(std::string& text);
     void endWithoutLineEnd(LineBlock& block);
     void breakOff(LineBlock& block);
+    bool isCutShort() const;
 
     std::istream& in;
     std::string name;
     std::size_t size;
-    std::string begun;     // read, but not given: the start of a line
-    std::size_t lines = 0; // given so far
+    std::uintmax_t expected;
+    std::uintmax_t taken = 0; // bytes
+    int error = 0;            // of the system, where reading has failed
+    std::string begun;        // read, but not given: the start of a line
+    std::size_t lines = 0;    // given so far
     bool finished = false;
 };
 

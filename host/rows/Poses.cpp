@@ -36,9 +36,9 @@ NextPose TrajectoryPoses::next(SimulatedPose& pose) {
 
 void TrajectoryPoses::reportUnreachable() {
     constexpr const char* expected = "a sensor whose line of sight reaches every pose";
-    const Message message{expected, sensor + ":1:1: expected " + expected
-                                        + ", found that it does not reach pose "
-                                        + std::to_string(row) + '\n'};
+    const Message message{"out of the line of sight's reach",
+                          sensor + ": expected " + expected + ", found that it does not reach pose "
+                              + std::to_string(row) + '\n'};
     limit.take({&message, 1});
 }
 
@@ -76,7 +76,8 @@ NextPose PoseTable::read(SimulatedPose& pose) {
     if (!good)
         return NextPose::refused;
     if (position[0] == 0 && position[1] == 0 && position[2] == 0) {
-        table.report(0, "a position away from the instrument", "0, 0, 0");
+        table.report(0, "a position away from the instrument", "0, 0, 0",
+                     "with a position of zero");
         return NextPose::refused;
     }
     simulator::rotationFromYawPitchRoll(angles[0], angles[1], angles[2], pose.rotation);
@@ -85,7 +86,7 @@ NextPose PoseTable::read(SimulatedPose& pose) {
 
 void PoseTable::reportUnreachable() {
     input.table().reportRow("a pose that the sensor's line of sight reaches",
-                            "one outside its elevation range");
+                            "one outside its elevation range", "out of the line of sight's reach");
     limit.take(input.table().messages());
 }
 

@@ -35,13 +35,14 @@ Reason readReadings(Table& table, KIV_RAWINFO& raw) {
     raw.refBlocked = blocked == "1" || blocked == "true";
     if (!raw.refBlocked && blocked != "0" && blocked != "false") {
         table.report(at(Field::refBlocked), "0, 1, false or true in column ref_blocked",
-                     quoted(blocked));
+                     quoted(blocked), "with a ref_blocked that is not 0, 1, false or true");
         good = false;
     }
     if (!good)
         return Reason::notANumber;
     if (raw.vector[0] == 0 && raw.vector[1] == 0 && raw.vector[2] == 0) {
-        table.report(at(Field::x), "a measured vector that is not zero", "0, 0, 0");
+        table.report(at(Field::x), "a measured vector that is not zero", "0, 0, 0",
+                     "with a vector of zero");
         return Reason::zeroVector;
     }
     return Reason::none;

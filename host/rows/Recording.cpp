@@ -29,7 +29,8 @@ bool eachOnce(const std::vector<std::string>& files, std::ostream& err) {
         const auto there =
             std::find_if(first, last, [&](const auto& k) { return sameFile(*k.second, file); });
         if (there != last) {
-            err << file << ":1:1: expected each table once, found " << *there->second << " again\n";
+            err << shownInput(file) << ":1:1: expected each table once, found "
+                << shownInput(*there->second) << " again\n";
             return false;
         }
         known.emplace(size, &file);

@@ -29,7 +29,7 @@ void RowRunner::run(Table& table, RowResult& result) {
     const int mode = SensorAccess::mountMode(judged.sensor());
     table.reportRow(std::string("readings that the ") + modelName(mode)
                         + " model solves (mount mode " + std::to_string(mode) + ")",
-                    wordsOf(result.reason).text);
+                    wordsOf(result.reason).text, "without an orientation");
 }
 
 } // namespace kiv::host

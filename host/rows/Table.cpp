@@ -45,11 +45,12 @@ Table::Table(std::span<const std::string_view> columnNames, const TableFormat& a
         wanted.push_back(format.nameOf(column));
 }
 
-void Table::reportAt(std::size_t place, std::string_view expected, std::string_view found) {
+void Table::reportAt(std::size_t place, std::string_view expected, std::string_view found,
+                     std::string_view kind) {
     std::string message = *name + ':' + std::to_string(csv.lineNumber()) + ':'
                           + std::to_string(csv.column(place)) + ": expected ";
     message.append(expected).append(", found ").append(found).push_back('\n');
-    said.push_back({std::string(expected), std::move(message)});
+    said.push_back({kind, std::move(message)});
 }
 
 // The one that finds most of the names.
@@ -151,12 +152,12 @@ bool Table::hasColumnsOf(const Table& other, std::string_view otherName) {
 bool Table::checkRow() {
     const std::size_t cells = csv.cells().size();
     if (!csv.quotesClosed()) {
-        reportAt(cells, "a closing quote", "end of line");
+        reportAt(cells, "a closing quote", "end of line", "with an open quote");
         return false;
     }
     if (cells != names.size()) {
         reportAt(std::min(cells, names.size()), cellCount(names.size()) + " as in the row of names",
-                 cellCount(cells));
+                 cellCount(cells), "with too few or too many cells");
         return false;
     }
     return true;

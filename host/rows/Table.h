@@ -74,12 +74,13 @@ public:
     void appendNumber(std::string& out, double value) const;
 
     // Reports at the i-th column that was asked for.
-    void report(std::size_t i, std::string_view expected, std::string_view found) {
-        reportAt(columns[i], expected, found);
+    void report(std::size_t i, std::string_view expected, std::string_view found,
+                std::string_view kind) {
+        reportAt(columns[i], expected, found, kind);
     }
     // Reports at the start of the row.
-    void reportRow(std::string_view expected, std::string_view found) {
-        reportAt(0, expected, found);
+    void reportRow(std::string_view expected, std::string_view found, std::string_view kind) {
+        reportAt(0, expected, found, kind);
     }
 
     std::span<const Message> messages() const { return said; } // of the row
@@ -88,7 +89,8 @@ public:
     std::string_view rest() const { return csv.rest(); } // of the block, behind the row
 
 private:
-    void reportAt(std::size_t place, std::string_view expected, std::string_view found);
+    void reportAt(std::size_t place, std::string_view expected, std::string_view found,
+                  std::string_view kind = {});
     void chooseSeparator();
     void reportHeader(std::span<const std::string_view> found,
                       std::span<const std::string_view> missing);
@@ -148,7 +150,8 @@ bool Table::readOrReport(std::size_t i, Number& value) {
         expected += " within single precision";
     if (format.decimalComma)
         expected += " with a decimal comma";
-    report(i, expected.append(" in column ").append(wanted[i]), quoted(text(i)));
+    report(i, expected.append(" in column ").append(wanted[i]), quoted(text(i)),
+           "with a cell that is no number");
     return false;
 }
 

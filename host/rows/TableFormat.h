@@ -17,7 +17,7 @@ struct TableFormat {
     bool decimalComma = false;        // in the cells that are read, and in the results
     std::vector<Name> otherNames;     // of columns
     bool keepAll = false;             // the columns that are read are carried, too
-    std::size_t mostMessages = 20;    // of a kind
+    std::size_t mostMessages = 20;    // about rows
     std::size_t blockBytes = 1 << 14; // read at once; not for users
 
     std::string_view nameOf(std::string_view column) const {

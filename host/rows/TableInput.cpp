@@ -17,13 +17,14 @@ bool TableInput::open(const std::string& file, std::span<const std::string_view>
                       const Streams& streams, Sha256* hash) {
     if (!input.open(file, streams, hash))
         return false;
-    blocks.emplace(input.stream(), input.name(), format.blockBytes);
+    blocks.emplace(input.stream(), input.name(), format.blockBytes, input.size());
     bool found = true;
     while (found && head.text.empty() && !head.brokenOff)
         found = readBlock(head);
     if (head.text.empty()) {
-        streams.err << name() << ":1:1: expected a row of column names, found "
-                    << (head.brokenOff ? "a file that cannot be read" : "end of file") << '\n';
+        streams.err << (head.brokenOff
+                            ? head.said
+                            : name() + ":1:1: expected a row of column names, found end of file\n");
         return false;
     }
     rows.start(head);

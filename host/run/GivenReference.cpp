@@ -33,10 +33,12 @@ bool takeReference(const ReadingsOptions& options, RowRunner& runner, const Stre
         tried = line > 0;
         runner.run(table, given.result);
         found = given.result.state == RowState::reference;
-        if (tried && !found)
-            table.reportRow(expectedRow, wordsOf(given.result.reason).text);
-        if (!found)
+        if (tried && !found) { // which ends the run
+            table.reportRow(expectedRow, wordsOf(given.result.reason).text, {});
+            show(table.messages(), streams.err);
+        } else if (!found) {
             limit.take(table.messages());
+        }
         return !tried && !found;
     });
     if (tried && !found)

@@ -53,13 +53,29 @@ bool RunOutputs::withinTolerance() const {
     if (!options.tolerance)
         return true;
     if (totals.compared() == 0) {
-        streams.err << "expected rows with angles to compare for --tolerance, found none\n";
+        streams.err << inputs.recording().name()
+                    << ": expected rows with angles to compare for --tolerance, found none\n";
         return false;
     }
     if (totals.largestResidual() <= *options.tolerance)
         return true;
-    streams.err << "expected differences to the true angles of " << shown(*options.tolerance)
-                << " degrees at most, found " << degreesText(totals.largestResidual()) << '\n';
+    streams.err << inputs.recording().name() << ": expected differences to the true angles of "
+                << shown(*options.tolerance) << " degrees at most, found "
+                << degreesText(totals.largestResidual()) << '\n';
+    return false;
+}
+
+bool RunOutputs::usedARow() const {
+    if (totals.count(RowState::ok) + totals.count(RowState::reference) > 0)
+        return true;
+    const char* cause = totals.rows() == 0 ? "rows behind the row of names, found none"
+                        : totals.count(RowState::status) == totals.rows()
+                            ? "rows with status 2, found none"
+                        : totals.count(RowState::noReference) > 0
+                            ? "a row that can become the reference, with a ref_metric of at most "
+                              "0.4 and a ref_blocked of 0, found none"
+                            : "rows with angles, found none";
+    streams.err << inputs.recording().name() << ": expected " << cause << '\n';
     return false;
 }
 
@@ -69,7 +85,8 @@ bool RunOutputs::strictlyGood() const {
     if (totals.count(RowState::ok) > 0)
         return totals.allTrusted() && totals.spareReadings().objection().empty()
                && inputs.parameterWarnings() == 0;
-    streams.err << "expected rows with angles for --strict, found none\n";
+    streams.err << inputs.recording().name()
+                << ": expected rows with angles for --strict, found none\n";
     return false;
 }
 
@@ -83,8 +100,9 @@ int RunOutputs::finish() {
         totals.printStatistics(streams.err);
     if (!options.summary.empty() && !writeSummary())
         return unusable;
-    const bool close = withinTolerance();
-    const bool trusted = strictlyGood();
+    const bool used = Interrupt::requested() || usedARow();
+    const bool close = used && withinTolerance();
+    const bool trusted = used && strictlyGood();
     if (Interrupt::requested())
         return interrupted;
     return totals.allGood() && close && trusted ? allGood : someRowsBad;

@@ -38,6 +38,8 @@ public:
 
 private:
     bool writeSummary();
+    // A row has angles or is the reference; else false, and a message.
+    bool usedARow() const;
     // Both hold where they are not asked for; false also where there is nothing to test, with a
     // message.
     bool withinTolerance() const;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <istream>
-#include <iterator>
 #include <ostream>
 #include <string_view>
 #include <utility>
@@ -132,7 +131,9 @@ bool readUncertainties(const std::string& file, int mountMode, Uncertainties& un
     Input input;
     if (!input.open(file, streams))
         return false;
-    std::string text{std::istreambuf_iterator<char>(input.stream()), {}};
+    std::string text;
+    if (!input.readAll(text, streams.err))
+        return false;
     return UncertaintyReader(input.name(), std::move(text), streams.err)
         .read(mountMode, uncertainties);
 }

@@ -5,8 +5,12 @@
 
 namespace kiv {
 
-// A text from outside as messages show it: in quotes, its first 40 bytes, all but printable ASCII
-// as \xNN.
+// A text from outside, as a file's name, on one line of a terminal: UTF-8 stands as it is; each
+// byte of what is none or cannot be seen, as control characters, marks of direction and blanks
+// other than the ordinary one, becomes \xNN.
+std::string printable(std::string_view text);
+
+// The same in quotes, of a text's first 40 bytes.
 std::string quoted(std::string_view text);
 
 } // namespace kiv

@@ -5,6 +5,7 @@
 namespace kiv::platform {
 
 bool (*failFileOperation)(FileOperation) = nullptr;
+void (*onFileFailure)(FileOperation, int error) = nullptr;
 
 InputFile::~InputFile() {
     close();
@@ -26,11 +27,11 @@ void OutputFile::append(std::string_view text) {
 
 void OutputFile::flush() {
     drain();
-    noteUnless(!mustFail(FileOperation::flush));
+    noteUnless(FileOperation::flush, !mustFail(FileOperation::flush));
 }
 
-void OutputFile::noteUnless(bool done) {
-    if (done || writeFailed)
+void OutputFile::noteUnless(FileOperation operation, bool done) {
+    if (noted(operation, done) || writeFailed)
         return;
     writeFailed = true;
     error = lastSystemError();

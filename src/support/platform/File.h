@@ -17,7 +17,7 @@ namespace kiv::platform {
 // Each operation below asks this first, when it is set; true makes the operation fail (a close
 // still closes) with this error. For tests.
 inline constexpr int errorOfTests = 5;
-enum class FileOperation { open, read, write, flush, sync, close, status, remove, rename };
+enum class FileOperation { open, create, read, write, flush, sync, close, status, remove, rename };
 extern bool (*failFileOperation)(FileOperation);
 
 inline bool mustFail(FileOperation operation) {
@@ -25,6 +25,17 @@ inline bool mustFail(FileOperation operation) {
     if (fails)
         setLastSystemError(errorOfTests);
     return fails;
+}
+
+// Told of each that has failed, when it is set, with the system's error. For who gets no more than
+// a library's code.
+extern void (*onFileFailure)(FileOperation, int error);
+
+// Gives on whether the operation has been done.
+inline bool noted(FileOperation operation, bool done) {
+    if (!done && onFileFailure)
+        onFileFailure(operation, lastSystemError());
+    return done;
 }
 
 // A path in UTF-8 everywhere. Windows takes a plain const char* to be in the process's code page.
@@ -81,7 +92,7 @@ private:
     bool createPath(Path path);
     void append(std::string_view text);
     void drain();
-    void noteUnless(bool done);
+    void noteUnless(FileOperation operation, bool done);
 
     std::intptr_t handle = -1;
     std::intptr_t folder = -1; // the file's, where a sync of the file alone leaves its name out

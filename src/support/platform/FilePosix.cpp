@@ -111,18 +111,18 @@ bool InputFile::open(const char* path) {
     close();
     readFailed = false;
     if (mustFail(FileOperation::open))
-        return false;
+        return noted(FileOperation::open, false);
     // Without O_NONBLOCK, opening a pipe would wait for its writer.
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     const int descriptor = ::open(NativePath(path), flags);
     if (descriptor < 0)
-        return false;
+        return noted(FileOperation::open, false);
     handle = descriptor;
     if (isRegularFile(descriptor))
         return true;
     close();
     errno = 0;
-    return false;
+    return noted(FileOperation::open, false);
 }
 
 bool InputFile::open(Utf8Path path) {
@@ -135,7 +135,7 @@ std::size_t InputFile::read(char* buffer, std::size_t size) {
         do
             n = ::read(static_cast<int>(handle), buffer, size);
         while (n < 0 && errno == EINTR);
-    readFailed = readFailed || n < 0;
+    readFailed = !noted(FileOperation::read, n >= 0) || readFailed;
     return n < 0 ? 0 : static_cast<std::size_t>(n);
 }
 
@@ -151,13 +151,13 @@ bool OutputFile::create(const char* path) {
     close();
     size = 0;
     writeFailed = false;
-    if (mustFail(FileOperation::open))
-        return false;
+    if (mustFail(FileOperation::create))
+        return noted(FileOperation::create, false);
     const NativePath native(path);
     unlink(native);
     handle = ::open(native, O_WRONLY | O_CREAT | O_EXCL | O_NOCTTY | O_CLOEXEC, 0666);
     if (handle < 0)
-        return false;
+        return noted(FileOperation::create, false);
     folder = openFolder(native);
     return true;
 }
@@ -174,7 +174,7 @@ void OutputFile::drain() {
     const char* next = buffer;
     const char* const end = buffer + size;
     if (size > 0 && !writeFailed)
-        noteUnless(!mustFail(FileOperation::write));
+        noteUnless(FileOperation::write, !mustFail(FileOperation::write));
     size = 0;
     while (next != end && !writeFailed) {
         const auto left = static_cast<std::size_t>(end - next);
@@ -182,12 +182,13 @@ void OutputFile::drain() {
         if (n > 0)
             next += n;
         else
-            noteUnless(n < 0 && errno == EINTR);
+            noteUnless(FileOperation::write, n < 0 && errno == EINTR);
     }
 }
 
 void OutputFile::sync() {
-    noteUnless(!mustFail(FileOperation::sync) && fsync(static_cast<int>(handle)) == 0);
+    noteUnless(FileOperation::sync,
+               !mustFail(FileOperation::sync) && fsync(static_cast<int>(handle)) == 0);
     syncAndCloseFolder(folder);
     folder = -1;
 }
@@ -196,8 +197,8 @@ bool OutputFile::close() {
     if (handle < 0)
         return false;
     drain();
-    noteUnless(!mustFail(FileOperation::close));
-    noteUnless(::close(static_cast<int>(handle)) == 0);
+    noteUnless(FileOperation::close, !mustFail(FileOperation::close));
+    noteUnless(FileOperation::close, ::close(static_cast<int>(handle)) == 0);
     if (folder >= 0)
         ::close(static_cast<int>(folder));
     handle = folder = -1;
@@ -208,7 +209,8 @@ bool OutputFile::close() {
 
 PathKind kindOf(const char* path) {
     struct stat status {};
-    if (mustFail(FileOperation::status) || stat(NativePath(path), &status) != 0)
+    if (!noted(FileOperation::status,
+               !mustFail(FileOperation::status) && stat(NativePath(path), &status) == 0))
         return PathKind::missing;
     return S_ISREG(status.st_mode) ? PathKind::file : PathKind::other;
 }
@@ -240,13 +242,14 @@ bool makeWritable(const char* path) {
     const NativePath native(path);
     struct stat status {};
     if (mustFail(FileOperation::status) || stat(native, &status) != 0)
-        return false;
+        return noted(FileOperation::status, false);
     const mode_t mode = status.st_mode & 07777;
-    return mode & S_IWUSR || chmod(native, mode | S_IWUSR) == 0;
+    return noted(FileOperation::status, mode & S_IWUSR || chmod(native, mode | S_IWUSR) == 0);
 }
 
 bool removeFile(const char* path) {
-    return !mustFail(FileOperation::remove) && unlink(NativePath(path)) == 0;
+    return noted(FileOperation::remove,
+                 !mustFail(FileOperation::remove) && unlink(NativePath(path)) == 0);
 }
 
 bool removeFile(Utf8Path path) {
@@ -255,7 +258,8 @@ bool removeFile(Utf8Path path) {
 
 bool replaceFile(Utf8Path by, Utf8Path path) {
     const NativePath target(path.text);
-    if (mustFail(FileOperation::rename) || rename(NativePath(by.text), target) != 0)
+    if (!noted(FileOperation::rename,
+               !mustFail(FileOperation::rename) && rename(NativePath(by.text), target) == 0))
         return false;
     syncAndCloseFolder(openFolder(target));
     return true;
@@ -263,10 +267,11 @@ bool replaceFile(Utf8Path by, Utf8Path path) {
 
 bool renameFile(const char* from, const char* to) {
     if (mustFail(FileOperation::rename))
-        return false;
+        return noted(FileOperation::rename, false);
     const NativePath source(from), target(to);
-    return renameWithinVolume(source, target)
-           || (errno == EXDEV && moveAcrossVolumes(source, target));
+    return noted(FileOperation::rename,
+                 renameWithinVolume(source, target)
+                     || (errno == EXDEV && moveAcrossVolumes(source, target)));
 }
 
 std::string currentDirectory() {

@@ -61,7 +61,9 @@ HANDLE openNew(Utf8Path path) {
 }
 
 DWORD attributesOf(const char* path) {
-    return mustFail(FileOperation::status) ? noFile : GetFileAttributesA(path);
+    const DWORD found = mustFail(FileOperation::status) ? noFile : GetFileAttributesA(path);
+    noted(FileOperation::status, found != noFile);
+    return found;
 }
 
 bool isFolder(DWORD attributes) {
@@ -106,19 +108,19 @@ bool InputFile::openPath(Path path) {
     close();
     readFailed = false;
     if (mustFail(FileOperation::open))
-        return false;
+        return noted(FileOperation::open, false);
     const HANDLE file = openToRead(path);
     if (file == INVALID_HANDLE_VALUE) {
         if (GetLastError() == ERROR_ACCESS_DENIED)
             SetLastError(isFolder(path) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED);
-        return false;
+        return noted(FileOperation::open, false);
     }
     handle = reinterpret_cast<std::intptr_t>(file);
     if (isRegularFile(file))
         return true;
     close();
     SetLastError(ERROR_SUCCESS);
-    return false;
+    return noted(FileOperation::open, false);
 }
 
 bool InputFile::open(const char* path) {
@@ -136,6 +138,7 @@ std::size_t InputFile::read(char* buffer, std::size_t size) {
         && ReadFile(native(handle), buffer, static_cast<DWORD>(std::min(size, most)), &n, nullptr))
         return n;
     readFailed = true;
+    noted(FileOperation::read, false);
     return 0;
 }
 
@@ -152,11 +155,9 @@ bool OutputFile::createPath(Path path) {
     close();
     size = 0;
     writeFailed = false;
-    if (mustFail(FileOperation::open))
-        return false;
-    const HANDLE file = openNew(path);
+    const HANDLE file = mustFail(FileOperation::create) ? INVALID_HANDLE_VALUE : openNew(path);
     handle = reinterpret_cast<std::intptr_t>(file);
-    return file != INVALID_HANDLE_VALUE;
+    return noted(FileOperation::create, file != INVALID_HANDLE_VALUE);
 }
 
 bool OutputFile::create(const char* path) {
@@ -182,22 +183,24 @@ void OutputFile::write(std::string_view text) {
 void OutputFile::drain() {
     DWORD n = 0;
     if (size > 0 && !writeFailed)
-        noteUnless(!mustFail(FileOperation::write)
-                   && WriteFile(native(handle), buffer, static_cast<DWORD>(size), &n, nullptr)
-                   && n == size);
+        noteUnless(FileOperation::write,
+                   !mustFail(FileOperation::write)
+                       && WriteFile(native(handle), buffer, static_cast<DWORD>(size), &n, nullptr)
+                       && n == size);
     size = 0;
 }
 
 void OutputFile::sync() {
-    noteUnless(!mustFail(FileOperation::sync) && FlushFileBuffers(native(handle)));
+    noteUnless(FileOperation::sync,
+               !mustFail(FileOperation::sync) && FlushFileBuffers(native(handle)));
 }
 
 bool OutputFile::close() {
     if (native(handle) == INVALID_HANDLE_VALUE)
         return false;
     drain();
-    noteUnless(!mustFail(FileOperation::close));
-    noteUnless(CloseHandle(native(handle)));
+    noteUnless(FileOperation::close, !mustFail(FileOperation::close));
+    noteUnless(FileOperation::close, CloseHandle(native(handle)));
     handle = -1;
     if (writeFailed)
         SetLastError(static_cast<DWORD>(error));
@@ -245,26 +248,30 @@ bool makeWritable(const char* path) {
     if (attributes == noFile || !(attributes & FILE_ATTRIBUTE_READONLY))
         return attributes != noFile;
     const DWORD others = attributes & ~DWORD{FILE_ATTRIBUTE_READONLY};
-    return SetFileAttributesA(path, others ? others : FILE_ATTRIBUTE_NORMAL) != 0;
+    return noted(FileOperation::status,
+                 SetFileAttributesA(path, others ? others : FILE_ATTRIBUTE_NORMAL) != 0);
 }
 
 bool removeFile(const char* path) {
-    return !mustFail(FileOperation::remove) && DeleteFileA(path);
+    return noted(FileOperation::remove, !mustFail(FileOperation::remove) && DeleteFileA(path));
 }
 
 bool removeFile(Utf8Path path) {
-    return !mustFail(FileOperation::remove) && DeleteFileW(WidePath(path));
+    return noted(FileOperation::remove,
+                 !mustFail(FileOperation::remove) && DeleteFileW(WidePath(path)));
 }
 
 bool replaceFile(Utf8Path by, Utf8Path path) {
-    return !mustFail(FileOperation::rename)
-           && MoveFileExW(WidePath(by), WidePath(path),
-                          MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+    return noted(FileOperation::rename,
+                 !mustFail(FileOperation::rename)
+                     && MoveFileExW(WidePath(by), WidePath(path),
+                                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
 }
 
 bool renameFile(const char* from, const char* to) {
-    return !mustFail(FileOperation::rename)
-           && MoveFileExA(from, to, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH);
+    return noted(FileOperation::rename,
+                 !mustFail(FileOperation::rename)
+                     && MoveFileExA(from, to, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH));
 }
 
 std::string currentDirectory() {

@@ -9,7 +9,11 @@ namespace kiv::platform {
 int lastSystemError();
 void setLastSystemError(int error);
 
-// In the system's words, in UTF-8, without a full stop: "Permission denied".
+// There is no such file or folder.
+bool meansMissing(int error);
+
+// In the system's words, in UTF-8, without a full stop: "Permission denied"; of 0 that it
+// gives no reason.
 std::string systemErrorText(int error);
 
 } // namespace kiv::platform

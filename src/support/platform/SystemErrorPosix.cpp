@@ -13,8 +13,12 @@ void setLastSystemError(int error) {
     errno = error;
 }
 
+bool meansMissing(int error) {
+    return error == ENOENT;
+}
+
 std::string systemErrorText(int error) {
-    return std::generic_category().message(error);
+    return error == 0 ? "the system gives no reason" : std::generic_category().message(error);
 }
 
 } // namespace kiv::platform

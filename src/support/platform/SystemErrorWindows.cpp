@@ -16,7 +16,13 @@ void setLastSystemError(int error) {
     SetLastError(static_cast<DWORD>(error));
 }
 
+bool meansMissing(int error) {
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
 std::string systemErrorText(int error) {
+    if (error == 0)
+        return "the system gives no reason";
     wchar_t wide[512];
     DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
                                   nullptr, static_cast<DWORD>(error), 0, wide,
