@@ -30,6 +30,9 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* The records are laid out in the same way whatever packing a host has in force. */
+#pragma pack(push, 8)
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -353,8 +356,22 @@ int kiv_sensor_capture_reference(kiv_sensor* sensor, const kiv_reading* reading)
 int kiv_home_angles(const double* frame_x, const double* direction, const double* angles,
                     const double* tilt, double* home_h, double* home_v);
 
+#if (defined(__cplusplus) && __cplusplus >= 201103L) || defined(_MSVC_LANG)                        \
+    || (defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L)
+#ifdef __cplusplus
+#define KIV_ASSERT_SIZE static_assert
+#else
+#define KIV_ASSERT_SIZE _Static_assert
+#endif
+KIV_ASSERT_SIZE(sizeof(kiv_reading) == 52 && sizeof(kiv_result) == 48, "bool has another size");
+KIV_ASSERT_SIZE(sizeof(kiv_trust) == 8 && sizeof(kiv_uncertainty) == 36, "float has another size");
+#undef KIV_ASSERT_SIZE
+#endif
+
 #ifdef __cplusplus
 }
 #endif
+
+#pragma pack(pop)
 
 #endif

@@ -9,6 +9,7 @@
 #include "support/platform/Terminal.h"
 
 int main(int argc, char** argv) {
+    kiv::platform::makeStreamsBinary();
     std::ios::sync_with_stdio(false);
     std::cin.tie(nullptr);
     kiv::host::Interrupt::install();

@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "c/Boundary.h"
+#include "support/platform/FloatingPoint.h"
 
 // What kiv_last_error tells of the call that this thread was refused last.
 namespace kiv::c {
@@ -77,6 +78,7 @@ template <typename Body>
 int guarded(std::initializer_list<Given> pointers, Body body) noexcept {
     if (const int code = refuseNull(pointers))
         return code;
+    const platform::OwnFloatingPoint floatingPoint;
     try {
         return body();
     } catch (...) {

@@ -6,6 +6,7 @@
 #include "sensor/OrientationAngles.h"
 #include "support/Principles.h"
 #include "support/ZelUtil.h"
+#include "support/platform/FloatingPoint.h"
 
 namespace kiv {
 
@@ -131,5 +132,6 @@ inline OrientationAngles SensorUpdate::anglesInFrame(CKiv& sensor) {
 } // namespace kiv
 
 void CKiv::updateKIVData(const KIV_RAWINFO& raw, KIV_INFO& info) {
+    const kiv::platform::OwnFloatingPoint floatingPoint;
     kiv::SensorUpdate::run(*this, raw, info);
 }

@@ -14,6 +14,8 @@ bool outputIsTerminal() {
     return isatty(STDOUT_FILENO) == 1;
 }
 
+void makeStreamsBinary() {}
+
 void whenTerminalCloses(void (*action)(int)) {
     if (std::signal(SIGHUP, action) == SIG_IGN) // so started by nohup
         std::signal(SIGHUP, SIG_IGN);
