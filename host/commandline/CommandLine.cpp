@@ -418,6 +418,25 @@ std::string nearestOption(const CLI::App& command, std::string_view word) {
     return nearest;
 }
 
+// Of the parser's own messages those that name options alone or count values.
+std::string inOurWords(const std::string& text) {
+    const std::string option = text.substr(0, text.find(':'));
+    constexpr std::string_view excludes = " excludes ", received = " required but received ";
+    if (text.find("not expected: ") != text.npos)
+        return "expected nothing more, found " + text.substr(text.find(':') + 2);
+    if (text.ends_with(" missing"))
+        return option + ": expected a value, found none";
+    if (const std::size_t at = text.find(received); at != text.npos) {
+        const std::string wanted = text.substr(0, at);
+        return option + ": expected " + wanted.substr(wanted.rfind(' ') + 1) + " numbers, found "
+               + text.substr(at + received.size());
+    }
+    if (const std::size_t at = text.find(excludes); at != text.npos)
+        return "expected " + text.substr(0, at) + " or " + text.substr(at + excludes.size())
+               + ", found both";
+    return text;
+}
+
 // What has no letter or dash in front is an argument by its place.
 std::string argumentName(const CLI::Option& option) {
     std::string name = option.get_name();
@@ -453,10 +472,7 @@ std::string CommandLine::whyNot(const CLI::ParseError& fault, int argc,
             return start + ' ' + argumentName(*option)
                    + kiv::printable(text.substr(option->get_name().size()));
     }
-    if (fault.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError))
-        text = "expected nothing more, found" + text.substr(text.rfind(':') + 1);
-    else if (text.ends_with(" missing"))
-        text = text.substr(0, text.find(':')) + ": expected a value, found none";
+    text = inOurWords(text);
     return start + (text.starts_with("--") ? " " : ": ") + kiv::printable(text);
 }
 

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <optional>
 #include <ostream>
+#include <string>
+#include <utility>
 
 #include "KIVInterface/CKiv.h"
 #include "host/rows/RowLoop.h"
@@ -38,12 +40,20 @@ constexpr std::string_view foundSingular = "a singular frame or a direction with
 int solveOne(const HomeOptions& options, const Streams& streams) {
     Numbers numbers{};
     std::size_t i = 0;
-    for (const auto* values : {&options.frameX, &options.direction, &options.angles, &options.tilt})
+    std::string missing;
+    for (const auto& [name, values] : {std::pair{"--frame-x", &options.frameX},
+                                       {"--direction", &options.direction},
+                                       {"--angles", &options.angles},
+                                       {"--tilt", &options.tilt}}) {
         for (const double value : *values)
             numbers[i++] = value;
-    if (i != numbers.size()) {
+        if (values->empty())
+            missing.append(missing.empty() ? "" : ", ").append(name);
+    }
+    if (!missing.empty()) {
         streams.err << "kiv home: expected a table, or all of --frame-x, --direction, --angles and "
-                       "--tilt, found neither\n";
+                       "--tilt, found "
+                    << (i == 0 ? "neither" : "no " + missing) << '\n';
         return unusable;
     }
     CKiv sensor;

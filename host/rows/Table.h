@@ -150,7 +150,7 @@ bool Table::readOrReport(std::size_t i, Number& value) {
         expected += " within single precision";
     if (format.decimalComma)
         expected += " with a decimal comma";
-    report(i, expected.append(" in column ").append(wanted[i]), quoted(text(i)),
+    report(i, expected.append(" in column ").append(printable(wanted[i])), quoted(text(i)),
            "with a cell that is no number");
     return false;
 }

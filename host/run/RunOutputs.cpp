@@ -57,11 +57,12 @@ bool RunOutputs::withinTolerance() const {
                     << ": expected rows with angles to compare for --tolerance, found none\n";
         return false;
     }
-    if (totals.largestResidual() <= *options.tolerance)
+    const Summary::Residual& worst = totals.largestResidual();
+    if (worst.largest <= *options.tolerance)
         return true;
     streams.err << inputs.recording().name() << ": expected differences to the true angles of "
                 << shown(*options.tolerance) << " degrees at most, found "
-                << degreesText(totals.largestResidual()) << '\n';
+                << degreesText(worst.largest) << " in " << worst.largestPlace << '\n';
     return false;
 }
 

@@ -100,7 +100,8 @@ private:
         if (fault == UncertaintyFault::value)
             return report(valuePlace(entry),
                           "a number from 0 to " + shown(largestUncertainty) + " for " + found,
-                          entry.value.is_null() ? "another value" : entry.value.dump());
+                          entry.value.is_null() ? "another value"
+                                                : kiv::printable(entry.value.dump()));
         if (fault == UncertaintyFault::vector)
             return report(entry.place, "x, y and z, or vector_along and vector_across",
                           kiv::quoted(given.firstOfVector()) + " and " + found);

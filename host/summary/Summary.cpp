@@ -40,7 +40,10 @@ void Summary::add(const RowResult& result, std::size_t line,
     std::array<double, 3> differences;
     for (std::size_t i = 0; i < 3; ++i) {
         differences[i] = withinHalfTurn(values[i] - (*truth)[i]);
-        residuals[i].largest = std::max(residuals[i].largest, std::abs(differences[i]));
+        if (const double size = std::abs(differences[i]); size > residuals[i].largest) {
+            residuals[i].largest = size;
+            residuals[i].largestPlace = linePlace(line, table);
+        }
         if (!residualFigures)
             continue;
         residuals[i].statistics.add(differences[i]);
@@ -79,8 +82,9 @@ std::size_t Summary::rows() const {
     return std::accumulate(counts.begin(), counts.end(), std::size_t{0});
 }
 
-double Summary::largestResidual() const {
-    return std::max({residuals[0].largest, residuals[1].largest, residuals[2].largest});
+const Summary::Residual& Summary::largestResidual() const {
+    return *std::max_element(residuals.begin(), residuals.end(),
+                             [](const auto& a, const auto& b) { return a.largest < b.largest; });
 }
 
 void Summary::printCounts(std::ostream& out) const {

@@ -54,7 +54,8 @@ public:
     struct Residual {
         Statistics statistics{Statistics::Kind::linear};
         Quantile magnitudes;
-        double largest = 0; // magnitude
+        double largest = 0;       // magnitude
+        std::string largestPlace; // in words
     };
     // How many of these are within twice the angle's standard uncertainty, of rows that have one.
     struct Coverage {
@@ -68,7 +69,7 @@ public:
     std::size_t compared() const { return withTruth; }
     const Coverage& coverage() const { return ofAllRows; }
     const Coverage& coverageOfGood() const { return ofGoodRows; } // whose trust is good
-    double largestResidual() const; // of all angles, magnitude in degrees
+    const Residual& largestResidual() const;                      // of all angles
 
     void printCounts(std::ostream& out) const;
     void printStatistics(std::ostream& out) const;
