@@ -58,11 +58,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SmallPieces pieces(text, 1 + size % 61);
     require(parseParameterFile(pieces, id) == file);
     Survey survey;
-    const ParseOutcome surveyed = surveyParameterFile(again, id, survey).outcome;
+    const ParsedFile surveyedFile = surveyParameterFile(again, id, survey);
+    const ParseOutcome& surveyed = surveyedFile.outcome;
     require(surveyed.code == file.outcome.code);
     require(surveyed.messageId == file.outcome.messageId);
     require(surveyed.failure.block == file.outcome.failure.block);
     require(surveyed.failure.line == file.outcome.failure.line);
     require(surveyed.failure.column == file.outcome.failure.column);
+    const bool loaded = file.outcome.code == KIV_OK && file.outcome.unread.empty();
+    require(errorsIn(surveyedFile, survey).empty() == loaded);
     return 0;
 }

@@ -42,28 +42,6 @@ TEST(Envelope, BinsDoubleWhenFull) {
     }
 }
 
-TEST(Envelope, ASingleRowOfAMillionSurvives) {
-    constexpr std::size_t rows = 1000000;
-    const std::size_t spikes[] = {0, 1, 333333, 524287, 524288, 654321, rows - 1};
-    for (const std::size_t spike : spikes) {
-        SCOPED_TRACE(spike);
-        Envelope envelope(2, 4096);
-        for (std::size_t row = 0; row < rows; ++row) {
-            const double value = static_cast<double>(row % 7);
-            envelope.addRow(static_cast<double>(row),
-                            std::array{row == spike ? -1e6 : value, row == spike ? 1e6 : value},
-                            row == spike ? Mark::refused : Mark::none);
-        }
-        ASSERT_LE(envelope.bins().size(), 4096U);
-        const std::size_t at = spike / envelope.rowsPerBin();
-        for (std::size_t bin = 0; bin < envelope.bins().size(); ++bin) {
-            EXPECT_EQ(envelope.range(bin, 0).least == -1e6, bin == at) << bin;
-            EXPECT_EQ(envelope.range(bin, 1).largest == 1e6, bin == at) << bin;
-            EXPECT_EQ(envelope.bins()[bin].refused, bin == at ? 1U : 0U) << bin;
-        }
-    }
-}
-
 TEST(Envelope, WhatIsNotFiniteCountsAsNone) {
     Envelope envelope(2, 2);
     const double none = std::numeric_limits<double>::quiet_NaN();

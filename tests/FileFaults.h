@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "support/platform/Clock.h"
@@ -109,6 +110,8 @@ inline void expectNoFileLost(const std::filesystem::path& volume) {
         rewritten = undisturbed.file();
     }
     bool failed = true;
+    int unheeded = 0; // closes of what was read
+    std::set<FileOperation> kinds;
     for (int k = 1; failed; ++k) {
         Rewrite rewrite(text, volume);
         const auto descriptors = openDescriptors();
@@ -116,6 +119,8 @@ inline void expectNoFileLost(const std::filesystem::path& volume) {
         const int status = rewrite.run();
         const auto operation = FailingOperation::operation();
         failed = operation.has_value();
+        if (failed)
+            kinds.insert(*operation);
         SCOPED_TRACE("operation " + std::to_string(k) + ", of kind "
                      + std::to_string(failed ? static_cast<int>(*operation) : -1));
         EXPECT_EQ(openDescriptors(), descriptors);
@@ -129,8 +134,9 @@ inline void expectNoFileLost(const std::filesystem::path& volume) {
         } else if (operation == FileOperation::remove) {
             EXPECT_EQ(file, text);
             EXPECT_EQ(temporary, rewritten);
-        } else if (file) { // a close of a file that was read, at most
+        } else if (file) {
             EXPECT_EQ(operation.value_or(FileOperation::close), FileOperation::close);
+            unheeded += failed;
             EXPECT_EQ(file, rewritten);
             EXPECT_EQ(temporary, std::nullopt);
         } else { // the rename, or the copy to another volume in its place
@@ -139,6 +145,8 @@ inline void expectNoFileLost(const std::filesystem::path& volume) {
             EXPECT_EQ(temporary, rewritten);
         }
     }
+    EXPECT_EQ(kinds.size(), 10U); // every kind there is
+    EXPECT_EQ(unheeded, volume == std::filesystem::temp_directory_path() ? 1 : 2);
 }
 
 } // namespace kiv::test

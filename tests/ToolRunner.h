@@ -39,8 +39,8 @@ inline std::vector<std::string> lines(const std::string& text) {
     return result;
 }
 
-// A table of text; at so many bytes the user presses Ctrl-C. The rest is announced as being there or
-// has to be waited for.
+// A table of text; at so many bytes the user presses Ctrl-C. The rest is announced as being there
+// or has to be waited for.
 class InterruptedReadings final : public std::streambuf {
 public:
     InterruptedReadings(const std::string& table, std::size_t interruptAt, bool restIsThere)

@@ -65,16 +65,22 @@ TEST(Tool, AFileThatShrinksBreaksReadingOff) {
     }
 }
 
+// Takes what it is given, but for good.
+class FullDisk final : public std::stringbuf {
+    int sync() override { return -1; }
+};
+
 TEST(Tool, StandardOutputThatCannotBeWrittenIsAnError) {
     for (const std::vector<const char*>& arguments : {std::vector<const char*>{"kiv", "--help"},
                                                       {"kiv", "help", "run"},
                                                       {"kiv", "info", example.c_str()},
                                                       {"kiv", "verify"}}) {
         std::istringstream in;
-        std::ostream closed(nullptr);
+        FullDisk disk;
+        std::ostream full(&disk);
         std::ostringstream err;
         const auto count = static_cast<int>(arguments.size());
-        EXPECT_EQ(host::runTool(count, arguments.data(), {in, closed, err}), 2) << arguments[1];
+        EXPECT_EQ(host::runTool(count, arguments.data(), {in, full, err}), 2) << arguments[1];
         EXPECT_EQ(err.str(), "standard output: the system gives no reason; not all of the output "
                              "is there\n");
     }
@@ -219,8 +225,12 @@ TEST(Tool, SimulatedReadingsRunBackToTheirPosesInEveryMode) {
             const ToolResult made = tool(arguments, input);
             ASSERT_EQ(made.code, 0) << made.err;
             const std::string results = readings + ".results";
-            const ToolResult local = tool({"run", folder.file(), readings, "--summary", "-", "-o",
-                                           results, "--frame", "local"});
+            const ToolResult local =
+                tool({"run", folder.file(), readings, "--summary", "-", "-o", results, "--frame",
+                      "local", "--u-vector", "1", "--u-encoder", "1", "--u-level", "1"});
+            const bool twoLevels = mode <= 2 || mode >= 9;
+            EXPECT_EQ(nlohmann::json::parse(local.out)["uncertainties"].size(),
+                      twoLevels ? 7U : 6U);
             EXPECT_EQ(local.err.starts_with("kiv: --frame local has no effect"), mode >= 7);
             EXPECT_EQ(local.out.find(R"("frame": "local")") == std::string::npos, mode >= 7);
             const ToolResult result = tool({"run", folder.file(), readings, "--summary", "-", "-o",

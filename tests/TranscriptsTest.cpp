@@ -157,11 +157,16 @@ bool sameLine(std::string_view expected, std::string_view found) {
     return open || found.empty();
 }
 
-bool contain(const Lines& lines, const std::string& part) {
-    for (const std::string_view line : lines)
-        for (std::size_t at = 0; (at = line.find(part[0], at)) != line.npos; ++at)
-            if (sameLine(part + "...", line.substr(at)))
+// From a line on, which becomes that of the part.
+bool contain(const Lines& lines, std::size_t& from, const std::string& part) {
+    for (std::size_t line = from; line < lines.size(); ++line) {
+        const std::string_view text = lines[line];
+        for (std::size_t at = 0; (at = text.find(part[0], at)) != text.npos; ++at)
+            if (sameLine(part + "...", text.substr(at))) {
+                from = line;
                 return true;
+            }
+    }
     return false;
 }
 
@@ -201,10 +206,11 @@ void run(const Command& command, bool separateErrors) {
     const int code = status > 255 ? status >> 8 : status; // POSIX: in the upper byte
     if (command.parts.empty() && command.noParts.empty())
         compare("standard output", command.output, linesIn("stdout"));
+    std::size_t from = 0;
     for (const std::string& part : command.parts)
-        EXPECT_TRUE(contain(linesIn("stdout"), part)) << part;
+        EXPECT_TRUE(contain(linesIn("stdout"), from, part)) << part;
     for (const std::string& part : command.noParts)
-        EXPECT_FALSE(contain(linesIn("stdout"), part)) << part;
+        EXPECT_FALSE(contain(linesIn("stdout"), from = 0, part)) << part;
     if (!separateErrors) {
         EXPECT_LE(code, 1);
         return;

@@ -22,7 +22,7 @@ using namespace kiv;
 using simulator::Pose;
 using test::prepare;
 
-constexpr F_VECTOR4 limits{-19, 19, -19, 19};
+constexpr F_VECTOR4 wide{-19, 19, -19, 19}; // limits
 
 // A sensor of test::prepare in a pose: its raw readings are the corrected ones.
 struct Place {
@@ -80,6 +80,7 @@ TEST(Trust, EachReasonHasItsWord) {
         std::function<void(KIV_RAWINFO&)> disturb = [](KIV_RAWINFO&) {};
         std::function<void(CKiv&)> set = [](CKiv&) {};
         double ofElevation = 0; // uncertainty, degrees
+        F_VECTOR4 limits = wide;
     };
     const auto as = [](KIV_RAWINFO&) {};
     const auto factor = [](int which, float value) {
@@ -114,6 +115,10 @@ TEST(Trust, EachReasonHasItsWord) {
         {"roll_unseen", 4, {3, 4, 60, 20}, as, factor(3, 85)},
         {"roll_unseen", 5, {0, 0, 60, 89.99}},
         {"outside_limits", 4, {0, 19.5, 0, 10}},
+        {"outside_limits", 1, {3, 4, 90, 20}, as, [](CKiv&) {}, 0, {-1, 1, -19, 19}},
+        {"outside_limits", 1, {3, 4, 90, 20}, as, [](CKiv&) {}, 0, {-19, 19, -1, 1}},
+        {"outside_limits", 4, {3, 4, 60, 20}, as, [](CKiv&) {}, 0, {-19, 19, -1, 1}},
+        {"good", 4, {3, 4, 60, 20}, as, [](CKiv&) {}, 0, {-1, 1, -19, 19}},
         {"mirror_near", 8, {15, 9, 0, 60}},
         {"mirror_near", 8, {17, 17, -20, 60}}, // the result is the mirrored one
         {"good", 8, {5, 3, 0, 45}},
@@ -143,7 +148,7 @@ TEST(Trust, EachReasonHasItsWord) {
         prepare(sensor, row.mode);
         row.set(sensor);
         sensor.setMountMode(row.mode);
-        TrustJudge judge(sensor, limits);
+        TrustJudge judge(sensor, row.limits);
         Uncertainties uncertainties;
         uncertainties[Source::elevation] = row.ofElevation;
         judge.expect(uncertainties);
@@ -161,7 +166,7 @@ TEST(Trust, ExpectsOfTheSpareReadingWhatDrawsShow) {
         CKiv sensor;
         prepare(sensor, mode);
         sensor.setThermalFactor({0.01F, 0.8F, 0.02F, 0.6F});
-        TrustJudge judge(sensor, limits);
+        TrustJudge judge(sensor, wide);
         Uncertainties u;
         u[Source::vector1] = 0.1, u[Source::vector2] = 0.2, u[Source::vector3] = 0.3;
         u[Source::elevation] = 0.004;
@@ -204,7 +209,7 @@ TEST(Trust, AReferenceThatIsNotGoodSpoilsTheLocalFrame) {
         CKiv sensor;
         prepare(sensor, 1);
         sensor.setMcsFlag(machine);
-        TrustJudge judge(sensor, limits);
+        TrustJudge judge(sensor, wide);
         const RowTrust reference = judged(judge, sensor, readingsAt(1, {3, 4, 90, -20}));
         EXPECT_EQ(reference.trust, Trust::twoSigns);
         const RowTrust row = judged(judge, sensor, readingsAt(1, {3, 4, 90, 20}));
@@ -316,6 +321,26 @@ KIV_INFO updatedTwice(CKiv& sensor, const KIV_RAWINFO& raw) {
     SensorUpdate::run(sensor, raw, info);
     SensorUpdate::run(sensor, raw, info);
     return info;
+}
+
+// Inputs that are known better than single precision has steps count in proportion.
+TEST(Propagation, HasTheSlopesOfNearlyExactInputs) {
+    CKiv sensor;
+    prepare(sensor, 1);
+    sensor.setThermalFactor({0.01F, 0.8F, 0.02F, 0.6F});
+    const KIV_RAWINFO raw = readingsAt(1, {3, 4, 90, 20});
+    const KIV_INFO info = updatedTwice(sensor, raw);
+    const auto contributions = [&](double size) {
+        Uncertainties u;
+        u.of.fill(size);
+        AngleUncertainty found;
+        EXPECT_TRUE(Propagation(sensor, u).of(sensor, raw, info, found));
+        return found.contribution;
+    };
+    const auto exact = contributions(1e-9), usual = contributions(1e-3);
+    for (std::size_t source = 0; source < sourceCount; ++source)
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(1e6 * exact[source][i], usual[source][i], 2e-5) << source << ' ' << i;
 }
 
 TEST(Propagation, UnwrapsAnglesAtHalfATurn) {

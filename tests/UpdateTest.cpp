@@ -104,7 +104,9 @@ TEST(Update, DestroyKeepsReferenceAndCorrections) {
     CKiv sensor;
     const float azimuth[] = {0, 0.5F};
     prepare(sensor, 4);
+    const float elevation[] = {0, -0.25F};
     sensor.setAzimuthComp(1, azimuth);
+    sensor.setElevationComp(1, elevation);
     KIV_INFO info;
     sensor.updateKIVData(goodReading(), info);
     sensor.Destroy();
@@ -112,6 +114,7 @@ TEST(Update, DestroyKeepsReferenceAndCorrections) {
     EXPECT_EQ(sensor.prm, nullptr); // setMountMode makes none
     EXPECT_EQ(SensorUpdate::run(sensor, goodReading(), info), UpdateOutcome::oriented);
     EXPECT_EQ(info.azimuth, 10.5F);
+    EXPECT_EQ(info.elevation, -12.25F);
 }
 
 TEST(Update, ScaleFactorsReachTheModelWithTheNextMode) {

@@ -172,7 +172,9 @@ def test_no_rows():
 def test_a_million_rows_are_those_of_their_parts():
     n = 1_000_000
     given = columns(n, azimuth_deg=np.linspace(-170, 170, n, dtype="f4"))
+    given["status"][18_000] = np.nan
     results = sensor(6).run(given)
+    assert np.flatnonzero(results["state"] == kiv.State.REFUSED).tolist() == [18_000]
     parts = sensor(6)
     cuts = [0, 1, 16384, 700_001, n]
     for a, b in zip(cuts, cuts[1:]):
