@@ -171,14 +171,16 @@ bool Output::finish(std::ostream& err) {
         attempt([&] { file.close(); });
     if (!chosen->fail())
         return true;
-    if (error == 0) { // it failed elsewhere: what is left once more, for the reason
-        chosen->clear();
-        attempt([&] { chosen->flush(); });
-        chosen->setstate(std::ios::failbit);
-    }
     err << shownName << ": " << platform::systemErrorText(error)
         << "; not all of the output is there\n";
     return false;
+}
+
+bool writeToStandardOutput(std::string_view text, const Streams& streams) {
+    Output output;
+    output.open("-", streams);
+    output.text() = text;
+    return output.finish(streams.err);
 }
 
 bool refuseOverwriting(const std::string& output, const std::vector<std::string>& inputs,

@@ -61,6 +61,9 @@ private:
     std::string pending;
 };
 
+// All of a text; false, and a message, when it could not be written.
+bool writeToStandardOutput(std::string_view text, const Streams& streams);
+
 // A name as the tool takes and shows it is UTF-8 on Windows; a path's own conversion there takes
 // it for something else.
 std::filesystem::path pathOf(const std::string& name);

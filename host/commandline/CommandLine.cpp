@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <span>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -369,8 +370,7 @@ void CommandLine::addVerify() {
 
 void CommandLine::addHelp() {
     CLI::App& command = add("help", [this](const Streams& s) {
-        s.out << helpText(helpOn) << '\n';
-        return allGood;
+        return writeToStandardOutput(std::string(helpText(helpOn)) + '\n', s) ? allGood : unusable;
     });
     command.add_option("subcommand", helpOn)->check([this](const std::string& name) {
         return isCommand(name) ? "" : whyNoCommand(name);
@@ -492,8 +492,11 @@ int runCommand(int argc, const char* const* argv, const Streams& streams) {
     try {
         line.app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
-        if (e.get_exit_code() == 0)
-            return line.app.exit(e, streams.out, streams.err);
+        if (e.get_exit_code() == 0) { // help, or the version
+            std::ostringstream text;
+            line.app.exit(e, text, streams.err);
+            return writeToStandardOutput(text.str(), streams) ? allGood : unusable;
+        }
         streams.err << line.whyNot(e, argc, argv) << '\n'
                     << "kiv " << (line.isCommand(argv[1]) ? argv[1] + std::string(" ") : "")
                     << "--help shows what can be given\n";

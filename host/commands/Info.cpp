@@ -1,11 +1,12 @@
 #include "host/commands/Info.h"
 
 #include <algorithm>
-#include <ostream>
+#include <sstream>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
 
+#include "host/base/Files.h"
 #include "host/parameters/Findings.h"
 #include "params/BlockNames.h"
 #include "params/Quoted.h"
@@ -151,10 +152,13 @@ int showFile(const InfoOptions& options, const Streams& streams) {
     if (!examined)
         return unusable;
     reportForUse(streams.err, options.file, *examined);
+    std::ostringstream text;
     if (options.json)
-        printJson(examined->parsed.document, streams.out);
+        printJson(examined->parsed.document, text);
     else
-        print(examined->parsed.document, streams.out);
+        print(examined->parsed.document, text);
+    if (!writeToStandardOutput(text.str(), streams))
+        return unusable;
     return examined->errors() > 0 ? fileFaulty : allGood;
 }
 
