@@ -21,7 +21,7 @@ if(MINGW)
         COMMAND ${CMAKE_OBJCOPY} --remove-section=.drectve $<TARGET_FILE:kiv_core> ${kiv_core_plain}
         DEPENDS kiv_core VERBATIM)
     target_sources(kiv_c PRIVATE ${kiv_core_plain})
-    target_link_libraries(kiv_c PRIVATE $<TARGET_FILE:kiv_judging> ${kiv_core_plain})
+    target_link_libraries(kiv_c PRIVATE $<TARGET_FILE:kiv_judging> ${kiv_core_plain} ${kiv_system_math})
     add_dependencies(kiv_c kiv_judging)
 else()
     target_link_libraries(kiv_c PRIVATE kiv_judging)

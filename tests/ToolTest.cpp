@@ -18,6 +18,7 @@
 #include "host/parameters/ParameterFile.h"
 #include "host/rows/LineBlocks.h"
 #include "simulator/Pose.h"
+#include "support/platform/File.h"
 #include "tests/FileFaults.h"
 #include "tests/ToolRunner.h"
 
@@ -194,9 +195,11 @@ TEST(Tool, ParameterFileNamesGiveTheSensor) {
         EXPECT_EQ(name->id, row.id);
     }
     for (const char* path :
-         {"Tg.prm", "Tg05.prm", "Tg-0.prm", "Tg+5.prm", "tg5.prm", "Tg5.PRM", "Tg5.prm.bak",
-          "Tg5a.prm", "Tg2147483648.prm", "Tg 5.prm", "xTg5.prm", "", "Tg5.prm/"})
+         {"Tg.prm", "Tg05.prm", "Tg-0.prm", "Tg+5.prm", "Tg5.prm.bak", "Tg5a.prm",
+          "Tg2147483648.prm", "Tg 5.prm", "xTg5.prm", "", "Tg5.prm/"})
         EXPECT_FALSE(host::parseParameterFileName(path)) << path;
+    for (const char* path : {"tg5.prm", "Tg5.PRM", "Tg5.prm. "})
+        EXPECT_EQ(bool(host::parseParameterFileName(path)), platform::namesAreLoose) << path;
 }
 
 const char* const poses = "x,y,z,yaw_deg,pitch_deg,roll_deg,point\n"

@@ -38,6 +38,14 @@ inline bool noted(FileOperation operation, bool done) {
     return done;
 }
 
+// Whether a file is found by names that differ from its own in case, or in dots and blanks at the
+// end.
+#ifdef _WIN32
+inline constexpr bool namesAreLoose = true;
+#else
+inline constexpr bool namesAreLoose = false;
+#endif
+
 // A path in UTF-8 everywhere. Windows takes a plain const char* to be in the process's code page.
 struct Utf8Path {
     const char* text;
