@@ -1,38 +1,21 @@
 // The measured error of each orientation model, as tables of docs/accuracy-tables.md.
-//   kiv_accuracy                 prints the tables
-//   kiv_accuracy --check PAGE    compares them with a page's; exit code 1 where they differ
 
-#include <charconv>
 #include <cmath>
-#include <exception>
-#include <fstream>
-#include <iostream>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <utility>
 
 #include "tests/proofs/PageTables.h"
-#include "tests/proofs/PoseErrors.h"
 
 namespace {
 
 using namespace kiv;
-using docs::Case;
 using docs::Errors;
+using docs::Row;
+using docs::Tables;
 using simulator::CorrectedReadings;
 using simulator::Mounting;
 using simulator::Pose;
 using simulator::radians;
 using simulator::RandomPoses;
-
-struct Row {
-    std::string model;
-    std::string modes;
-    std::string text;
-    Case which;
-    docs::Range range = {5, 45};
-    bool roundingDecides = false; // the error's digits are the platform's
-};
 
 constexpr double tilts[] = {0.5, 5, 20}; // degrees
 constexpr double steepest[] = {20, 45};  // degrees
@@ -59,26 +42,20 @@ bool wellInsideLevelSide(const Pose& pose, const CorrectedReadings&) {
     return tiltTimesElevation(pose) < 0.45; // the sine of 30 degrees, with some margin
 }
 
-double degreesFromSeam(const Pose& pose) {
-    return 180 - std::abs(simulator::anglesOf(pose.rotation).rx);
+bool offSeam(const Pose& pose, const CorrectedReadings&) {
+    return std::abs(simulator::anglesOf(pose.rotation).rx) < 180 - 0.02;
 }
 
-// Changes of the mounting.
+// Changes of the mounting: scale factors.
 
-void alongElevationAxis(Mounting& m) {
-    m.scaleFactors[2] = m.scaleFactors[3] = 0;
-}
-
-auto offElevationAxis(float angle) {
+auto factors(std::vector<std::pair<int, float>> values) {
     return [=](Mounting& m) {
-        m.scaleFactors[2] = 0;
-        m.scaleFactors[3] = angle;
+        for (const auto& [i, value] : values)
+            m.scaleFactors[i] = value;
     };
 }
 
-auto tiltDirectionOffset(float angle) {
-    return [=](Mounting& m) { m.scaleFactors[1] = angle; };
-}
+const auto alongElevationAxis = factors({{2, 0}, {3, 0}});
 
 // Changes of the pose.
 
@@ -110,175 +87,113 @@ auto levelXOffBy(double error) {
 }
 
 const std::vector<Row> models{
-    {"Dual level", "1, 2", "z and level Y of one sign", {.modes = {1, 2}, .admit = sidesAgree}},
-    {"Dual level", "1, 2", "z and level Y of two signs", {.modes = {1, 2}, .admit = sidesDiffer}},
-    {"Pendulum",
-     "3, 4",
-     "reference axis along the elevation axis",
-     {.modes = {3, 4}, .mount = alongElevationAxis}},
-    {"Pendulum", "3, 4", "reference axis 1.4 degrees off it", {.modes = {3, 4}}},
-    {"Polarizer", "5, 6", "", {.modes = {5, 6}}},
-    {"Three vectors", "7", "inverted", {.modes = {7}}},
-    {"Three vectors", "8", "upright", {.modes = {8}}},
-    {"Two levels", "9", "inverted", {.modes = {9}}},
-    {"Two levels", "10", "upright", {.modes = {10}}},
+    {"z and level Y of one sign", {.modes = {1, 2}, .admit = sidesAgree}},
+    {"z and level Y of two signs", {.modes = {1, 2}, .admit = sidesDiffer}},
+    {"reference axis along the elevation axis", {.modes = {3, 4}, .mount = alongElevationAxis}},
+    {"reference axis 1.4 degrees off it", {.modes = {3, 4}}},
+    {"", {.modes = {5, 6}}},
+    {"inverted", {.modes = {7}}},
+    {"upright", {.modes = {8}}},
+    {"inverted", {.modes = {9}}},
+    {"upright", {.modes = {10}}},
 };
 
+// Those with a flag have digits that are the platform's.
+Row atHeightOf(double height, const char* text) {
+    return {std::string("distance 4000, z at ") + text,
+            {.modes = {3, 4}, .mount = alongElevationAxis, .place = atHeight(height)},
+            {5, 45},
+            true};
+}
+
 const std::vector<Row> edges{
-    {"Dual level",
-     "1, 2",
-     "one sign, scale factor 1 at 0.05 degrees",
-     {.modes = {1, 2}, .mount = tiltDirectionOffset(0.05F), .admit = sidesAgree}},
-    {"Dual level",
-     "1, 2",
-     "one sign, scale factor 1 at 0.5 degrees",
-     {.modes = {1, 2}, .mount = tiltDirectionOffset(0.5F), .admit = sidesAgree}},
-    {"Dual level",
-     "1, 2",
-     "one sign, metres, vector within 1.7e-5 of the x axis",
+    {"one sign, scale factor 1 at 0.05 degrees",
+     {.modes = {1, 2}, .mount = factors({{1, 0.05F}}), .admit = sidesAgree}},
+    {"one sign, scale factor 1 at 0.5 degrees",
+     {.modes = {1, 2}, .mount = factors({{1, 0.5F}}), .admit = sidesAgree}},
+    {"one sign, metres, vector within 1.7e-5 of the x axis",
      {.modes = {1, 2}, .place = nearAxisInMetres, .admit = sidesAgree}},
-    {"Pendulum",
-     "3, 4",
-     "metres, vector within 1.7e-5 of the x axis",
+    {"metres, vector within 1.7e-5 of the x axis",
      {.modes = {3, 4}, .mount = alongElevationAxis, .place = nearAxisInMetres}},
-    {"Pendulum",
-     "3, 4",
-     "distance 4000, z at 0.1",
-     {.modes = {3, 4}, .mount = alongElevationAxis, .place = atHeight(0.1)},
-     {5, 45},
-     true},
-    {"Pendulum",
-     "3, 4",
-     "distance 4000, z at 0.001",
-     {.modes = {3, 4}, .mount = alongElevationAxis, .place = atHeight(0.001)},
-     {5, 45},
-     true},
-    {"Pendulum",
-     "3, 4",
-     "distance 4000, z at 0.00001",
-     {.modes = {3, 4}, .mount = alongElevationAxis, .place = atHeight(0.00001)},
-     {5, 45},
-     true},
-    {"Pendulum",
-     "3, 4",
-     "scale factor 3 at 60 degrees",
-     {.modes = {3, 4}, .mount = offElevationAxis(60)}},
-    {"Pendulum",
-     "3, 4",
-     "scale factor 3 at 80 degrees",
-     {.modes = {3, 4}, .mount = offElevationAxis(80)}},
-    {"Pendulum", "3, 4", "sights to 80 degrees", {.modes = {3, 4}}, {5, 80}},
-    {"Three vectors",
-     "7, 8",
-     "tilts to 20, tan(tilt) tan(elevation) under 0.45",
+    atHeightOf(0.1, "0.1"),
+    atHeightOf(0.001, "0.001"),
+    atHeightOf(0.00001, "0.00001"),
+    {"scale factor 3 at 60 degrees", {.modes = {3, 4}, .mount = factors({{2, 0}, {3, 60}})}},
+    {"scale factor 3 at 80 degrees", {.modes = {3, 4}, .mount = factors({{2, 0}, {3, 80}})}},
+    {"sights to 80 degrees", {.modes = {3, 4}}, {5, 80}},
+    {"tilts to 20, tan(tilt) tan(elevation) under 0.45",
      {.modes = {7, 8}, .admit = wellInsideLevelSide},
      {20, 45}},
-    {"Two levels",
-     "9",
-     "level X off by 0.01 degrees, rx over 0.02 from 180",
-     {.modes = {9},
-      .admit = [](const Pose& pose,
-                  const CorrectedReadings&) { return degreesFromSeam(pose) > 0.02; },
-      .disturb = levelXOffBy(0.01)}},
-    {"Two levels",
-     "9",
-     "level X off by 0.01 degrees, rx within 0.02 of 180",
+    {"level X off by 0.01 degrees, rx over 0.02 from 180",
+     {.modes = {9}, .admit = offSeam, .disturb = levelXOffBy(0.01)}},
+    {"level X off by 0.01 degrees, rx within 0.02 of 180",
      {.modes = {9}, .place = invertedWithRoll(0.02), .disturb = levelXOffBy(0.01)}},
 };
 
-std::string digits(double value, int count) {
-    char text[32];
-    const bool whole = value >= 100;
-    const auto [end, error] = std::to_chars(
-        text, text + sizeof text, value,
-        whole ? std::chars_format::fixed : std::chars_format::general, whole ? 0 : count);
-    return {text, end};
+std::string digits(double value) {
+    return value >= 100 ? std::to_string(std::lround(value)) : docs::digits(value, 2);
 }
 
-void append(std::vector<std::string>& cells, const Errors& errors, bool roundingDecides = false) {
+void append(std::vector<std::string>& cells, const Errors& errors, bool sizeOnly = false) {
     for (const double value : {errors.median, errors.largest})
-        cells.push_back(roundingDecides ? docs::about + digits(value, 1) : digits(value, 2));
+        cells.push_back(sizeOnly ? docs::about + docs::digits(value, 1) : digits(value));
 }
 
 // Every model at three tilts and two steepnesses.
-void addModelTable(std::vector<std::string>& lines) {
-    lines.push_back(
-        docs::tableLine({"Model", "Modes", "Case", "Sights to", "Tilts to 0.5: median", "largest",
-                         "to 5: median", "largest", "to 20: median", "largest"}));
-    lines.push_back("|---|---|---|---|---|---|---|---|---|---|");
+void addModelTable(Tables& tables) {
+    tables.head({"Model", "Modes", "Case", "Sights to", "Tilts to 0.5: median", "largest",
+                 "to 5: median", "largest", "to 20: median", "largest"});
     for (const Row& row : models)
         for (const double steep : steepest) {
-            std::vector<std::string> cells{row.model, row.modes, row.text, digits(steep, 2)};
+            std::vector<std::string> cells = row.cells();
+            cells.push_back(digits(steep));
             for (const double tilt : tilts)
                 append(cells, docs::modelErrors(row.which, {tilt, steep}));
-            lines.push_back(docs::tableLine(cells));
+            tables.row(cells);
         }
     for (const double steep : steepest) {
-        std::vector<std::string> h{"Home angles", "", "horizontal", digits(steep, 2)};
-        std::vector<std::string> v{"Home angles", "", "vertical", digits(steep, 2)};
+        std::vector<std::string> h{"Home angles", "", "horizontal", digits(steep)};
+        std::vector<std::string> v{"Home angles", "", "vertical", digits(steep)};
         for (const double tilt : tilts) {
             const docs::HomeErrors errors = docs::homeErrors({tilt, steep});
             append(h, errors.horizontal);
             append(v, errors.vertical);
         }
-        lines.push_back(docs::tableLine(h));
-        lines.push_back(docs::tableLine(v));
+        tables.row(h);
+        tables.row(v);
     }
 }
 
 // Every mode through a whole update.
-void addUpdateTable(std::vector<std::string>& lines) {
-    lines.push_back(docs::tableLine({"Model", "Mode", "Case", "Median", "Largest"}));
-    lines.push_back("|---|---|---|---|---|");
-    for (const Row& row : models) {
-        if (row.which.mount)
-            continue; // another mounting than the example sensor's
+void addUpdateTable(Tables& tables) {
+    tables.head({"Model", "Mode", "Case", "Median", "Largest"});
+    for (const Row& row : models)
         for (const int mode : row.which.modes) {
-            Case one = row.which;
-            one.modes = {mode};
-            std::vector<std::string> cells{row.model, std::to_string(mode), row.text};
-            append(cells, docs::updateErrors(one, row.range));
-            lines.push_back(docs::tableLine(cells));
+            if (row.which.mount)
+                continue; // another mounting than the example sensor's
+            Row one = row;
+            one.which.modes = {mode};
+            std::vector<std::string> cells = one.cells();
+            append(cells, docs::updateErrors(one.which, one.range));
+            tables.row(cells);
         }
-    }
 }
 
-void addEdgeTable(std::vector<std::string>& lines) {
-    lines.push_back(docs::tableLine({"Model", "Modes", "At the edge", "Median", "Largest"}));
-    lines.push_back("|---|---|---|---|---|");
+void addEdgeTable(Tables& tables) {
+    tables.head({"Model", "Modes", "At the edge", "Median", "Largest"});
     for (const Row& row : edges) {
-        std::vector<std::string> cells{row.model, row.modes, row.text};
-        append(cells, docs::modelErrors(row.which, row.range), row.roundingDecides);
-        lines.push_back(docs::tableLine(cells));
+        std::vector<std::string> cells = row.cells();
+        append(cells, docs::modelErrors(row.which, row.range), row.flag);
+        tables.row(cells);
     }
-}
-
-int run(int argc, char** argv) {
-    std::vector<std::string> lines;
-    addModelTable(lines);
-    addUpdateTable(lines);
-    addEdgeTable(lines);
-    if (argc == 1) {
-        docs::printTables(lines, std::cout);
-        return 0;
-    }
-    if (argc != 3 || std::string_view(argv[1]) != "--check") {
-        std::cerr << "usage: kiv_accuracy [--check PAGE]\n";
-        return 2;
-    }
-    std::ifstream page(argv[2]);
-    return docs::sameTables(docs::tableLines(page, docs::trustSection, false), lines, std::cerr)
-               ? 0
-               : 1;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& e) {
-        std::cerr << "kiv_accuracy: " << e.what() << '\n';
-        return 2;
-    }
+    return docs::runProgram(argc, argv, false, [](Tables& tables, const docs::Counts&) {
+        addModelTable(tables);
+        addUpdateTable(tables);
+        addEdgeTable(tables);
+    });
 }
