@@ -11,6 +11,7 @@
 
 #include "host/base/Files.h"
 #include "host/commandline/HelpTexts.h"
+#include "host/commandline/UsageFault.h"
 #include "host/rows/Readings.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
@@ -395,89 +396,6 @@ std::string CommandLine::whyNoCommand(const std::string& word) const {
 
 namespace {
 
-// As the parser takes a word: an option, but no negative number.
-bool looksLikeOption(std::string_view word) {
-    return word.size() > 1 && word[0] == '-' && (word[1] < '0' || word[1] > '9') && word[1] != '.';
-}
-
-std::string optionName(std::string_view word) {
-    return std::string(word.starts_with("--") ? word.substr(0, word.find('=')) : word.substr(0, 2));
-}
-
-// Of one subcommand, where it is not too far.
-std::string nearestOption(const CLI::App& command, std::string_view word) {
-    const std::string_view typed = word.substr(word.find_first_not_of('-'));
-    std::string nearest;
-    std::size_t least = std::max<std::size_t>(typed.size() / 2, 1) + 1;
-    for (const CLI::Option* option : command.get_options())
-        for (const std::string& name : option->get_lnames())
-            if (const std::size_t distance = editDistance(name, typed); distance < least) {
-                least = distance;
-                nearest = "--" + name;
-            }
-    return nearest;
-}
-
-// Of the parser's own messages those that name options alone or count values.
-std::string inOurWords(const std::string& text) {
-    const std::string option = text.substr(0, text.find(':'));
-    constexpr std::string_view excludes = " excludes ", received = " required but received ";
-    if (text.find("not expected: ") != text.npos)
-        return "expected nothing more, found " + text.substr(text.find(':') + 2);
-    if (text.ends_with(" missing"))
-        return option + ": expected a value, found none";
-    if (const std::size_t at = text.find(received); at != text.npos) {
-        const std::string wanted = text.substr(0, at);
-        return option + ": expected " + wanted.substr(wanted.rfind(' ') + 1) + " numbers, found "
-               + text.substr(at + received.size());
-    }
-    if (const std::size_t at = text.find(excludes); at != text.npos)
-        return "expected " + text.substr(0, at) + " or " + text.substr(at + excludes.size())
-               + ", found both";
-    return text;
-}
-
-// What has no letter or dash in front is an argument by its place.
-std::string argumentName(const CLI::Option& option) {
-    std::string name = option.get_name();
-    if (option.get_positional())
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
-    return name;
-}
-
-} // namespace
-
-// A word that is taken for something else, as the value of a mistyped option, leaves the parser
-// with another fault than its own.
-std::string CommandLine::whyNot(const CLI::ParseError& fault, int argc,
-                                const char* const* argv) const {
-    const bool named = isCommand(argv[1]);
-    const CLI::App& command = named ? *app.get_subcommand(argv[1]) : app;
-    const std::string start = named ? "kiv " + command.get_name() : "kiv";
-    for (int i = named ? 2 : 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
-        const std::string_view word = argv[i];
-        if (!looksLikeOption(word) || command.get_option_no_throw(optionName(word)))
-            continue;
-        const std::string nearest = nearestOption(command, optionName(word));
-        return start + ": expected one of its options, found "
-               + kiv::quoted(word.substr(0, word.find('=')))
-               + (nearest.empty() ? "" : "; the nearest is " + nearest);
-    }
-    std::string text = fault.what();
-    for (const CLI::Option* option : command.get_options()) {
-        if (option->get_required() && option->empty())
-            return start + ": expected " + argumentName(*option) + ", found none";
-        if (option->get_positional() && text.starts_with(option->get_name() + ": "))
-            return start + ' ' + argumentName(*option)
-                   + kiv::printable(text.substr(option->get_name().size()));
-    }
-    text = inOurWords(text);
-    return start + (text.starts_with("--") ? " " : ": ") + kiv::printable(text);
-}
-
-namespace {
-
 int runCommand(int argc, const char* const* argv, const Streams& streams) {
     CommandLine line;
     if (argc < 2) {
@@ -497,9 +415,12 @@ int runCommand(int argc, const char* const* argv, const Streams& streams) {
             line.app.exit(e, text, streams.err);
             return writeToStandardOutput(text.str(), streams) ? allGood : unusable;
         }
-        streams.err << line.whyNot(e, argc, argv) << '\n'
-                    << "kiv " << (line.isCommand(argv[1]) ? argv[1] + std::string(" ") : "")
-                    << "--help shows what can be given\n";
+        const bool named = line.isCommand(argv[1]);
+        const CLI::App& command = named ? *line.app.get_subcommand(argv[1]) : line.app;
+        const std::span<const char* const> words(argv + (named ? 2 : 1), argv + argc);
+        const std::string start = named ? std::string("kiv ") + argv[1] : "kiv";
+        streams.err << start << usageFault(command, words, e) << '\n'
+                    << start << " --help shows what can be given\n";
         return unusable;
     }
     return line.action(streams);

@@ -29,8 +29,6 @@ public:
     CLI::App app;
     bool isCommand(const std::string& name) const;
     std::string whyNoCommand(const std::string& word) const;
-    // Why these arguments, of a subcommand or without one, could not be parsed.
-    std::string whyNot(const CLI::ParseError& fault, int argc, const char* const* argv) const;
     // Runs the subcommand that was parsed. An exit code.
     std::function<int(const Streams&)> action;
 
