@@ -142,9 +142,11 @@ int kiv_parameters_numbers(const kiv_parameters* parameters, const char* block, 
 int kiv_parameters_limits(const kiv_parameters* parameters, const char* block, float* limits);
 
 /*
- * Writes what was loaded into a file in the writer's layout, numbers with six decimals; a file that
- * is there is replaced once the whole text is on the disk, never before. The path plus "$tmp" is
- * used on the way. 551, 550.
+ * Writes what was loaded into a file in the writer's layout, numbers with six decimals. At every
+ * moment the path names a whole file, the old one or the new one, which is on the disk; a process
+ * that writes to it at the same time does not disturb. The new one has the old one's owner, group
+ * and mode; a link is followed. 551; 550 also for what is no regular file, has several names, is
+ * read-only, or whose owner or mode cannot be kept: it stays as it is.
  */
 int kiv_parameters_rewrite(const kiv_parameters* parameters, const char* path);
 

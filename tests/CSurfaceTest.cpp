@@ -29,6 +29,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using namespace kiv::test;
 using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
                                   std::int64_t, std::uint64_t, float>;
@@ -401,7 +402,7 @@ TEST(CSurface, TellsEveryFaultAndKeepsWhatWasLoaded) {
     using kiv::Block;
     const ParameterFolder folder;
     const std::string path = folder.path() + "/\xC3\xA4\xE4\xBD\x8D Tg.prm"; // UTF-8
-    const std::filesystem::path native(std::u8string(path.begin(), path.end()));
+    const fs::path native(std::u8string(path.begin(), path.end()));
     std::ofstream(native, std::ios::binary) << parameterText();
     const auto parameters = loaded(path);
     const std::string bad =
@@ -466,9 +467,42 @@ TEST(CSurface, TellsEveryFaultAndKeepsWhatWasLoaded) {
             kinds.insert(*FailingOperation::operation());
         EXPECT_EQ(code, failed ? KIV_STATUS_CANNOT_OPEN : KIV_STATUS_OK) << k;
         EXPECT_EQ(contentOf(native), failed ? "old" : rewritten) << k;
-        EXPECT_FALSE(exists(std::filesystem::path(native) += "$tmp")) << k;
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3) << k; // none more
     }
-    EXPECT_EQ(kinds.size(), 6U); // open, write, flush, sync, close, rename
+    EXPECT_EQ(kinds.size(), 7U); // status, create, write, flush, sync, close, rename
+}
+
+TEST(CSurface, ARewriteKeepsWhatTheFileIs) {
+    const ParameterFolder folder;
+    const auto parameters = loaded(example);
+    const fs::path file = folder.file(), link = folder.path() + "/link", name = file.string() + "2";
+    const auto rewrite = [&](const fs::path& path) {
+        return kiv_parameters_rewrite(parameters.get(), path.string().c_str());
+    };
+    std::error_code noLinks;
+    fs::create_symlink("Tg5.prm", link, noLinks);
+    EXPECT_EQ(rewrite(noLinks ? file : link), 0); // where the link leads there is no file yet
+    EXPECT_TRUE(noLinks || fs::is_symlink(link));
+    fs::permissions(file, fs::perms(0640));
+    const auto mode = fs::status(file).permissions();
+    std::ofstream(file, std::ios::app) << "old";
+    EXPECT_EQ(rewrite(noLinks ? file : link), 0);
+    EXPECT_FALSE(contentOf(file)->ends_with("old"));
+    EXPECT_EQ(fs::status(file).permissions(), mode);
+
+    const std::string before = contentOf(file).value_or("") + "old";
+    std::ofstream(file, std::ios::app) << "old";
+    fs::create_hard_link(file, name);
+    EXPECT_EQ(rewrite(file), 550);
+    EXPECT_TRUE(
+        std::string(kiv_last_error()).ends_with(": expected a file with one name, found 2"));
+    fs::remove(name);
+    fs::permissions(file, fs::perms(0444));
+    EXPECT_EQ(rewrite(file), 550);
+    EXPECT_TRUE(std::string(kiv_last_error()).ends_with("found a read-only one"));
+    fs::permissions(file, fs::perms(0644));
+    EXPECT_EQ(contentOf(file), before);
+    EXPECT_EQ(rewrite(folder.path()), 550);
 }
 
 // Each pointer null in its turn.

@@ -88,9 +88,11 @@ class Parameters:
         return low, high
 
     def rewrite(self, path: Union[str, bytes, os.PathLike[Any]]) -> None:
-        """Writes the parameters in the library's own layout, as ``kiv rewrite`` does.
+        """Writes the parameters in the library's own layout, that of ``kiv rewrite``.
 
-        Raises OSError with the system's reason.
+        A file that is there is replaced as a whole, and keeps its owner, group and mode; a link is
+        followed. Raises OSError with the reason, also for what is no regular file, has several
+        names or is read-only: it stays as it is.
         """
         _library.check(self._handle.rewrite(_path_bytes(path)), os.fsdecode(path))
 

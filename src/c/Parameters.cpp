@@ -10,7 +10,7 @@
 #include "params/RecordLoading.h"
 #include "params/Survey.h"
 #include "params/ValueWarnings.h"
-#include "support/platform/File.h"
+#include "support/platform/Replacement.h"
 #include "support/platform/SystemError.h"
 
 using namespace kiv;
@@ -52,13 +52,17 @@ int findingAt(const std::vector<Finding>& findings, size_t index, int64_t* line,
     return KIV_STATUS_OK;
 }
 
-int refuseBySystem(const char* path, int systemError) {
-    const std::string reason = platform::systemErrorText(systemError);
+// The system's own number of the reason is 0 where it had no part in it.
+int refuseFileFor(const char* path, const std::string& reason, int systemError) {
     RefusalText text(systemError);
     text.addPath(path);
     text.add(": ");
     text.add(reason);
     return KIV_STATUS_CANNOT_OPEN;
+}
+
+int refuseBySystem(const char* path, int systemError) {
+    return refuseFileFor(path, platform::systemErrorText(systemError), systemError);
 }
 
 // 0 with the file's text, or a refusal.
@@ -73,16 +77,6 @@ int read(const char* path, std::string& text) {
     while (const std::size_t n = file.read(buffer, sizeof buffer))
         text.append(buffer, n);
     return file.failed() ? refuseBySystem(path, platform::lastSystemError()) : int{KIV_STATUS_OK};
-}
-
-bool writeTo(platform::Utf8Path path, const Document& document) {
-    platform::OutputFile file;
-    if (!file.create(path))
-        return false;
-    print(document, file);
-    file.flush();
-    file.sync();
-    return file.close();
 }
 
 } // namespace
@@ -177,13 +171,9 @@ int kiv_parameters_rewrite(const kiv_parameters* parameters, const char* path) {
     return guarded({{"parameters", parameters}, {"path", path}}, [=]() -> int {
         if (!parameters->file)
             return refuseUnloaded();
-        const std::string copyPath = std::string(path) + "$tmp";
-        const platform::Utf8Path copy{copyPath.c_str()};
-        if (writeTo(copy, parameters->file->document)
-            && platform::replaceFile(copy, platform::Utf8Path{path}))
-            return KIV_STATUS_OK;
-        const int error = platform::lastSystemError();
-        platform::removeFile(copy);
-        return refuseBySystem(path, error);
+        const auto fault = platform::replaceWhole(platform::Utf8Path{path}, [&](ByteSink& file) {
+            print(parameters->file->document, file);
+        });
+        return fault ? refuseFileFor(path, fault.reason, fault.system) : int{KIV_STATUS_OK};
     });
 }

@@ -129,7 +129,7 @@ def test_one_sensor_on_threads_gives_whole_runs():
     assert sum((state == kiv.State.OK).all() for state in states) == 3
 
     def turn_frames():
-        for frame in ("machine", "local") * 50:
+        for frame in ("machine", "local") * 500:
             one.frame = frame
 
     local = one.run(given)["rz_deg"]

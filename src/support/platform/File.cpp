@@ -15,6 +15,12 @@ OutputFile::~OutputFile() {
     close();
 }
 
+void OutputFile::begin() {
+    close();
+    size = 0;
+    writeFailed = false;
+}
+
 void OutputFile::append(std::string_view text) {
     while (!text.empty()) {
         if (size == sizeof buffer)

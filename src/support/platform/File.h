@@ -86,6 +86,12 @@ public:
     // second name. False when there is none.
     bool create(const char* path);
     bool create(Utf8Path path);
+    // A new file with a name of its own in the folder of path; gives its path, an empty one where
+    // there is no such file.
+    std::string createBeside(Utf8Path path);
+    // Owner, group and mode of another file, with its list of rights; false where they cannot be
+    // had.
+    bool takeRights(Utf8Path of);
     // What fails here shows in close.
     void write(std::string_view text) override;
     void flush();
@@ -98,6 +104,7 @@ public:
 private:
     template <typename Path>
     bool createPath(Path path);
+    void begin();
     void append(std::string_view text);
     void drain();
     void noteUnless(FileOperation operation, bool done);

@@ -1,7 +1,9 @@
 #include "support/platform/File.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -9,6 +11,9 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#ifdef __linux__
+#include <sys/xattr.h>
+#endif
 #include <unistd.h>
 
 namespace kiv::platform {
@@ -51,6 +56,49 @@ bool isRegularFile(int descriptor) {
 bool exists(const char* path) {
     struct stat status {};
     return lstat(path, &status) == 0;
+}
+
+int openNew(const char* path) {
+    return ::open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOCTTY | O_CLOEXEC, 0666);
+}
+
+// Another one at each call, in this process and, as far as the clock tells them apart, all others.
+std::string ownName() {
+    static std::atomic<unsigned> calls{0};
+    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+    return ".kiv-" + std::to_string(getpid()) + '-' + std::to_string(now) + '-'
+           + std::to_string(calls++) + ".tmp";
+}
+
+// True also where there is none.
+bool takeAccessList(int descriptor, const char* from) {
+#ifdef __linux__
+    constexpr const char* name = "system.posix_acl_access";
+    char list[4096];
+    const ssize_t size = getxattr(from, name, list, sizeof list);
+    if (size < 0)
+        return errno == ENODATA || errno == ENOTSUP;
+    return fsetxattr(descriptor, name, list, static_cast<std::size_t>(size), 0) == 0;
+#else
+    return true;
+#endif
+}
+
+// Owner, group, mode and list of rights of the file at a path.
+bool copyRights(int descriptor, const char* from) {
+    struct stat wanted {};
+    struct stat own {};
+    if (stat(from, &wanted) != 0 || fstat(descriptor, &own) != 0)
+        return false;
+    const auto sameOwner = [&] {
+        return own.st_uid == wanted.st_uid && own.st_gid == wanted.st_gid;
+    };
+    if ((!sameOwner() && fchown(descriptor, wanted.st_uid, wanted.st_gid) != 0)
+        || fchmod(descriptor, wanted.st_mode & 07777) != 0 || !takeAccessList(descriptor, from)
+        || fstat(descriptor, &own) != 0)
+        return false;
+    errno = EPERM; // of a file system that does not keep them
+    return sameOwner() && own.st_mode == wanted.st_mode;
 }
 
 int openFolder(const NativePath& path) {
@@ -148,14 +196,12 @@ void InputFile::close() {
 }
 
 bool OutputFile::create(const char* path) {
-    close();
-    size = 0;
-    writeFailed = false;
+    begin();
     if (mustFail(FileOperation::create))
         return noted(FileOperation::create, false);
     const NativePath native(path);
     unlink(native);
-    handle = ::open(native, O_WRONLY | O_CREAT | O_EXCL | O_NOCTTY | O_CLOEXEC, 0666);
+    handle = openNew(native);
     if (handle < 0)
         return noted(FileOperation::create, false);
     folder = openFolder(native);
@@ -164,6 +210,24 @@ bool OutputFile::create(const char* path) {
 
 bool OutputFile::create(Utf8Path path) {
     return create(path.text);
+}
+
+std::string OutputFile::createBeside(Utf8Path path) {
+    begin();
+    std::string prefix(path.text); // the folder
+    prefix.erase(prefix.find_last_of("/\\") + 1);
+    std::string name;
+    do {
+        name = prefix + ownName();
+        handle = mustFail(FileOperation::create) ? -1 : openNew(NativePath(name.c_str()));
+    } while (handle < 0 && errno == EEXIST);
+    return noted(FileOperation::create, handle >= 0) ? name : "";
+}
+
+bool OutputFile::takeRights(Utf8Path of) {
+    return noted(FileOperation::status,
+                 !mustFail(FileOperation::status)
+                     && copyRights(static_cast<int>(handle), NativePath(of.text)));
 }
 
 void OutputFile::write(std::string_view text) {

@@ -1,6 +1,9 @@
 #include "support/platform/File.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstring>
 #include <iterator>
 #include <limits>
 
@@ -58,6 +61,32 @@ HANDLE openNew(Utf8Path path) {
     DeleteFileW(wide);
     return CreateFileW(wide, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                        FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+// Another one at each call, in this process and, as far as the clock tells them apart, all others.
+std::string ownName() {
+    static std::atomic<unsigned> calls{0};
+    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+    return "kiv-" + std::to_string(GetCurrentProcessId()) + '-' + std::to_string(now) + '-'
+           + std::to_string(calls++) + ".tmp";
+}
+
+// Owner, group, list of rights and attributes of the file at a path.
+bool copyRights(const wchar_t* from, HANDLE to) {
+    constexpr SECURITY_INFORMATION what =
+        OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
+    constexpr DWORD room = 16 * 1024;
+    char wanted[room], own[room];
+    DWORD wantedSize = 0, ownSize = 0;
+    const DWORD attributes = GetFileAttributesW(from);
+    if (attributes == noFile || !GetFileSecurityW(from, what, wanted, room, &wantedSize)
+        || !GetKernelObjectSecurity(to, what, own, room, &ownSize))
+        return false;
+    const bool same = wantedSize == ownSize && std::memcmp(wanted, own, ownSize) == 0;
+    FILE_BASIC_INFO information{}; // times of 0 stay
+    information.FileAttributes = attributes;
+    return (same || SetKernelObjectSecurity(to, what, wanted))
+           && SetFileInformationByHandle(to, FileBasicInfo, &information, sizeof information);
 }
 
 DWORD attributesOf(const char* path) {
@@ -152,9 +181,7 @@ void InputFile::close() {
 
 template <typename Path>
 bool OutputFile::createPath(Path path) {
-    close();
-    size = 0;
-    writeFailed = false;
+    begin();
     const HANDLE file = mustFail(FileOperation::create) ? INVALID_HANDLE_VALUE : openNew(path);
     handle = reinterpret_cast<std::intptr_t>(file);
     return noted(FileOperation::create, file != INVALID_HANDLE_VALUE);
@@ -166,6 +193,28 @@ bool OutputFile::create(const char* path) {
 
 bool OutputFile::create(Utf8Path path) {
     return createPath(path);
+}
+
+std::string OutputFile::createBeside(Utf8Path path) {
+    begin();
+    std::string prefix(path.text); // the folder
+    prefix.erase(prefix.find_last_of("/\\") + 1);
+    std::string name;
+    HANDLE file = INVALID_HANDLE_VALUE;
+    do {
+        name = prefix + ownName();
+        if (!mustFail(FileOperation::create))
+            file = CreateFileW(WidePath(Utf8Path{name.c_str()}),
+                               GENERIC_WRITE | WRITE_DAC | WRITE_OWNER, FILE_SHARE_READ, nullptr,
+                               CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    } while (file == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS);
+    handle = reinterpret_cast<std::intptr_t>(file);
+    return noted(FileOperation::create, file != INVALID_HANDLE_VALUE) ? name : "";
+}
+
+bool OutputFile::takeRights(Utf8Path of) {
+    return noted(FileOperation::status,
+                 !mustFail(FileOperation::status) && copyRights(WidePath(of), native(handle)));
 }
 
 void OutputFile::write(std::string_view text) {
