@@ -51,22 +51,6 @@ void expectAngles(const OrientationAngles& angles, const Row& row, const char* r
         << rule << ' ' << row.rx << ' ' << row.ry << ' ' << row.rz;
 }
 
-const Row rows[] = {
-    {0, 0, 0},     {10, 20, 30}, {0, 0, 180}, {180, 0, 0},      {0, 0, -150},     {0, 0, 90},
-    {0, 0, -90},   {90, 0, 0},   {-90, 0, 0}, {170, -80, -170}, {-100, 70, 100},  {1, -1, 179},
-    {-170, 5, 95}, {0, 90, 0},   {0, -45, 0}, {120, 30, -60},   {-45, -20, -135},
-};
-
-TEST(OrientationAngles, EachRuleFindsTheAnglesOfItsComposition) {
-    for (const Row& row : rows) {
-        const Matrix forward = xyz(row.rx, row.ry, row.rz);
-        expectAngles(machineAngles(forward.data()), row, "machine");
-        if (std::abs(row.ry) < 90) // at 90 the first angle is rounding alone
-            expectAngles(threeVectorAngles(forward.data()), row, "three vectors");
-        expectAngles(localAngles(zyx(row.rx, row.ry, row.rz).data()), row, "local");
-    }
-}
-
 // Half a turn has one sign, also where rounding puts it on the other side, and the band around the
 // axes is that of matrix entries.
 TEST(OrientationAngles, HalfTurnsAndDeadBand) {

@@ -109,6 +109,12 @@ std::string flatFile(const std::string& path) {
     return flat({std::istreambuf_iterator<char>(file), {}});
 }
 
+TEST(ToolPage, ReadmeHasTheMinimalHost) {
+    const std::string host = flatFile(KIV_EXAMPLES "/minimal_host.cpp");
+    EXPECT_FALSE(host.empty());
+    EXPECT_NE(flatFile(KIV_SOURCES "/README.md").find(host), std::string::npos);
+}
+
 TEST(ToolPage, NamesEveryColumnOfReadings) {
     const std::string readings =
         test::tool({"simulate", KIV_EXAMPLES "/Tg5.prm", "--rows", "2"}).out;

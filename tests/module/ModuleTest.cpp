@@ -63,16 +63,6 @@ TEST(Module, IsRegisteredWhileLoadedAndGoneAfterwards) {
     }
 }
 
-TEST(Module, LoadedTwiceIsEnteredOnce) {
-    takeRecord();
-    {
-        const LoadedLibrary first(KIV_TEST_MODULE);
-        { const LoadedLibrary second(KIV_TEST_MODULE); }
-        EXPECT_TRUE(isRegistered(first));
-    }
-    EXPECT_EQ(takeRecord(), wholeLife);
-}
-
 TEST(Module, WhoseInitInstanceFailsIsUnwoundAndNotRegistered) {
     takeRecord();
     for (int i = 0; i < 3; ++i) {

@@ -164,21 +164,6 @@ void addModelTable(Tables& tables) {
     }
 }
 
-// Every mode through a whole update.
-void addUpdateTable(Tables& tables) {
-    tables.head({"Model", "Mode", "Case", "Median", "Largest"});
-    for (const Row& row : models)
-        for (const int mode : row.which.modes) {
-            if (row.which.mount)
-                continue; // another mounting than the example sensor's
-            Row one = row;
-            one.which.modes = {mode};
-            std::vector<std::string> cells = one.cells();
-            append(cells, docs::updateErrors(one.which, one.range));
-            tables.row(cells);
-        }
-}
-
 void addEdgeTable(Tables& tables) {
     tables.head({"Model", "Modes", "At the edge", "Median", "Largest"});
     for (const Row& row : edges) {
@@ -193,7 +178,6 @@ void addEdgeTable(Tables& tables) {
 int main(int argc, char** argv) {
     return docs::runProgram(argc, argv, false, [](Tables& tables, const docs::Counts&) {
         addModelTable(tables);
-        addUpdateTable(tables);
         addEdgeTable(tables);
     });
 }

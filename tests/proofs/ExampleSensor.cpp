@@ -30,16 +30,10 @@ bool ExampleSensor::read(const simulator::Pose& pose, KIV_RAWINFO& raw) {
     simulator::CorrectedReadings readings;
     if (!simulator::readingsOf(mounting, pose, readings))
         return false;
-    raw = rawOf(pose, readings);
-    return true;
-}
-
-KIV_RAWINFO ExampleSensor::rawOf(const simulator::Pose& pose,
-                                 const simulator::CorrectedReadings& readings) {
-    KIV_RAWINFO raw{};
+    raw = {};
     raw.status = 2;
     calibration.rawReadings(pose, readings, 21, raw);
-    return raw;
+    return true;
 }
 
 bool ExampleSensor::update(const KIV_RAWINFO& raw, KIV_INFO& info) {

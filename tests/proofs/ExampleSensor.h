@@ -24,8 +24,6 @@ public:
 
     // The readings of a pose; false where the sensor's line of sight does not reach it.
     bool read(const simulator::Pose& pose, KIV_RAWINFO& raw);
-    // From a pose's corrected readings.
-    KIV_RAWINFO rawOf(const simulator::Pose& pose, const simulator::CorrectedReadings& readings);
 
     // False where the model has no orientation. The first measurement becomes the reference and has
     // no angles: it is repeated.

@@ -1,13 +1,12 @@
 #include "tests/proofs/PoseErrors.h"
 
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
 
+#include "KIVInterface/CKiv.h"
 #include "simulator/TypicalMounting.h"
 #include "support/ZelUtil.h"
 #include "tests/ModelCases.h"
-#include "tests/proofs/ExampleSensor.h"
 
 namespace kiv::docs {
 
@@ -27,101 +26,43 @@ Errors errorsOf(std::vector<double> values) {
     return {values.at(values.size() / 2), values.back()};
 }
 
-// The error in degrees of what is computed from a pose's readings.
-using Computation = std::function<double(const Pose&, const CorrectedReadings&)>;
-
-std::runtime_error noOrientation(int mode) {
-    return std::runtime_error("no orientation in mode " + std::to_string(mode));
-}
-
-RandomPoses posesFor(int mode, const Range& range) {
-    return {seed, {range.mostTilt, -range.steepest, range.steepest, simulator::invertedIn(mode)}};
-}
-
-// Errors of poses drawn until this many are admitted.
-std::vector<double> errorsIn(const Case& which, const Mounting& mounting, const Range& range,
-                             std::size_t count, const Computation& errorOf) {
-    std::vector<double> errors;
-    RandomPoses poses = posesFor(mounting.mode, range);
-    while (errors.size() < count) {
-        Pose pose = poses.next();
-        if (which.place)
-            which.place(pose, poses);
-        CorrectedReadings readings;
-        if (!simulator::readingsOf(mounting, pose, readings))
-            throw std::runtime_error("a pose out of the sensor's reach");
-        if (which.admit && !which.admit(pose, readings))
-            continue;
-        if (which.disturb)
-            which.disturb(readings);
-        errors.push_back(errorOf(pose, readings));
-    }
-    return errors;
-}
-
-Computation modelError(const Mounting& mounting) {
-    const std::shared_ptr<CKivModel> model = test::modelOf(mounting);
-    return [=](const Pose& pose, const CorrectedReadings& readings) {
-        test::Matrix m = test::measurementOf(pose, readings);
-        if (!model->CalTranxMatrix(m.data(), mounting.encoderOffset[0], mounting.encoderOffset[1],
-                                   3, false, false))
-            throw noOrientation(mounting.mode);
-        return test::degreesApart(m.data(), pose.rotation);
-    };
-}
-
-void rotationOf(const KIV_INFO& info, double* out) {
-    double rx[9];
-    double ry[9];
-    double rz[9];
-    double product[9];
-    rotation_x(rx, info.rx * radians);
-    rotation_y(ry, info.ry * radians);
-    rotation_z(rz, info.rz * radians);
-    MatrixMultiply(rx, ry, 3, 3, 3, product);
-    MatrixMultiply(product, rz, 3, 3, 3, out);
-}
-
-Computation updateError(const std::shared_ptr<ExampleSensor>& example) {
-    return [=](const Pose& pose, const CorrectedReadings& readings) {
-        KIV_INFO info;
-        if (!example->update(example->rawOf(pose, readings), info))
-            throw noOrientation(example->mounting.mode);
-        double reported[9];
-        rotationOf(info, reported);
-        double expected[9];
-        example->trueRotation(pose, expected);
-        return test::degreesApart(reported, expected);
-    };
-}
-
-template <typename PerMode>
-Errors errorsOverModes(const Case& which, PerMode perMode) {
-    std::vector<double> errors;
-    for (const int mode : which.modes) {
-        const std::vector<double> more = perMode(mode, posesEach / which.modes.size());
-        errors.insert(errors.end(), more.begin(), more.end());
-    }
-    return errorsOf(std::move(errors));
+// Degrees.
+double errorOf(CKivModel& model, const Mounting& mounting, const Pose& pose,
+               const CorrectedReadings& readings) {
+    test::Matrix m = test::measurementOf(pose, readings);
+    if (!model.CalTranxMatrix(m.data(), mounting.encoderOffset[0], mounting.encoderOffset[1], 3,
+                              false, false))
+        throw std::runtime_error("no orientation in mode " + std::to_string(mounting.mode));
+    return test::degreesApart(m.data(), pose.rotation);
 }
 
 } // namespace
 
 Errors modelErrors(const Case& which, const Range& range) {
-    return errorsOverModes(which, [&](int mode, std::size_t count) {
+    std::vector<double> errors;
+    for (const int mode : which.modes) {
         Mounting mounting = simulator::typicalMounting(mode);
         if (which.mount)
             which.mount(mounting);
-        return errorsIn(which, mounting, range, count, modelError(mounting));
-    });
-}
-
-Errors updateErrors(const Case& which, const Range& range) {
-    return errorsOverModes(which, [&](int mode, std::size_t count) {
-        const auto example =
-            std::make_shared<ExampleSensor>(KIV_SENSORS "/mode" + std::to_string(mode));
-        return errorsIn(which, example->mounting, range, count, updateError(example));
-    });
+        const auto model = test::modelOf(mounting);
+        RandomPoses poses(
+            seed, {range.mostTilt, -range.steepest, range.steepest, simulator::invertedIn(mode)});
+        for (std::size_t left = posesEach / which.modes.size(); left > 0;) {
+            Pose pose = poses.next();
+            if (which.place)
+                which.place(pose, poses);
+            CorrectedReadings readings;
+            if (!simulator::readingsOf(mounting, pose, readings))
+                throw std::runtime_error("a pose out of the sensor's reach");
+            if (which.admit && !which.admit(pose, readings))
+                continue;
+            if (which.disturb)
+                which.disturb(readings);
+            errors.push_back(errorOf(*model, mounting, pose, readings));
+            --left;
+        }
+    }
+    return errorsOf(std::move(errors));
 }
 
 HomeErrors homeErrors(const Range& range) {

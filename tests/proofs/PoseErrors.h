@@ -35,10 +35,6 @@ struct Range {
 // orientation.
 Errors modelErrors(const Case& which, const Range& range);
 
-// The whole way of a host: raw readings in single precision with the example sensor's calibration
-// in, the three reported angles out.
-Errors updateErrors(const Case& which, const Range& range);
-
 // Home angles of a sensor whose first axis is square to its vertical, against the angle h from that
 // axis to the measured direction about the vertical, left positive, and the direction's elevation v
 // above the sensor's horizon: homeH + h - angles.x and homeV + v - angles.y.
