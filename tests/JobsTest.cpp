@@ -69,6 +69,7 @@ std::string table() {
         const std::size_t metric = rows.find(",0.1,0,", end);
         rows.replace(metric, 5, ",0.5,");
         end = rows.find('\n', metric);
+        rows.insert(end + 1, ",,\n");
     }
     return rows;
 }

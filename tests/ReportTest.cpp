@@ -94,7 +94,7 @@ TEST(Report, NothingFromOutsideIsMarkup) {
 TEST(Report, ListIsCappedAndCounted) {
     std::string readings = header + "a," + good;
     for (int i = 0; i < 250; ++i)
-        readings += i == 7 ? "b\nbb\n,,\n" : "b\n,,\n";
+        readings += i == 7 ? "b\nbb\nc,,\n" : "b\nc,,\n";
     const std::string page = report(readings);
     EXPECT_TRUE(contains(page, "<p>501 rows; the first 201 are listed.</p>"));
     EXPECT_TRUE(contains(page, "reason\">expected 12 cells as in the row of names, found 1 cell<"));

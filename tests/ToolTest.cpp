@@ -87,22 +87,42 @@ TEST(Tool, StandardOutputThatCannotBeWrittenIsAnError) {
     }
 }
 
-TEST(Tool, SaysWhatATableThatIsNoTextLooksLike) {
+TEST(Tool, SaysWhatAFileIsThatIsNoText) {
+    const std::string stored = "PK\x03\x04" + std::string(26, '.');
     const struct {
         std::string bytes;
-        const char* look;
+        const char* found;
     } rows[] = {
-        {std::string("\x1F\x8B\x08\0abc\n", 8), "a file compressed by gzip"},
-        {std::string("\xFF\xFEs\0t\0\n\0", 8), "text in UTF-16"},
-        {std::string("s\0t\0\n\0", 6), "text in UTF-16"},
-        {"PK\x03\x04", "a zip archive"},
+        {std::string("\x1F\x8B\x08\0abc\n", 8), "a file compressed by gzip;"},
+        {std::string("\xFF\xFEs\0t\0\n\0", 8), "text in UTF-16;"},
+        {std::string("s\0t\0\n\0", 6), "text in UTF-16;"},
+        {stored + test::header + "0," + test::good, "a zip archive;"},
+        {stored + "[Content_Types].xml", "a spreadsheet's own file;"},
     };
+    const test::ParameterFolder folder;
     for (const auto& row : rows) {
-        const ToolResult result = tool({"run", example, "-"}, row.bytes);
-        EXPECT_EQ(result.code, 2) << row.look;
-        EXPECT_EQ(lines(result.err).size(), 1U) << result.err;
-        EXPECT_NE(result.err.find(std::string("looks like ") + row.look), std::string::npos)
-            << result.err;
+        std::ofstream(folder.file(), std::ios::binary) << row.bytes;
+        const ToolResult results[] = {tool({"run", example, "-"}, row.bytes),
+                                      tool({"simulate", folder.file()})};
+        for (const ToolResult& result : results) {
+            EXPECT_EQ(result.code, 2) << row.found;
+            EXPECT_EQ(lines(result.err).size(), 1U) << result.err;
+            EXPECT_NE(result.err.find(std::string("found ") + row.found), std::string::npos)
+                << result.err;
+        }
+    }
+}
+
+TEST(Tool, RefusesALineThatIsTooLong) {
+    for (const char* end : {"\n", "\r\n"}) {
+        std::string table = test::header;
+        for (const std::size_t more : {0U, 1U, 2U, 3U, 1U << 20, 0U})
+            table += std::string((1 << 20) + more - test::good.size(), 'x') + ','
+                     + test::good.substr(0, test::good.size() - 1) + end;
+        const ToolResult result = tool({"run", example, "-", "-q"}, table);
+        EXPECT_NE(result.err.find("6 rows: 1 ok, 1 reference (line 2), 4 refused"),
+                  std::string::npos)
+            << result.err.substr(0, 900);
     }
 }
 

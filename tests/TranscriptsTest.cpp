@@ -70,8 +70,11 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 std::vector<Transcript> casesIn(const std::string& file) {
     std::vector<Transcript> cases;
     bool ofFile = false; // the lines of input
-    std::vector<std::pair<std::string, std::string>> names{
-        {"{tab}", "\t"}, {"{cr}", "\r"}, {"{bom}", "\xEF\xBB\xBF"}};
+    std::vector<std::pair<std::string, std::string>> names{{"{tab}", "\t"},
+                                                           {"{cr}", "\r"},
+                                                           {"{bom}", "\xEF\xBB\xBF"},
+                                                           {"{nbsp}", "\xC2\xA0"},
+                                                           {"{narrow}", "\xE2\x80\xAF"}};
     for (std::string line : linesIn(file)) {
         for (const auto& [name, text] : names)
             line = replaced(line, name, text);

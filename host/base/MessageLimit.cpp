@@ -1,6 +1,7 @@
 #include "host/base/MessageLimit.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <ostream>
 
 namespace kiv::host {
@@ -24,11 +25,20 @@ void MessageLimit::count(const Message& message) {
         ++known->rows;
 }
 
+bool MessageLimit::isTold(const Message& message) {
+    if (!message.once || most == SIZE_MAX)
+        return false;
+    const bool before = std::find(told.begin(), told.end(), message.kind) != told.end();
+    if (!before)
+        told.push_back(message.kind);
+    return before;
+}
+
 void MessageLimit::take(std::span<const Message> ofARow) {
     for (std::size_t i = 0; i < ofARow.size(); ++i) {
         const auto before = ofARow.first(i);
         const auto same = [&](const Message& other) { return other.kind == ofARow[i].kind; };
-        if (shown < most) {
+        if (shown < most && !isTold(ofARow[i])) {
             err << ofARow[i].text;
             ++shown;
         } else if (std::none_of(before.begin(), before.end(), same)) {

@@ -12,6 +12,7 @@ namespace kiv::host {
 struct Message {
     std::string_view kind; // of rows, as "with a cell that is no number"
     std::string text;      // the whole line
+    bool once = false;     // the first of its kind says what the others would
 };
 
 // A line in words, of a table that is named where there are several.
@@ -31,6 +32,7 @@ public:
 
 private:
     void count(const Message& message);
+    bool isTold(const Message& message); // by another before it, which is enough
 
     struct Kind {
         std::string_view text;
@@ -41,6 +43,7 @@ private:
     std::size_t most;
     std::size_t shown = 0;
     std::ostream& err;
+    std::vector<std::string_view> told;
     std::vector<Kind> kinds; // few: in the order of their first message
 };
 

@@ -10,8 +10,10 @@
 #include <vector>
 
 #include "host/base/Files.h"
+#include "host/base/ShellWord.h"
 #include "host/commandline/HelpTexts.h"
 #include "host/commandline/UsageFault.h"
+#include "host/rows/ColumnNames.h"
 #include "host/rows/Readings.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
@@ -90,29 +92,6 @@ CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number
         ->check(check);
 }
 
-// Of other names; empty where each column has one name. With time_s=time a column time has seconds
-// alone.
-std::string whyNotOneToOne(const TableFormat& format, std::span<const std::string_view> columns) {
-    const auto& names = format.otherNames;
-    for (const TableFormat::Name& name : names) {
-        const auto same = [&](const TableFormat::Name& other) { return other.ours == name.ours; };
-        if (std::count_if(names.begin(), names.end(), same) > 1)
-            return "expected each name once, found " + name.ours + " again";
-        for (const std::string_view column : columns) {
-            const bool seconds =
-                name.ours == timeColumn && column == timeStampColumn && name.theirs == column;
-            if (column != name.ours && format.nameOf(column) == name.theirs && !seconds)
-                return std::string("expected one name for the column ")
-                    .append(name.theirs)
-                    .append(", found ")
-                    .append(name.ours)
-                    .append(" and ")
-                    .append(column);
-        }
-    }
-    return "";
-}
-
 std::string shownText(const std::string& text) {
     const bool blank = text.find_first_not_of(' ') == text.npos;
     const bool control = std::any_of(text.begin(), text.end(), [](char c) {
@@ -121,18 +100,6 @@ std::string shownText(const std::string& text) {
     return blank || control
                ? "expected a text without control characters, found " + kiv::quoted(text)
                : "";
-}
-
-// As a shell takes it for one word.
-std::string wordText(const std::string& word) {
-    constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
-                                  "-_./:\\=,+%@";
-    if (!word.empty() && word.find_first_not_of(plain) == word.npos)
-        return word;
-    std::string text = "'";
-    for (const char c : word)
-        text += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return text += '\'';
 }
 
 } // namespace
@@ -180,17 +147,21 @@ void CommandLine::addMessages(CLI::App& command, TableFormat& format) {
 void CommandLine::addTable(CLI::App& command, TableFormat& format,
                            const std::vector<std::string_view>& columns) {
     addMessages(command, format);
+    format.hasOptions = true;
+    format.columns = columns;
+    addFile(command, "--columns", format.columnsFile);
     command.add_flag("--decimal-comma", format.decimalComma);
     command
         .add_option_function<std::vector<std::string>>(
             "--column",
-            [&format, columns](const std::vector<std::string>& pairs) {
+            [&format](const std::vector<std::string>& pairs) {
                 for (const std::string& pair : pairs) {
                     const std::size_t end = pair.find('=');
                     format.otherNames.push_back({pair.substr(0, end), pair.substr(end + 1)});
                 }
-                if (const std::string fault = whyNotOneToOne(format, columns); !fault.empty())
-                    throw CLI::ValidationError("--column", fault);
+                if (const auto fault = faultOfNames(format))
+                    throw CLI::ValidationError("--column", "expected " + fault->expected
+                                                               + ", found " + fault->found);
             })
         ->allow_extra_args(false)
         ->check([columns](const std::string& pair) {
@@ -198,10 +169,7 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
             if (end != pair.npos && end + 1 < pair.size()
                 && std::count(columns.begin(), columns.end(), pair.substr(0, end)) > 0)
                 return std::string();
-            std::string names;
-            for (const std::string_view column : columns)
-                names.append(names.empty() ? "" : ", ").append(column);
-            return "expected NAME=OTHER_NAME with one of the names " + names + ", found "
+            return "expected NAME=OTHER_NAME with one of the names " + joined(columns) + ", found "
                    + kiv::quoted(pair);
         });
 }
@@ -261,7 +229,9 @@ void CommandLine::addUncertainties(CLI::App& command, ReadingsOptions& options) 
 }
 
 void CommandLine::addRun() {
-    CLI::App& command = add("run", [this](const Streams& s) { return runReadings(run, s); });
+    CLI::App& command = add("run", [this](const Streams& s) {
+        return readColumnNames(run.format, s) ? runReadings(run, s) : unusable;
+    });
     addReadings(command, run);
     addKeep(command, run.format);
     command.add_flag("--stop-on-bad", run.stopOnBad);
@@ -269,8 +239,9 @@ void CommandLine::addRun() {
 }
 
 void CommandLine::addReport() {
-    CLI::App& command =
-        add("report", [this](const Streams& s) { return reportReadings(report, s); });
+    CLI::App& command = add("report", [this](const Streams& s) {
+        return readColumnNames(report.format, s) ? reportReadings(report, s) : unusable;
+    });
     addReadings(command, report);
     addUncertainties(command, report);
     command.add_option("--title", report.title)->check(shownText);
@@ -280,7 +251,7 @@ void CommandLine::addReport() {
 void CommandLine::startedAs(int argc, const char* const* argv) {
     report.commandLine = "kiv";
     for (int i = 1; i < argc; ++i)
-        report.commandLine += ' ' + wordText(argv[i]);
+        report.commandLine += ' ' + shellWord(argv[i]);
 }
 
 void CommandLine::addSimulate() {
@@ -320,7 +291,9 @@ void CommandLine::addSimulate() {
 }
 
 void CommandLine::addHome() {
-    CLI::App& command = add("home", [this](const Streams& s) { return solveHomeAngles(home, s); });
+    CLI::App& command = add("home", [this](const Streams& s) {
+        return readColumnNames(home.format, s) ? solveHomeAngles(home, s) : unusable;
+    });
     CLI::Option* table = addFile(command, "table", home.table);
     addFile(command, "-o,--output", home.results)->needs(table)->capture_default_str();
     const auto vectorOption = [&](const char* name, std::vector<double>& values, int count) {

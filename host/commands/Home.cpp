@@ -72,7 +72,8 @@ int solveOne(const HomeOptions& options, const Streams& streams) {
 }
 
 int solveTable(const HomeOptions& options, const Streams& streams) {
-    if (refuseOverwriting(options.results, {options.table}, streams.err))
+    if (refuseOverwriting(options.results, {options.table, options.format.columnsFile},
+                          streams.err))
         return unusable;
     TableInput input(homeColumns, options.format);
     MessageLimit limit(options.format.mostMessages, streams.err);
@@ -82,6 +83,7 @@ int solveTable(const HomeOptions& options, const Streams& streams) {
         || !output.open(options.results, streams))
         return unusable;
     waiting.reset();
+    input.showWarnings(streams.err);
 
     Table& table = input.table();
     std::string& text = output.text();

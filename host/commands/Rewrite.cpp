@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "KIVInterface/CKivPrm.h"
+#include "host/base/FileKind.h"
 #include "host/base/Files.h"
 #include "host/base/FirstFailure.h"
 #include "host/base/Interrupt.h"
@@ -232,6 +233,11 @@ int rewriteFile(const RewriteOptions& options, const Streams& streams) {
         return refuse(path, ":1:1: expected the file itself, found a link to "
                                 + printable(platform::realPath(options.file.c_str()))
                                 + "; rewrite that");
+    const bool faulty = before.outcome.code != KIV_OK;
+    if (const auto other = faulty ? otherKindOf(options.file) : ""; !other.empty()) {
+        refuse(path, ":1:1: expected a parameter file, found " + std::string(other));
+        return fileFaulty;
+    }
     reportOpenEnd(options.file, streams.err);
     const WorkingFolder folder(name->folder + '.');
     if (folder.fault())

@@ -5,6 +5,7 @@
 #include <tuple>
 #include <utility>
 
+#include "host/base/FileKind.h"
 #include "host/base/FirstFailure.h"
 #include "host/base/Hashing.h"
 #include "host/parameters/LeftCopy.h"
@@ -47,15 +48,21 @@ std::optional<ExaminedFile> examineFile(const std::string& path, std::ostream& e
         reportUnopenedParameters(err, path, failure.error());
         return std::nullopt;
     }
+    StartedSource started(file);
+    if (const std::string_view kind = started.otherKind(); !kind.empty()) {
+        ExaminedFile other;
+        other.findings.push_back({{Block{}, 1, 1, "a parameter file", std::string(kind)}, true});
+        return other;
+    }
     const auto name = parseParameterFileName(path);
     const auto id = name ? std::optional(name->id) : std::nullopt;
     ExaminedFile examined;
     if (hash) {
-        HashingSource hashed(file, *hash);
+        HashingSource hashed(started, *hash);
         examined = examine(hashed, id);
         hashed.readOn();
     } else {
-        examined = examine(file, id);
+        examined = examine(started, id);
     }
     if (!file.failed())
         return examined;

@@ -5,6 +5,7 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/ConfigureSensor.h"
+#include "host/base/FileKind.h"
 #include "host/base/InputFacts.h"
 #include "host/parameters/Findings.h"
 #include "params/ParameterFileName.h"
@@ -32,7 +33,9 @@ std::optional<ParameterFileName> parseParameterFileName(const std::string& path)
 std::optional<ParameterFileName> requireParameterFileName(const std::string& path,
                                                           std::ostream& err) {
     auto name = parseParameterFileName(path);
-    if (!name)
+    if (const std::string_view other = name ? "" : otherKindOf(path); !other.empty())
+        err << printable(path) << ":1:1: expected a parameter file, found " << other << '\n';
+    else if (!name)
         err << printable(path)
             << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found "
             << kiv::quoted(path.substr(nameStart(path))) << '\n';

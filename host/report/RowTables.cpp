@@ -107,7 +107,10 @@ void appendRowCounts(std::string& html, const ReportContent& content) {
     }
     html += "</tbody>\n<tfoot>";
     appendTableRow(html, "all", {countText(summary.rows())});
-    html += "</tfoot>\n</table>\n</section>\n";
+    html += "</tfoot>\n</table>\n";
+    if (summary.blankRows() > 0)
+        html += "<p>Blank rows, which are left out: " + countText(summary.blankRows()) + ".</p>\n";
+    html += "</section>\n";
 }
 
 void appendSpareReading(std::string& html, const ReportContent& content) {

@@ -6,6 +6,15 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+// Without the mark in front of a first line and a carriage return behind it.
+std::string_view withoutEnds(std::string_view line, bool first) {
+    if (first && line.starts_with(byteOrderMark))
+        line.remove_prefix(byteOrderMark.size());
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    return line;
+}
+
 // Splits at the separators outside quotes; false when a quote is not closed.
 bool split(std::string_view line, char separator, std::vector<std::string_view>& cells) {
     cells.clear();
@@ -49,23 +58,24 @@ bool CsvReader::nextRow() {
 }
 
 void CsvReader::separateBy(char character) {
-    between = character;
+    between = nothing[0] = character;
     splitLine();
 }
 
 void CsvReader::splitLine() {
-    std::string_view text = line;
-    if (number == 1 && text.starts_with(byteOrderMark))
-        text.remove_prefix(byteOrderMark.size());
-    if (text.ends_with('\r'))
-        text.remove_suffix(1);
-    closed = split(text, between, row);
+    closed = split(withoutEnds(line, number == 1), between, row);
 }
 
 std::size_t CsvReader::column(std::size_t cell) const {
     const char* place =
         cell < row.size() ? row[cell].data() : row.back().data() + row.back().size();
     return static_cast<std::size_t>(place - line.data()) + 1;
+}
+
+bool isSeparatorLine(std::string_view line) {
+    constexpr std::string_view start = "sep=";
+    const std::string_view text = cellText(withoutEnds(line, true));
+    return text.starts_with(start) && text.size() == start.size() + 1;
 }
 
 std::string_view cellText(std::string_view cell) {

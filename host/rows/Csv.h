@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string_view>
 #include <vector>
 
@@ -24,6 +25,13 @@ public:
 
     const std::vector<std::string_view>& cells() const { return row; }
     bool quotesClosed() const { return closed; } // false: the last cell's quote is never closed
+    // The row has nothing but separators, blanks and quotes.
+    bool blank() const {
+        if (!line.empty() && line[0] >= '-' && line[0] <= '9') // most rows
+            return false;
+        const std::string_view blanks(nothing.data(), nothing.size());
+        return line.find_first_not_of(blanks) == line.npos && closed;
+    }
     std::size_t lineNumber() const { return number; }
     // The column of a cell, or of the line's end for an index behind the last; from 1, in bytes.
     std::size_t column(std::size_t cell) const;
@@ -35,9 +43,13 @@ private:
     std::string_view line;
     std::vector<std::string_view> row;
     char between = ',';
+    std::array<char, 5> nothing{',', ' ', '\t', '\r', '"'};
     std::size_t number = 0;
     bool closed = true;
 };
+
+// A first line sep=; or the like, also in quotes.
+bool isSeparatorLine(std::string_view line);
 
 // The cell without surrounding blanks and quotes.
 std::string_view cellText(std::string_view cell);

@@ -12,6 +12,9 @@ namespace {
 
 constexpr std::size_t mostLines = 1024; // however short they are: a row takes more room than that
 
+// Of a line that is too long: enough to see it, even if it ended in a carriage return.
+constexpr std::size_t mostKept = longestLine + 2;
+
 // Behind the last whole line that ends at this place or later; 0 where there is none.
 std::size_t linesEnd(std::string_view text, std::size_t from) {
     const std::size_t last = text.substr(from).rfind('\n');
@@ -37,7 +40,31 @@ bool LineBlockReader::readSome(std::string& text) {
     text.resize(start + static_cast<std::size_t>(count));
     in.read(text.data() + start, count);
     taken += static_cast<std::uintmax_t>(count);
+    if (dropping)
+        dropRestOfLine(text);
+    else
+        cutFirstLine(text, start);
     return true;
+}
+
+// The text's first line does not end in front of this place, or the text is short.
+void LineBlockReader::cutFirstLine(std::string& text, std::size_t from) {
+    if (text.size() <= mostKept)
+        return;
+    const std::size_t end = text.find('\n', from);
+    if (end == text.npos) {
+        text.resize(mostKept);
+        text.push_back('\n');
+        dropping = true;
+    } else if (end > mostKept) {
+        text.erase(mostKept, end - mostKept);
+    }
+}
+
+void LineBlockReader::dropRestOfLine(std::string& text) {
+    const std::size_t end = text.find('\n');
+    dropping = end == text.npos;
+    text.erase(0, dropping ? end : end + 1);
 }
 
 void LineBlockReader::endWithoutLineEnd(LineBlock& block) {

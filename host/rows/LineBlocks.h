@@ -8,6 +8,10 @@
 
 namespace kiv::host {
 
+// The most bytes of a line, without its end. Of a longer one a block has a start that is longer,
+// too, with a line end behind it.
+constexpr std::size_t longestLine = 1 << 20;
+
 // Whole lines of an input that stand together, or none where it waits.
 struct LineBlock {
     std::string text;            // each line with its end, but for the last one of an input without
@@ -27,11 +31,14 @@ public:
                     std::uintmax_t allBytes = 0)
         : in(stream), name(std::move(shownName)), size(blockBytes), expected(allBytes) {}
 
-    // False at the end. A block is about as large as asked, or as what is at hand.
+    // False at the end. A block is about as large as asked, which is less than a line may be, or as
+    // what is at hand.
     bool next(LineBlock& block);
 
 private:
     bool readSome(std::string& text);
+    void cutFirstLine(std::string& text, std::size_t from);
+    void dropRestOfLine(std::string& text);
     void endWithoutLineEnd(LineBlock& block);
     void breakOff(LineBlock& block);
     bool isCutShort() const;
@@ -44,6 +51,7 @@ private:
     int error = 0;            // of the system, where reading has failed
     std::string begun;        // read, but not given: the start of a line
     std::size_t lines = 0;    // given so far
+    bool dropping = false;    // what is left of a line that was too long
     bool finished = false;
 };
 

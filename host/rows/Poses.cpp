@@ -47,7 +47,10 @@ std::unique_ptr<PoseTable> PoseTable::open(const std::string& file, const TableF
     std::unique_ptr<PoseTable> poses(new PoseTable(format, streams.err));
     const Interrupt::Waiting waiting(true); // nothing is written yet
     const bool usable = poses->input.open(file, namesOfReadings(), streams);
-    return usable ? std::move(poses) : nullptr;
+    if (!usable)
+        return nullptr;
+    poses->input.showWarnings(streams.err);
+    return poses;
 }
 
 PoseTable::PoseTable(const TableFormat& format, std::ostream& messages)

@@ -31,13 +31,7 @@ Reason readReadings(Table& table, KIV_RAWINFO& raw) {
     for (const auto& [field, value] : numbers)
         good = table.readNumber(at(field), value) && good;
 
-    const std::string_view blocked = table.text(at(Field::refBlocked));
-    raw.refBlocked = blocked == "1" || blocked == "true";
-    if (!raw.refBlocked && blocked != "0" && blocked != "false") {
-        table.report(at(Field::refBlocked), "0, 1, false or true in column ref_blocked",
-                     quoted(blocked), "with a ref_blocked that is not 0, 1, false or true");
-        good = false;
-    }
+    good = table.readFlag(at(Field::refBlocked), raw.refBlocked) && good;
     if (!good)
         return Reason::notANumber;
     if (raw.vector[0] == 0 && raw.vector[1] == 0 && raw.vector[2] == 0) {

@@ -60,6 +60,7 @@ bool Recording::open(std::span<const std::string_view> results, std::vector<Tabl
             facts->push_back({shownInput(file), {}});
     if (!eachOnce(files, streams.err) || !openTable(0, streams.err, true))
         return false;
+    first().showWarnings(streams.err);
     bytes = first().size();
     for (std::size_t i = 1; i < files.size(); ++i) {
         if (mayWait(files[i])) {

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <unordered_map>
 #include <utility>
 
+#include "host/base/ShellWord.h"
+#include "host/rows/CloseNames.h"
 #include "host/rows/HeaderFault.h"
 
 namespace kiv::host {
@@ -15,6 +18,10 @@ bool contains(std::span<const std::string_view> names, std::string_view name) {
 }
 
 constexpr std::size_t mostNamesShown = 12;
+
+static_assert(longestLine == 1048576);
+constexpr std::string_view expectedLine = "a line of at most 1048576 bytes";
+constexpr std::string_view foundLonger = "a longer one; look whether line ends are missing";
 
 std::string listOf(std::span<const std::string_view> names, std::size_t most) {
     std::string list;
@@ -39,9 +46,9 @@ void appendQuoted(std::string& out, std::string_view text) {
 
 } // namespace
 
-Table::Table(std::span<const std::string_view> columnNames, const TableFormat& asked)
-    : format(asked) {
-    for (const std::string_view column : columnNames)
+Table::Table(std::span<const std::string_view> columnNames, const TableFormat& tableFormat)
+    : format(tableFormat), asked(columnNames.begin(), columnNames.end()) {
+    for (const std::string_view column : asked)
         wanted.push_back(format.nameOf(column));
 }
 
@@ -69,15 +76,29 @@ void Table::chooseSeparator() {
     csv.separateBy(best);
 }
 
-bool Table::readHeader(std::span<const std::string_view> reserved) {
-    nextRow();
-    chooseSeparator();
+// A spreadsheet may have put a line sep=; above the row of names, which show their separator
+// themselves. False, and a message, where there is no row of names.
+bool Table::readNames() {
+    csv.nextRow();
+    if (isSeparatorLine(csv.text()) && !csv.nextRow())
+        reportRow("a row of column names behind it", "end of file", {});
+    else if (tooLong())
+        reportRow(expectedLine, foundLonger, {});
+    else
+        chooseSeparator();
     names.assign(csv.cells().begin(), csv.cells().end());
+    return said.empty();
+}
+
+bool Table::readHeader(std::span<const std::string_view> reserved) {
+    if (!readNames())
+        return false;
     std::vector<std::string_view> found, repeated, taken;
+    std::unordered_map<std::string_view, std::size_t> places; // the first of each name
     std::size_t firstRepeated = 0;
     for (const std::string& cell : names) {
         const std::string_view columnName = cellText(cell);
-        if (contains(found, columnName)) {
+        if (!places.emplace(columnName, found.size()).second) {
             firstRepeated = repeated.empty() ? found.size() : firstRepeated;
             repeated.push_back(columnName);
         }
@@ -93,8 +114,8 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
         else
             carriedRuns.back().second = place;
     const auto placeOf = [&](std::string_view columnName) {
-        return static_cast<std::size_t>(std::find(found.begin(), found.end(), columnName)
-                                        - found.begin());
+        const auto place = places.find(columnName);
+        return place == places.end() ? found.size() : place->second;
     };
     std::vector<std::string_view> missing;
     for (const std::string_view columnName : wanted) {
@@ -114,7 +135,40 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
                  listOf(taken, mostNamesShown));
     else if (format.decimalComma && separator() == ',' && found.size() > 1)
         reportAt(0, "semicolons or tabs between columns with decimal commas", "commas");
-    return said.empty();
+    const bool usable = said.empty();
+    if (const std::size_t other = firstNotUtf8(); usable && other < found.size()) {
+        reportAt(other, "column names in UTF-8", quoted(found[other]));
+        said.back().text.insert(said.back().text.size() - 1, " (warning)");
+    }
+    return usable;
+}
+
+std::size_t Table::firstNotUtf8() const {
+    return static_cast<std::size_t>(std::find_if_not(names.begin(), names.end(), isUtf8)
+                                    - names.begin());
+}
+
+// The names that are there in place of the missing ones, and how to say so.
+std::string Table::closeNames(std::span<const std::string_view> found,
+                              std::span<const std::string_view> missing) const {
+    std::vector<std::string_view> free;
+    for (const std::string_view other : found)
+        if (!contains(wanted, other) && printable(other) == other)
+            free.push_back(other);
+    std::string list;
+    for (const auto& [m, f] : closePairs(missing, free)) {
+        const auto place = std::find(wanted.begin(), wanted.end(), missing[m]) - wanted.begin();
+        const std::string_view ours = asked[static_cast<std::size_t>(place)];
+        const std::string pair = std::string(ours).append("=").append(free[f]);
+        if (format.hasOptions)
+            list.append(list.empty() ? "; if these are meant, give" : "")
+                .append(" --column ")
+                .append(shellWord(pair));
+        else
+            list.append(list.empty() ? "; close are " : ", ")
+                .append(quoted(free[f]) + " to " + quoted(missing[m]));
+    }
+    return list;
 }
 
 void Table::reportHeader(std::span<const std::string_view> found,
@@ -125,11 +179,17 @@ void Table::reportHeader(std::span<const std::string_view> found,
     const std::string look = lookOfHeader(row, found, nextRow, missing);
     if (!look.empty())
         shownNames += ", which looks like " + look;
+    if (const std::size_t other = firstNotUtf8(); other < found.size())
+        shownNames += "; column " + std::to_string(other + 1) + ", " + quoted(found[other])
+                      + ", is not in UTF-8: save the table in UTF-8";
+    if (look.empty())
+        shownNames += closeNames(found, missing);
     reportAt(0, (missing.size() == 1 ? "a column " : "columns ") + listOf(missing, missing.size()),
              shownNames);
 }
 
 bool Table::hasColumnsOf(const Table& other, std::string_view otherName) {
+    said.clear(); // a warning of the names stands with the other table
     const auto place = static_cast<std::size_t>(
         std::mismatch(
             names.begin(), names.end(), other.names.begin(), other.names.end(),
@@ -149,8 +209,50 @@ bool Table::hasColumnsOf(const Table& other, std::string_view otherName) {
     return said.empty();
 }
 
+bool Table::readFlag(std::size_t i, bool& value) {
+    const std::string_view cell = text(i);
+    const auto is = [cell](std::string_view word) {
+        return std::equal(
+            cell.begin(), cell.end(), word.begin(), word.end(),
+            [](char c, char letter) { return c == letter || c == letter - 'a' + 'A'; });
+    };
+    value = cell == "1" || is("true");
+    if (value || cell == "0" || is("false"))
+        return true;
+    const auto number = numberOf<int>(cell);
+    value = number == 1;
+    if (value || number == 0)
+        return true;
+    report(i, "0, 1, false or true in column " + printable(wanted[i]), quoted(cell),
+           "with a ref_blocked that is not 0, 1, false or true");
+    return false;
+}
+
+// Commas for points are told once: they are in every row, and in most of its cells.
+void Table::reportNoNumber(std::size_t i, const std::string& expected) {
+    constexpr std::string_view commas = "with commas for points";
+    const std::string_view cell = text(i);
+    const std::string column = " in column " + printable(wanted[i]);
+    if (format.decimalComma || !isNumberWithComma(cell))
+        return report(i, expected + column, quoted(cell), "with a cell that is no number");
+    if (std::any_of(said.begin(), said.end(), [&](const Message& m) { return m.kind == commas; }))
+        return;
+    std::string found = quoted(cell) + column;
+    if (format.hasOptions)
+        found += separator() == ','
+                     ? "; if commas stand for points, save it with semicolons between columns and "
+                       "give --decimal-comma"
+                     : "; if commas stand for points, give --decimal-comma";
+    report(i, "numbers with a decimal point", found, commas);
+    said.back().once = true;
+}
+
 bool Table::checkRow() {
     const std::size_t cells = csv.cells().size();
+    if (tooLong()) {
+        reportRow(expectedLine, foundLonger, "that are too long");
+        return false;
+    }
     if (!csv.quotesClosed()) {
         reportAt(cells, "a closing quote", "end of line", "with an open quote");
         return false;
@@ -191,16 +293,17 @@ void Table::appendCarriedNames(std::string& out) const {
 
 void Table::appendCarriedCells(std::string& out) const {
     const auto& cells = csv.cells();
-    if (cells.size() == names.size() && csv.quotesClosed()) {
+    if (cells.size() == names.size() && csv.quotesClosed() && !tooLong()) {
         for (const auto& [first, last] : carriedRuns)
             out.append(cells[first].data(), cells[last].data() + cells[last].size())
                 .push_back(separator());
         return;
     }
+    const std::size_t whole = cells.size() - (tooLong() ? 1 : 0);
     for (const std::size_t place : carried) {
-        if (place + 1 == cells.size() && !csv.quotesClosed())
+        if (place + 1 == whole && !csv.quotesClosed())
             appendQuoted(out, cells[place]);
-        else if (place < cells.size())
+        else if (place < whole)
             out.append(cells[place]);
         out.push_back(separator());
     }

@@ -13,6 +13,7 @@
 #include "host/base/MessageLimit.h"
 #include "host/rows/Csv.h"
 #include "host/rows/LineBlocks.h"
+#include "host/rows/NumberText.h"
 #include "host/rows/TableFormat.h"
 #include "params/Quoted.h"
 #include "support/Numbers.h"
@@ -30,22 +31,28 @@ public:
     void start(const LineBlock& block) {
         name = &block.name;
         csv.start(block.text, block.firstLine);
+        blanks = 0;
     }
 
-    // False, and a message, when columns are missing, a name stands twice or is in reserved.
+    // False, and a message, when columns are missing, a name stands twice or is in reserved. A
+    // message of a name that is no UTF-8 is a warning.
     bool readHeader(std::span<const std::string_view> reserved);
 
     // False, and a message at its row of names, when another table has not the same names and
     // separators in the same order.
     bool hasColumnsOf(const Table& other, std::string_view otherName);
 
-    // False at the end of the block.
+    // False at the end of the block. Blank rows are passed over.
     bool nextRow() {
         said.clear();
-        return csv.nextRow();
+        bool found = csv.nextRow();
+        for (; found && csv.blank(); found = csv.nextRow())
+            ++blanks;
+        return found;
     }
+    std::size_t blankRows() const { return blanks; } // passed over in the block
 
-    // The row has a cell for each name and closes its quotes; else a message.
+    // The row has a cell for each name, closes its quotes and is whole; else a message.
     bool checkRow();
 
     char separator() const { return csv.separator(); }
@@ -57,6 +64,9 @@ public:
     // False, and a message, when the cell is no finite number that the type holds.
     template <typename Number>
     bool readNumber(std::size_t i, Number& value);
+
+    // The same of 0 and 1, false and true.
+    bool readFlag(std::size_t i, bool& value);
 
     // The place of a carried column in a row's cells; the cell there is empty in a row too short.
     std::optional<std::size_t> find(std::string_view columnName) const;
@@ -89,11 +99,22 @@ public:
     std::string_view rest() const { return csv.rest(); } // of the block, behind the row
 
 private:
+    // The reader has cut the row.
+    bool tooLong() const {
+        return csv.text().size() > longestLine + (csv.text().ends_with('\r') ? 1 : 0);
+    }
     void reportAt(std::size_t place, std::string_view expected, std::string_view found,
                   std::string_view kind = {});
+    void reportNoNumber(std::size_t i, const std::string& expected);
     void chooseSeparator();
+    bool readNames();
+    std::size_t firstNotUtf8() const; // of the names; behind them where all are
+    std::string closeNames(std::span<const std::string_view> found,
+                           std::span<const std::string_view> missing) const;
     void reportHeader(std::span<const std::string_view> found,
                       std::span<const std::string_view> missing);
+    template <typename Number>
+    std::optional<Number> numberWithMark(std::string_view text) const;
     template <typename Number>
     std::optional<Number> numberOf(std::string_view text) const;
     template <typename Number>
@@ -105,6 +126,8 @@ private:
     const std::string* name = nullptr;
     const TableFormat& format;
     std::vector<Message> said;
+    std::size_t blanks = 0;
+    std::vector<std::string_view> asked;  // for these columns
     std::vector<std::string_view> wanted; // as the table names them
     std::vector<std::size_t> columns;     // where each wanted column stands
     std::vector<std::string> names;       // raw text of all
@@ -114,7 +137,7 @@ private:
 };
 
 template <typename Number>
-std::optional<Number> Table::numberOf(std::string_view text) const {
+std::optional<Number> Table::numberWithMark(std::string_view text) const {
     if (!format.decimalComma)
         return numberIn<Number>(text);
     if (text.find('.') != text.npos)
@@ -124,13 +147,25 @@ std::optional<Number> Table::numberOf(std::string_view text) const {
     return numberIn<Number>(withPoint);
 }
 
+// A whole number may have decimals that are 0.
+template <typename Number>
+std::optional<Number> Table::numberOf(std::string_view text) const {
+    if (const auto number = numberWithMark<Number>(text))
+        return number;
+    const std::string plain = asciiNumber(text);
+    if (std::is_integral_v<Number>)
+        return numberWithMark<Number>(withoutZeroDecimals(plain, format.decimalComma ? ',' : '.'));
+    return plain == text ? std::nullopt : numberWithMark<Number>(plain);
+}
+
 // Most cells are digits alone: no blanks, quotes or plus.
 template <typename Number>
 bool Table::readPlainNumber(std::string_view cell, Number& value) const {
+    if (format.decimalComma)
+        return false;
     const char* const last = cell.data() + cell.size();
     const auto [end, error] = std::from_chars(cell.data(), last, value);
-    return end == last && error == std::errc() && std::isfinite(static_cast<double>(value))
-           && !format.decimalComma;
+    return end == last && error == std::errc() && std::isfinite(static_cast<double>(value));
 }
 
 template <typename Number>
@@ -148,10 +183,9 @@ bool Table::readOrReport(std::size_t i, Number& value) {
     std::string expected = std::is_integral_v<Number> ? "a whole number" : "a finite number";
     if (std::is_same_v<Number, float>)
         expected += " within single precision";
-    if (format.decimalComma)
+    if (format.decimalComma && !std::is_integral_v<Number>)
         expected += " with a decimal comma";
-    report(i, expected.append(" in column ").append(printable(wanted[i])), quoted(text(i)),
-           "with a cell that is no number");
+    reportNoNumber(i, expected);
     return false;
 }
 

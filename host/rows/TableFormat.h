@@ -14,11 +14,14 @@ struct TableFormat {
         std::string theirs;
     };
 
-    bool decimalComma = false;        // in the cells that are read, and in the results
-    std::vector<Name> otherNames;     // of columns
-    bool keepAll = false;             // the columns that are read are carried, too
-    std::size_t mostMessages = 20;    // about rows
-    std::size_t blockBytes = 1 << 14; // read at once; not for users
+    bool decimalComma = false;             // in the cells that are read, and in the results
+    std::vector<Name> otherNames;          // of columns
+    std::string columnsFile;               // with more of them, where there is one
+    std::vector<std::string_view> columns; // that can have another name
+    bool keepAll = false;                  // the columns that are read are carried, too
+    bool hasOptions = false;               // --decimal-comma and --column, which messages name
+    std::size_t mostMessages = 20;         // about rows
+    std::size_t blockBytes = 1 << 14;      // read at once; not for users
 
     std::string_view nameOf(std::string_view column) const {
         for (const Name& name : otherNames)

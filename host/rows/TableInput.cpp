@@ -1,8 +1,12 @@
 #include "host/rows/TableInput.h"
 
+#include <filesystem>
 #include <ostream>
 
+#include "host/base/FileKind.h"
 #include "host/base/Interrupt.h"
+#include "host/rows/TableFolder.h"
+#include "params/Quoted.h"
 
 namespace kiv::host {
 
@@ -13,14 +17,36 @@ bool TableInput::readBlock(LineBlock& next) {
     return found;
 }
 
+// As far as the row of names, which may have a line of its separator above it.
+void TableInput::readHead() {
+    const auto complete = [this] {
+        const std::string_view text = head.text;
+        const std::size_t end = text.find('\n');
+        return end < text.size() - 1
+               || (end < text.size() && !isSeparatorLine(text.substr(0, end)));
+    };
+    for (LineBlock next; !complete() && !head.brokenOff && readBlock(next);) {
+        next.text.insert(0, head.text);
+        next.firstLine = 1;
+        head = next;
+    }
+}
+
 bool TableInput::open(const std::string& file, std::span<const std::string_view> reserved,
                       const Streams& streams, Sha256* hash) {
+    std::error_code ignored;
+    if (file != "-" && std::filesystem::is_directory(pathOf(file), ignored)) {
+        streams.err << printable(file) << ": " << lookOfFolder(file) << '\n';
+        return false;
+    }
     if (!input.open(file, streams, hash))
         return false;
     blocks.emplace(input.stream(), input.name(), format.blockBytes, input.size());
-    bool found = true;
-    while (found && head.text.empty() && !head.brokenOff)
-        found = readBlock(head);
+    readHead();
+    if (const std::string_view kind = otherKind(head.text); !kind.empty()) {
+        streams.err << name() << ":1:1: expected a table as text, found " << kind << '\n';
+        return false;
+    }
     if (head.text.empty()) {
         streams.err << (head.brokenOff
                             ? head.said

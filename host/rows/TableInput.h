@@ -23,6 +23,8 @@ public:
     bool open(const std::string& file, std::span<const std::string_view> reserved,
               const Streams& streams, Sha256* hash = nullptr);
 
+    void showWarnings(std::ostream& err) const { show(rows.messages(), err); } // once it is open
+
     Table& table() { return rows; } // at its row of names, then where nextRow has taken it
     const Table& table() const { return rows; }
     const std::string& name() const { return input.name(); }
@@ -46,6 +48,7 @@ public:
 
 private:
     bool readBlock(LineBlock& next);
+    void readHead();
 
     const TableFormat& format;
     Input input;

@@ -22,6 +22,7 @@ struct ComputedRow {
     std::optional<std::array<double, 3>> truth; // true angles rx, ry, rz, degrees
     std::optional<TimeStamp> time;              // on the report's axis
     std::size_t textEnd = 0;                    // in the text made of a batch's rows
+    std::size_t blankRows = 0;                  // of the batch, in front of it
 };
 
 // The rows of a block of lines.
@@ -29,7 +30,8 @@ struct RowBatch {
     LineBlock block;
     std::vector<ComputedRow> rows; // the first count of them
     std::size_t count = 0;
-    std::string text; // what the output has of them
+    std::size_t blankRows = 0; // all of them
+    std::string text;          // what the output has of them
 };
 
 } // namespace kiv::host

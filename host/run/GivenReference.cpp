@@ -22,15 +22,22 @@ bool takeReference(const ReadingsOptions& options, RowRunner& runner, const Stre
     TableInput input(readingColumns, options.format);
     if (!input.open(file, {}, streams, line > 0 ? nullptr : hash))
         return false;
+    if (line == 0)
+        input.showWarnings(streams.err);
     MessageLimit limit(options.format.mostMessages, streams.err);
     Table& table = input.table();
     bool tried = false; // the line that was asked for
     bool found = false;
     const auto next = [&] { return input.nextRow(); };
     forEachRow(input, next, [&](bool) {
-        if (line > 0 && table.lineNumber() != line)
+        if (line > 0 && table.lineNumber() < line)
             return true;
         tried = line > 0;
+        if (tried && table.lineNumber() > line) {
+            streams.err << input.name() << ':' << line << ":1: expected " << expectedRow
+                        << ", found a blank row\n";
+            return false;
+        }
         runner.run(table, given.result);
         found = given.result.state == RowState::reference;
         if (tried && !found) { // which ends the run

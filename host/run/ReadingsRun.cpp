@@ -46,8 +46,10 @@ void ReadingsRun::work(RowBatch& batch, RowRunner& runner, Table& cursor,
         row.messages.assign(cursor.messages().begin(), cursor.messages().end());
         prepare(cursor, row, batch.text);
         row.textEnd = batch.text.size();
+        row.blankRows = cursor.blankRows();
         ++batch.count;
     }
+    batch.blankRows = cursor.blankRows();
 }
 
 void ReadingsRun::forEach(const Prepare& prepare, const RunOutputs::Take& take) {

@@ -36,7 +36,8 @@ bool RunInputs::open(std::span<const std::string_view> results, InputFacts* fact
 
 bool RunInputs::namesUsable() const {
     std::vector<std::string> inputs = options.readings;
-    inputs.insert(inputs.end(), {options.uncertaintyFile, options.referenceFile});
+    inputs.insert(inputs.end(),
+                  {options.uncertaintyFile, options.referenceFile, options.format.columnsFile});
     if (std::count(inputs.begin(), inputs.end(), "-") > 1) {
         streams.err << "kiv: expected one input from standard input, found several\n";
         return false;

@@ -23,6 +23,7 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
     const LineBlock& block = batch.block;
     std::size_t textEnd = 0;
     std::size_t taken = 0;
+    std::size_t blankRows = 0;
     bool goOn = true;
     for (; goOn && taken < batch.count; ++taken) {
         const ComputedRow& row = batch.rows[taken];
@@ -30,8 +31,10 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
         totals.add(row.result, row.line, row.truth,
                    inputs.recording().hasSeveral() ? block.name : std::string_view());
         textEnd = row.textEnd;
+        blankRows = row.blankRows;
         goOn = take(row);
     }
+    totals.addBlankRows(goOn ? batch.blankRows : blankRows);
     progress.add(taken, block.text.size());
     const std::string_view text(batch.text);
     if (!written.write(text.substr(0, textEnd), block.inputWouldWait))

@@ -119,6 +119,8 @@ void Summary::printCounts(std::ostream& out) const {
         });
     if (const std::string objection = spare.objection(); !objection.empty())
         out << "spare reading: " << objection << '\n';
+    if (blanks > 0)
+        out << "blank_rows: " << blanks << '\n';
     if (reference > 0 && count(RowState::reference) == 0)
         out << "reference: " << referencePlace() << '\n';
     if (notUncertain > 0)

@@ -24,6 +24,10 @@ public:
     void add(const RowResult& result, std::size_t line,
              const std::optional<std::array<double, 3>>& truth, std::string_view table = {});
 
+    // Rows that are none: they have no results.
+    void addBlankRows(std::size_t number) { blanks += number; }
+    std::size_t blankRows() const { return blanks; }
+
     bool allGood() const {
         return count(RowState::noOrientation) == 0 && count(RowState::refused) == 0;
     }
@@ -79,6 +83,7 @@ private:
     std::array<std::size_t, rowStateNames.size()> counts{};
     std::array<std::size_t, reasonWords.size()> reasons{};
     std::array<std::size_t, trustWords.size()> trusts{};
+    std::size_t blanks = 0;
     std::size_t reference = 0;
     std::string tableOfReference;
     Trust trustOfReference = Trust::good;

@@ -71,6 +71,16 @@ std::string printable(std::string_view text) {
     return shown(text, "");
 }
 
+bool isUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const auto [size, code] = firstOf(text);
+        if (code == 0 && text[0] != 0)
+            return false;
+        text.remove_prefix(size);
+    }
+    return true;
+}
+
 std::string quoted(std::string_view text) {
     constexpr std::size_t mostShown = 40;
     std::size_t end = 0; // behind whole characters

@@ -13,4 +13,6 @@ std::string printable(std::string_view text);
 // The same in quotes, of a text's first 40 bytes.
 std::string quoted(std::string_view text);
 
+bool isUtf8(std::string_view text);
+
 } // namespace kiv
