@@ -14,18 +14,7 @@ target_link_libraries(kiv_c_objects PUBLIC kiv_judging)
 kiv_compile_options(kiv_c_objects)
 
 add_library(kiv_c SHARED $<TARGET_OBJECTS:kiv_c_objects>)
-if(MINGW)
-    # The core's objects ask the linker to export the classes: here they are without that request.
-    set(kiv_core_plain ${PROJECT_BINARY_DIR}/libkiv_core_plain.a)
-    add_custom_command(OUTPUT ${kiv_core_plain}
-        COMMAND ${CMAKE_OBJCOPY} --remove-section=.drectve $<TARGET_FILE:kiv_core> ${kiv_core_plain}
-        DEPENDS kiv_core VERBATIM)
-    target_sources(kiv_c PRIVATE ${kiv_core_plain})
-    target_link_libraries(kiv_c PRIVATE $<TARGET_FILE:kiv_judging> ${kiv_core_plain} ${kiv_system_math})
-    add_dependencies(kiv_c kiv_judging)
-else()
-    target_link_libraries(kiv_c PRIVATE kiv_judging)
-endif()
+target_link_libraries(kiv_c PRIVATE kiv_judging)
 add_library(KIVInterface::kiv ALIAS kiv_c)
 target_include_directories(kiv_c
     INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)

@@ -1,10 +1,16 @@
-# kiv_version_resource(TARGET FILE): what Windows shows of a DLL.
+# kiv_version_resource(TARGET FILE): what Windows shows of a DLL or a program.
 if(WIN32)
     enable_language(RC)
 endif()
 function(kiv_version_resource target file)
     cmake_path(GET file STEM name)
-    configure_file(src/module/version.rc.in ${target}.rc @ONLY)
+    cmake_path(GET file EXTENSION extension)
+    if(extension STREQUAL ".exe")
+        set(type VFT_APP)
+    else()
+        set(type VFT_DLL)
+    endif()
+    configure_file(${PROJECT_SOURCE_DIR}/src/module/version.rc.in ${target}.rc @ONLY)
     target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
 endfunction()
 

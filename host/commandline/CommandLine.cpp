@@ -369,7 +369,11 @@ std::string CommandLine::whyNoCommand(const std::string& word) const {
 
 namespace {
 
-int runCommand(int argc, const char* const* argv, const Streams& streams) {
+int runCommand(int argc, const char* const* given, const Streams& streams) {
+    std::vector<const char*> arguments(given, given + argc);
+    const auto asksForHelp = [](std::string_view word) { return word == "/?"; }; // on Windows
+    std::replace_if(arguments.begin(), arguments.end(), asksForHelp, "--help");
+    const char* const* argv = arguments.data();
     CommandLine line;
     if (argc < 2) {
         streams.err << "kiv: expected a subcommand, found none; kiv --help lists them\n";

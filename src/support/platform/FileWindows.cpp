@@ -13,6 +13,8 @@
 #endif
 #include <windows.h>
 
+#include "support/platform/Clock.h"
+
 namespace kiv::platform {
 
 namespace {
@@ -113,6 +115,39 @@ bool isRegularFile(HANDLE file) {
            && !(information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+// Deleted, and there until the last program that has it open closes it.
+bool isBeingDeleted(HANDLE file) {
+    FILE_STANDARD_INFO information;
+    return GetFileInformationByHandleEx(file, FileStandardInfo, &information, sizeof information)
+           && information.DeletePending;
+}
+
+bool isBeingDeleted(const char* path) {
+    const HANDLE file = CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return GetLastError() == ERROR_ACCESS_DENIED;
+    const bool pending = isBeingDeleted(file);
+    CloseHandle(file);
+    return pending;
+}
+
+// A scanner or a backup has a file open for a moment: the copy that is new, or the old file, which
+// keeps its name until then.
+bool renameOnceFree(const char* from, const char* to) {
+    constexpr std::chrono::milliseconds step{100}, most{5000};
+    for (auto waited = 0 * step;; waited += step) {
+        if (MoveFileExA(from, to, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH))
+            return true;
+        const DWORD error = GetLastError();
+        const bool mayPass = error == ERROR_SHARING_VIOLATION || isBeingDeleted(to);
+        SetLastError(error);
+        if (!mayPass || waited == most)
+            return false;
+        wait(step);
+    }
+}
+
 // Of a file or folder, behind all links; without any the count of its names is 0.
 BY_HANDLE_FILE_INFORMATION informationOn(const char* path, std::string* realPath = nullptr) {
     BY_HANDLE_FILE_INFORMATION information{};
@@ -145,10 +180,11 @@ bool InputFile::openPath(Path path) {
         return noted(FileOperation::open, false);
     }
     handle = reinterpret_cast<std::intptr_t>(file);
-    if (isRegularFile(file))
+    const bool pending = isBeingDeleted(file);
+    if (!pending && isRegularFile(file))
         return true;
     close();
-    SetLastError(ERROR_SUCCESS);
+    SetLastError(pending ? ERROR_DELETE_PENDING : ERROR_SUCCESS);
     return noted(FileOperation::open, false);
 }
 
@@ -319,8 +355,7 @@ bool replaceFile(Utf8Path by, Utf8Path path) {
 
 bool renameFile(const char* from, const char* to) {
     return noted(FileOperation::rename,
-                 !mustFail(FileOperation::rename)
-                     && MoveFileExA(from, to, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH));
+                 !mustFail(FileOperation::rename) && renameOnceFree(from, to));
 }
 
 std::string currentDirectory() {

@@ -14,7 +14,11 @@ bool outputIsTerminal() {
     return isatty(STDOUT_FILENO) == 1;
 }
 
-void makeStreamsBinary() {}
+bool terminalIsOwn() {
+    return false;
+}
+
+void prepareStreams() {}
 
 void whenTerminalCloses(void (*action)(int)) {
     if (std::signal(SIGHUP, action) == SIG_IGN) // so started by nohup

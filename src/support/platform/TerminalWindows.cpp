@@ -1,5 +1,6 @@
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 #include <fcntl.h>
 #include <io.h>
@@ -11,15 +12,28 @@
 
 #include "support/platform/Terminal.h"
 
+// The runtime's start asks this: * and ? in arguments become the names that they fit, as no shell
+// here does it.
+extern "C" int _dowildcard = -1;
+
 namespace kiv::platform {
 
 namespace {
 
 void (*onClose)(int) = nullptr;
 
+UINT codePageBefore = 0; // of the console; 0 where there is none
+
+void restoreCodePage() {
+    if (codePageBefore != 0)
+        SetConsoleOutputCP(codePageBefore);
+}
+
 // The runtime's own handler would forget a signal's action before it calls it, so that the next one
 // ended the process in the midst of its work.
 BOOL WINAPI onConsoleEvent(DWORD event) {
+    if (event != CTRL_LOGOFF_EVENT)
+        restoreCodePage(); // the action may end the process at once
     switch (event) {
     case CTRL_C_EVENT:
     case CTRL_BREAK_EVENT:
@@ -34,25 +48,32 @@ BOOL WINAPI onConsoleEvent(DWORD event) {
     }
 }
 
-// The null device passes for a terminal with the runtime.
-bool isConsole(DWORD stream) {
-    DWORD mode;
-    return GetConsoleMode(GetStdHandle(stream), &mode) != 0;
-}
-
 } // namespace
 
 bool errorIsTerminal() {
-    return isConsole(STD_ERROR_HANDLE);
+    const HANDLE error = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD mode;
+    return GetConsoleMode(error, &mode)
+           && SetConsoleMode(error, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
+// The null device passes for a terminal with the runtime.
 bool outputIsTerminal() {
-    return isConsole(STD_OUTPUT_HANDLE);
+    DWORD mode;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
 }
 
-void makeStreamsBinary() {
+bool terminalIsOwn() {
+    DWORD processes[2];
+    return GetConsoleProcessList(processes, 2) == 1;
+}
+
+void prepareStreams() {
     _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
+    codePageBefore = GetConsoleOutputCP();
+    if (codePageBefore != 0 && SetConsoleOutputCP(CP_UTF8))
+        std::atexit(restoreCodePage);
 }
 
 void whenTerminalCloses(void (*action)(int)) {
