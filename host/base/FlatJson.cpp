@@ -13,6 +13,8 @@ using Json = nlohmann::ordered_json;
 bool FlatJson::parse(std::string_view ofWhat) {
     if (const std::string_view other = otherKind(text); !other.empty())
         return report(0, "JSON", other);
+    if (!isUtf8(text))
+        return report(0, "JSON in UTF-8", "text in another encoding; save it in UTF-8");
     bool flat = true;
     std::size_t from = 0;
     const auto take = [&](int depth, Json::parse_event_t event, Json& parsed) {
