@@ -88,8 +88,8 @@ TEST(Matrix, Inverses) {
 
 TEST(Matrix, InverseOfScaledRotations) {
     Values x(9), z(9), rotation(9);
-    rotation_x(x.data(), 0.7);
-    rotation_z(z.data(), -2.1);
+    EXPECT_EQ(rotation_x(x.data(), 0.7), 0);
+    EXPECT_EQ(rotation_z(z.data(), -2.1), 0);
     MatrixMultiply(x.data(), z.data(), 3, 3, 3, rotation.data());
     for (double scale : {1.0, 1e-33, 1e-60, 1e-110, 1e-200, 1e-300, 1e33, 1e60, 1e200, 1e300}) {
         Values a = rotation;

@@ -246,14 +246,15 @@ TEST(Tool, SimulatedReadingsRunBackToTheirPosesInEveryMode) {
                 arguments.insert(arguments.end(), {"--trajectory", source, "--rows", "300"});
             }
             const ToolResult made = tool(arguments, input);
-            ASSERT_EQ(made.code, 0) << made.err;
+            ASSERT_TRUE(made.code == 0 && made.err.empty()) << made.err;
             const std::string results = readings + ".results";
             const ToolResult local =
                 tool({"run", folder.file(), readings, "--summary", "-", "-o", results, "--frame",
                       "local", "--u-vector", "1", "--u-encoder", "1", "--u-level", "1"});
             const bool twoLevels = mode <= 2 || mode >= 9;
-            EXPECT_EQ(nlohmann::json::parse(local.out)["uncertainties"].size(),
-                      twoLevels ? 7U : 6U);
+            const auto summary = nlohmann::json::parse(local.out);
+            EXPECT_EQ(summary["uncertainties"].size(), twoLevels ? 7U : 6U);
+            EXPECT_EQ(summary["spare_reading"].is_null(), !twoLevels);
             EXPECT_EQ(local.err.starts_with("kiv: --frame local has no effect"), mode >= 7);
             EXPECT_EQ(local.out.find(R"("frame": "local")") == std::string::npos, mode >= 7);
             const ToolResult result = tool({"run", folder.file(), readings, "--summary", "-", "-o",
