@@ -58,14 +58,19 @@ private:
 namespace kiv::c {
 
 // Runs a body that gives a status code while no other call is in the sensor.
-template <typename Sensor, typename Body>
-int locked(Sensor* sensor, std::initializer_list<Given> pointers, Body body) noexcept {
+template <typename Sensor, std::size_t count, typename Body>
+int locked(Sensor* sensor, const Given (&pointers)[count], Body body) noexcept {
     if (const int code = refuseNull({{"sensor", sensor}}))
         return code;
     return guarded(pointers, [&]() -> int {
         const std::lock_guard guard(sensor->lock);
         return body();
     });
+}
+
+template <typename Sensor, typename Body>
+int locked(Sensor* sensor, Body body) noexcept {
+    return locked(sensor, {{"sensor", sensor}}, body);
 }
 
 } // namespace kiv::c

@@ -41,6 +41,10 @@ int load(kiv_parameters& parameters, std::string_view name, std::string text,
 
 int findingAt(const std::vector<Finding>& findings, size_t index, int64_t* line, int64_t* column,
               const char** expected, const char** found) {
+    if (const int code = refuseNull({{"line", line}, {"column", column}}))
+        return code;
+    if (const int code = refuseNull({{"expected", expected}, {"found", found}}))
+        return code;
     if (index >= findings.size())
         return refuse(KIV_STATUS_BAD_ARGUMENT, "index: expected one below the count, ",
                       findings.size(), ", found ", index);
@@ -127,13 +131,9 @@ int kiv_parameters_fault_count(const kiv_parameters* parameters, size_t* count) 
 
 int kiv_parameters_fault(const kiv_parameters* parameters, size_t index, int64_t* line,
                          int64_t* column, const char** expected, const char** found) {
-    return guarded(
-        {{"parameters", parameters},
-         {"line", line},
-         {"column", column},
-         {"expected", expected},
-         {"found", found}},
-        [=] { return findingAt(parameters->faults, index, line, column, expected, found); });
+    return guarded({{"parameters", parameters}}, [=] {
+        return findingAt(parameters->faults, index, line, column, expected, found);
+    });
 }
 
 int kiv_parameters_warning_count(const kiv_parameters* parameters, size_t* count) {
@@ -145,16 +145,11 @@ int kiv_parameters_warning_count(const kiv_parameters* parameters, size_t* count
 
 int kiv_parameters_warning(const kiv_parameters* parameters, size_t index, int64_t* line,
                            int64_t* column, const char** expected, const char** found) {
-    return guarded({{"parameters", parameters},
-                    {"line", line},
-                    {"column", column},
-                    {"expected", expected},
-                    {"found", found}},
-                   [=] {
-                       static const std::vector<Finding> none;
-                       const auto& all = parameters->file ? parameters->file->warnings : none;
-                       return findingAt(all, index, line, column, expected, found);
-                   });
+    return guarded({{"parameters", parameters}}, [=] {
+        const std::vector<Finding> none;
+        const auto& all = parameters->file ? parameters->file->warnings : none;
+        return findingAt(all, index, line, column, expected, found);
+    });
 }
 
 int kiv_parameters_text(const kiv_parameters* parameters, const char** text, size_t* size) {

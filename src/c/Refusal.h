@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cstddef>
-#include <initializer_list>
 #include <string_view>
 #include <type_traits>
 
@@ -64,7 +63,8 @@ struct Given {
 };
 
 // 0, or the refusal of the first pointer that is missing.
-inline int refuseNull(std::initializer_list<Given> pointers) noexcept {
+template <std::size_t count>
+int refuseNull(const Given (&pointers)[count]) noexcept {
     for (const Given& pointer : pointers)
         if (pointer.missing)
             return refuse(KIV_STATUS_BAD_ARGUMENT, pointer.name,
@@ -74,8 +74,8 @@ inline int refuseNull(std::initializer_list<Given> pointers) noexcept {
 
 // Runs a body that gives a status code. What it throws is memory, or another resource of the
 // system, that was refused.
-template <typename Body>
-int guarded(std::initializer_list<Given> pointers, Body body) noexcept {
+template <std::size_t count, typename Body>
+int guarded(const Given (&pointers)[count], Body body) noexcept {
     if (const int code = refuseNull(pointers))
         return code;
     const platform::OwnFloatingPoint floatingPoint;

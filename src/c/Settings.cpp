@@ -23,13 +23,18 @@ int refuseMore(const char* argument, std::size_t most, std::size_t found) {
 }
 
 // check gives 0 or the refusal of a value; set gives a code, for the sensor itself.
-template <typename Check, typename Set>
-int change(kiv_sensor* sensor, std::initializer_list<Given> pointers, Check check, Set set) {
+template <std::size_t count, typename Check, typename Set>
+int change(kiv_sensor* sensor, const Given (&pointers)[count], Check check, Set set) {
     return locked(sensor, pointers, [&]() -> int {
         if (const int code = check())
             return code;
         return sensor->judged.set(set);
     });
+}
+
+template <typename Check, typename Set>
+int change(kiv_sensor* sensor, Check check, Set set) {
+    return change(sensor, {{"sensor", sensor}}, check, set);
 }
 
 template <typename Ask>
@@ -111,8 +116,7 @@ int kiv_sensor_set_frame(kiv_sensor* sensor, int frame) {
                    : refuse(KIV_STATUS_BAD_ARGUMENT,
                             "frame: expected 0 (local) or 1 (machine), found ", frame);
     };
-    return change(sensor, {}, check,
-                  [=](CKiv& s) { return s.setMcsFlag(frame == KIV_FRAME_MACHINE); });
+    return change(sensor, check, [=](CKiv& s) { return s.setMcsFlag(frame == KIV_FRAME_MACHINE); });
 }
 
 int kiv_sensor_frame(const kiv_sensor* sensor, int32_t* frame) {
@@ -129,7 +133,7 @@ int kiv_sensor_set_mount_mode(kiv_sensor* sensor, int32_t mode) {
                                     "mode: expected the mount mode of the parameters, ", own,
                                     ", whose model stays, found ", mode);
     };
-    return change(sensor, {}, check, [=](CKiv& s) {
+    return change(sensor, check, [=](CKiv& s) {
         s.setQVCParameters(sensor->qvcParameters.data(), qvcCount);
         return s.setMountMode(mode);
     });
@@ -212,7 +216,7 @@ int kiv_sensor_set_known_vector(kiv_sensor* sensor, const double* v) {
 
 int kiv_sensor_set_encoder_offset(kiv_sensor* sensor, float azimuth, float elevation) {
     return change(
-        sensor, {},
+        sensor,
         [=] {
             return checkNumbersOf({{"azimuth", azimuth}, {"elevation", elevation}});
         },
@@ -223,7 +227,7 @@ int kiv_sensor_set_encoder_offset(kiv_sensor* sensor, float azimuth, float eleva
 
 int kiv_sensor_set_tilt_offset(kiv_sensor* sensor, float x, float y) {
     return change(
-        sensor, {},
+        sensor,
         [=] {
             return checkNumbersOf({{"x", x}, {"y", y}});
         },
@@ -240,7 +244,7 @@ int kiv_sensor_set_thermal_factor(kiv_sensor* sensor, float x_slope, float x_int
                                {"y_slope", y_slope},
                                {"y_intercept", y_intercept}});
     };
-    return change(sensor, {}, check, [=](CKiv& s) {
+    return change(sensor, check, [=](CKiv& s) {
         return s.setThermalFactor(F_VECTOR4{x_slope, x_intercept, y_slope, y_intercept});
     });
 }

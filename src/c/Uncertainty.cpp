@@ -49,7 +49,7 @@ int kiv_sensor_set_uncertainty(kiv_sensor* sensor, const char* name, double valu
 }
 
 int kiv_sensor_clear_uncertainties(kiv_sensor* sensor) {
-    return locked(sensor, {}, [=] {
+    return locked(sensor, [=] {
         sensor->judged.setUncertainties({});
         sensor->uncertainties = {};
         return KIV_STATUS_OK;
