@@ -45,8 +45,17 @@ std::string openingCause(const fs::path& path, int error) {
 
 } // namespace
 
+// Windows takes a long path in another form alone, and an absolute one.
 std::filesystem::path pathOf(const std::string& name) {
-    return std::u8string(name.begin(), name.end());
+    const std::filesystem::path path = std::u8string(name.begin(), name.end());
+    constexpr std::size_t longestPlain = 247;
+    const bool onWindows = std::filesystem::path::preferred_separator == '\\';
+    std::error_code ignored;
+    const auto whole = onWindows ? std::filesystem::absolute(path, ignored) : path;
+    if (!onWindows || whole.native().size() <= longestPlain || name.starts_with("\\\\"))
+        return path;
+    std::filesystem::path longForm = "\\\\?\\";
+    return longForm += std::filesystem::path(whole).make_preferred();
 }
 
 std::string shownInput(const std::string& name) {

@@ -7,13 +7,8 @@
 #include <iterator>
 #include <limits>
 
-#define WIN32_LEAN_AND_MEAN
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
-
 #include "support/platform/Clock.h"
+#include "support/platform/WidePath.h"
 
 namespace kiv::platform {
 
@@ -26,42 +21,14 @@ HANDLE native(std::intptr_t handle) {
 // Of a path; without any when there is no such file.
 constexpr DWORD noFile = INVALID_FILE_ATTRIBUTES;
 
-// A path for the functions that take wide characters; one that is no UTF-8, or too long, becomes
-// empty, which names no file.
-class WidePath {
-public:
-    explicit WidePath(Utf8Path path) {
-        if (MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path.text, -1, text,
-                                static_cast<int>(std::size(text)))
-            == 0)
-            text[0] = L'\0';
-    }
-    operator const wchar_t*() const { return text; }
-
-private:
-    wchar_t text[4096] = {};
-};
-
-HANDLE openToRead(const char* path) {
-    return CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+HANDLE openToRead(const WidePath& path) {
+    return CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                        OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
 }
 
-HANDLE openToRead(Utf8Path path) {
-    return CreateFileW(WidePath(path), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                       OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-}
-
-HANDLE openNew(const char* path) {
-    DeleteFileA(path);
-    return CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
-                       FILE_ATTRIBUTE_NORMAL, nullptr);
-}
-
-HANDLE openNew(Utf8Path path) {
-    const WidePath wide(path);
-    DeleteFileW(wide);
-    return CreateFileW(wide, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+HANDLE openNew(const WidePath& path) {
+    DeleteFileW(path);
+    return CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                        FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
@@ -91,22 +58,15 @@ bool copyRights(const wchar_t* from, HANDLE to) {
            && SetFileInformationByHandle(to, FileBasicInfo, &information, sizeof information);
 }
 
-DWORD attributesOf(const char* path) {
-    const DWORD found = mustFail(FileOperation::status) ? noFile : GetFileAttributesA(path);
+DWORD attributesOf(const WidePath& path) {
+    const DWORD found = mustFail(FileOperation::status) ? noFile : GetFileAttributesW(path);
     noted(FileOperation::status, found != noFile);
     return found;
 }
 
-bool isFolder(DWORD attributes) {
+bool isFolder(const WidePath& path) {
+    const DWORD attributes = GetFileAttributesW(path);
     return attributes != noFile && (attributes & FILE_ATTRIBUTE_DIRECTORY);
-}
-
-bool isFolder(const char* path) {
-    return isFolder(GetFileAttributesA(path));
-}
-
-bool isFolder(Utf8Path path) {
-    return isFolder(GetFileAttributesW(WidePath(path)));
 }
 
 bool isRegularFile(HANDLE file) {
@@ -122,8 +82,8 @@ bool isBeingDeleted(HANDLE file) {
            && information.DeletePending;
 }
 
-bool isBeingDeleted(const char* path) {
-    const HANDLE file = CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+bool isBeingDeleted(const WidePath& path) {
+    const HANDLE file = CreateFileW(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                     nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return GetLastError() == ERROR_ACCESS_DENIED;
@@ -134,10 +94,10 @@ bool isBeingDeleted(const char* path) {
 
 // A scanner or a backup has a file open for a moment: the copy that is new, or the old file, which
 // keeps its name until then.
-bool renameOnceFree(const char* from, const char* to) {
+bool renameOnceFree(const WidePath& from, const WidePath& to) {
     constexpr std::chrono::milliseconds step{100}, most{5000};
     for (auto waited = 0 * step;; waited += step) {
-        if (MoveFileExA(from, to, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH))
+        if (MoveFileExW(from, to, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH))
             return true;
         const DWORD error = GetLastError();
         const bool mayPass = error == ERROR_SHARING_VIOLATION || isBeingDeleted(to);
@@ -149,15 +109,15 @@ bool renameOnceFree(const char* from, const char* to) {
 }
 
 // Of a file or folder, behind all links; without any the count of its names is 0.
-BY_HANDLE_FILE_INFORMATION informationOn(const char* path, std::string* realPath = nullptr) {
+BY_HANDLE_FILE_INFORMATION informationOn(const WidePath& path, std::string* realPath = nullptr) {
     BY_HANDLE_FILE_INFORMATION information{};
-    const HANDLE file = CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+    const HANDLE file = CreateFileW(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                     nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return information;
     if (!GetFileInformationByHandle(file, &information))
         information.nNumberOfLinks = 0;
-    char buffer[1024];
+    char buffer[4096];
     const DWORD length = realPath ? GetFinalPathNameByHandleA(file, buffer, sizeof buffer, 0) : 0;
     if (length > 0 && length < sizeof buffer)
         *realPath = buffer;
@@ -309,8 +269,8 @@ std::string identityOf(const char* path) {
 }
 
 bool isLink(const char* path) {
-    WIN32_FIND_DATAA entry;
-    const HANDLE search = FindFirstFileA(path, &entry);
+    WIN32_FIND_DATAW entry;
+    const HANDLE search = FindFirstFileW(WidePath(path), &entry);
     if (search == INVALID_HANDLE_VALUE)
         return false;
     FindClose(search);
@@ -334,11 +294,12 @@ bool makeWritable(const char* path) {
         return attributes != noFile;
     const DWORD others = attributes & ~DWORD{FILE_ATTRIBUTE_READONLY};
     return noted(FileOperation::status,
-                 SetFileAttributesA(path, others ? others : FILE_ATTRIBUTE_NORMAL) != 0);
+                 SetFileAttributesW(WidePath(path), others ? others : FILE_ATTRIBUTE_NORMAL) != 0);
 }
 
 bool removeFile(const char* path) {
-    return noted(FileOperation::remove, !mustFail(FileOperation::remove) && DeleteFileA(path));
+    return noted(FileOperation::remove,
+                 !mustFail(FileOperation::remove) && DeleteFileW(WidePath(path)));
 }
 
 bool removeFile(Utf8Path path) {

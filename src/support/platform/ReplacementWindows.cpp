@@ -2,38 +2,26 @@
 #include <string>
 
 #include "support/platform/Replacement.h"
-
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
+#include "support/platform/WidePath.h"
 
 namespace kiv::platform::replacement {
 
 namespace {
 
-// Null-terminated; empty where it does not fit or is no UTF-8.
-struct WideText {
-    wchar_t text[4096];
-};
-
-WideText wide(const std::string& path) {
-    WideText made{};
-    if (MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path.c_str(), -1, made.text,
-                            static_cast<int>(std::size(made.text)))
-        == 0)
-        made.text[0] = L'\0';
-    return made;
+WidePath wide(const std::string& path) {
+    return Utf8Path{path.c_str()};
 }
 
 // Of a file or folder behind all links, for what is known of it alone.
 HANDLE opened(const std::string& path) {
-    return CreateFileW(wide(path).text, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+    return CreateFileW(wide(path), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
 }
 
 } // namespace
 
 std::string followed(const std::string& path) {
-    const DWORD attributes = GetFileAttributesW(wide(path).text);
+    const DWORD attributes = GetFileAttributesW(wide(path));
     if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_REPARSE_POINT))
         return path;
     const HANDLE file = opened(path);
@@ -51,8 +39,8 @@ std::string followed(const std::string& path) {
 }
 
 ReplacementFault refusal(const std::string& path, bool& exists) {
-    const DWORD attributes = mustFail(FileOperation::status) ? INVALID_FILE_ATTRIBUTES
-                                                             : GetFileAttributesW(wide(path).text);
+    const DWORD attributes =
+        mustFail(FileOperation::status) ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(wide(path));
     exists = attributes != INVALID_FILE_ATTRIBUTES;
     if (!exists) {
         const DWORD error = GetLastError();

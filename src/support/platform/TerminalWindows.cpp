@@ -14,7 +14,9 @@
 
 // The runtime's start asks this: * and ? in arguments become the names that they fit, as no shell
 // here does it.
-extern "C" int _dowildcard = -1;
+extern "C" {
+int _dowildcard = -1;
+}
 
 namespace kiv::platform {
 
