@@ -343,6 +343,19 @@ TEST(Propagation, HasTheSlopesOfNearlyExactInputs) {
             EXPECT_NEAR(1e6 * exact[source][i], usual[source][i], 2e-5) << source << ' ' << i;
 }
 
+// A component's steps turn the angles as far as they lie across the line of sight.
+TEST(Propagation, CountsNoRoundingAlongTheLineOfSight) {
+    CKiv sensor;
+    prepare(sensor, 6);
+    const KIV_RAWINFO raw = readingsAt(6, {3, 4, 0, 0}); // along x
+    const KIV_INFO info = updatedTwice(sensor, raw);
+    AngleUncertainty found;
+    ASSERT_TRUE(Propagation(sensor, {}).of(sensor, raw, info, found));
+    // Half of what a step of x would turn them by if it lay across.
+    EXPECT_LT(found.rounding[0], 5e-7);
+    EXPECT_LT(found.rounding[1], 5e-7);
+}
+
 TEST(Propagation, UnwrapsAnglesAtHalfATurn) {
     CKiv sensor;
     prepare(sensor, 6);
