@@ -1,9 +1,12 @@
 #include "host/base/Files.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <ostream>
 
 #include "params/Quoted.h"
+#include "support/platform/File.h"
 #include "support/platform/SystemError.h"
 
 namespace kiv::host {
@@ -43,19 +46,37 @@ std::string openingCause(const fs::path& path, int error) {
     return folder.empty() ? "No such file" : "No such folder: " + shownPath(folder);
 }
 
+// On Windows, whatever the extension; the null device itself is there to throw an output away.
+bool namesDevice(const std::string& name) {
+    std::string stem = name.substr(name.find_last_of("/\\:") + 1);
+    const bool whole = stem == name && stem.find('.') == stem.npos;
+    stem.erase(std::min(stem.find('.'), stem.size()));
+    stem.erase(stem.find_last_not_of(' ') + 1);
+    for (char& letter : stem)
+        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    const bool port = stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt"))
+                      && stem[3] >= '1' && stem[3] <= '9';
+    const bool device = port || stem == "con" || stem == "prn" || stem == "aux" || stem == "nul";
+    return platform::namesAreLoose && device && !(stem == "nul" && whole);
+}
+
 } // namespace
 
-// Windows takes a long path in another form alone, and an absolute one.
+// Windows takes a long path in the form alone that has a prefix, and some functions take a short
+// one only without.
 std::filesystem::path pathOf(const std::string& name) {
-    const std::filesystem::path path = std::u8string(name.begin(), name.end());
+    constexpr std::string_view prefix = "\\\\?\\";
     constexpr std::size_t longestPlain = 247;
     const bool onWindows = std::filesystem::path::preferred_separator == '\\';
-    std::error_code ignored;
-    const auto whole = onWindows ? std::filesystem::absolute(path, ignored) : path;
-    if (!onWindows || whole.native().size() <= longestPlain || name.starts_with("\\\\"))
+    const bool prefixed = onWindows && name.starts_with(prefix);
+    const bool hasDrive = prefixed && name.find(':') == prefix.size() + 1;
+    const std::string_view plain = std::string_view(name).substr(hasDrive ? prefix.size() : 0);
+    const std::filesystem::path path = std::u8string(plain.begin(), plain.end());
+    if (!onWindows || plain.starts_with("\\\\")) // of a share, or as it stands
         return path;
-    std::filesystem::path longForm = "\\\\?\\";
-    return longForm += std::filesystem::path(whole).make_preferred();
+    std::error_code ignored;
+    const auto whole = std::filesystem::absolute(path, ignored).make_preferred();
+    return whole.native().size() > longestPlain ? std::filesystem::path(prefix) += whole : path;
 }
 
 std::string shownInput(const std::string& name) {
@@ -98,7 +119,7 @@ bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) 
         std::error_code ignored;
         platform::setLastSystemError(0);
         if (!fs::is_directory(pathOf(name), ignored))
-            file.open(name, std::ios::binary);
+            file.open(pathOf(name), std::ios::binary);
         if (!file.is_open()) {
             reportUnopened(streams.err, name, platform::lastSystemError());
             return false;
@@ -134,8 +155,12 @@ bool Output::open(const std::string& name, const Streams& streams) {
         return true;
     }
     chosen = &file;
+    if (namesDevice(name)) {
+        streams.err << shownName << ": Is the name of a device; choose another\n";
+        return false;
+    }
     platform::setLastSystemError(0);
-    file.open(name, std::ios::binary | std::ios::trunc);
+    file.open(pathOf(name), std::ios::binary | std::ios::trunc);
     if (!file.is_open()) {
         reportUnopened(streams.err, name, platform::lastSystemError());
         return false;

@@ -1,5 +1,7 @@
 #include "host/base/ShellWord.h"
 
+#include "support/platform/File.h"
+
 namespace kiv::host {
 
 // Double quotes do on every system, but for what some shells see within them.
@@ -10,6 +12,12 @@ std::string shellWord(const std::string& text) {
         return text;
     if (!text.empty() && text.find_first_of("\"$`\\!%") == text.npos)
         return '"' + text + '"';
+    if (platform::namesAreLoose) { // cmd and PowerShell alike
+        std::string word = "\"";
+        for (const char c : text)
+            word += c == '"' ? std::string("\\\"") : std::string(1, c);
+        return word += '"';
+    }
     std::string word = "'";
     for (const char c : text)
         word += c == '\'' ? std::string("'\\''") : std::string(1, c);
