@@ -6,6 +6,10 @@
 #include <new>
 #include <random>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 #include <gtest/gtest.h>
 
 #include "params/Parser.h"
@@ -266,6 +270,25 @@ TEST(Rewriting, WaitsBeforeAndBehindTheDeletion) {
         EXPECT_EQ(moments[second].temporary, rewritten());
     }
 }
+
+#ifdef _WIN32
+TEST(Rewriting, WaitsForAScannerOfTheCopy) {
+    static HANDLE scanner;
+    static int waits;
+    waits = 0;
+    Rewrite rewrite(parameterText());
+    kiv::platform::waitInstead = [](std::chrono::milliseconds) {
+        if (++waits == 1)
+            scanner = CreateFileA("$tmp.prm", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_EXISTING, 0, nullptr);
+        if (waits == 4) // two before the copy is to get the name
+            CloseHandle(scanner);
+    };
+    EXPECT_EQ(rewrite.run(), KIV_OK);
+    EXPECT_EQ(rewrite.file(), rewritten());
+    EXPECT_EQ(waits, 4);
+}
+#endif
 
 TEST(Rewriting, NeverReplacesAFileThatHasJustAppeared) {
     expectNoFileReplaced(fs::temp_directory_path());
