@@ -35,6 +35,9 @@ if(KIV_BUILD_TOOL)
 endif()
 
 if(PROJECT_IS_TOP_LEVEL)
+    if(WIN32) # at the archive's top
+        install(FILES cmake/windows-readme.txt DESTINATION . RENAME README.txt)
+    endif()
     # Where the links between them hold.
     install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
     install(FILES python/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/python)
