@@ -30,7 +30,12 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* The records are laid out in the same way whatever packing a host has in force. */
+/* The calling convention and the layout of the records, whatever a host's compiler is told. */
+#ifdef _WIN32
+#define KIV_CDECL __cdecl
+#else
+#define KIV_CDECL
+#endif
 #pragma pack(push, 8)
 
 #ifdef __cplusplus
@@ -45,8 +50,8 @@ extern "C" {
 #define KIV_VERSION_PATCH 0
 
 /* The version of the library: such as "1.2.3", and 10000 * major + 100 * minor + patch. */
-const char* kiv_version(void);
-int32_t kiv_version_number(void);
+const char* KIV_CDECL kiv_version(void);
+int32_t KIV_CDECL kiv_version_number(void);
 
 enum {
     KIV_STATUS_OK = 0,
@@ -59,7 +64,7 @@ enum {
 };
 
 /* Never null, also for a code that the library does not use. */
-const char* kiv_status_text(int status);
+const char* KIV_CDECL kiv_status_text(int status);
 
 /*
  * The detail of the calling thread's last refused call: an argument with what was expected and
@@ -67,47 +72,48 @@ const char* kiv_status_text(int status);
  * a parameter file with its line and column. At most 1019 bytes; empty before the first refusal,
  * never null. A call that succeeds leaves it.
  */
-const char* kiv_last_error(void);
+const char* KIV_CDECL kiv_last_error(void);
 /* The system's own number of that reason, errno or GetLastError; 0 where the system gave none. */
-int kiv_last_system_error(void);
+int KIV_CDECL kiv_last_system_error(void);
 
 /* ---- Parameters: what one sensor's parameter file says ---- */
 
 typedef struct kiv_parameters kiv_parameters;
 
-int kiv_parameters_new(kiv_parameters** out);
-void kiv_parameters_free(kiv_parameters* parameters); /* sensors made from them stay */
-int kiv_parameters_copy(const kiv_parameters* parameters, kiv_parameters** out);
+int KIV_CDECL kiv_parameters_new(kiv_parameters** out);
+void KIV_CDECL kiv_parameters_free(kiv_parameters* parameters); /* sensors made from them stay */
+int KIV_CDECL kiv_parameters_copy(const kiv_parameters* parameters, kiv_parameters** out);
 
 /*
  * Loads a parameter file, or its text of size bytes; what was loaded before goes. Where the file's
  * name is Tg<sensor ID>.prm, the file must be that sensor's. 550 (no such file, or no regular one),
  * or 553: also for a value that cannot be read, which is never taken for 0.
  */
-int kiv_parameters_load(kiv_parameters* parameters, const char* path);
-int kiv_parameters_load_text(kiv_parameters* parameters, const char* text, size_t size);
+int KIV_CDECL kiv_parameters_load(kiv_parameters* parameters, const char* path);
+int KIV_CDECL kiv_parameters_load_text(kiv_parameters* parameters, const char* text, size_t size);
 
 /*
  * What the last load refused, in the order of the text: the block that does not follow the format
  * and every value that could not be read. 0 after a load that gave another code than 553. Line and
  * column count from 1, the column in bytes.
  */
-int kiv_parameters_fault_count(const kiv_parameters* parameters, size_t* count);
-int kiv_parameters_fault(const kiv_parameters* parameters, size_t index, int64_t* line,
-                         int64_t* column, const char** expected, const char** found);
+int KIV_CDECL kiv_parameters_fault_count(const kiv_parameters* parameters, size_t* count);
+int KIV_CDECL kiv_parameters_fault(const kiv_parameters* parameters, size_t index, int64_t* line,
+                                   int64_t* column, const char** expected, const char** found);
 
 /*
  * What is doubtful in what is loaded, in the manner of the faults: values that the format allows
  * and a sensor's should not be, and text behind the last block, as kiv check warns of them. 0 when
  * nothing is loaded.
  */
-int kiv_parameters_warning_count(const kiv_parameters* parameters, size_t* count);
-int kiv_parameters_warning(const kiv_parameters* parameters, size_t index, int64_t* line,
-                           int64_t* column, const char** expected, const char** found);
+int KIV_CDECL kiv_parameters_warning_count(const kiv_parameters* parameters, size_t* count);
+int KIV_CDECL kiv_parameters_warning(const kiv_parameters* parameters, size_t index, int64_t* line,
+                                     int64_t* column, const char** expected, const char** found);
 
 /* The text that was loaded, byte for byte; size does not count the null character behind it. 551.
  */
-int kiv_parameters_text(const kiv_parameters* parameters, const char** text, size_t* size);
+int KIV_CDECL kiv_parameters_text(const kiv_parameters* parameters, const char** text,
+                                  size_t* size);
 
 /*
  * The blocks of a parameter file, by the names that kiv info --json prints ("angle_offset"), in the
@@ -121,25 +127,29 @@ enum {
     KIV_BLOCK_ENCODER_TABLE = 4, /* rows of angle and correction, degrees */
     KIV_BLOCK_TILT_TABLE = 5     /* rows of knot and tilt, degrees; three limits; a word */
 };
-const char* kiv_block_name(size_t index);
-int kiv_block_kind(const char* block, int32_t* kind);
+const char* KIV_CDECL kiv_block_name(size_t index);
+int KIV_CDECL kiv_block_kind(const char* block, int32_t* kind);
 /* The name of one of the block's numbers, or of a tilt table's limits, with its unit at the end
  * ("azimuth_deg"); null where there is no such name. */
-const char* kiv_block_value_name(const char* block, size_t index);
+const char* KIV_CDECL kiv_block_value_name(const char* block, size_t index);
 
 /*
  * The values of a block, in the file's units. 20 for a block that is not known or has no such
  * values, 551 when nothing is loaded.
  */
-int kiv_parameters_integer(const kiv_parameters* parameters, const char* block, int32_t* value);
+int KIV_CDECL kiv_parameters_integer(const kiv_parameters* parameters, const char* block,
+                                     int32_t* value);
 /* The word of a block, or the one that closes a tilt table. */
-int kiv_parameters_word(const kiv_parameters* parameters, const char* block, const char** word);
+int KIV_CDECL kiv_parameters_word(const kiv_parameters* parameters, const char* block,
+                                  const char** word);
 /* A table has two numbers a row. capacity: of values, at least the count, else 20. */
-int kiv_parameters_number_count(const kiv_parameters* parameters, const char* block, size_t* count);
-int kiv_parameters_numbers(const kiv_parameters* parameters, const char* block, float* values,
-                           size_t capacity);
+int KIV_CDECL kiv_parameters_number_count(const kiv_parameters* parameters, const char* block,
+                                          size_t* count);
+int KIV_CDECL kiv_parameters_numbers(const kiv_parameters* parameters, const char* block,
+                                     float* values, size_t capacity);
 /* The limits of a tilt table: low and high in degrees, and the further value; 3 floats. */
-int kiv_parameters_limits(const kiv_parameters* parameters, const char* block, float* limits);
+int KIV_CDECL kiv_parameters_limits(const kiv_parameters* parameters, const char* block,
+                                    float* limits);
 
 /*
  * Writes what was loaded into a file in the writer's layout, numbers with six decimals. At every
@@ -148,7 +158,7 @@ int kiv_parameters_limits(const kiv_parameters* parameters, const char* block, f
  * and mode; a link is followed. 551; 550 also for what is no regular file, has several names, is
  * read-only, or whose owner or mode cannot be kept: it stays as it is.
  */
-int kiv_parameters_rewrite(const kiv_parameters* parameters, const char* path);
+int KIV_CDECL kiv_parameters_rewrite(const kiv_parameters* parameters, const char* path);
 
 /* ---- Sensor: turns readings into orientations ---- */
 
@@ -184,18 +194,18 @@ typedef struct kiv_result {
 } kiv_result;
 
 /* Configured with all that the parameters say. 551. */
-int kiv_sensor_new(const kiv_parameters* parameters, kiv_sensor** out);
-void kiv_sensor_free(kiv_sensor* sensor);
+int KIV_CDECL kiv_sensor_new(const kiv_parameters* parameters, kiv_sensor** out);
+void KIV_CDECL kiv_sensor_free(kiv_sensor* sensor);
 /* The copy has the settings, the reference and the count of readings. */
-int kiv_sensor_copy(const kiv_sensor* sensor, kiv_sensor** out);
+int KIV_CDECL kiv_sensor_copy(const kiv_sensor* sensor, kiv_sensor** out);
 
 /*
  * The frame of rx, ry, rz, by default the machine's; the local one is that of the reference
  * orientation. Without effect in mount modes 7 and above.
  */
 enum { KIV_FRAME_LOCAL = 0, KIV_FRAME_MACHINE = 1 };
-int kiv_sensor_set_frame(kiv_sensor* sensor, int frame);
-int kiv_sensor_frame(const kiv_sensor* sensor, int32_t* frame);
+int KIV_CDECL kiv_sensor_set_frame(kiv_sensor* sensor, int frame);
+int KIV_CDECL kiv_sensor_frame(const kiv_sensor* sensor, int32_t* frame);
 
 /*
  * Each replaces what the parameters say. A value with which no angle would be right gives 20: a
@@ -203,34 +213,36 @@ int kiv_sensor_frame(const kiv_sensor* sensor, int32_t* frame);
  * parameters reach the model with the next kiv_sensor_set_mount_mode.
  */
 /* The model is that of the parameters' mount mode and stays: another mode gives 20. */
-int kiv_sensor_set_mount_mode(kiv_sensor* sensor, int32_t mode);
-int kiv_sensor_mount_mode(const kiv_sensor* sensor, int32_t* mode);
+int KIV_CDECL kiv_sensor_set_mount_mode(kiv_sensor* sensor, int32_t mode);
+int KIV_CDECL kiv_sensor_mount_mode(const kiv_sensor* sensor, int32_t* mode);
 /* Whether the mode gives a matrix, as 1 to 6 do; the others give the QVC vector. */
-int kiv_sensor_has_matrix(const kiv_sensor* sensor, bool* has);
+int KIV_CDECL kiv_sensor_has_matrix(const kiv_sensor* sensor, bool* has);
 /* rows of angle and correction in degrees, 2 * rows floats; 0 rows take the correction away. */
-int kiv_sensor_set_azimuth_table(kiv_sensor* sensor, const float* table, size_t rows);
-int kiv_sensor_set_elevation_table(kiv_sensor* sensor, const float* table, size_t rows);
+int KIV_CDECL kiv_sensor_set_azimuth_table(kiv_sensor* sensor, const float* table, size_t rows);
+int KIV_CDECL kiv_sensor_set_elevation_table(kiv_sensor* sensor, const float* table, size_t rows);
 /* rows (at least 1) of raw reading and tilt in degrees, 2 * rows floats, the readings rising or
  * falling from row to row, else 20. */
-int kiv_sensor_set_tilt_x_table(kiv_sensor* sensor, const float* table, size_t rows);
-int kiv_sensor_set_tilt_y_table(kiv_sensor* sensor, const float* table, size_t rows);
+int KIV_CDECL kiv_sensor_set_tilt_x_table(kiv_sensor* sensor, const float* table, size_t rows);
+int KIV_CDECL kiv_sensor_set_tilt_y_table(kiv_sensor* sensor, const float* table, size_t rows);
 /* The first count values of a block of 7, 7, 6 and 8; the others stay. */
-int kiv_sensor_set_level1_parameters(kiv_sensor* sensor, const float* values, size_t count);
-int kiv_sensor_set_level2_parameters(kiv_sensor* sensor, const float* values, size_t count);
-int kiv_sensor_set_qvc_parameters(kiv_sensor* sensor, const float* values, size_t count);
-int kiv_sensor_set_scale_factors(kiv_sensor* sensor, const float* values, size_t count);
+int KIV_CDECL kiv_sensor_set_level1_parameters(kiv_sensor* sensor, const float* values,
+                                               size_t count);
+int KIV_CDECL kiv_sensor_set_level2_parameters(kiv_sensor* sensor, const float* values,
+                                               size_t count);
+int KIV_CDECL kiv_sensor_set_qvc_parameters(kiv_sensor* sensor, const float* values, size_t count);
+int KIV_CDECL kiv_sensor_set_scale_factors(kiv_sensor* sensor, const float* values, size_t count);
 /* A rotation: m times its transpose is the identity to 1e-5, and m no reflection, else 20. */
-int kiv_sensor_set_local_matrix(kiv_sensor* sensor, const double* m);
+int KIV_CDECL kiv_sensor_set_local_matrix(kiv_sensor* sensor, const double* m);
 /* The same; the inverse of the file's machine matrix. */
-int kiv_sensor_set_machine_matrix(kiv_sensor* sensor, const double* m);
+int KIV_CDECL kiv_sensor_set_machine_matrix(kiv_sensor* sensor, const double* m);
 /* 3 doubles, kept and not used. */
-int kiv_sensor_set_known_vector(kiv_sensor* sensor, const double* v);
+int KIV_CDECL kiv_sensor_set_known_vector(kiv_sensor* sensor, const double* v);
 /* Radians. */
-int kiv_sensor_set_encoder_offset(kiv_sensor* sensor, float azimuth, float elevation);
+int KIV_CDECL kiv_sensor_set_encoder_offset(kiv_sensor* sensor, float azimuth, float elevation);
 /* Degrees. */
-int kiv_sensor_set_tilt_offset(kiv_sensor* sensor, float x, float y);
-int kiv_sensor_set_thermal_factor(kiv_sensor* sensor, float x_slope, float x_intercept,
-                                  float y_slope, float y_intercept);
+int KIV_CDECL kiv_sensor_set_tilt_offset(kiv_sensor* sensor, float x, float y);
+int KIV_CDECL kiv_sensor_set_thermal_factor(kiv_sensor* sensor, float x_slope, float x_intercept,
+                                            float y_slope, float y_intercept);
 
 /* What became of a reading, as in column state of kiv run. */
 enum {
@@ -242,7 +254,7 @@ enum {
     KIV_STATE_REFUSED = 5         /* not finite, or a zero vector: it did not reach the sensor */
 };
 /* The word that kiv run prints: "ok", "no_reference"; null for another number. */
-const char* kiv_state_name(int state);
+const char* KIV_CDECL kiv_state_name(int state);
 
 /*
  * One reading, or count of them in the order in which they were measured; 0 whatever came of them.
@@ -250,9 +262,9 @@ const char* kiv_state_name(int state);
  * zeros. Allocates nothing. matrices, 9 doubles a reading, and states, 1 byte a reading, are
  * optional; the matrices are the identity where none was computed, and in mount modes 7 and above.
  */
-int kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out);
-int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
-                           kiv_result* out, double* matrices, uint8_t* states);
+int KIV_CDECL kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out);
+int KIV_CDECL kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
+                                     kiv_result* out, double* matrices, uint8_t* states);
 
 /*
  * How far the angles of a reading can be trusted, as kiv run's columns trust and model_error_deg
@@ -278,7 +290,7 @@ enum {
         13 /* dual level: the levels ask for another elevation than the encoder's */
 };
 /* The word that kiv run prints: "good", "outside_limits"; null for another number. */
-const char* kiv_trust_name(int trust);
+const char* KIV_CDECL kiv_trust_name(int trust);
 
 /* The trust in one reading's angles; 8 bytes. */
 typedef struct kiv_trust {
@@ -312,51 +324,51 @@ typedef struct kiv_uncertainty {
  * tilt_offset_x_deg, tilt_offset_y_deg. 20 for another name, for what the model does not read, and
  * for the vector in both ways.
  */
-int kiv_sensor_set_uncertainty(kiv_sensor* sensor, const char* name, double value);
+int KIV_CDECL kiv_sensor_set_uncertainty(kiv_sensor* sensor, const char* name, double value);
 /* Makes all of them 0 again, the vector in neither way. */
-int kiv_sensor_clear_uncertainties(kiv_sensor* sensor);
+int KIV_CDECL kiv_sensor_clear_uncertainties(kiv_sensor* sensor);
 /* The names in the order above; null behind the last one. */
-const char* kiv_uncertainty_name(size_t index);
+const char* KIV_CDECL kiv_uncertainty_name(size_t index);
 
 /*
  * As kiv_sensor_update and kiv_sensor_update_many, and how far the results can be trusted: trust
  * and uncertainty, one each a reading, are optional. An uncertainty takes up to 14 further updates.
  * Allocates nothing; what it needs, the sensor's setters allocate.
  */
-int kiv_sensor_judge(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out,
-                     kiv_trust* trust, kiv_uncertainty* uncertainty);
-int kiv_sensor_judge_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
-                          kiv_result* out, double* matrices, uint8_t* states, kiv_trust* trust,
-                          kiv_uncertainty* uncertainties);
+int KIV_CDECL kiv_sensor_judge(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out,
+                               kiv_trust* trust, kiv_uncertainty* uncertainty);
+int KIV_CDECL kiv_sensor_judge_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
+                                    kiv_result* out, double* matrices, uint8_t* states,
+                                    kiv_trust* trust, kiv_uncertainty* uncertainties);
 
 /*
  * The matrix of the last reading that reached the sensor, 9 doubles, as above. 554, with m filled
  * all the same, when its status was not 2 or there was none.
  */
-int kiv_sensor_matrix(kiv_sensor* sensor, double* m);
+int KIV_CDECL kiv_sensor_matrix(kiv_sensor* sensor, double* m);
 
 /*
  * The reference: whether there is one; which reading it is; where that came among those that the
  * sensor was given, from 0, or -1 when it was captured. 554 without a reference.
  */
-int kiv_sensor_has_reference(const kiv_sensor* sensor, bool* has);
-int kiv_sensor_reference_reading(const kiv_sensor* sensor, kiv_reading* reading);
-int kiv_sensor_reference_index(const kiv_sensor* sensor, int64_t* index);
+int KIV_CDECL kiv_sensor_has_reference(const kiv_sensor* sensor, bool* has);
+int KIV_CDECL kiv_sensor_reference_reading(const kiv_sensor* sensor, kiv_reading* reading);
+int KIV_CDECL kiv_sensor_reference_index(const kiv_sensor* sensor, int64_t* index);
 
 /*
  * Makes a reading the reference, in place of one that is there: a later part of a recording then
  * gives what it gives within the whole. Nothing else of the sensor changes. 554 for a reading that
  * an update would not make the reference.
  */
-int kiv_sensor_capture_reference(kiv_sensor* sensor, const kiv_reading* reading);
+int KIV_CDECL kiv_sensor_capture_reference(kiv_sensor* sensor, const kiv_reading* reading);
 
 /*
  * Home angles in degrees from frame_x (first axis of the tilt frame, 3 doubles), a direction (3),
  * two angles in degrees (2: the first enters home_h, the second home_v) and two tilts in degrees
  * (2: about x and about y). 554 when the tilt frame is singular.
  */
-int kiv_home_angles(const double* frame_x, const double* direction, const double* angles,
-                    const double* tilt, double* home_h, double* home_v);
+int KIV_CDECL kiv_home_angles(const double* frame_x, const double* direction, const double* angles,
+                              const double* tilt, double* home_h, double* home_v);
 
 #if (defined(__cplusplus) && __cplusplus >= 201103L) || defined(_MSVC_LANG)                        \
     || (defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L)
