@@ -153,6 +153,7 @@ TEST(Tool, SaysWhereALastLineEndIsMissing) {
              at = result.err.find(cut, at + 1))
             ++warnings;
         EXPECT_EQ(warnings, row.warnings) << row.arguments[0] << result.err;
+        EXPECT_EQ(result.err.find("csv:3:39: ") != result.err.npos, row.warnings == 2);
     }
 }
 

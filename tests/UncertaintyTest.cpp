@@ -162,13 +162,13 @@ TEST(Trust, EachReasonHasItsWord) {
 
 // The deviation of the spare reading is that of draws; an elevation offset shows with its sign.
 TEST(Trust, ExpectsOfTheSpareReadingWhatDrawsShow) {
-    for (const int mode : {1, 10}) {
+    for (const auto& [mode, upwards] : {std::pair{1, 0.3}, {10, 0.3}, {10, 5.0}}) {
         CKiv sensor;
         prepare(sensor, mode);
         sensor.setThermalFactor({0.01F, 0.8F, 0.02F, 0.6F});
         TrustJudge judge(sensor, wide);
         Uncertainties u;
-        u[Source::vector1] = 0.1, u[Source::vector2] = 0.2, u[Source::vector3] = 0.3;
+        u[Source::vector1] = 0.1, u[Source::vector2] = 0.2, u[Source::vector3] = upwards;
         u[Source::elevation] = 0.004;
         u[Source::levelX] = 0.005, u[Source::levelY] = 0.003;
         u[Source::temperature] = 0.02;
