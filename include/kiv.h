@@ -261,6 +261,8 @@ const char* KIV_CDECL kiv_state_name(int state);
  * The first one that can becomes the reference orientation. A refused reading gives a result of
  * zeros. Allocates nothing. matrices, 9 doubles a reading, and states, 1 byte a reading, are
  * optional; the matrices are the identity where none was computed, and in mount modes 7 and above.
+ * A million readings keep other calls on the sensor waiting for up to seconds: where an update must
+ * not wait, they go to a copy.
  */
 int KIV_CDECL kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out);
 int KIV_CDECL kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
