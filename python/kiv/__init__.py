@@ -15,19 +15,23 @@
 
 from . import _library
 from ._columns import State, Trust
-from .errors import Error, Fault, ParameterFileError, ParameterFileWarning, ReadingsError
+from ._rows import Result
+from .errors import Error, Fault, FileError, ParameterFileError, ParameterFileWarning, ReadingsError
 from .parameters import Parameters
-from .sensor import Sensor
+from .sensor import Frame, Sensor
 
-__version__ = _library.version()
+__version__: str = _library.version() or ""
 
 __all__ = [
     "Error",
     "Fault",
+    "FileError",
+    "Frame",
     "ParameterFileError",
     "ParameterFileWarning",
     "Parameters",
     "ReadingsError",
+    "Result",
     "Sensor",
     "State",
     "Trust",

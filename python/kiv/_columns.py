@@ -6,7 +6,8 @@ import enum
 import numbers
 import sys
 from collections.abc import Mapping
-from typing import Any, Dict, Optional, Type
+from functools import lru_cache
+from typing import Any, Dict, Iterable, List, Optional, Tuple, Type
 
 import numpy as np
 from numpy.typing import NDArray
@@ -96,9 +97,30 @@ class Trust(enum.IntEnum):
     SPARE_DISAGREES = 13  # dual level: the levels ask for another elevation than the encoder's
 
 
-def is_frame(values: object) -> bool:
+@lru_cache(maxsize=None)
+def emptied(has_matrix: bool) -> Tuple[Tuple[Iterable[str], Array], ...]:
+    """Columns, and by state whether they are NaN in such a row."""
+    modelled = [State.OK, State.NO_REFERENCE, State.REFERENCE]
+    filled: Tuple[Tuple[Iterable[str], List[State]], ...] = (
+        (_corrected, [state for state in State if state != State.REFUSED]),
+        (_angles, [State.OK]),
+        (_qvc, [] if has_matrix else modelled),
+        (MATRIX, [State.OK] if has_matrix else []),
+    )
+    return tuple((fields, ~np.isin(list(State), states)) for fields, states in filled)
+
+
+def is_pandas(values: object, kind: str) -> bool:
     pandas = sys.modules.get("pandas")  # who has a frame has loaded it
-    return pandas is not None and isinstance(values, pandas.DataFrame)
+    return pandas is not None and isinstance(values, getattr(pandas, kind))
+
+
+def is_frame(values: object) -> bool:
+    return is_pandas(values, "DataFrame")
+
+
+def _is_number(value: object) -> bool:
+    return isinstance(value, numbers.Real) and not isinstance(value, np.timedelta64)
 
 
 class Readings:
@@ -142,8 +164,11 @@ class Readings:
 
     def _numbers(self, name: str, values: Any) -> Array:
         """A column's values; a missing one is NaN."""
-        if isinstance(values, np.ma.MaskedArray):
-            values = np.ma.filled(values.astype(np.float64), np.nan)  # type: ignore[no-untyped-call]
+        if is_frame(values):
+            raise self._error(name, None, "one column of this name", str(values.shape[1]))
+        if isinstance(values, np.ma.MaskedArray) and values.dtype.kind in "biufO":
+            wide = values.astype(object if values.dtype.kind == "O" else np.float64)
+            values = np.ma.filled(wide, np.nan)  # type: ignore[no-untyped-call]
         elif hasattr(values, "to_numpy") and not isinstance(values.dtype, np.dtype):
             values = values.to_numpy(object, na_value=np.nan)  # a type of pandas' own
         try:
@@ -159,7 +184,7 @@ class Readings:
         if array.dtype.kind in "mM" and len(array) > 0:  # in a list they are whole numbers
             raise self._error(name, 0, "a number", str(array[0]))
         for row, value in enumerate(array.tolist()):
-            if value is not None and not isinstance(value, numbers.Real):
+            if value is not None and not _is_number(value):
                 raise self._error(name, row, "a number", repr(value))
         return array.astype(np.float64)
 
@@ -190,7 +215,7 @@ class Results:
     def __init__(
         self, n: int, matrices: bool, trust: bool, uncertainties: bool, has_matrix: bool, local: bool
     ) -> None:
-        self._has_matrix = has_matrix  # else the QVC vector
+        self._emptied = emptied(has_matrix)
         self._states = np.empty(n, np.uint8)
         self._records = np.empty(n, RESULT)
         self._matrices = np.empty((n, 9)) if matrices else None
@@ -208,17 +233,13 @@ class Results:
 
         others = np.flatnonzero(states != State.OK)
         became = states[others]
-        unmodelled = others[(became != State.NO_REFERENCE) & (became != State.REFERENCE)]
-        everywhere = slice(None)
-        for fields, empty in (
-            (_corrected, others[became == State.REFUSED]),
-            (_angles, others),
-            (_qvc, everywhere if self._has_matrix else unmodelled),
-        ):
-            for name in fields:
-                records[name][empty] = np.nan
-        if matrices is not None:
-            matrices[others if self._has_matrix else everywhere] = np.nan
+        for fields, lacks in self._emptied:
+            empty = slice(None) if lacks[State.OK] else others[lacks[became]]
+            if fields is not MATRIX:
+                for name in fields:
+                    records[name][empty] = np.nan
+            elif matrices is not None:
+                matrices[empty] = np.nan
         records["state"] = states
 
     def table(self, like: Any) -> Any:

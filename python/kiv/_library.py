@@ -13,7 +13,7 @@ from typing import Any, Callable, List, Optional, Tuple
 import numpy as np
 from numpy.typing import NDArray
 
-from .errors import Error, Fault
+from .errors import Error, Fault, FileError
 
 BAD_ARGUMENT, NO_MEMORY, CANNOT_OPEN, BAD_FORMAT = 20, 21, 550, 553
 LOCAL, MACHINE = 0, 1
@@ -73,9 +73,13 @@ def check(code: int, path: str = "") -> None:
     if code == CANNOT_OPEN:
         reason = detail.rsplit(": ", 1)[-1]
         number = _last_system_error()
-        if sys.platform == "win32" and number:
+        if number == 0 and os.path.isdir(path):
+            raise IsADirectoryError(errno.EISDIR, reason, path)
+        if number == 0:
+            raise FileError(None, reason, path)
+        if sys.platform == "win32":
             raise OSError(0, reason, path, number)
-        raise OSError(number or errno.EINVAL, reason, path)
+        raise OSError(number, reason, path)
     raise Error(code, f"{detail} ({code})")
 
 
@@ -134,7 +138,7 @@ def block_kind(block: str) -> int:
     return kind.value
 
 
-def _pointer(array: Optional[Array]) -> Optional[int]:
+def pointer(array: Optional[Array]) -> Optional[int]:
     return None if array is None else array.ctypes.data
 
 
@@ -194,12 +198,12 @@ class Parameters(_Handle):
         count = c_size_t()
         _parameters_number_count(self.pointer, block.encode(), byref(count))
         values = np.empty(count.value, np.float32)
-        _parameters_numbers(self.pointer, block.encode(), _pointer(values), count.value)
+        _parameters_numbers(self.pointer, block.encode(), pointer(values), count.value)
         return values
 
     def limits(self, block: str) -> NDArray[np.float32]:
         values = np.empty(3, np.float32)
-        _parameters_limits(self.pointer, block.encode(), _pointer(values))
+        _parameters_limits(self.pointer, block.encode(), pointer(values))
         return values
 
     def rewrite(self, path: bytes) -> int:
@@ -240,15 +244,19 @@ class Sensor(_Handle):
         return self._number(_sensor_reference_index, c_int64())
 
     def reference_reading(self, record: Array) -> None:
-        _sensor_reference_reading(self.pointer, _pointer(record))
+        _sensor_reference_reading(self.pointer, pointer(record))
 
-    def capture_reference(self, record: Array) -> None:
-        _sensor_capture_reference(self.pointer, _pointer(record))
+    def capture_reference(self, record: bytes) -> None:
+        _sensor_capture_reference(self.pointer, record)
 
     def set_uncertainty(self, name: bytes, value: float) -> int:
         return _sensor_set_uncertainty(self.pointer, name, value)
 
     def judge(self, readings: Array, *results: Optional[Array]) -> None:
         """Results, matrices, states, trust, uncertainties; the interpreter lock is free meanwhile."""
-        pointers = [_pointer(array) for array in results]
-        _sensor_judge_many(self.pointer, _pointer(readings), len(readings), *pointers)
+        pointers = [pointer(array) for array in results]
+        _sensor_judge_many(self.pointer, pointer(readings), len(readings), *pointers)
+
+    def judge_one(self, reading: bytes, *results: Optional[int]) -> None:
+        """The same for one, with the places of the results."""
+        _sensor_judge_many(self.pointer, reading, 1, *results)

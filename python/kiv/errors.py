@@ -49,6 +49,14 @@ class ParameterFileWarning(UserWarning):
     """A parameter file with values that a sensor's should not be, as kiv check warns of them."""
 
 
+class FileError(OSError):
+    """A file that the system gives and the library does not take: no regular one, or one with
+    several names. errno is None."""
+
+    def __str__(self) -> str:
+        return f"{self.filename}: {self.strerror}"
+
+
 class ReadingsError(Error, ValueError):
     """Readings that do not fit; nothing of them has reached the sensor.
 

@@ -2,9 +2,10 @@
 
 from __future__ import annotations
 
+import copy
 import os
 import warnings
-from typing import Any, Callable, Dict, Tuple, Union
+from typing import Any, Dict, Iterator, Mapping, Tuple, Type, TypeVar, Union
 
 import numpy as np
 from numpy.typing import NDArray
@@ -20,15 +21,19 @@ def _path_bytes(path: Union[str, bytes, os.PathLike[Any]]) -> bytes:
     return encoded
 
 
-class Parameters:
+Value = Union[int, str, NDArray[np.float32]]
+_Self = TypeVar("_Self", bound="Parameters")
+
+
+class Parameters(Mapping[str, Value]):
     """The calibration parameters of one sensor, read from its parameter file; never changed.
 
     path: where the name is Tg<sensor ID>.prm, the file has to be that sensor's. Raises
     ParameterFileError with the place of the fault, OSError for a file that cannot be read. Warns,
     by ParameterFileWarning, of what ``kiv check`` warns of.
 
-    A block's values stand under the name that ``kiv info --json`` prints, in the file's units:
-    angles in degrees.
+    A mapping: a block's values stand under the name that ``kiv info --json`` prints, in the file's
+    units, angles in degrees. Two of them are equal when they are one object.
 
     >>> parameters = Parameters("Tg5.prm")
     >>> parameters["mounting_mode"]
@@ -48,13 +53,17 @@ class Parameters:
         self._check(self._handle.load(encoded), os.fsdecode(path))
 
     @classmethod
-    def from_text(cls, text: Union[bytes, str]) -> Parameters:
+    def from_text(cls: Type[_Self], text: Union[bytes, str]) -> _Self:
         """Of a parameter file's text in memory."""
+        if not isinstance(text, (str, bytes, bytearray, memoryview)):
+            raise TypeError(f"text: expected str or bytes, found {type(text).__name__}")
         made = cls.__new__(cls)
-        made._handle = _library.Parameters()
-        as_bytes = text.encode() if isinstance(text, str) else bytes(text)
-        made._check(made._handle.load_text(as_bytes), "text")
+        made._load(text.encode() if isinstance(text, str) else bytes(text))
         return made
+
+    def _load(self, text: bytes) -> None:
+        self._handle = _library.Parameters()
+        self._check(self._handle.load_text(text), "text")
 
     def _check(self, code: int, name: str) -> None:
         if code == _library.BAD_FORMAT:
@@ -68,7 +77,7 @@ class Parameters:
         """The file's text, byte for byte."""
         return self._handle.text()
 
-    def __getitem__(self, block: str) -> Union[int, str, NDArray[np.float32]]:
+    def __getitem__(self, block: str) -> Value:
         """The block's value: a number, a word, an array, a 3 x 3 matrix or a table of 2 columns."""
         if block not in self.blocks:
             raise KeyError(block)
@@ -79,6 +88,15 @@ class Parameters:
             return self._handle.word(block)
         shapes = {_library.NUMBERS: (-1,), _library.MATRIX: (3, 3)}
         return self._handle.numbers(block).reshape(shapes.get(kind, (-1, 2)))
+
+    def __iter__(self) -> Iterator[str]:
+        return iter(self.blocks)
+
+    def __len__(self) -> int:
+        return len(self.blocks)
+
+    __eq__ = object.__eq__  # arrays have no single truth
+    __hash__ = object.__hash__
 
     def limits(self, block: str) -> Tuple[float, float]:
         """Low and high limit of a tilt table, degrees."""
@@ -96,14 +114,27 @@ class Parameters:
         """
         _library.check(self._handle.rewrite(_path_bytes(path)), os.fsdecode(path))
 
-    def __copy__(self) -> Parameters:
-        return self
+    def __copy__(self: _Self) -> _Self:
+        made = type(self).__new__(type(self))
+        made.__dict__.update(self.__dict__)
+        return made
 
-    def __deepcopy__(self, memo: Dict[int, Any]) -> Parameters:
-        return self
+    def __deepcopy__(self: _Self, memo: Dict[int, Any]) -> _Self:
+        made = self.__copy__()
+        memo[id(self)] = made
+        made.__dict__.update(copy.deepcopy(self._others(), memo))
+        return made
 
-    def __reduce__(self) -> Tuple[Callable[[bytes], Parameters], Tuple[bytes]]:
-        return Parameters.from_text, (self.text,)
+    def _others(self) -> Dict[str, Any]:
+        return {name: value for name, value in self.__dict__.items() if name != "_handle"}
+
+    def __getstate__(self) -> Tuple[Dict[str, Any], bytes]:
+        return self._others(), self.text
+
+    def __setstate__(self, state: Tuple[Dict[str, Any], bytes]) -> None:
+        others, text = state
+        self.__dict__.update(others)
+        self._load(text)
 
     def __repr__(self) -> str:
         return f"<kiv.Parameters of sensor {self['serial_number']}>"

@@ -2,20 +2,34 @@
 
 from __future__ import annotations
 
+import copy
 import numbers
-from typing import TYPE_CHECKING, Any, Callable, Dict, Mapping, Optional, Tuple, Union, overload
+from typing import (
+    TYPE_CHECKING,
+    Any,
+    Dict,
+    Literal,
+    Mapping,
+    Optional,
+    Tuple,
+    TypeVar,
+    Union,
+    overload,
+)
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from . import _columns, _library
+from . import _columns, _library, _rows
 from ._lock import Lock
 from .parameters import Parameters
 
 if TYPE_CHECKING:
     from pandas import DataFrame
 
-_FRAMES = {"local": _library.LOCAL, "machine": _library.MACHINE}
+Frame = Literal["machine", "local"]
+_Self = TypeVar("_Self", bound="Sensor")
+_FRAMES: Dict[Frame, int] = {"local": _library.LOCAL, "machine": _library.MACHINE}
 _UNCERTAINTIES = _library.names(_library.uncertainty_name)
 _PART = 1 << 14  # rows of readings at a time: they stay in the processor's cache
 
@@ -37,8 +51,9 @@ class Sensor:
     (module copy) and a pickle have the reference with them.
 
     Sensors share nothing: two of them on two threads use two processors. Calls on one sensor wait
-    for one another, a run as a whole: a frame that is set meanwhile is that of the next run. In a
-    process that is forked during a run, that sensor raises RuntimeError.
+    for one another, a run as a whole: a frame that is set meanwhile is that of the next run; an
+    update that must not wait has a sensor of its own, such as a copy. In a process that is forked
+    during a run, that sensor raises RuntimeError.
 
     >>> import pandas
     >>> sensor = Sensor(Parameters("Tg5.prm"))
@@ -56,7 +71,7 @@ class Sensor:
     def __init__(
         self,
         parameters: Parameters,
-        frame: str = "machine",
+        frame: Frame = "machine",
         uncertainties: Optional[Mapping[str, float]] = None,
     ) -> None:
         if not isinstance(parameters, Parameters):
@@ -64,9 +79,16 @@ class Sensor:
                 f"parameters: expected kiv.Parameters, found {type(parameters).__name__}"
             )
         self._parameters = parameters
-        self._handle = _library.Sensor.new(parameters._handle)
-        self._lock = Lock()
         self._uncertainties = None if uncertainties is None else dict(uncertainties)
+        self._own(_library.Sensor.new(parameters._handle))
+        self._give(frame)
+
+    def _own(self, handle: _library.Sensor) -> None:
+        self._handle = handle
+        self._lock = Lock()
+        self._rows: Dict[Tuple[bool, bool, bool], _rows.Row] = {}
+
+    def _give(self, frame: Frame) -> None:
         for name, value in (self._uncertainties or {}).items():
             self._set_uncertainty(name, value)
         self.frame = frame
@@ -97,13 +119,13 @@ class Sensor:
         return self._parameters
 
     @property
-    def frame(self) -> str:
+    def frame(self) -> Frame:
         """"machine" or "local"; the next readings' angles are in it."""
         with self._lock:
             return {value: name for name, value in _FRAMES.items()}[self._handle.frame()]
 
     @frame.setter
-    def frame(self, frame: str) -> None:
+    def frame(self, frame: Frame) -> None:
         if frame not in _FRAMES:
             raise ValueError(f"frame: expected 'machine' or 'local', found {frame!r}")
         with self._lock:
@@ -131,15 +153,10 @@ class Sensor:
     def capture_reference(self, reading: Any) -> None:
         """Makes a reading the reference, in place of one that is there.
 
-        reading: values by the names of run's columns, such as a dict or a row of a table. A later
-        part of a recording then gives what it gives within the whole. Raises Error (code 554) where
-        run would not make it the reference.
+        reading: as of update. A later part of a recording then gives what it gives within the
+        whole. Raises Error (code 554) where run would not make it the reference.
         """
-        names = _columns.READING.names or ()
-        given = getattr(getattr(reading, "dtype", None), "names", None) or reading.keys()
-        columns = {name: [reading[name]] for name in names if name in given}
-        record = np.zeros(1, _columns.READING)
-        _columns.Readings("reading", columns).fill(record, 0)
+        record = _rows.packed("reading", reading)
         with self._lock:
             self._handle.capture_reference(record)
 
@@ -150,6 +167,24 @@ class Sensor:
                 return None
             self._handle.reference_reading(record)
         return record
+
+    def update(self, reading: Any, matrices: bool = False, trust: bool = True) -> _rows.Result:
+        """The orientation of one reading, where it comes alone: a tenth of the time of run.
+
+        reading: numbers by the names of run's columns: a dict, a row of ``DataFrame.itertuples``, a
+        row of a frame (Series) or of a structured array. Gives a dict with the names and values of
+        the row that run gives, state a kiv.State and trust a kiv.Trust.
+        """
+        record = _rows.packed("reading", reading)
+        uncertainties = self._uncertainties is not None
+        with self._lock:
+            key = matrices, trust, uncertainties and self.frame == "local"
+            row = self._rows.get(key)
+            if row is None:
+                has_matrix = self._handle.has_matrix()
+                row = _rows.Row(matrices, trust, uncertainties, has_matrix, key[2])
+                self._rows[key] = row
+            return row.of(self._handle, record)
 
     @overload
     def run(
@@ -225,23 +260,36 @@ class Sensor:
                 results.update(self._handle, filled, start)
         return results.table(readings)
 
-    def __copy__(self) -> Sensor:
-        made = Sensor.__new__(Sensor)
-        made._parameters = self._parameters
+    def __copy__(self: _Self) -> _Self:
+        made = type(self).__new__(type(self))
+        made.__dict__.update(self.__dict__)
         with self._lock:
-            made._handle = self._handle.copy()
-        made._uncertainties = self._uncertainties
-        made._lock = Lock()
+            made._own(self._handle.copy())
         return made
 
-    def __deepcopy__(self, memo: Dict[int, Any]) -> Sensor:
-        return self.__copy__()
+    def __deepcopy__(self: _Self, memo: Dict[int, Any]) -> _Self:
+        made = self.__copy__()
+        memo[id(self)] = made
+        made.__dict__.update(copy.deepcopy(self._others(), memo))
+        return made
 
-    def __reduce__(self) -> Tuple[Callable[..., Sensor], Tuple[Any, ...]]:
+    def _others(self) -> Dict[str, Any]:
+        """What can be pickled as it is."""
+        own = ("_handle", "_lock", "_rows")
+        return {name: value for name, value in self.__dict__.items() if name not in own}
+
+    def __getstate__(self) -> Tuple[Dict[str, Any], Frame, Optional[bytes]]:
         with self._lock:
             record, frame = self._reference_record(), self.frame
-        reference = None if record is None else record.tobytes()
-        return _restored, (self._parameters, frame, self._uncertainties, reference)
+        return self._others(), frame, None if record is None else record.tobytes()
+
+    def __setstate__(self, state: Tuple[Dict[str, Any], Frame, Optional[bytes]]) -> None:
+        others, frame, reference = state
+        self.__dict__.update(others)
+        self._own(_library.Sensor.new(self._parameters._handle))
+        self._give(frame)
+        if reference is not None:
+            self._handle.capture_reference(reference)
 
     def __repr__(self) -> str:
         if self._lock.lost:
@@ -249,15 +297,3 @@ class Sensor:
         with self._lock:
             has = "with a" if self._handle.has_reference() else "without a"
             return f"<kiv.Sensor, mount mode {self.mount_mode}, {self.frame} frame, {has} reference>"
-
-
-def _restored(
-    parameters: Parameters,
-    frame: str,
-    uncertainties: Optional[Mapping[str, float]],
-    reference: Optional[bytes],
-) -> Sensor:
-    sensor = Sensor(parameters, frame, uncertainties)
-    if reference is not None:
-        sensor._handle.capture_reference(np.frombuffer(reference, _columns.READING).copy())
-    return sensor

@@ -20,7 +20,7 @@ from tool import EXAMPLE, ROOT
 
 def test_parameters_give_the_files_values(tmp_path):
     parameters = kiv.Parameters(ROOT / "examples/Tg5.prm")
-    assert len(parameters.blocks) == 24 and parameters.text == EXAMPLE.encode()
+    assert len(parameters) == 24 and "no_block" not in parameters and parameters.text == EXAMPLE.encode()
     assert parameters["serial_number"] == 5 and parameters["device_owner"] == "Example"
     assert parameters["machine_coordinate_tranform_matrix"].shape == (3, 3) and parameters["az_calibration_table"].shape == (360, 2)
     assert parameters.limits("tilt_y_calibration_table") == (-9, 9)
@@ -29,7 +29,7 @@ def test_parameters_give_the_files_values(tmp_path):
             wrong()
     parameters.rewrite(tmp_path / "Ünë.prm")
     again = kiv.Parameters(tmp_path / "Ünë.prm")
-    for block in parameters.blocks:
+    for block in parameters:
         if isinstance(parameters[block], np.ndarray):  # six decimals
             np.testing.assert_allclose(again[block], parameters[block], atol=1e-6)
         else:
@@ -58,7 +58,8 @@ def test_what_is_doubtful_in_a_parameter_file_is_warned_of():
 
 @pytest.mark.parametrize("make, kind", [
     (lambda path: path / "Tg5.prm", FileNotFoundError),
-    (lambda path: path, OSError),
+    (lambda path: path, IsADirectoryError),
+    (lambda path: "/dev/null", kiv.FileError),
     (lambda path: "Tg\0.prm", ValueError),
 ])
 def test_files_that_cannot_be_read(make, kind, tmp_path):
@@ -69,6 +70,10 @@ def test_files_that_cannot_be_read(make, kind, tmp_path):
 def test_wrong_arguments():
     one = sensor()
     for wrong, kind in ((lambda: kiv.Sensor("Tg5.prm"), TypeError),
+                        (lambda: kiv.Parameters.from_text(5), TypeError),
+                        (lambda: one.run([1, 2]), TypeError),
+                        (lambda: one.run(np.zeros(3)), TypeError),
+                        (lambda: one.update((1, 2)), TypeError),
                         (lambda: sensor(4, "world"), ValueError),
                         (lambda: setattr(one, "frame", 1), ValueError),
                         (lambda: one.capture_reference(dict(ONE, status=1)), kiv.Error),
@@ -112,6 +117,23 @@ def test_a_twin_has_the_reference(twin, mode):
     one.capture_reference(dict(ONE, azimuth_deg=40))  # the twin keeps its own
     assert one.reference_row is None
     assert (run(readings)["rz_deg"] != one.run(readings)["rz_deg"]).all() or mode >= 7
+
+
+class OwnParameters(kiv.Parameters):
+    pass
+
+
+class OwnSensor(kiv.Sensor):
+    pass
+
+
+@pytest.mark.parametrize("twin", [copy.copy, copy.deepcopy, lambda one: pickle.loads(pickle.dumps(one))])
+def test_a_subclass_stays_one(twin):
+    one = OwnSensor(OwnParameters.from_text(EXAMPLE), "local")
+    one.note = one.parameters.note = "north pier"
+    made = twin(one)
+    assert type(made) is OwnSensor and type(twin(made.parameters)) is OwnParameters
+    assert made.note == twin(made.parameters).note == "north pier" and made.frame == "local"
 
 
 def on_threads(*functions):
@@ -180,7 +202,8 @@ def test_the_guides_lines(capsys, monkeypatch):
 
 def test_the_wheel_works_by_itself(tmp_path, monkeypatch):
     wheels = []
-    for folder in ("a", "b"):
+    for folder, moment in (("a", "0"), ("b", "315532800")):  # a wheel's oldest time
+        monkeypatch.setenv("SOURCE_DATE_EPOCH", moment)
         (tmp_path / folder).mkdir()
         command = [sys.executable, ROOT / "python/make-wheel", kiv._library._dll._name, tmp_path / folder]
         wheels.append(subprocess.run(command, check=True, capture_output=True, text=True).stdout.strip())

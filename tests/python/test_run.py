@@ -47,6 +47,11 @@ def test_digits_are_the_tools(mode, tmp_path):
         assert trust == [word or "none" for word in expected["trust"]] and "none" in trust
         assert list(results) == [name for name in expected if name not in {*readings, "reason", "code"}]
         same_bits(results, expected)
+        one = kiv.Sensor(kiv.Parameters(file), frame, given)
+        rows = [one.update(row, matrices=True) for row in pandas.DataFrame(readings).itertuples()]
+        assert list(rows[0]) == list(results)
+        for name, values in results.items():
+            np.testing.assert_array_equal([row[name] for row in rows], values)
 
 
 def structured(given):
@@ -78,6 +83,10 @@ def test_a_table_comes_back_as_its_kind(kind, matrices, trust, uncertain):
             np.testing.assert_array_equal(results[name], values)
     if kind is frame:
         assert results.index.tolist() == given.index.tolist()
+    one = sensor(6, "local", uncertain)
+    rows = [one.update(given.iloc[i] if kind is frame else given[i], matrices, trust) for i in range(6)]
+    for i in (0, 5):
+        np.testing.assert_equal(rows[i], {name: values[i] for name, values in expected.items()})
 
 
 def read_only():
@@ -102,8 +111,10 @@ def read_only():
 ], ids=lambda value: "")
 def test_values_of_any_type(name, values):
     expected = sensor().run(columns())
-    results = sensor().run(columns(**{name: values}))
+    given, one = columns(**{name: values}), sensor()
+    results = sensor().run(given)
     states = results["state"].tolist()
+    assert states == [one.update({name: cells[i] for name, cells in given.items()})["state"] for i in range(6)]
     last = isinstance(values, list) or not abs(np.ma.filled(values.astype("f8"), np.nan)[5]) < 1e38
     assert states == [kiv.State.REFERENCE] + [kiv.State.OK] * 4 + [kiv.State.REFUSED if last else kiv.State.OK]
     np.testing.assert_array_equal(results["rz_deg"][:5], expected["rz_deg"][:5])
@@ -119,6 +130,8 @@ def test_values_of_any_type(name, values):
     ("x", [1, 2, [3], 4, 5, 6], None, ""),
     ("x", np.full(6, 1j), 0, "1j"),
     ("x", np.zeros(6, "M8[s]"), 0, "1970"),
+    ("x", np.ma.masked_array(np.zeros(6, "M8[s]")), 0, "1970"),
+    ("x", np.array([np.timedelta64(3, "s")] * 6, object), 0, "timedelta"),
     ("status", [2, 2, 2, 2.5, 2, 2], 3, "2.5"),
     ("status", [2, 2, 2, 2, 2**31, 2], 4, "2147483648"),
     ("ref_blocked", [0, 1, 2, 0, 0, 0], 2, "2"),
@@ -137,6 +150,8 @@ def test_refusals_name_the_place_and_leave_the_sensor(name, values, row, found):
     if row is not None:
         with pytest.raises(kiv.ReadingsError, match=f"column {name}, row {row} .from 0., index {100 + row}: "):
             one.run(frame(given))
+        with pytest.raises(kiv.ReadingsError, match=f"^reading: column {name}, row 0 .*: expected "):
+            one.update({column: cells[row] for column, cells in given.items()})
 
 
 @pytest.mark.parametrize("given, found", [
@@ -151,17 +166,15 @@ def test_uncertainties_that_do_not_fit(given, found):
         sensor(uncertainties=given)
 
 
-@pytest.mark.parametrize("readings", [None, [1, 2], np.zeros(3), "readings.csv"])
-def test_what_is_no_table(readings):
-    with pytest.raises(TypeError, match="readings: expected a dict"):
-        sensor().run(readings)
-
-
 def test_pandas_own_types():
     given = frame(columns())
     given["status"] = pandas.array([2, 2, 2, 2, 2, None], "Int64")
     given["ref_blocked"] = pandas.array([False] * 5 + [None], "boolean")
     assert sensor().run(given)["state"].tolist() == ["reference", "ok", "ok", "ok", "ok", "refused"]
+    twice = pandas.concat([given, given.x], axis=1)
+    for wrong in (lambda: sensor().run(twice), lambda: sensor().update(twice.iloc[0])):
+        with pytest.raises(kiv.ReadingsError, match="column x: expected one"):
+            wrong()
 
 
 def test_no_rows():
