@@ -38,7 +38,7 @@ std::string lookOfFolder(const std::string& folder) {
     for (std::filesystem::directory_iterator entry(pathOf(folder), failed), end;
          !failed && entry != end; entry.increment(failed))
         if (isTable(*entry))
-            tables.push_back(textOf(entry->path().u8string()));
+            tables.push_back(textOf(entry->path().generic_u8string()));
     if (tables.empty())
         return "Is a folder without tables (.csv, .tsv, .txt)";
     std::sort(tables.begin(), tables.end());
