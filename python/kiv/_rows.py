@@ -19,6 +19,7 @@ _values_of = itemgetter(*_names)
 _packed = struct.Struct("=4xi9f4x?3x")  # READING
 _plain = frozenset([bool, int, float, *(np.dtype(code).type for code in "?bhilqBHILQefd")])
 _states = tuple(State)
+_trusts = {int(trust): trust for trust in Trust}
 
 
 class _Row(TypedDict):
@@ -123,7 +124,7 @@ class Row(Results):
         row.update(self._empty[state])
         if self._trust is not None:
             row.update(zip(TRUST.names or (), self._trust.item()))
-            row["trust"] = Trust(row["trust"])
+            row["trust"] = _trusts[row["trust"]]
         if self._uncertainties is not None:
             row.update(zip(self._uncertainties.dtype.names or (), self._uncertainties.item()))
         return cast(Result, row)

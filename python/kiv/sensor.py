@@ -86,7 +86,7 @@ class Sensor:
     def _own(self, handle: _library.Sensor) -> None:
         self._handle = handle
         self._lock = Lock()
-        self._rows: Dict[Tuple[bool, bool, bool], _rows.Row] = {}
+        self._rows: Dict[Tuple[bool, bool], _rows.Row] = {}  # of this frame
 
     def _give(self, frame: Frame) -> None:
         for name, value in (self._uncertainties or {}).items():
@@ -130,6 +130,7 @@ class Sensor:
             raise ValueError(f"frame: expected 'machine' or 'local', found {frame!r}")
         with self._lock:
             self._handle.set_frame(_FRAMES[frame])
+            self._rows.clear()
 
     @property
     def mount_mode(self) -> int:
@@ -169,21 +170,18 @@ class Sensor:
         return record
 
     def update(self, reading: Any, matrices: bool = False, trust: bool = True) -> _rows.Result:
-        """The orientation of one reading, where it comes alone: a tenth of the time of run.
+        """The orientation of one reading, in a fifth to a tenth of the time of run.
 
         reading: numbers by the names of run's columns: a dict, a row of ``DataFrame.itertuples``, a
         row of a frame (Series) or of a structured array. Gives a dict with the names and values of
         the row that run gives, state a kiv.State and trust a kiv.Trust.
         """
         record = _rows.packed("reading", reading)
-        uncertainties = self._uncertainties is not None
         with self._lock:
-            key = matrices, trust, uncertainties and self.frame == "local"
-            row = self._rows.get(key)
+            row = self._rows.get((matrices, trust))
             if row is None:
-                has_matrix = self._handle.has_matrix()
-                row = _rows.Row(matrices, trust, uncertainties, has_matrix, key[2])
-                self._rows[key] = row
+                row = _rows.Row(*self._kind_of_results(matrices, trust))
+                self._rows[matrices, trust] = row
             return row.of(self._handle, record)
 
     @overload
@@ -246,19 +244,16 @@ class Sensor:
         given = _columns.Readings("readings", readings)
         part = np.zeros(min(given.count, _PART), _columns.READING)
         with self._lock:
-            results = _columns.Results(
-                given.count,
-                matrices,
-                trust,
-                self._uncertainties is not None,
-                self._handle.has_matrix(),
-                self.frame == "local",
-            )
+            results = _columns.Results(given.count, *self._kind_of_results(matrices, trust))
             for start in range(0, given.count, _PART):
                 filled = part[: given.count - start]
                 given.fill(filled, start)
                 results.update(self._handle, filled, start)
         return results.table(readings)
+
+    def _kind_of_results(self, matrices: bool, trust: bool) -> Tuple[bool, bool, bool, bool, bool]:
+        uncertainties = self._uncertainties is not None
+        return matrices, trust, uncertainties, self._handle.has_matrix(), self.frame == "local"
 
     def __copy__(self: _Self) -> _Self:
         made = type(self).__new__(type(self))

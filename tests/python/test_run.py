@@ -87,6 +87,8 @@ def test_a_table_comes_back_as_its_kind(kind, matrices, trust, uncertain):
     rows = [one.update(given.iloc[i] if kind is frame else given[i], matrices, trust) for i in range(6)]
     for i in (0, 5):
         np.testing.assert_equal(rows[i], {name: values[i] for name, values in expected.items()})
+    one.frame = "machine"
+    assert "u_reference_rx_deg" not in one.update(ONE, matrices, trust)
 
 
 def read_only():
