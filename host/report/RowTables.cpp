@@ -110,6 +110,9 @@ void appendRowCounts(std::string& html, const ReportContent& content) {
     html += "</tfoot>\n</table>\n";
     if (summary.blankRows() > 0)
         html += "<p>Blank rows, which are left out: " + countText(summary.blankRows()) + ".</p>\n";
+    if (summary.cutRows() > 0)
+        html += "<p>Last rows that may be cut, as they have no line end: "
+                + countText(summary.cutRows()) + ".</p>\n";
     html += "</section>\n";
 }
 

@@ -69,6 +69,7 @@ void LineBlockReader::dropRestOfLine(std::string& text) {
 
 void LineBlockReader::endWithoutLineEnd(LineBlock& block) {
     ++lines;
+    block.mayBeCut = true;
     const std::size_t column = block.text.size() + (block.text.ends_with('\r') ? 0 : 1);
     block.said = name + ':' + std::to_string(lines) + ':' + std::to_string(column)
                  + ": expected a line end behind the last row, which may be cut, found end of file "
@@ -96,6 +97,7 @@ bool LineBlockReader::next(LineBlock& block) {
     block.firstLine = lines + 1;
     block.inputWouldWait = false;
     block.brokenOff = false;
+    block.mayBeCut = false;
     block.said.clear();
     if (finished)
         return false;

@@ -20,6 +20,7 @@ struct LineBlock {
     std::size_t firstLine = 1;   // of the text, from 1
     bool inputWouldWait = false; // no further input is at hand
     bool brokenOff = false;      // reading, behind these lines
+    bool mayBeCut = false;       // the last line, which has no end
     std::string said{};          // about the input's end, behind these lines
 };
 

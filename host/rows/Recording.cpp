@@ -84,6 +84,7 @@ std::string Recording::name() const {
 bool Recording::openInTurn(LineBlock& block) {
     block.text.clear();
     block.said.clear();
+    block.mayBeCut = false;
     block.inputWouldWait = mayWait(files[current]) && !announced;
     if (block.inputWouldWait) {
         announced = true;

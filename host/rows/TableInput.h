@@ -35,6 +35,7 @@ public:
 
     // The same blocks row by row; false at the end.
     bool nextRow();
+    bool rowMayBeCut() const { return block.mayBeCut; } // the last one, which has no end
     bool wouldWait() const { return rows.rest().empty() && block.inputWouldWait; }
     // Ends such a run of rows: false, and a message, where reading broke off; a warning of a cut
     // last row.

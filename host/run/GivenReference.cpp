@@ -54,6 +54,10 @@ bool takeReference(const ReadingsOptions& options, RowRunner& runner, const Stre
     if (found) {
         given.table = input.name();
         given.line = table.lineNumber();
+        if (line == 0 && input.rowMayBeCut()) { // else the run says so
+            given.mayBeCut = true;
+            input.reportEnd(streams.err);
+        }
         for (LineBlock rest; hash && input.nextBlock(rest);) { // the digest is that of all
         }
         return true;

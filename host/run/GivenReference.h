@@ -15,6 +15,7 @@ struct Streams;
 struct GivenReference {
     std::string table;
     std::size_t line = 0; // 0: none
+    bool mayBeCut = false;
     RowResult result;
 };
 

@@ -12,6 +12,7 @@ bool RunOutputs::open() {
     const GivenReference& reference = inputs.givenReference();
     if (options.referenceLine == 0 && reference.line > 0)
         totals.nameReference(reference.table, reference.line, reference.result.trust.trust);
+    totals.addCutRows(reference.mayBeCut ? 1 : 0);
     if (inputs.uncertainties())
         totals.expectUncertainties();
     // An earlier summary must not be left beside new results.
@@ -41,6 +42,7 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
         return false;
     if (taken == batch.count) {
         ends += block.said;
+        totals.addCutRows(block.mayBeCut ? 1 : 0);
         broken = block.brokenOff;
     }
     return goOn && !broken;
@@ -88,7 +90,7 @@ bool RunOutputs::strictlyGood() const {
         return true;
     if (totals.count(RowState::ok) > 0)
         return totals.allTrusted() && totals.spareReadings().objection().empty()
-               && inputs.parameterWarnings() == 0;
+               && inputs.parameterWarnings() == 0 && totals.cutRows() == 0;
     streams.err << inputs.recording().name()
                 << ": expected rows with angles for --strict, found none\n";
     return false;

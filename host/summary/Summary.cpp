@@ -121,6 +121,8 @@ void Summary::printCounts(std::ostream& out) const {
         out << "spare reading: " << objection << '\n';
     if (blanks > 0)
         out << "blank_rows: " << blanks << '\n';
+    if (cut > 0)
+        out << "may_be_cut: " << cut << '\n';
     if (reference > 0 && count(RowState::reference) == 0)
         out << "reference: " << referencePlace() << '\n';
     if (notUncertain > 0)

@@ -27,6 +27,9 @@ public:
     // Rows that are none: they have no results.
     void addBlankRows(std::size_t number) { blanks += number; }
     std::size_t blankRows() const { return blanks; }
+    // Last rows of tables that have no line end, so that they may be cut.
+    void addCutRows(std::size_t number) { cut += number; }
+    std::size_t cutRows() const { return cut; }
 
     bool allGood() const {
         return count(RowState::noOrientation) == 0 && count(RowState::refused) == 0;
@@ -84,6 +87,7 @@ private:
     std::array<std::size_t, reasonWords.size()> reasons{};
     std::array<std::size_t, trustWords.size()> trusts{};
     std::size_t blanks = 0;
+    std::size_t cut = 0;
     std::size_t reference = 0;
     std::string tableOfReference;
     Trust trustOfReference = Trust::good;
