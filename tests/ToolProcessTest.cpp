@@ -75,6 +75,18 @@ TEST(ToolProcess, RewritesInAFolderWaitForEachOther) {
     EXPECT_EQ(contentOf(folder.path() + "/$tmp.prm"), std::nullopt);
 }
 
+// The shell has opened the streams, so that no name tells that they lead to the table.
+TEST(ToolProcess, NeverReadsItsOwnOutput) {
+    const ParameterFolder folder;
+    std::ofstream(folder.file()) << textOf(5);
+    const std::string table = folder.path() + "/readings.csv", sensor = '"' + folder.file() + "\" ";
+    const std::string text = header + "0," + good, name = '"' + table + '"';
+    std::ofstream(table, std::ios::binary) << text;
+    EXPECT_NE(run("report " + sensor + "- < " + name + " -o " + name), 0);
+    EXPECT_NE(run("report " + sensor + name + " >> " + name), 0);
+    EXPECT_EQ(contentOf(table), text);
+}
+
 #ifdef __linux__
 
 // A rewrite on a terminal of its own, where there is one to be had.

@@ -46,6 +46,11 @@ std::string openingCause(const fs::path& path, int error) {
     return folder.empty() ? "No such file" : "No such folder: " + shownPath(folder);
 }
 
+// Of the file that an argument names, or to which a stream leads; empty where there is none.
+std::string identityOf(const std::string& name, platform::StandardStream stream) {
+    return name == "-" ? platform::identityOf(stream) : platform::identityOf(name.c_str());
+}
+
 // On Windows, whatever the extension; the null device itself is there to throw an output away.
 bool namesDevice(const std::string& name) {
     std::string stem = name.substr(name.find_last_of("/\\:") + 1);
@@ -219,12 +224,19 @@ bool writeToStandardOutput(std::string_view text, const Streams& streams) {
 
 bool refuseOverwriting(const std::string& output, const std::vector<std::string>& inputs,
                        std::ostream& err) {
-    for (const std::string& input : inputs) {
-        if (sameFile(output, input)) {
+    using platform::StandardStream;
+    const std::string written = identityOf(output, StandardStream::output);
+    for (const std::string& name : inputs) {
+        if (written.empty() || written != identityOf(name, StandardStream::input))
+            continue;
+        if (output == "-")
+            err << "standard output: expected a file of its own, found the input "
+                << shownInput(name)
+                << ", which the shell has opened for it; give -o another file\n";
+        else
             err << shownOutput(output) << ":1:1: expected an output of its own, found the input "
-                << shownInput(input) << '\n';
-            return true;
-        }
+                << shownInput(name) << '\n';
+        return true;
     }
     return false;
 }

@@ -124,6 +124,9 @@ PathKind kindOf(const char* path);
 // Which file or folder a path leads to, the same for all its names and for links to it; empty when
 // there is none.
 std::string identityOf(const char* path);
+// The same of the file to which a standard stream leads; empty where it leads to no regular one.
+enum class StandardStream { input, output };
+std::string identityOf(StandardStream stream);
 // The name itself is a symbolic link.
 bool isLink(const char* path);
 // Resolves all links; the path as given when there is nothing there.

@@ -153,6 +153,10 @@ bool moveAcrossVolumes(const NativePath& from, const NativePath& to) {
     return true;
 }
 
+std::string identityIn(const struct stat& status) {
+    return std::to_string(status.st_dev) + ' ' + std::to_string(status.st_ino);
+}
+
 } // namespace
 
 bool InputFile::open(const char* path) {
@@ -281,9 +285,13 @@ PathKind kindOf(const char* path) {
 
 std::string identityOf(const char* path) {
     struct stat status {};
-    if (stat(NativePath(path), &status) != 0)
-        return "";
-    return std::to_string(status.st_dev) + ' ' + std::to_string(status.st_ino);
+    return stat(NativePath(path), &status) == 0 ? identityIn(status) : "";
+}
+
+std::string identityOf(StandardStream stream) {
+    struct stat status {};
+    const int descriptor = stream == StandardStream::input ? STDIN_FILENO : STDOUT_FILENO;
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) ? identityIn(status) : "";
 }
 
 bool isLink(const char* path) {

@@ -125,6 +125,11 @@ BY_HANDLE_FILE_INFORMATION informationOn(const WidePath& path, std::string* real
     return information;
 }
 
+std::string identityIn(const BY_HANDLE_FILE_INFORMATION& found) {
+    return std::to_string(found.dwVolumeSerialNumber) + ' ' + std::to_string(found.nFileIndexHigh)
+           + ' ' + std::to_string(found.nFileIndexLow);
+}
+
 } // namespace
 
 template <typename Path>
@@ -262,10 +267,16 @@ PathKind kindOf(const char* path) {
 
 std::string identityOf(const char* path) {
     const BY_HANDLE_FILE_INFORMATION found = informationOn(path);
-    if (found.nNumberOfLinks == 0)
-        return "";
-    return std::to_string(found.dwVolumeSerialNumber) + ' ' + std::to_string(found.nFileIndexHigh)
-           + ' ' + std::to_string(found.nFileIndexLow);
+    return found.nNumberOfLinks == 0 ? "" : identityIn(found);
+}
+
+std::string identityOf(StandardStream stream) {
+    const HANDLE file =
+        GetStdHandle(stream == StandardStream::input ? STD_INPUT_HANDLE : STD_OUTPUT_HANDLE);
+    BY_HANDLE_FILE_INFORMATION found;
+    return GetFileType(file) == FILE_TYPE_DISK && GetFileInformationByHandle(file, &found)
+               ? identityIn(found)
+               : "";
 }
 
 bool isLink(const char* path) {
