@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <sstream>
 #include <string>
@@ -14,6 +15,7 @@
 #include "host/commandline/HelpTexts.h"
 #include "host/commandline/UsageFault.h"
 #include "host/rows/ColumnNames.h"
+#include "host/rows/NumberText.h"
 #include "host/rows/Readings.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
@@ -53,9 +55,11 @@ CLI::Validator numberFrom(double least, double largest) {
 
 std::string finiteNumber(const std::string& text) {
     const auto number = numberIn<double>(text);
-    return number && std::isfinite(*number)
-               ? ""
-               : "expected a finite number, found " + kiv::quoted(text);
+    if (number && std::isfinite(*number))
+        return "";
+    return "expected "
+           + expectedNumber(numberIn<long double>(text), std::numeric_limits<double>::max())
+           + ", found " + kiv::quoted(text);
 }
 
 // One of a few words.

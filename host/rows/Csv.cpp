@@ -15,28 +15,21 @@ std::string_view withoutEnds(std::string_view line, bool first) {
     return line;
 }
 
-// Splits at the separators outside quotes; false when a quote is not closed.
-bool split(std::string_view line, char separator, std::vector<std::string_view>& cells) {
-    cells.clear();
-    bool quoted = false;
-    std::size_t start = 0;
-    const auto endCell = [&](std::size_t end) {
-        cells.emplace_back(line.data() + start, end - start);
-        start = end + 1;
-    };
-    if (line.find('"') == line.npos) {
-        for (std::size_t end; (end = line.find(separator, start)) != line.npos;)
-            endCell(end);
-    } else {
-        for (std::size_t i = 0; i < line.size(); ++i) {
-            if (line[i] == '"')
-                quoted = !quoted;
-            else if (line[i] == separator && !quoted)
-                endCell(i);
-        }
-    }
-    cells.push_back(line.substr(start));
-    return !quoted;
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+// Behind the quotes that a cell begins with, its start where it begins with none, npos where they
+// are not closed.
+std::size_t quotedEnd(std::string_view line, std::size_t start, char separator) {
+    std::size_t at = start;
+    while (at < line.size() && isBlank(line[at]) && line[at] != separator)
+        ++at;
+    if (at == line.size() || line[at] != '"')
+        return start;
+    while ((at = line.find('"', at + 1)) != line.npos && line.substr(at + 1).starts_with('"'))
+        ++at;
+    return at == line.npos ? at : at + 1;
 }
 
 } // namespace
@@ -63,7 +56,31 @@ void CsvReader::separateBy(char character) {
 }
 
 void CsvReader::splitLine() {
-    closed = split(withoutEnds(line, number == 1), between, row);
+    const std::string_view text = withoutEnds(line, number == 1);
+    row.clear();
+    closed = true;
+    bare = false;
+    if (text.find('"') != text.npos)
+        return splitAroundQuotes(text);
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find(between, start)) != text.npos; start = end + 1)
+        row.emplace_back(text.data() + start, end - start);
+    row.push_back(text.substr(start));
+}
+
+// A quote inside a cell that does not begin with one is a character.
+void CsvReader::splitAroundQuotes(std::string_view text) {
+    for (std::size_t start = 0, end = 0; end != text.npos; start = end + 1) {
+        const std::size_t from = quotedEnd(text, start, between);
+        closed = from != text.npos;
+        end = closed ? text.find(between, from) : text.npos;
+        row.push_back(text.substr(start, end - start));
+        bare = bare || (from == start && row.back().find('"') != text.npos);
+    }
+}
+
+std::size_t CsvReader::openQuote() const {
+    return column(row.size() - 1) + row.back().find('"');
 }
 
 std::size_t CsvReader::column(std::size_t cell) const {
@@ -79,10 +96,9 @@ bool isSeparatorLine(std::string_view line) {
 }
 
 std::string_view cellText(std::string_view cell) {
-    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
-    while (!cell.empty() && blank(cell.front()))
+    while (!cell.empty() && isBlank(cell.front()))
         cell.remove_prefix(1);
-    while (!cell.empty() && blank(cell.back()))
+    while (!cell.empty() && isBlank(cell.back()))
         cell.remove_suffix(1);
     if (cell.size() >= 2 && cell.front() == '"' && cell.back() == '"')
         cell = cell.substr(1, cell.size() - 2);

@@ -5,7 +5,7 @@
 #include <vector>
 
 // Values separated by commas, semicolons or tabs, one row a line, cells optionally in double
-// quotes.
+// quotes, which they begin with.
 namespace kiv::host {
 
 class CsvReader {
@@ -25,6 +25,8 @@ public:
 
     const std::vector<std::string_view>& cells() const { return row; }
     bool quotesClosed() const { return closed; } // false: the last cell's quote is never closed
+    std::size_t openQuote() const;               // its column
+    bool quotesInside() const { return bare; }   // of cells that do not begin with one
     // The row has nothing but separators, blanks and quotes.
     bool blank() const {
         if (!line.empty() && line[0] >= '-' && line[0] <= '9') // most rows
@@ -38,6 +40,7 @@ public:
 
 private:
     void splitLine();
+    void splitAroundQuotes(std::string_view text);
 
     std::string_view behind;
     std::string_view line;
@@ -46,6 +49,7 @@ private:
     std::array<char, 5> nothing{',', ' ', '\t', '\r', '"'};
     std::size_t number = 0;
     bool closed = true;
+    bool bare = false;
 };
 
 // A first line sep=; or the like, also in quotes.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "params/Quoted.h"
 #include "support/Numbers.h"
 
 namespace kiv::host {
@@ -68,14 +69,46 @@ std::string_view withoutZeroDecimals(std::string_view number, char decimalMark) 
                : number;
 }
 
-bool isNumberWithComma(std::string_view text) {
+bool isNumberWithMark(std::string_view text, char mark) {
     std::string number = asciiNumber(text);
-    const std::size_t comma = number.find(',');
-    if (comma == number.npos || number.find('.') != number.npos)
+    const std::size_t place = number.find(mark);
+    if (place == number.npos || (mark != '.' && number.find('.') != number.npos))
         return false;
-    number[comma] = '.';
+    number[place] = '.';
     const auto value = numberIn<double>(number);
     return value && std::isfinite(*value);
+}
+
+std::string expectedNumber(std::optional<long double> found, double largest) {
+    if (!found)
+        return "a number";
+    if (!std::isfinite(*found))
+        return "a finite number";
+    if (std::abs(*found) < 1)
+        return "a number that is not so close to 0";
+    std::string expected = "a number up to ";
+    appendRounded(expected, largest, 2);
+    return expected + " in size";
+}
+
+std::string markOfNumber(std::string_view text) {
+    constexpr std::string_view digits = "0123456789";
+    const std::size_t end = text.find_last_of(digits);
+    if (end == text.npos)
+        return {};
+    std::string_view unit = text.substr(end + 1);
+    unit.remove_prefix(std::min(unit.find_first_not_of(' '), unit.size()));
+    std::string number(text.substr(0, end + 1));
+    if (!unit.empty() && numberIn<double>(number))
+        return ", a number with " + quoted(unit) + " behind it";
+    for (const std::string_view mark : {"'", "\xE2\x80\x99", " "}) {
+        std::string plain = number;
+        for (std::size_t at; (at = plain.find(mark)) != plain.npos;)
+            plain.erase(at, mark.size());
+        if (unit.empty() && plain != number && numberIn<double>(plain))
+            return ", a number with marks between thousands";
+    }
+    return {};
 }
 
 } // namespace kiv::host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,7 +13,15 @@ std::string asciiNumber(std::string_view text);
 // Without decimals that are all 0, and without the mark in front of them.
 std::string_view withoutZeroDecimals(std::string_view number, char decimalMark);
 
-// A number with a comma in place of its point.
-bool isNumberWithComma(std::string_view text);
+// A number with this decimal mark in it.
+bool isNumberWithMark(std::string_view text, char mark);
+
+// What to expect in place of a text that is none of the numbers up to the largest; found is what
+// number it is else.
+std::string expectedNumber(std::optional<long double> found, double largest);
+
+// What keeps a text from being a number, behind a comma: a unit or marks between thousands; else
+// nothing.
+std::string markOfNumber(std::string_view text);
 
 } // namespace kiv::host

@@ -19,6 +19,9 @@ bool contains(std::span<const std::string_view> names, std::string_view name) {
 
 constexpr std::size_t mostNamesShown = 12;
 
+constexpr std::string_view saveWithSemicolons =
+    "save it with semicolons between columns and give --decimal-comma";
+
 static_assert(longestLine == 1048576);
 constexpr std::string_view expectedLine = "a line of at most 1048576 bytes";
 constexpr std::string_view foundLonger = "a longer one; look whether line ends are missing";
@@ -36,12 +39,21 @@ std::string cellCount(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " cell" : " cells");
 }
 
-// A quote that is never closed would take the rows behind it into its cell.
+// A reader may take a quote inside for one that opens, and a quote that is never closed would take
+// the rows behind it into its cell.
 void appendQuoted(std::string& out, std::string_view text) {
     out.push_back('"');
     for (const char c : text)
         out.append(c == '"' ? 2 : 1, c);
     out.push_back('"');
+}
+
+void appendCell(std::string& out, std::string_view cell) {
+    const std::size_t quote = cell.find('"');
+    if (quote == cell.npos || quote == cell.find_first_not_of(" \t"))
+        out.append(cell);
+    else
+        appendQuoted(out, cell);
 }
 
 } // namespace
@@ -54,8 +66,13 @@ Table::Table(std::span<const std::string_view> columnNames, const TableFormat& t
 
 void Table::reportAt(std::size_t place, std::string_view expected, std::string_view found,
                      std::string_view kind) {
+    reportAtColumn(csv.column(place), expected, found, kind);
+}
+
+void Table::reportAtColumn(std::size_t column, std::string_view expected, std::string_view found,
+                           std::string_view kind) {
     std::string message = *name + ':' + std::to_string(csv.lineNumber()) + ':'
-                          + std::to_string(csv.column(place)) + ": expected ";
+                          + std::to_string(column) + ": expected ";
     message.append(expected).append(", found ").append(found).push_back('\n');
     said.push_back({kind, std::move(message)});
 }
@@ -126,7 +143,7 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
     if (!missing.empty())
         reportHeader(found, missing);
     else if (!csv.quotesClosed())
-        reportAt(names.size(), "a closing quote", "end of line");
+        reportAtColumn(csv.openQuote(), "a closing quote", "end of line");
     else if (!repeated.empty())
         reportAt(firstRepeated, "each column name once",
                  listOf(repeated, mostNamesShown) + " again");
@@ -134,7 +151,8 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
         reportAt(placeOf(taken[0]), "names that no column of results has",
                  listOf(taken, mostNamesShown));
     else if (format.decimalComma && separator() == ',' && found.size() > 1)
-        reportAt(0, "semicolons or tabs between columns with decimal commas", "commas");
+        reportAt(0, "semicolons or tabs between columns with decimal commas",
+                 "commas; if numbers have points, leave out --decimal-comma");
     const bool usable = said.empty();
     if (const std::size_t other = firstNotUtf8(); usable && other < found.size()) {
         reportAt(other, "column names in UTF-8", quoted(found[other]));
@@ -223,27 +241,65 @@ bool Table::readFlag(std::size_t i, bool& value) {
     value = number == 1;
     if (value || number == 0)
         return true;
+    if (reportWords())
+        return false;
     report(i, "0, 1, false or true in column " + printable(wanted[i]), quoted(cell),
            "with a ref_blocked that is not 0, 1, false or true");
     return false;
 }
 
-// Commas for points are told once: they are in every row, and in most of its cells.
+bool Table::reportedForRow(std::string_view kind) const {
+    return std::any_of(said.begin(), said.end(), [&](const Message& m) { return m.kind == kind; });
+}
+
+// Of most cells being names or units or empty one message tells; false where they are not.
+bool Table::reportWords() {
+    constexpr std::string_view words = "with words for numbers";
+    if (reportedForRow(words))
+        return true;
+    std::size_t without = 0, blank = 0, repeated = 0;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        without += text(i).find_first_of("0123456789") == std::string_view::npos ? 1U : 0U;
+        blank += text(i).empty() ? 1U : 0U;
+        repeated += text(i) == wanted[i] ? 1U : 0U;
+    }
+    const auto most = [&](std::size_t cells) { return 2 * cells > columns.size(); };
+    if (!said.empty() || !most(std::max(without, repeated)))
+        return false;
+    reportRow("a row of numbers",
+              most(repeated) ? "the row of names again"
+              : most(blank)  ? "a row of empty cells"
+                             : "a row of words",
+              words);
+    return true;
+}
+
+// A decimal mark of the other kind is told once: it is in every row, and in most of its cells.
 void Table::reportNoNumber(std::size_t i, const std::string& expected) {
-    constexpr std::string_view commas = "with commas for points";
     const std::string_view cell = text(i);
     const std::string column = " in column " + printable(wanted[i]);
-    if (format.decimalComma || !isNumberWithComma(cell))
-        return report(i, expected + column, quoted(cell), "with a cell that is no number");
-    if (std::any_of(said.begin(), said.end(), [&](const Message& m) { return m.kind == commas; }))
+    if (reportWords())
+        return;
+    // A point may be one between thousands where the row has decimal commas.
+    const bool otherMark = format.decimalComma
+                               ? isNumberWithMark(cell, '.') && csv.text().find(',') == cell.npos
+                               : isNumberWithMark(cell, ',');
+    if (!otherMark)
+        return report(i, expected + column, quoted(cell) + markOfNumber(cell),
+                      "with a cell that is no number");
+    const std::string_view kind =
+        format.decimalComma ? "with points for commas" : "with commas for points";
+    if (reportedForRow(kind))
         return;
     std::string found = quoted(cell) + column;
-    if (format.hasOptions)
+    if (format.decimalComma)
+        found += "; if numbers have points, leave out --decimal-comma";
+    else if (format.hasOptions)
         found += separator() == ','
-                     ? "; if commas stand for points, save it with semicolons between columns and "
-                       "give --decimal-comma"
+                     ? std::string("; if commas stand for points, ").append(saveWithSemicolons)
                      : "; if commas stand for points, give --decimal-comma";
-    report(i, "numbers with a decimal point", found, commas);
+    report(i, format.decimalComma ? "numbers with a decimal comma" : "numbers with a decimal point",
+           found, kind);
     said.back().once = true;
 }
 
@@ -254,15 +310,23 @@ bool Table::checkRow() {
         return false;
     }
     if (!csv.quotesClosed()) {
-        reportAt(cells, "a closing quote", "end of line", "with an open quote");
+        reportAtColumn(csv.openQuote(), "a closing quote", "end of line", "with an open quote");
         return false;
     }
-    if (cells != names.size()) {
-        reportAt(std::min(cells, names.size()), cellCount(names.size()) + " as in the row of names",
-                 cellCount(cells), "with too few or too many cells");
-        return false;
-    }
-    return true;
+    if (cells == names.size())
+        return true;
+    // Commas for points make nearly twice the cells: some numbers are whole.
+    const bool twofold = separator() == ',' && !format.decimalComma && 2 * cells > 3 * names.size()
+                         && format.hasOptions;
+    std::string found = cellCount(cells);
+    if (twofold)
+        found.append("; if commas stand for points too, ").append(saveWithSemicolons);
+    else if (cells == names.size() + 1 && cellText(csv.cells().back()).empty())
+        found += ", the last one empty: a separator stands at the line's end";
+    reportAt(std::min(cells, names.size()), cellCount(names.size()) + " as in the row of names",
+             found, twofold ? "with nearly twice the cells" : "with too few or too many cells");
+    said.back().once = twofold;
+    return false;
 }
 
 std::optional<std::size_t> Table::find(std::string_view columnName) const {
@@ -287,13 +351,15 @@ bool Table::numberAt(std::size_t place, double& value) const {
 }
 
 void Table::appendCarriedNames(std::string& out) const {
-    for (const std::size_t place : carried)
-        out.append(names[place]).push_back(separator());
+    for (const std::size_t place : carried) {
+        appendCell(out, names[place]);
+        out.push_back(separator());
+    }
 }
 
 void Table::appendCarriedCells(std::string& out) const {
     const auto& cells = csv.cells();
-    if (cells.size() == names.size() && csv.quotesClosed() && !tooLong()) {
+    if (cells.size() == names.size() && csv.quotesClosed() && !csv.quotesInside() && !tooLong()) {
         for (const auto& [first, last] : carriedRuns)
             out.append(cells[first].data(), cells[last].data() + cells[last].size())
                 .push_back(separator());
@@ -304,7 +370,7 @@ void Table::appendCarriedCells(std::string& out) const {
         if (place + 1 == whole && !csv.quotesClosed())
             appendQuoted(out, cells[place]);
         else if (place < whole)
-            out.append(cells[place]);
+            appendCell(out, cells[place]);
         out.push_back(separator());
     }
 }

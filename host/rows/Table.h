@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -105,7 +106,11 @@ private:
     }
     void reportAt(std::size_t place, std::string_view expected, std::string_view found,
                   std::string_view kind = {});
+    void reportAtColumn(std::size_t column, std::string_view expected, std::string_view found,
+                        std::string_view kind = {});
     void reportNoNumber(std::size_t i, const std::string& expected);
+    bool reportedForRow(std::string_view kind) const;
+    bool reportWords();
     void chooseSeparator();
     bool readNames();
     std::size_t firstNotUtf8() const; // of the names; behind them where all are
@@ -180,9 +185,10 @@ bool Table::readOrReport(std::size_t i, Number& value) {
         value = *number;
         return true;
     }
-    std::string expected = std::is_integral_v<Number> ? "a whole number" : "a finite number";
-    if (std::is_same_v<Number, float>)
-        expected += " within single precision";
+    std::string expected =
+        std::is_integral_v<Number>
+            ? "a whole number"
+            : expectedNumber(numberOf<long double>(text(i)), std::numeric_limits<Number>::max());
     if (format.decimalComma && !std::is_integral_v<Number>)
         expected += " with a decimal comma";
     reportNoNumber(i, expected);
