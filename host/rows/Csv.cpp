@@ -89,10 +89,11 @@ std::size_t CsvReader::column(std::size_t cell) const {
     return static_cast<std::size_t>(place - line.data()) + 1;
 }
 
-bool isSeparatorLine(std::string_view line) {
+bool isAboveNames(std::string_view line) {
     constexpr std::string_view start = "sep=";
     const std::string_view text = cellText(withoutEnds(line, true));
-    return text.starts_with(start) && text.size() == start.size() + 1;
+    return text.find_first_not_of("\t ,;\"") == text.npos
+           || (text.starts_with(start) && text.size() == start.size() + 1);
 }
 
 std::string_view cellText(std::string_view cell) {

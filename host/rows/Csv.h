@@ -52,8 +52,9 @@ private:
     bool bare = false;
 };
 
-// A first line sep=; or the like, also in quotes.
-bool isSeparatorLine(std::string_view line);
+// A blank line, or one of sep=; or the like, also in quotes, as a spreadsheet may put it above the
+// row of names.
+bool isAboveNames(std::string_view line);
 
 // The cell without surrounding blanks and quotes.
 std::string_view cellText(std::string_view cell);

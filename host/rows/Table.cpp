@@ -93,11 +93,13 @@ void Table::chooseSeparator() {
     csv.separateBy(best);
 }
 
-// A spreadsheet may have put a line sep=; above the row of names, which show their separator
-// themselves. False, and a message, where there is no row of names.
+// The names show their separator themselves, whatever a line sep=; above them says. False, and a
+// message, where there is no row of names.
 bool Table::readNames() {
-    csv.nextRow();
-    if (isSeparatorLine(csv.text()) && !csv.nextRow())
+    bool found = csv.nextRow();
+    while (found && isAboveNames(csv.text()))
+        found = csv.nextRow();
+    if (!found)
         reportRow("a row of column names behind it", "end of file", {});
     else if (tooLong())
         reportRow(expectedLine, foundLonger, {});
@@ -171,7 +173,7 @@ std::string Table::closeNames(std::span<const std::string_view> found,
                               std::span<const std::string_view> missing) const {
     std::vector<std::string_view> free;
     for (const std::string_view other : found)
-        if (!contains(wanted, other) && printable(other) == other)
+        if (!contains(wanted, other) && !contains(asked, other) && printable(other) == other)
             free.push_back(other);
     std::string list;
     for (const auto& [m, f] : closePairs(missing, free)) {
@@ -189,19 +191,28 @@ std::string Table::closeNames(std::span<const std::string_view> found,
     return list;
 }
 
+// The names that are missing only because they are to be called otherwise.
+std::string Table::ownNames(std::span<const std::string_view> found,
+                            std::span<const std::string_view> missing) const {
+    std::string list;
+    for (std::size_t i = 0; i < asked.size(); ++i)
+        if (asked[i] != wanted[i] && contains(missing, wanted[i]) && contains(found, asked[i]))
+            list += "; " + quoted(asked[i]) + " is there, so leave out that it is called "
+                    + quoted(wanted[i]);
+    return list;
+}
+
 void Table::reportHeader(std::span<const std::string_view> found,
                          std::span<const std::string_view> missing) {
     std::string shownNames = listOf(found, mostNamesShown);
-    const std::string_view row = csv.text();
-    const std::string_view nextRow = csv.rest().substr(0, csv.rest().find('\n'));
-    const std::string look = lookOfHeader(row, found, nextRow, missing);
+    const std::string look = lookOfHeader(csv.text(), found, csv.rest(), missing);
     if (!look.empty())
         shownNames += ", which looks like " + look;
     if (const std::size_t other = firstNotUtf8(); other < found.size())
         shownNames += "; column " + std::to_string(other + 1) + ", " + quoted(found[other])
                       + ", is not in UTF-8: save the table in UTF-8";
     if (look.empty())
-        shownNames += closeNames(found, missing);
+        shownNames += closeNames(found, missing) + ownNames(found, missing);
     reportAt(0, (missing.size() == 1 ? "a column " : "columns ") + listOf(missing, missing.size()),
              shownNames);
 }

@@ -116,6 +116,8 @@ private:
     std::size_t firstNotUtf8() const; // of the names; behind them where all are
     std::string closeNames(std::span<const std::string_view> found,
                            std::span<const std::string_view> missing) const;
+    std::string ownNames(std::span<const std::string_view> found,
+                         std::span<const std::string_view> missing) const;
     void reportHeader(std::span<const std::string_view> found,
                       std::span<const std::string_view> missing);
     template <typename Number>

@@ -17,18 +17,21 @@ bool TableInput::readBlock(LineBlock& next) {
     return found;
 }
 
-// As far as the row of names, which may have a line of its separator above it.
+// As far as the row of names, which may have lines above it.
 void TableInput::readHead() {
-    const auto complete = [this] {
+    std::size_t seen = 0; // of the text: lines above the row of names
+    const auto complete = [&] {
         const std::string_view text = head.text;
-        const std::size_t end = text.find('\n');
-        return end < text.size() - 1
-               || (end < text.size() && !isSeparatorLine(text.substr(0, end)));
+        for (std::size_t end; (end = text.find('\n', seen)) != text.npos; seen = end + 1)
+            if (!isAboveNames(text.substr(seen, end - seen)))
+                return true;
+        return false;
     };
     for (LineBlock next; !complete() && !head.brokenOff && readBlock(next);) {
-        next.text.insert(0, head.text);
+        head.text += next.text;
+        next.text.swap(head.text);
         next.firstLine = 1;
-        head = next;
+        std::swap(head, next);
     }
 }
 
