@@ -59,7 +59,7 @@ void CsvReader::splitLine() {
     const std::string_view text = withoutEnds(line, number == 1);
     row.clear();
     closed = true;
-    bare = false;
+    inside = false;
     if (text.find('"') != text.npos)
         return splitAroundQuotes(text);
     std::size_t start = 0;
@@ -75,7 +75,8 @@ void CsvReader::splitAroundQuotes(std::string_view text) {
         closed = from != text.npos;
         end = closed ? text.find(between, from) : text.npos;
         row.push_back(text.substr(start, end - start));
-        bare = bare || (from == start && row.back().find('"') != text.npos);
+        const std::size_t quote = row.back().find('"');
+        inside = inside || (quote != text.npos && quote > 0);
     }
 }
 

@@ -26,7 +26,7 @@ public:
     const std::vector<std::string_view>& cells() const { return row; }
     bool quotesClosed() const { return closed; } // false: the last cell's quote is never closed
     std::size_t openQuote() const;               // its column
-    bool quotesInside() const { return bare; }   // of cells that do not begin with one
+    bool quotesInside() const { return inside; } // the first one of a cell
     // The row has nothing but separators, blanks and quotes.
     bool blank() const {
         if (!line.empty() && line[0] >= '-' && line[0] <= '9') // most rows
@@ -49,7 +49,7 @@ private:
     std::array<char, 5> nothing{',', ' ', '\t', '\r', '"'};
     std::size_t number = 0;
     bool closed = true;
-    bool bare = false;
+    bool inside = false;
 };
 
 // A blank line, or one of sep=; or the like, also in quotes, as a spreadsheet may put it above the

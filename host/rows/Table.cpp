@@ -50,8 +50,10 @@ void appendQuoted(std::string& out, std::string_view text) {
 
 void appendCell(std::string& out, std::string_view cell) {
     const std::size_t quote = cell.find('"');
-    if (quote == cell.npos || quote == cell.find_first_not_of(" \t"))
+    if (quote == cell.npos)
         out.append(cell);
+    else if (quote == cell.find_first_not_of(" \t")) // not every reader passes over these blanks
+        out.append(cell.substr(quote));
     else
         appendQuoted(out, cell);
 }
