@@ -124,6 +124,7 @@ TEST_F(RewriteTool, SaysWhatItHasDoneAndCost) {
     EXPECT_EQ(first.code, 0);
     EXPECT_EQ(shown(first.out),
               "DIR/Tg5.prm: rewritten\n"
+              "its serial number is 6: the other subcommands take it as Tg6.prm\n"
               "largest relative change of a value: 3.2e-05, from 0.0123456 to 0.012346 in "
               "\"ADM Offset\", line 32, column 1\n");
     EXPECT_EQ(
@@ -139,7 +140,7 @@ TEST_F(RewriteTool, SaysWhatItHasDoneAndCost) {
     EXPECT_EQ(fs::current_path(), home);
     std::ofstream(folder.path() + "/$tmp.prm") << *file(); // as when the old file was not deleted
     const ToolResult second = run();
-    EXPECT_EQ(shown(second.out), "DIR/Tg5.prm: rewritten\nno value has changed\n");
+    EXPECT_TRUE(second.out.ends_with("\nno value has changed\n")) << second.out;
     EXPECT_EQ(second.err, "");
     EXPECT_EQ(copy(), std::nullopt);
 }

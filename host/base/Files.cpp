@@ -1,8 +1,6 @@
 #include "host/base/Files.h"
 
-#include <algorithm>
 #include <array>
-#include <cctype>
 #include <ostream>
 
 #include "params/Quoted.h"
@@ -51,20 +49,6 @@ std::string identityOf(const std::string& name, platform::StandardStream stream)
     return name == "-" ? platform::identityOf(stream) : platform::identityOf(name.c_str());
 }
 
-// On Windows, whatever the extension; the null device itself is there to throw an output away.
-bool namesDevice(const std::string& name) {
-    std::string stem = name.substr(name.find_last_of("/\\:") + 1);
-    const bool whole = stem == name && stem.find('.') == stem.npos;
-    stem.erase(std::min(stem.find('.'), stem.size()));
-    stem.erase(stem.find_last_not_of(' ') + 1);
-    for (char& letter : stem)
-        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-    const bool port = stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt"))
-                      && stem[3] >= '1' && stem[3] <= '9';
-    const bool device = port || stem == "con" || stem == "prn" || stem == "aux" || stem == "nul";
-    return platform::namesAreLoose && device && !(stem == "nul" && whole);
-}
-
 } // namespace
 
 // Windows takes a long path in the form alone that has a prefix, and some functions take a short
@@ -76,7 +60,7 @@ std::filesystem::path pathOf(const std::string& name) {
     const bool prefixed = onWindows && name.starts_with(prefix);
     const bool hasDrive = prefixed && name.find(':') == prefix.size() + 1;
     const std::string_view plain = std::string_view(name).substr(hasDrive ? prefix.size() : 0);
-    const std::filesystem::path path = std::u8string(plain.begin(), plain.end());
+    std::filesystem::path path = std::u8string(plain.begin(), plain.end());
     if (!onWindows || plain.starts_with("\\\\")) // of a share, or as it stands
         return path;
     std::error_code ignored;
@@ -160,7 +144,7 @@ bool Output::open(const std::string& name, const Streams& streams) {
         return true;
     }
     chosen = &file;
-    if (namesDevice(name)) {
+    if (platform::namesDevice(name)) {
         streams.err << shownName << ": Is the name of a device; choose another\n";
         return false;
     }

@@ -363,12 +363,18 @@ bool CommandLine::isCommand(const std::string& name) const {
 
 std::string CommandLine::whyNoCommand(const std::string& word) const {
     const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
-    const auto nearest = *std::min_element(
-        commands.begin(), commands.end(), [&](const CLI::App* a, const CLI::App* b) {
-            return editDistance(a->get_name(), word) < editDistance(b->get_name(), word);
-        });
-    return "expected a subcommand, found " + kiv::quoted(word) + "; the nearest is "
-           + nearest->get_name();
+    const auto distance = [&](const CLI::App* command) {
+        return editDistance(command->get_name(), word);
+    };
+    const CLI::App* nearest =
+        *std::min_element(commands.begin(), commands.end(),
+                          [&](const auto* a, const auto* b) { return distance(a) < distance(b); });
+    std::string step = "kiv --help lists them";
+    if (word.ends_with(".prm"))
+        step = "kiv run takes a parameter file";
+    else if (distance(nearest) <= word.size() / 2)
+        step = "the nearest is " + nearest->get_name();
+    return "expected a subcommand, found " + kiv::quoted(word) + "; " + step;
 }
 
 namespace {

@@ -42,8 +42,9 @@ std::string inOurWords(const std::string& text) {
     if (text.ends_with(" missing"))
         return option + ": expected a value, found none";
     if (const std::size_t at = text.find(received); at != text.npos) {
-        const std::string wanted = text.substr(0, at);
-        return option + ": expected " + wanted.substr(wanted.rfind(' ') + 1) + " numbers, found "
+        const std::string wanted = text.substr(text.rfind(' ', at - 1) + 1);
+        const std::string most = wanted.substr(0, wanted.find(' '));
+        return option + ": expected " + (most == "1" ? "one value" : most + " numbers") + ", found "
                + text.substr(at + received.size());
     }
     if (const std::size_t at = text.find(excludes); at != text.npos)

@@ -263,6 +263,11 @@ int rewriteFile(const RewriteOptions& options, const Streams& streams) {
     const State copy = rewriting.copyState();
     if (code == KIV_OK && file == State::rewritten && copy == State::missing) {
         streams.out << path << ": rewritten\n";
+        const std::int32_t id =
+            rewriting.valuesBefore().document.find(Block::serialNumber)->integer;
+        if (id != name->id)
+            streams.out << "its serial number is " << id << ": the other subcommands take it as Tg"
+                        << id << ".prm\n";
         reportCost(rewriting.valuesBefore().document, rewriting.rewrittenText(), options.file,
                    streams.out, streams.err);
         return allGood;

@@ -9,8 +9,10 @@
 #include "host/base/InputFacts.h"
 #include "host/parameters/Findings.h"
 #include "params/ParameterFileName.h"
+#include "params/Parser.h"
 #include "params/Quoted.h"
 #include "params/RecordLoading.h"
+#include "support/platform/File.h"
 
 namespace kiv::host {
 
@@ -19,6 +21,16 @@ namespace {
 std::size_t nameStart(const std::string& path) {
     const bool drives = std::filesystem::path::preferred_separator == '\\';
     return path.find_last_of(drives ? "/\\:" : "/") + 1; // npos + 1 is 0
+}
+
+// A parameter file under another name is to be given its own; empty for what is none.
+std::string ownNameOf(const std::string& path) {
+    platform::InputFile file;
+    if (!file.open(path.c_str()))
+        return "";
+    const auto [document, outcome] = parseForRewrite(file);
+    const BlockValues* id = outcome.code == KIV_OK ? document.find(Block::serialNumber) : nullptr;
+    return id ? "Tg" + std::to_string(id->integer) + ".prm" : "";
 }
 
 } // namespace
@@ -35,10 +47,13 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
     auto name = parseParameterFileName(path);
     if (const std::string_view other = name ? "" : otherKindOf(path); !other.empty())
         err << printable(path) << ":1:1: expected a parameter file, found " << other << '\n';
-    else if (!name)
+    else if (!name) {
+        const std::string own = ownNameOf(path);
         err << printable(path)
             << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found "
-            << kiv::quoted(path.substr(nameStart(path))) << '\n';
+            << kiv::quoted(path.substr(nameStart(path)))
+            << (own.empty() ? "" : "; by its serial number it is " + own) << '\n';
+    }
     return name;
 }
 

@@ -46,6 +46,10 @@ inline constexpr bool namesAreLoose = true;
 inline constexpr bool namesAreLoose = false;
 #endif
 
+// On Windows some names lead to a device, whatever their folder and extension. The null device's
+// own name does not count: it is there to throw an output away.
+bool namesDevice(std::string_view path);
+
 // A path in UTF-8 everywhere. Windows takes a plain const char* to be in the process's code page.
 struct Utf8Path {
     const char* text;

@@ -283,6 +283,10 @@ PathKind kindOf(const char* path) {
     return S_ISREG(status.st_mode) ? PathKind::file : PathKind::other;
 }
 
+bool namesDevice(std::string_view) {
+    return false;
+}
+
 std::string identityOf(const char* path) {
     struct stat status {};
     return stat(NativePath(path), &status) == 0 ? identityIn(status) : "";

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cctype>
 #include <chrono>
 #include <cstring>
 #include <iterator>
@@ -263,6 +264,19 @@ PathKind kindOf(const char* path) {
         return PathKind::missing;
     const bool other = attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE);
     return other ? PathKind::other : PathKind::file;
+}
+
+bool namesDevice(std::string_view path) {
+    std::string name(path.substr(path.find_last_of("/\\:") + 1));
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::string stem = name.substr(0, name.find('.'));
+    stem.erase(stem.find_last_not_of(' ') + 1);
+    if (stem == "nul")
+        return name != stem || path.size() != name.size();
+    const bool numbered = stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt"))
+                          && stem[3] >= '1' && stem[3] <= '9';
+    return numbered || stem == "con" || stem == "prn" || stem == "aux";
 }
 
 std::string identityOf(const char* path) {
