@@ -24,7 +24,7 @@ kiv_compile_options(kiv_c)
 
 set(kiv_def ${PROJECT_SOURCE_DIR}/src/c/kiv.def)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT KIV_SANITIZE)
-    target_sources(kiv_c PRIVATE src/c/Unloading.cpp) # its run-time library is inside on both systems
+    target_sources(kiv_c PRIVATE src/support/platform/Unloading.cpp) # its run-time library is inside on both systems
 endif()
 if(WIN32)
     target_sources(kiv_c PRIVATE ${kiv_def})

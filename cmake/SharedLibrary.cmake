@@ -25,6 +25,7 @@ set_target_properties(KIVInterface PROPERTIES VERSION ${PROJECT_VERSION} SOVERSI
 kiv_compile_options(KIVInterface)
 
 if(WIN32)
+    target_sources(KIVInterface PRIVATE src/support/platform/Unloading.cpp) # its run-time library is inside
     kiv_version_resource(KIVInterface KIVInterface.dll)
     set_target_properties(KIVInterface PROPERTIES PREFIX "")
 else()

@@ -6,6 +6,10 @@
 #include <string>
 #include <thread>
 
+#ifndef _WIN32
+#include <malloc.h>
+#endif
+
 #include <gtest/gtest.h>
 
 using kiv::test::LoadedLibrary;
@@ -86,6 +90,33 @@ TEST(Module, LoadsAndUnloadsOnTwoThreads) {
     EXPECT_FALSE(LoadedLibrary::isLoaded(KIV_TEST_MODULE));
     const std::string record = takeRecord();
     EXPECT_GT(wholeLives(record, wholeLife), 0) << record;
+}
+
+// Bytes that the process has taken and not given back.
+std::size_t memoryInUse() {
+#ifdef _WIN32
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(64, heaps);
+    std::size_t bytes = 0;
+    for (DWORD i = 0; i < count; ++i)
+        for (PROCESS_HEAP_ENTRY entry{}; HeapWalk(heaps[i], &entry);)
+            bytes += entry.wFlags & PROCESS_HEAP_ENTRY_BUSY ? entry.cbData : 0;
+    return bytes;
+#else
+    return mallinfo2().uordblks;
+#endif
+}
+
+TEST(Library, LeavesNoMemoryBehind) {
+    constexpr std::size_t loads = 200, mostOfEach = 1024;
+    for (const char* path : {KIV_LIBRARY, KIV_C_LIBRARY}) {
+        std::size_t before = 0;
+        for (std::size_t i = 0; i <= loads; ++i) {
+            EXPECT_TRUE(LoadedLibrary(path)) << path;
+            before = i == 0 ? memoryInUse() : before;
+        }
+        EXPECT_LT(memoryInUse(), before + loads * mostOfEach) << path;
+    }
 }
 
 TEST(Library, LoadsAndUnloads) {
