@@ -51,21 +51,9 @@ std::string identityOf(const std::string& name, platform::StandardStream stream)
 
 } // namespace
 
-// Windows takes a long path in the form alone that has a prefix, and some functions take a short
-// one only without.
 std::filesystem::path pathOf(const std::string& name) {
-    constexpr std::string_view prefix = "\\\\?\\";
-    constexpr std::size_t longestPlain = 247;
-    const bool onWindows = std::filesystem::path::preferred_separator == '\\';
-    const bool prefixed = onWindows && name.starts_with(prefix);
-    const bool hasDrive = prefixed && name.find(':') == prefix.size() + 1;
-    const std::string_view plain = std::string_view(name).substr(hasDrive ? prefix.size() : 0);
-    std::filesystem::path path = std::u8string(plain.begin(), plain.end());
-    if (!onWindows || plain.starts_with("\\\\")) // of a share, or as it stands
-        return path;
-    std::error_code ignored;
-    const auto whole = std::filesystem::absolute(path, ignored).make_preferred();
-    return whole.native().size() > longestPlain ? std::filesystem::path(prefix) += whole : path;
+    const std::string form = platform::systemForm({name.c_str()});
+    return std::u8string(form.begin(), form.end());
 }
 
 std::string shownInput(const std::string& name) {

@@ -55,6 +55,10 @@ struct Utf8Path {
     const char* text;
 };
 
+// A path as the system takes it whatever its length, in UTF-8: on Windows a long one is absolute
+// and has a prefix, and a short one has none.
+std::string systemForm(Utf8Path path);
+
 class InputFile final : public ByteSource {
 public:
     InputFile() = default;

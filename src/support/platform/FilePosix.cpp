@@ -283,6 +283,10 @@ PathKind kindOf(const char* path) {
     return S_ISREG(status.st_mode) ? PathKind::file : PathKind::other;
 }
 
+std::string systemForm(Utf8Path path) {
+    return path.text;
+}
+
 bool namesDevice(std::string_view) {
     return false;
 }

@@ -266,6 +266,13 @@ PathKind kindOf(const char* path) {
     return other ? PathKind::other : PathKind::file;
 }
 
+std::string systemForm(Utf8Path path) {
+    char text[4 * 4096];
+    const int size = WideCharToMultiByte(CP_UTF8, 0, WidePath(path), -1, text, int{sizeof text},
+                                         nullptr, nullptr);
+    return size > 0 ? text : "";
+}
+
 bool namesDevice(std::string_view path) {
     std::string name(path.substr(path.find_last_of("/\\:") + 1));
     std::transform(name.begin(), name.end(), name.begin(),
