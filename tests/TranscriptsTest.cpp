@@ -203,9 +203,13 @@ void run(const Command& command, bool separateErrors) {
         input << text << '\n';
     input.close();
 
-    // Neither shell takes it amiss when the first word is not in quotes.
-    const int status = std::system(
-        ("cd . && " + line + (separateErrors ? "> stdout 2> stderr" : "> stdout 2>&1")).c_str());
+    // Neither shell takes it amiss when the first word is not in quotes. Wine now and then starts
+    // no shell at all, which -1 tells.
+    const std::string shellLine =
+        "cd . && " + line + (separateErrors ? "> stdout 2> stderr" : "> stdout 2>&1");
+    int status = -1;
+    for (int i = 0; i < 3 && status == -1; ++i)
+        status = std::system(shellLine.c_str());
     const int code = status > 255 ? status >> 8 : status; // POSIX: in the upper byte
     if (command.parts.empty() && command.noParts.empty())
         compare("standard output", command.output, linesIn("stdout"));
