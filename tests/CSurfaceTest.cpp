@@ -757,6 +757,21 @@ TEST(CSurface, SettersReachTheSensor) {
         reading.azimuth += 7;
         reading.level_y += 1;
     }
+    // The parameters' own tilt tables, set again, change nothing at any tilt.
+    std::vector<kiv_reading> tilted(40, goodOne());
+    for (std::size_t i = 0; i < tilted.size(); ++i)
+        tilted[i].level_x = tilted[i].level_y = 0.5F * static_cast<float>(i) - 9.9F;
+    const Sensor untouched = sensorOf(parameters), again = sensorOf(parameters);
+    for (const auto& [block, set] :
+         {std::pair("tilt_x_calibration_table", &kiv_sensor_set_tilt_x_table),
+          std::pair("tilt_y_calibration_table", &kiv_sensor_set_tilt_y_table)}) {
+        std::size_t count = 0;
+        EXPECT_EQ(kiv_parameters_number_count(parameters.get(), block, &count), 0);
+        std::vector<float> table(count);
+        EXPECT_EQ(kiv_parameters_numbers(parameters.get(), block, table.data(), count), 0);
+        EXPECT_EQ(set(again.get(), table.data(), count / 2), 0);
+    }
+    EXPECT_TRUE(runMany(again, tilted) == runMany(untouched, tilted));
     // The three-vector model starts from the QVC parameters as set, whatever updates made of them.
     const ParameterFolder folder;
     std::ofstream(folder.file(), std::ios::binary) << exampleInMode(8);
