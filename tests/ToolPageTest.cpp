@@ -144,6 +144,20 @@ TEST(ToolPage, SaysOfEveryColumnOfResultsWhatItsTableSays) {
     }
 }
 
+TEST(ToolPage, ARefusedRowIsEmptyWhereTheColumnsMayBe) {
+    const std::string out = test::tool({"run", KIV_EXAMPLES "/Tg5.prm", "-", "--frame", "local",
+                                        "--u-level", "0.1", "--messages", "0"},
+                                       test::header + "0,2,0,0,0,1,1,1,1,20,0.1,0\n")
+                                .out;
+    std::istringstream row(test::lines(out).at(1) + ',');
+    std::string cell;
+    std::getline(row, cell, ','); // the time, carried over
+    for (const ResultColumn& column : resultColumns) {
+        ASSERT_TRUE(std::getline(row, cell, ',')) << column.name;
+        EXPECT_EQ(cell.empty(), column.mayBeEmpty && column.name != "reason") << column.name;
+    }
+}
+
 TEST(ToolPage, SaysOfEveryTrustWhatHeaderAndPythonSay) {
     const std::string page = flat(sectionsOfPage().at("run").text);
     const std::string header = flatFile(KIV_DOCS "/../include/kiv.h");
