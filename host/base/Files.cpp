@@ -65,14 +65,18 @@ std::string shownOutput(const std::string& name) {
 }
 
 bool sameFile(const std::string& one, const std::string& other) {
-    std::error_code failed;
-    return fs::equivalent(pathOf(one), pathOf(other), failed) && !failed;
+    const std::string identity = platform::identityOf(one.c_str());
+    return !identity.empty() && identity == platform::identityOf(other.c_str());
 }
 
 bool sameOutput(const std::string& one, const std::string& other) {
+    using platform::StandardStream;
     std::error_code failed;
-    if (one == "-" || other == "-")
-        return one == other;
+    if (one == "-" || other == "-") {
+        const std::string identity = identityOf(one, StandardStream::output);
+        return one == other
+               || (!identity.empty() && identity == identityOf(other, StandardStream::output));
+    }
     if (other.empty() || fs::is_other(pathOf(one), failed))
         return false;
     if (sameFile(one, other))

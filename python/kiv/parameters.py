@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import copy
 import os
 import warnings
 from typing import Any, Dict, Iterator, Mapping, Tuple, Type, TypeVar, Union
@@ -11,6 +10,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from . import _library
+from ._copied import Copied
 from .errors import ParameterFileError, ParameterFileWarning
 
 
@@ -25,7 +25,7 @@ Value = Union[int, str, NDArray[np.float32]]
 _Self = TypeVar("_Self", bound="Parameters")
 
 
-class Parameters(Mapping[str, Value]):
+class Parameters(Copied, Mapping[str, Value]):
     """The calibration parameters of one sensor, read from its parameter file; never changed.
 
     path: where the name is Tg<sensor ID>.prm, the file has to be that sensor's. Raises
@@ -118,15 +118,6 @@ class Parameters(Mapping[str, Value]):
         made = type(self).__new__(type(self))
         made.__dict__.update(self.__dict__)
         return made
-
-    def __deepcopy__(self: _Self, memo: Dict[int, Any]) -> _Self:
-        made = self.__copy__()
-        memo[id(self)] = made
-        made.__dict__.update(copy.deepcopy(self._others(), memo))
-        return made
-
-    def _others(self) -> Dict[str, Any]:
-        return {name: value for name, value in self.__dict__.items() if name != "_handle"}
 
     def __getstate__(self) -> Tuple[Dict[str, Any], bytes]:
         return self._others(), self.text

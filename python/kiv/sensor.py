@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import copy
 import numbers
 from typing import (
     TYPE_CHECKING,
@@ -21,6 +20,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _columns, _library, _rows
+from ._copied import Copied
 from ._lock import Lock
 from .parameters import Parameters
 
@@ -34,7 +34,7 @@ _UNCERTAINTIES = _library.names(_library.uncertainty_name)
 _PART = 1 << 14  # rows of readings at a time: they stay in the processor's cache
 
 
-class Sensor:
+class Sensor(Copied):
     """One sensor with the parameters of its file.
 
     frame: of the angles; "machine", those of the sensor in machine coordinates, or "local", those
@@ -67,6 +67,8 @@ class Sensor:
     >>> results.trust[1], round(float(results.u_rz_deg[1]), 4)
     ('good', 0.001)
     """
+
+    _held = ("_handle", "_lock", "_rows")
 
     def __init__(
         self,
@@ -261,17 +263,6 @@ class Sensor:
         with self._lock:
             made._own(self._handle.copy())
         return made
-
-    def __deepcopy__(self: _Self, memo: Dict[int, Any]) -> _Self:
-        made = self.__copy__()
-        memo[id(self)] = made
-        made.__dict__.update(copy.deepcopy(self._others(), memo))
-        return made
-
-    def _others(self) -> Dict[str, Any]:
-        """What can be pickled as it is."""
-        own = ("_handle", "_lock", "_rows")
-        return {name: value for name, value in self.__dict__.items() if name not in own}
 
     def __getstate__(self) -> Tuple[Dict[str, Any], Frame, Optional[bytes]]:
         with self._lock:

@@ -267,10 +267,7 @@ PathKind kindOf(const char* path) {
 }
 
 std::string systemForm(Utf8Path path) {
-    char text[4 * 4096];
-    const int size = WideCharToMultiByte(CP_UTF8, 0, WidePath(path), -1, text, int{sizeof text},
-                                         nullptr, nullptr);
-    return size > 0 ? text : "";
+    return utf8Of(static_cast<const wchar_t*>(WidePath(path)));
 }
 
 bool namesDevice(std::string_view path) {

@@ -30,12 +30,8 @@ std::string followed(const std::string& path) {
     wchar_t target[4096];
     const DWORD length = GetFinalPathNameByHandleW(file, target, DWORD{std::size(target)}, 0);
     CloseHandle(file);
-    char text[4 * std::size(target)];
-    const int size =
-        length > 0 && length < std::size(target)
-            ? WideCharToMultiByte(CP_UTF8, 0, target, -1, text, int{sizeof text}, nullptr, nullptr)
-            : 0;
-    return size > 0 ? std::string(text) : path;
+    const std::string text = length < std::size(target) ? utf8Of({target, length}) : std::string();
+    return text.empty() ? path : text;
 }
 
 ReplacementFault refusal(const std::string& path, bool& exists) {

@@ -2,9 +2,7 @@
 #include <iterator>
 
 #include "support/platform/SystemError.h"
-
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
+#include "support/platform/WideText.h"
 
 namespace kiv::platform {
 
@@ -29,12 +27,8 @@ std::string systemErrorText(int error) {
                                   static_cast<DWORD>(std::size(wide)), nullptr);
     while (length > 0 && std::wcschr(L"\r\n. ", wide[length - 1]))
         --length;
-    char text[4 * std::size(wide)];
-    const int size = WideCharToMultiByte(CP_UTF8, 0, wide, static_cast<int>(length), text,
-                                         static_cast<int>(sizeof text), nullptr, nullptr);
-    if (size > 0)
-        return {text, static_cast<std::size_t>(size)};
-    return "error " + std::to_string(error) + " of the system";
+    const std::string text = utf8Of({wide, length});
+    return text.empty() ? "error " + std::to_string(error) + " of the system" : text;
 }
 
 } // namespace kiv::platform

@@ -3,13 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
-#define WIN32_LEAN_AND_MEAN
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
-
 #include "support/platform/File.h"
+#include "support/platform/WideText.h"
 
 namespace kiv::platform {
 
