@@ -480,7 +480,8 @@ TEST(CSurface, ARewriteKeepsWhatTheFileIs) {
         return kiv_parameters_rewrite(parameters.get(), path.string().c_str());
     };
     std::error_code noLinks;
-    fs::create_symlink("Tg5.prm", link, noLinks);
+    fs::create_symlink("Tg5.prm", folder.path() + "/inner", noLinks);
+    fs::create_symlink(fs::absolute(folder.path() + "/inner"), link, noLinks);
     EXPECT_EQ(rewrite(noLinks ? file : link), 0); // where the link leads there is no file yet
     EXPECT_TRUE(noLinks || fs::is_symlink(link));
     fs::permissions(file, fs::perms(0640));
