@@ -124,6 +124,9 @@ TEST(Tool, RefusesALineThatIsTooLong) {
                   std::string::npos)
             << result.err.substr(0, 900);
     }
+    const ToolResult names = tool({"run", example, "-"}, std::string(1 << 21, 'x') + '\n');
+    EXPECT_NE(names.err.find(":1:1: expected a line of at most 1048576 bytes"), std::string::npos)
+        << names.err.substr(0, 900);
 }
 
 // Of a value or row that may be cut; only --strict counts it.
