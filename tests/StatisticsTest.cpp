@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/base/Distributions.h"
 #include "host/summary/Quantile.h"
 #include "host/summary/SpareReadings.h"
 
@@ -68,6 +69,25 @@ TEST(Statistics, QuantileIsWithinATenthOfAPercent) {
         quantile.add(i * 1e-6);
     EXPECT_GE(quantile.at(0.95), 950e-6);
     EXPECT_LE(quantile.at(0.95), 950e-6 * 1.001);
+}
+
+// Expected values: the GNU Scientific Library's.
+TEST(Distributions, QuantilesAndTheirProbabilities) {
+    using namespace kiv::host;
+    const struct {
+        bool student;
+        double probability, degrees, value;
+    } rows[] = {
+        {true, 0.975, 1, 12.7062047362},     {true, 0.9995, 3.7, 9.47424013712},
+        {true, 0.4, 10000, -0.253353843446}, {false, 0.025, 10, 3.24697278024},
+        {false, 0.975, 99, 128.421988645},   {false, 0.5, 0.5, 0.0873476047057},
+    };
+    for (const auto& row : rows) {
+        const auto quantile = row.student ? studentQuantile : chiSquaredQuantile;
+        const auto probability = row.student ? studentProbability : chiSquaredProbability;
+        EXPECT_NEAR(quantile(row.probability, row.degrees) / row.value, 1, 1e-9) << row.value;
+        EXPECT_NEAR(probability(row.value, row.degrees), row.probability, 1e-9) << row.value;
+    }
 }
 
 // Values of a mean and a spread to both sides, with what the uncertainties expect of each.
