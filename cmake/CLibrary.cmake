@@ -13,8 +13,14 @@ add_library(kiv_c_objects OBJECT
 target_link_libraries(kiv_c_objects PUBLIC kiv_judging)
 kiv_compile_options(kiv_c_objects)
 
-add_library(kiv_c SHARED $<TARGET_OBJECTS:kiv_c_objects>)
-target_link_libraries(kiv_c PRIVATE kiv_judging)
+if(kiv_library_type STREQUAL "STATIC")
+    add_library(kiv_c STATIC $<TARGET_OBJECTS:kiv_c_objects> $<TARGET_OBJECTS:kiv_judging>)
+    # A host in C is linked by a driver that knows neither of the two.
+    target_link_libraries(kiv_c PUBLIC KIVInterface INTERFACE stdc++ m)
+else()
+    add_library(kiv_c SHARED $<TARGET_OBJECTS:kiv_c_objects>)
+    target_link_libraries(kiv_c PRIVATE kiv_judging)
+endif()
 add_library(KIVInterface::kiv ALIAS kiv_c)
 target_include_directories(kiv_c
     INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -22,6 +28,9 @@ set_target_properties(kiv_c PROPERTIES
     OUTPUT_NAME kiv EXPORT_NAME kiv VERSION ${PROJECT_VERSION} SOVERSION 1)
 kiv_compile_options(kiv_c)
 
+if(kiv_library_type STREQUAL "STATIC")
+    return()
+endif()
 set(kiv_def ${PROJECT_SOURCE_DIR}/src/c/kiv.def)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT KIV_SANITIZE)
     target_sources(kiv_c PRIVATE src/support/platform/Unloading.cpp) # its run-time library is inside on both systems

@@ -1,7 +1,11 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS KIVInterface kiv_c EXPORT KIVInterfaceTargets)
-if(KIV_LLVM_DLLTOOL)
+if(kiv_library_type STREQUAL "STATIC")
+    if(MINGW)
+        install(FILES ${kiv_system_math} DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    endif()
+elseif(KIV_LLVM_DLLTOOL)
     install(FILES ${kiv_lib} DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -9,13 +13,14 @@ install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 set(kiv_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KIVInterface)
 install(EXPORT KIVInterfaceTargets NAMESPACE KIVInterface:: DESTINATION ${kiv_package_dir})
 configure_package_config_file(cmake/KIVInterfaceConfig.cmake.in KIVInterfaceConfig.cmake
-    INSTALL_DESTINATION ${kiv_package_dir})
+    INSTALL_DESTINATION ${kiv_package_dir}
+    PATH_VARS CMAKE_INSTALL_LIBDIR CMAKE_INSTALL_BINDIR CMAKE_INSTALL_INCLUDEDIR)
 if(PROJECT_VERSION_MAJOR EQUAL 0)
-    set(kiv_compatible SameMinorVersion)
+    set(kiv_compatible ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 else()
-    set(kiv_compatible SameMajorVersion)
+    set(kiv_compatible ${PROJECT_VERSION_MAJOR})
 endif()
-write_basic_package_version_file(KIVInterfaceConfigVersion.cmake COMPATIBILITY ${kiv_compatible})
+configure_file(cmake/KIVInterfaceConfigVersion.cmake.in KIVInterfaceConfigVersion.cmake @ONLY)
 install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/KIVInterfaceConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/KIVInterfaceConfigVersion.cmake
@@ -23,6 +28,13 @@ install(FILES
 
 file(RELATIVE_PATH kiv_prefix_from_pc
     /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+if(kiv_library_type STREQUAL "STATIC")
+    set(kiv_static_cflags " -DKIV_STATIC")
+    set(kiv_c_requires "Requires.private: KIVInterface")
+    if(MINGW)
+        set(kiv_system_math_libs " -lkiv_system_math")
+    endif()
+endif()
 configure_file(cmake/KIVInterface.pc.in KIVInterface.pc @ONLY)
 configure_file(cmake/kiv.pc.in kiv.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KIVInterface.pc ${CMAKE_CURRENT_BINARY_DIR}/kiv.pc

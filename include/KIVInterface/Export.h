@@ -2,6 +2,9 @@
 
 // KIV_API marks what the shared library exports. KIV_STATIC is set where the classes are linked in
 // directly (the tool, the tests); KIV_BUILDING where the library itself is compiled.
+#if defined(_MSC_VER)
+#error "Visual C++ cannot link the classes: use kiv.h (C) or kiv.hpp (C++17), and kiv.lib"
+#endif
 #if defined(KIV_STATIC)
 #define KIV_API
 #elif defined(_WIN32)

@@ -13,4 +13,16 @@ CKIVInterfaceApp theApp;
 
 } // namespace
 
+#ifdef KIV_STATIC // no loader enters
+#include "KIVInterface/Module.h"
+
+bool kiv::enterModule() {
+    return platform::isRegistered(theApp) || platform::enterModule();
+}
+
+void kiv::leaveModule() {
+    platform::leaveModule();
+}
+#else
 #include "module/ModuleEntry.h"
+#endif

@@ -14,8 +14,8 @@ function(kiv_version_resource target file)
     target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
 endfunction()
 
-# The shared library: the core's objects behind the module's frame, exporting its classes alone.
-add_library(KIVInterface SHARED $<TARGET_OBJECTS:kiv_core> src/module/CKIVInterfaceApp.cpp)
+# The class library: the core's objects behind the module's frame. The shared one exports its classes alone.
+add_library(KIVInterface ${kiv_library_type} $<TARGET_OBJECTS:kiv_core> src/module/CKIVInterfaceApp.cpp)
 add_library(KIVInterface::KIVInterface ALIAS KIVInterface)
 target_include_directories(KIVInterface
     PRIVATE src
@@ -24,7 +24,14 @@ target_compile_features(KIVInterface INTERFACE cxx_std_14)
 set_target_properties(KIVInterface PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1)
 kiv_compile_options(KIVInterface)
 
-if(WIN32)
+if(kiv_library_type STREQUAL "STATIC")
+    target_compile_definitions(KIVInterface PUBLIC KIV_STATIC)
+    if(MINGW) # before the toolchain's own sine: its digits are others
+        target_link_libraries(KIVInterface INTERFACE $<BUILD_INTERFACE:${kiv_system_math}>
+            $<INSTALL_INTERFACE:$<INSTALL_PREFIX>/${CMAKE_INSTALL_LIBDIR}/libkiv_system_math.a>)
+        add_dependencies(KIVInterface kiv_system_math)
+    endif()
+elseif(WIN32)
     target_sources(KIVInterface PRIVATE src/support/platform/Unloading.cpp) # its run-time library is inside
     kiv_version_resource(KIVInterface KIVInterface.dll)
     set_target_properties(KIVInterface PROPERTIES PREFIX "")
