@@ -25,9 +25,9 @@ const std::vector<std::vector<std::string>> floors{
     {"host/base"},
     {"host/parameters"},
     {"host/rows"},
-    {"host/summary"},
+    {"host/summary", "host/witnesses"},
     {"host/run"},
-    {"host/report", "host/verify"},
+    {"host/report", "host/check", "host/verify"},
     {"host/commands"},
     {"host/commandline"},
 };

@@ -64,6 +64,11 @@ std::string shownOutput(const std::string& name) {
     return name == "-" ? "standard output" : printable(name);
 }
 
+bool mayWait(const std::string& name) {
+    std::error_code ignored;
+    return name == "-" || std::filesystem::is_other(pathOf(name), ignored);
+}
+
 bool sameFile(const std::string& one, const std::string& other) {
     const std::string identity = platform::identityOf(one.c_str());
     return !identity.empty() && identity == platform::identityOf(other.c_str());

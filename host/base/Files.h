@@ -72,6 +72,9 @@ std::filesystem::path pathOf(const std::string& name);
 std::string shownInput(const std::string& name);
 std::string shownOutput(const std::string& name);
 
+// A pipe or a device, which can be read only once.
+bool mayWait(const std::string& name);
+
 // Two names lead to one file that is there, also by links.
 bool sameFile(const std::string& one, const std::string& other);
 

@@ -96,6 +96,15 @@ CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number
         ->check(check);
 }
 
+// Those of a table of readings that can have another name.
+std::vector<std::string_view> columnsOfReadings() {
+    std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
+    columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
+    columns.push_back(timeColumn);
+    columns.push_back(timeStampColumn);
+    return columns;
+}
+
 std::string shownText(const std::string& text) {
     const bool blank = text.find_first_not_of(' ') == text.npos;
     const bool control = std::any_of(text.begin(), text.end(), [](char c) {
@@ -195,11 +204,7 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
             "--frame",
             [&options](const std::string& frame) { options.localFrame = frame == "local"; })
         ->check(oneOf({"machine", "local"}));
-    std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
-    columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
-    columns.push_back(timeColumn);
-    columns.push_back(timeStampColumn);
-    addTable(command, options.format, columns);
+    addTable(command, options.format, columnsOfReadings());
     addFile(command, "--summary", options.summary);
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
     command.add_flag("--strict", options.strict);
@@ -322,8 +327,11 @@ void CommandLine::addHome() {
 }
 
 void CommandLine::addCheck() {
-    CLI::App& command = add("check", [this](const Streams& s) { return checkFiles(check, s); });
-    addFile(command, "parameter_files", check.files)->required();
+    CLI::App& command = add("check", [this](const Streams& s) {
+        return readColumnNames(check.format, s) ? checkFiles(check, s) : unusable;
+    });
+    addFile(command, "files", check.files)->required();
+    addTable(command, check.format, columnsOfReadings());
     command.add_flag("--strict", check.strict);
     command.add_flag("--json", check.json);
 }

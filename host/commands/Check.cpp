@@ -1,10 +1,15 @@
 #include "host/commands/Check.h"
 
 #include <algorithm>
+#include <memory>
 #include <ostream>
 
 #include <nlohmann/json.hpp>
 
+#include "host/base/Files.h"
+#include "host/base/Interrupt.h"
+#include "host/check/TableCheck.h"
+#include "host/check/TableText.h"
 #include "host/parameters/Findings.h"
 #include "params/Quoted.h"
 
@@ -43,27 +48,73 @@ void print(const std::string& path, const ExaminedFile& examined, const Streams&
                 << counted(examined.warnings(), "warning") << '\n';
 }
 
-} // namespace
+// The files in their order: tables are checked by the parameter file in front of them.
+class Checking {
+public:
+    Checking(const CheckOptions& asked, const Streams& own) : options(asked), streams(own) {}
 
-int checkFiles(const CheckOptions& options, const Streams& streams) {
-    int code = allGood;
-    Json all = Json::array();
-    for (const std::string& path : options.files) {
+    int run() {
+        for (const std::string& path : options.files)
+            if (!Interrupt::requested())
+                isTable(path) ? takeTable(path) : takeParameters(path);
+        if (options.json) // names may hold bytes that are no UTF-8
+            streams.out << all.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+        return Interrupt::requested() ? interrupted : code;
+    }
+
+private:
+    // Behind a parameter file a pipe is taken for a table.
+    bool isTable(const std::string& path) const {
+        return mayWait(path) ? parametersSeen : looksLikeTable(path, options.format);
+    }
+
+    void worsen(int by) { code = std::max(code, by); }
+
+    void takeParameters(const std::string& path) {
+        parametersSeen = true;
+        sensor.reset();
         const auto examined = examineFile(path, streams.err);
-        if (!examined) {
-            code = unusable;
-            continue;
-        }
+        if (!examined)
+            return worsen(unusable);
         if (options.json)
             all.push_back(jsonOf(path, *examined));
         else
             print(path, *examined, streams);
         if (examined->errors() > 0 || (options.strict && examined->warnings() > 0))
-            code = std::max<int>(code, fileFaulty);
+            worsen(fileFaulty);
+        if (examined->errors() == 0)
+            sensor = sensorOf(path, *examined, streams.err);
     }
-    if (options.json) // names may hold bytes that are no UTF-8
-        streams.out << all.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
-    return code;
+
+    void takeTable(const std::string& path) {
+        if (!sensor) {
+            streams.err << shownInput(path) << ": expected a parameter file "
+                        << (parametersSeen ? "without errors " : "")
+                        << "in front of the table, found none\n";
+            return worsen(unusable);
+        }
+        const auto check = checkTable(path, options.format, *sensor, streams);
+        if (!check)
+            return worsen(unusable);
+        if (options.json)
+            all.push_back(jsonOf(*check));
+        else
+            print(*check, streams.out);
+        worsen(check->brokenOff ? unusable : check->faulty(options.strict) ? someRowsBad : allGood);
+    }
+
+    const CheckOptions& options;
+    const Streams& streams;
+    int code = allGood;
+    Json all = Json::array();
+    bool parametersSeen = false;
+    std::unique_ptr<CheckedSensor> sensor; // of the last parameter file, where it is one
+};
+
+} // namespace
+
+int checkFiles(const CheckOptions& options, const Streams& streams) {
+    return Checking(options, streams).run();
 }
 
 } // namespace kiv::host

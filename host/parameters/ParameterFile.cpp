@@ -78,15 +78,17 @@ bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& e
     return true;
 }
 
-bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err,
-                InputFacts* facts) {
-    if (!loadParameterFile(path, record, err, facts))
-        return false;
+bool configure(CKiv& sensor, CKivPrm& record, const std::string& path, std::ostream& err) {
     const int code = configureSensor(sensor, record);
     if (code != KIV_OK)
         err << printable(path) << ":1:1: expected values that a sensor takes, found code " << code
             << " (" << kivStatusText(code) << ")\n";
     return code == KIV_OK;
+}
+
+bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err,
+                InputFacts* facts) {
+    return loadParameterFile(path, record, err, facts) && configure(sensor, record, path, err);
 }
 
 } // namespace kiv::host

@@ -32,7 +32,10 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
 bool loadParameterFile(const std::string& path, CKivPrm& record, std::ostream& err,
                        InputFacts* facts = nullptr);
 
-// The same, and hands the record to a sensor; false, and a message, when that does not take it.
+// Hands a file's record to a sensor; false, and a message, when that does not take it.
+bool configure(CKiv& sensor, CKivPrm& record, const std::string& path, std::ostream& err);
+
+// Loads a file, and hands the record to a sensor; false, and a message, when that does not take it.
 bool loadSensor(const std::string& path, CKivPrm& record, CKiv& sensor, std::ostream& err,
                 InputFacts* facts = nullptr);
 

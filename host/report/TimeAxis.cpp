@@ -17,28 +17,15 @@ std::string XAxis::text(double time) const {
     return overDates() ? timeStampText({time, kind == Kind::utc}) : shown(time);
 }
 
-TimeColumn::TimeColumn(const Table& table) : place(table.find(timeColumn)) {
-    if (!place) {
-        place = table.find(timeStampColumn);
-        stamps = true;
-    }
-    if (place)
-        shown.kind = stamps ? XAxis::Kind::dateTime : XAxis::Kind::seconds;
+TimeColumn::TimeColumn(const Table& table) : times(table) {
+    if (times.there())
+        shown.kind = times.stamps() ? XAxis::Kind::dateTime : XAxis::Kind::seconds;
     else
         giveUp("the readings have no column time_s or time");
 }
 
 void TimeColumn::giveUp(std::string why) {
     shown = {XAxis::Kind::row, std::move(why)};
-}
-
-std::optional<TimeStamp> TimeColumn::timeIn(const Table& table) const {
-    if (!place)
-        return std::nullopt;
-    if (stamps)
-        return timeStampIn(table.cell(*place));
-    TimeStamp time{};
-    return table.numberAt(*place, time.seconds) ? std::optional(time) : std::nullopt;
 }
 
 // Stamps with a zone and those without cannot be compared: the first one decides.
@@ -51,9 +38,10 @@ TimeColumn::Point TimeColumn::next(const std::optional<TimeStamp>& time, std::si
         shown.kind = XAxis::Kind::utc;
     const bool comparable = time && time->zoned == (shown.kind == XAxis::Kind::utc);
     if (comparable && time->seconds < last)
-        giveUp((stamps ? "time goes back in " : "time_s goes back in ") + linePlace(line, table));
+        giveUp((times.stamps() ? "time goes back in " : "time_s goes back in ")
+               + linePlace(line, table));
     else if (!comparable && first)
-        giveUp((stamps ? "time is no ISO 8601 time in " : "time_s is no number in ")
+        giveUp((times.stamps() ? "time is no ISO 8601 time in " : "time_s is no number in ")
                + linePlace(line, table));
     else if (comparable)
         last = time->seconds;

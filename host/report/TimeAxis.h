@@ -5,11 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "host/rows/TimeStamp.h"
+#include "host/rows/RowTime.h"
 
 namespace kiv::host {
-
-class Table;
 
 // What the charts of a report run over.
 struct XAxis {
@@ -35,10 +33,6 @@ class TimeColumn {
 public:
     explicit TimeColumn(const Table& table);
 
-    // A row's time; nothing where it has none. It is of the axis' kind alone, so that rows can be
-    // read in any order.
-    std::optional<TimeStamp> timeIn(const Table& table) const;
-
     struct Point {
         double time;               // in seconds
         std::optional<double> own; // the same, where it is the row's own
@@ -50,8 +44,7 @@ public:
 private:
     void giveUp(std::string why);
 
-    std::optional<std::size_t> place;
-    bool stamps = false; // no numbers
+    RowTime times;
     double last = -INFINITY;
     XAxis shown;
 };

@@ -11,12 +11,6 @@ namespace kiv::host {
 
 namespace {
 
-// A pipe or a device, which can be read only once.
-bool mayWait(const std::string& name) {
-    std::error_code ignored;
-    return name == "-" || std::filesystem::is_other(pathOf(name), ignored);
-}
-
 // False, and a message, when a file is there twice, under whatever name.
 bool eachOnce(const std::vector<std::string>& files, std::ostream& err) {
     std::multimap<std::uintmax_t, const std::string*> known; // by size: only these can be the same

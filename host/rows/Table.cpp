@@ -79,6 +79,13 @@ void Table::reportAtColumn(std::size_t column, std::string_view expected, std::s
     said.push_back({kind, std::move(message)});
 }
 
+std::vector<std::string> Table::columnNames() const {
+    std::vector<std::string> all;
+    for (const std::string& cell : names)
+        all.emplace_back(cellText(cell));
+    return all;
+}
+
 // The one that finds most of the names.
 void Table::chooseSeparator() {
     char best = ',';
@@ -238,6 +245,13 @@ bool Table::hasColumnsOf(const Table& other, std::string_view otherName) {
     else if (place < std::max(names.size(), other.names.size()))
         reportAt(place, nameAt(other).append(" as in ").append(otherName), nameAt(*this));
     return said.empty();
+}
+
+bool Table::repeatsNames() const {
+    const auto found = std::count_if(wanted.begin(), wanted.end(), [&](std::string_view column) {
+        return csv.text().find(column) != std::string_view::npos;
+    });
+    return 2 * static_cast<std::size_t>(found) > wanted.size();
 }
 
 bool Table::readFlag(std::size_t i, bool& value) {

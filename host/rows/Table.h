@@ -56,8 +56,17 @@ public:
     // The row has a cell for each name, closes its quotes and is whole; else a message.
     bool checkRow();
 
+    // As far as the row of names has been read, also where it is not as asked for.
+    std::vector<std::string> columnNames() const;
+    // How the table calls the i-th column that was asked for.
+    std::string_view nameOf(std::size_t i) const { return wanted[i]; }
+    std::string_view nameOf(std::string_view column) const { return format.nameOf(column); }
+
     char separator() const { return csv.separator(); }
     bool decimalComma() const { return format.decimalComma; }
+
+    // The row has most of the names once more, whatever its shape.
+    bool repeatsNames() const;
 
     // The text of the i-th column that was asked for, in a row that checkRow has passed.
     std::string_view text(std::size_t i) const { return cellText(csv.cells()[columns[i]]); }

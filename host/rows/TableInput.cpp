@@ -70,6 +70,17 @@ bool TableInput::hasColumnsOf(const TableInput& first, std::ostream& err) {
     return false;
 }
 
+bool TableInput::hasRenamedColumns(std::ostream& err) const {
+    for (const auto& [ours, theirs] : format.otherNames) {
+        if (rows.find(ours))
+            continue;
+        err << name() << ":1:1: expected a column " << quoted(theirs) << " for " << ours
+            << ", found none\n";
+        return false;
+    }
+    return true;
+}
+
 bool TableInput::nextBlock(LineBlock& next) {
     if (headGiven)
         return readBlock(next);

@@ -47,6 +47,10 @@ public:
     // False, and a message, when the names are not the same in the same order.
     bool hasColumnsOf(const TableInput& first, std::ostream& err);
 
+    // False, and a message, when a column is missing that is said to have another name; also one
+    // that can be missing.
+    bool hasRenamedColumns(std::ostream& err) const;
+
 private:
     bool readBlock(LineBlock& next);
     void readHead();

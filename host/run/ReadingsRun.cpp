@@ -41,7 +41,8 @@ void ReadingsRun::work(RowBatch& batch, RowRunner& runner, Table& cursor,
             row.result = inputs.givenReference().result;
         else
             runner.run(cursor, row.result);
-        row.time.reset();
+        row.time = row.result.reason == Reason::rowShape ? std::nullopt : inputs.time().of(cursor);
+        row.namesAgain = row.result.state == RowState::refused && cursor.repeatsNames();
         row.truth = inputs.truth().angles(cursor);
         row.messages.assign(cursor.messages().begin(), cursor.messages().end());
         prepare(cursor, row, batch.text);
@@ -91,6 +92,7 @@ void ReadingsRun::forEach(const Prepare& prepare, const RunOutputs::Take& take) 
         .overlap = [&] { return independent && !inputWouldWait; },
     });
     batches.run(workers.size());
+    outputs.endRows();
 }
 
 } // namespace kiv::host

@@ -34,6 +34,7 @@ public:
     const Table& table() const { return inputs.recording().table(); } // for its columns
     Output& output() { return outputs.output(); }
     const Summary& summary() const { return outputs.summary(); }
+    std::span<const Witness> witnesses() const { return outputs.witnesses(); } // at the rows' end
     bool brokenOff() const { return outputs.brokenOff(); } // reading, before the end
 
     // Completes a row, and adds what the output has of it to a text; several at a time, on any

@@ -25,12 +25,13 @@ bool RunInputs::open(std::span<const std::string_view> results, InputFacts* fact
     F_VECTOR4 levelLimits{};
     parameters.GetKIVLevelLimits(levelLimits);
     runner.emplace(sensor, levelLimits, given);
-    if (!tables.open(results, facts ? &facts->readings : nullptr) || !renamedColumnsThere()
-        || !referenceReadable()
+    if (!tables.open(results, facts ? &facts->readings : nullptr)
+        || !tables.first().hasRenamedColumns(streams.err) || !referenceReadable()
         || !takeReference(options, *runner, streams, reference,
                           facts ? &facts->reference : nullptr))
         return false;
     trueAngles.emplace(tables.table(), !localFrame());
+    rowTime.emplace(tables.table());
     return comparableWhereAsked();
 }
 
@@ -56,18 +57,6 @@ bool RunInputs::readUncertainties() {
     given = options.uncertainties;
     return options.uncertaintyFile.empty()
            || host::readUncertainties(options.uncertaintyFile, mode, given.emplace(), streams);
-}
-
-// Columns that the model does without, too.
-bool RunInputs::renamedColumnsThere() const {
-    for (const auto& [ours, theirs] : options.format.otherNames) {
-        if (tables.table().find(ours))
-            continue;
-        streams.err << tables.first().name() << ":1:1: expected a column " << quoted(theirs)
-                    << " for " << ours << ", found none\n";
-        return false;
-    }
-    return true;
 }
 
 bool RunInputs::referenceReadable() const {

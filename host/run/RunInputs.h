@@ -9,6 +9,7 @@
 #include "host/base/Cli.h"
 #include "host/rows/Recording.h"
 #include "host/rows/RowResult.h"
+#include "host/rows/RowTime.h"
 #include "host/run/GivenReference.h"
 #include "host/run/ReadingsOptions.h"
 
@@ -25,6 +26,7 @@ public:
     bool open(std::span<const std::string_view> results, InputFacts* facts);
 
     CKivPrm& record() { return parameters; }
+    const CKivPrm& record() const { return parameters; }
     std::size_t parameterWarnings() const { return warnings; } // of the parameter file
     int mountMode() const { return mode; }
     // Whether the angles are those of the motion since the reference.
@@ -34,6 +36,7 @@ public:
     Recording& recording() { return tables; }
     const Recording& recording() const { return tables; }
     const Truth& truth() const { return *trueAngles; }
+    const RowTime& time() const { return *rowTime; }
     // The first to take rows: others are copies of it once it has a reference.
     RowRunner& firstRunner() { return *runner; }
     const GivenReference& givenReference() const { return reference; }
@@ -44,7 +47,6 @@ public:
 private:
     bool namesUsable() const;
     bool readUncertainties();
-    bool renamedColumnsThere() const;
     bool referenceReadable() const;
     bool comparableWhereAsked() const;
 
@@ -58,6 +60,7 @@ private:
     GivenReference reference;
     Recording tables;
     std::optional<Truth> trueAngles;
+    std::optional<RowTime> rowTime;
 };
 
 } // namespace kiv::host

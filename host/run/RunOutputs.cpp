@@ -13,6 +13,7 @@ bool RunOutputs::open() {
     if (options.referenceLine == 0 && reference.line > 0)
         totals.nameReference(reference.table, reference.line, reference.result.trust.trust);
     totals.addCutRows(reference.mayBeCut ? 1 : 0);
+    watch.emplace(inputs.record(), inputs.time().column());
     if (inputs.uncertainties())
         totals.expectUncertainties();
     // An earlier summary must not be left beside new results.
@@ -31,6 +32,10 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
         limit.take(row.messages);
         totals.add(row.result, row.line, row.truth,
                    inputs.recording().hasSeveral() ? block.name : std::string_view());
+        watch->add(row.result, {.table = row.table,
+                                .line = row.line,
+                                .time = row.time ? std::optional(row.time->seconds) : std::nullopt,
+                                .namesAgain = row.namesAgain});
         textEnd = row.textEnd;
         blankRows = row.blankRows;
         goOn = take(row);
@@ -50,8 +55,15 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
 
 bool RunOutputs::writeSummary() {
     writtenSummary.text() =
-        summaryText(totals, options, inputs.mountMode(), inputs.uncertainties());
+        summaryText(totals, witnesses(), options, inputs.mountMode(), inputs.uncertainties());
     return writtenSummary.finish(streams.err);
+}
+
+std::vector<std::string> RunOutputs::shownTables() const {
+    std::vector<std::string> names;
+    for (const std::string& table : options.readings)
+        names.push_back(shownInput(table));
+    return names;
 }
 
 bool RunOutputs::withinTolerance() const {
@@ -72,25 +84,19 @@ bool RunOutputs::withinTolerance() const {
 }
 
 bool RunOutputs::usedARow() const {
-    if (totals.count(RowState::ok) + totals.count(RowState::reference) > 0)
-        return true;
-    const char* cause = totals.rows() == 0 ? "rows behind the row of names, found none"
-                        : totals.count(RowState::status) == totals.rows()
-                            ? "rows with status 2, found none"
-                        : totals.count(RowState::noReference) > 0
-                            ? "a row that can become the reference, with a ref_metric of at most "
-                              "0.4 and a ref_blocked of 0, found none"
-                            : "rows with angles, found none";
-    streams.err << inputs.recording().name() << ": expected " << cause << '\n';
-    return false;
+    const char* const missed = totals.whatNoRowIs();
+    if (missed)
+        streams.err << inputs.recording().name() << ": expected " << missed << '\n';
+    return !missed;
 }
 
 bool RunOutputs::strictlyGood() const {
     if (!options.strict)
         return true;
     if (totals.count(RowState::ok) > 0)
-        return totals.allTrusted() && totals.spareReadings().objection().empty()
-               && inputs.parameterWarnings() == 0 && totals.cutRows() == 0;
+        return totals.allTrusted() && witnesses().empty()
+               && totals.spareReadings().objection().empty() && inputs.parameterWarnings() == 0
+               && totals.cutRows() == 0;
     streams.err << inputs.recording().name()
                 << ": expected rows with angles for --strict, found none\n";
     return false;
@@ -102,6 +108,7 @@ int RunOutputs::finish() {
     if (!written.finish(streams.err) || broken)
         return unusable;
     totals.printCounts(streams.err);
+    print(witnesses(), shownTables(), options.format.mostMessages, streams.err);
     if (!options.quiet)
         totals.printStatistics(streams.err);
     if (!options.summary.empty() && !writeSummary())

@@ -8,6 +8,7 @@
 #include "host/run/ComputedRow.h"
 #include "host/run/RunInputs.h"
 #include "host/summary/Summary.h"
+#include "host/witnesses/Witnesses.h"
 
 namespace kiv::host {
 
@@ -26,18 +27,21 @@ public:
 
     Output& output() { return written; }
     const Summary& summary() const { return totals; }
-    bool brokenOff() const { return broken; } // reading, before the end
+    std::span<const Witness> witnesses() const { return watch->found(); } // at the rows' end
+    bool brokenOff() const { return broken; }                             // reading, before the end
 
     // Takes one row after the other; false ends the run behind it.
     using Take = std::function<bool(const ComputedRow&)>;
     // The rows of a batch in their turn; false when the run ends here.
     bool add(const RowBatch& batch, const Take& take, Progress& progress);
 
+    void endRows() { watch->finish(); }
     // Ends the output, shows and writes the summary. An exit code.
     int finish();
 
 private:
     bool writeSummary();
+    std::vector<std::string> shownTables() const;
     // A row has angles or is the reference; else false, and a message.
     bool usedARow() const;
     // Both hold where they are not asked for; false also where there is nothing to test, with a
@@ -52,8 +56,9 @@ private:
     Output written;
     Output writtenSummary;
     Summary totals;
-    bool broken = false; // reading
-    std::string ends;    // what was said of the tables' ends
+    std::optional<Witnesses> watch; // once it is open
+    bool broken = false;            // reading
+    std::string ends;               // what was said of the tables' ends
 };
 
 } // namespace kiv::host

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/parameters/ParameterFile.h"
+#include "host/witnesses/WitnessJson.h"
 #include "support/VersionText.h"
 #include "uncertainty/UncertaintyNames.h"
 
@@ -65,7 +66,8 @@ Json uncertaintiesOf(const std::optional<Uncertainties>& given, int mountMode) {
 
 } // namespace
 
-std::string summaryText(const Summary& summary, const ReadingsOptions& options, int mountMode,
+std::string summaryText(const Summary& summary, std::span<const Witness> witnesses,
+                        const ReadingsOptions& options, int mountMode,
                         const std::optional<Uncertainties>& uncertainties) {
     Json states, reasons, trust, angles, residuals;
     for (std::size_t i = 0; i < rowStateNames.size(); ++i)
@@ -104,6 +106,7 @@ std::string summaryText(const Summary& summary, const ReadingsOptions& options, 
         {"reference_line", known ? Json(summary.referenceLine()) : Json()},
         {"reference_trust", known ? Json(wordOf(summary.referenceTrust())) : Json()},
         {"spare_reading", spareOf(summary.spareReadings())},
+        {"witnesses", jsonOf(witnesses, options.readings)},
         {"angles", angles},
         {"compared_rows", summary.compared()},
         {"residuals", summary.compared() > 0 ? residuals : Json()},

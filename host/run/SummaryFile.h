@@ -1,15 +1,18 @@
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "host/run/ReadingsOptions.h"
 #include "host/summary/Summary.h"
+#include "host/witnesses/Witness.h"
 
 namespace kiv::host {
 
 // The summary of a run as one JSON object: angles in degrees, what is not there null. The
 // uncertainties are those of the options or of their file.
-std::string summaryText(const Summary& summary, const ReadingsOptions& options, int mountMode,
+std::string summaryText(const Summary& summary, std::span<const Witness> witnesses,
+                        const ReadingsOptions& options, int mountMode,
                         const std::optional<Uncertainties>& uncertainties);
 
 } // namespace kiv::host

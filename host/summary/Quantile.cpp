@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <numeric>
 
 namespace kiv::host {
 
@@ -17,13 +18,17 @@ constexpr std::uint32_t binOf(float magnitude) {
 constexpr std::uint32_t firstBin = binOf(0x1p-40F);
 constexpr std::uint32_t lastBin = binOf(0x1p10F);
 
+// From 0.
+std::size_t placeOf(double magnitude) {
+    return std::clamp(binOf(static_cast<float>(magnitude)), firstBin, lastBin) - firstBin;
+}
+
 } // namespace
 
 void Quantile::add(double magnitude) {
     if (bins.empty())
         bins.resize(lastBin - firstBin + 1);
-    const auto bin = binOf(static_cast<float>(magnitude));
-    ++bins[std::clamp(bin, firstBin, lastBin) - firstBin];
+    ++bins[placeOf(magnitude)];
     ++count;
     largest = std::max(largest, magnitude);
 }
@@ -39,6 +44,13 @@ double Quantile::at(double share) const {
             break;
     }
     return std::min<double>(largest, std::bit_cast<float>(bin << bitsWithinBin));
+}
+
+std::size_t Quantile::above(double magnitude) const {
+    if (bins.empty())
+        return 0;
+    const auto from = bins.begin() + static_cast<std::ptrdiff_t>(placeOf(magnitude)) + 1;
+    return std::accumulate(from, bins.end(), std::size_t{0});
 }
 
 } // namespace kiv::host

@@ -16,6 +16,9 @@ public:
     // the quantile, or more by 0.1 % at most. 0 without any.
     double at(double share) const;
 
+    // How many of the magnitudes are larger, but for those in the bin of this one.
+    std::size_t above(double magnitude) const;
+
 private:
     std::size_t count = 0;
     double largest = 0;

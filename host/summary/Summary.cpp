@@ -87,6 +87,17 @@ const Summary::Residual& Summary::largestResidual() const {
                              [](const auto& a, const auto& b) { return a.largest < b.largest; });
 }
 
+const char* Summary::whatNoRowIs() const {
+    if (count(RowState::ok) + count(RowState::reference) > 0)
+        return nullptr;
+    return rows() == 0                         ? "rows behind the row of names, found none"
+           : count(RowState::status) == rows() ? "rows with status 2, found none"
+           : count(RowState::noReference) > 0
+               ? "a row that can become the reference, with a ref_metric of at most 0.4 and a "
+                 "ref_blocked of 0, found none"
+               : "rows with angles, found none";
+}
+
 void Summary::printCounts(std::ostream& out) const {
     out << rows() << (rows() == 1 ? " row" : " rows");
     const char* separator = ": ";

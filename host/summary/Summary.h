@@ -34,6 +34,9 @@ public:
     bool allGood() const {
         return count(RowState::noOrientation) == 0 && count(RowState::refused) == 0;
     }
+    // Null where a row has angles or is the reference; else what no row is, to stand behind
+    // "expected".
+    const char* whatNoRowIs() const;
     // All rows in state ok are good.
     bool allTrusted() const { return count(Trust::good) == count(RowState::ok); }
     std::size_t count(Trust trust) const { return trusts[static_cast<std::size_t>(trust)]; }

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+#include "host/witnesses/Attitude.h"
+
+namespace kiv::host {
+
+// Finds readings that repeat to the last digit in 100 rows or more while others tell that they
+// should not.
+//
+// Of a reading that changes in nine of ten steps else, such a run is one where an encoder or the
+// line of sight turns by more than 5 degrees; of a tilt or the elevation the sensor has to tilt,
+// too, as a turn about the vertical leaves them alone. A level that never changes is one where the
+// sensor tilts by more than 5 degrees, an encoder where the line of sight turns by 30.
+class Repeats {
+public:
+    enum Reading : unsigned char { azimuth, elevation, levelX, levelY, temperature, vector };
+    static constexpr std::size_t readings = 6;
+
+    struct Place {
+        std::size_t line = 0;
+        std::size_t row = 0;
+    };
+
+    explicit Repeats(const std::array<bool, readings>& counted) : counts(counted) {}
+
+    void add(const KIV_RAWINFO& raw, const Attitude& now, Place place);
+
+    struct Found {
+        Place first;
+        std::size_t rows;
+    };
+    // Of all rows so far, which end here.
+    std::optional<Found> found(Reading reading) const;
+
+private:
+    struct Run {
+        Place first;
+        std::size_t rows = 0;
+        Attitude start{};   // where it has 2 rows
+        bool moved = false; // the sensor has, as this reading should have seen
+        bool movedFar = false;
+    };
+    struct Series {
+        Run run;
+        std::size_t changes = 0;
+        std::size_t repeats = 0; // but for those of runs that are found
+        Found kept{{}, 0};       // in runs that have ended
+    };
+    void addTo(Series& series, Reading reading, bool same, const Attitude& now, Place place);
+    void look(Run& run, Reading reading, const Attitude& now) const;
+    static void end(Series& series);
+
+    std::array<bool, readings> counts;
+    std::array<Series, readings> all;
+    KIV_RAWINFO last{};
+    bool begun = false;
+};
+
+} // namespace kiv::host

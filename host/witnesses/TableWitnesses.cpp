@@ -1,0 +1,152 @@
+#include "host/witnesses/TableWitnesses.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/rows/RowResult.h"
+#include "host/witnesses/Fillers.h"
+
+namespace kiv::host {
+
+namespace {
+
+constexpr std::array<std::string_view, 6> columnNames{"azimuth_deg", "elevation_deg", "level_x",
+                                                      "level_y",     "temperature",   "vector"};
+constexpr int orientationStatus = 2;
+constexpr double day = 86400;          // seconds
+constexpr double aroundMidnight = 600; // seconds that may be missing on both sides together
+constexpr float turnInRadians = 6.3F;
+constexpr float mostOfATurn = 5.5F; // radians
+constexpr std::size_t fewestRows = 100;
+
+std::array<bool, Repeats::readings> repeatable(const WatchedSensor& sensor) {
+    return {true, true, sensor.levelX.read, sensor.levelY.read, sensor.temperature, true};
+}
+
+std::array<bool, Jumps::readings> jumpable(const WatchedSensor& sensor) {
+    return {true, true, sensor.levelX.read, sensor.levelY.read, sensor.temperature, true, true};
+}
+
+} // namespace
+
+TableWitnesses::TableWitnesses(const WatchedSensor& watched, std::size_t number)
+    : sensor(watched), table(number), jumps(jumpable(watched)), repeats(repeatable(watched)) {}
+
+void TableWitnesses::Count::add(Place place) {
+    if (rows++ == 0)
+        first = place;
+}
+
+// Repeated stamps and pauses are none.
+void TableWitnesses::watchClock(const RowPlaces& places, Place place) {
+    if (lastTime && places.time && *places.time < *lastTime) {
+        const double back = *lastTime - *places.time;
+        overMidnight = overMidnight && *lastTime <= day && *places.time >= 0
+                       && std::abs(back - day) < aroundMidnight;
+        clock.add(place);
+    }
+    if (places.time)
+        lastTime = places.time;
+}
+
+// An encoder that has counted its turns up to such a number has been near it before.
+bool TableWitnesses::countFillers(const KIV_RAWINFO& raw, Place place) {
+    bool any = false;
+    const auto take = [&](Column column, bool filler) {
+        if (!filler)
+            return;
+        fillers[column].add(place);
+        any = true;
+    };
+    const std::array<float, 2> angles{raw.azimuthRaw, raw.elevationRaw};
+    for (std::size_t i = 0; i < angles.size(); ++i) {
+        const bool near = anglesKnown[i] && std::abs(angles[i] - lastAngles[i]) < 360;
+        const bool filler = mayBeFiller(angles[i]) && !near;
+        take(static_cast<Column>(i), filler);
+        lastAngles[i] = filler ? lastAngles[i] : angles[i];
+        anglesKnown[i] = anglesKnown[i] || !filler;
+    }
+    take(levelX, sensor.levelX.read && isFillerOfLevel(raw.levelXRaw, sensor.levelX));
+    take(levelY, sensor.levelY.read && isFillerOfLevel(raw.levelYRaw, sensor.levelY));
+    take(temperature, sensor.temperature && isFillerOfTemperature(raw.temperature));
+    const float(&v)[3] = raw.vector;
+    take(vector, v[0] == v[1] && v[1] == v[2] && mayBeFiller(v[0]));
+    return any;
+}
+
+bool TableWitnesses::countBeyond(const KIV_RAWINFO& raw, const KIV_INFO& info, Place place) {
+    const bool ofAzimuth = sensor.azimuth.beyond(raw.azimuthRaw, info.azimuth);
+    const bool ofElevation = sensor.elevation.beyond(raw.elevationRaw, info.elevation);
+    if (ofAzimuth)
+        beyond[azimuth].add(place);
+    if (ofElevation)
+        beyond[elevation].add(place);
+    return ofAzimuth || ofElevation;
+}
+
+void TableWitnesses::watchAzimuth(const KIV_RAWINFO& raw, Place place) {
+    leastAzimuth = std::min(leastAzimuth, raw.azimuthRaw);
+    largestAzimuth = std::max(largestAzimuth, raw.azimuthRaw);
+    quadrants[(raw.vector[0] < 0 ? 1U : 0U) + (raw.vector[1] < 0 ? 2U : 0U)] = true;
+    counted.add(place);
+}
+
+bool TableWitnesses::inRadians() const {
+    return counted.rows >= fewestRows && largestAzimuth - leastAzimuth > mostOfATurn
+           && leastAzimuth >= -turnInRadians && largestAzimuth <= turnInRadians
+           && std::all_of(quadrants.begin(), quadrants.end(), [](bool been) { return been; });
+}
+
+// Behind a row of names another recording begins.
+void TableWitnesses::add(const RowResult& result, const RowPlaces& places, std::size_t row) {
+    const Place place{places.line, row};
+    if (places.namesAgain) {
+        joins.add(place);
+        lastTime.reset();
+    }
+    watchClock(places, place);
+    const KIV_RAWINFO& raw = result.raw;
+    if (result.state == RowState::refused || raw.status != orientationStatus
+        || countFillers(raw, place))
+        return jumps.interrupt();
+    const bool outside = countBeyond(raw, result.info, place);
+    watchAzimuth(raw, place);
+    const Attitude now = Attitude::of(raw, result.info);
+    repeats.add(raw, now, place);
+    if (const auto found = jumps.add(now, !outside)) {
+        const std::size_t column = std::min<std::size_t>(found->reading, vector);
+        if (found->back)
+            spikes[column].add(lastPlace);
+        else if (found->reading == Jumps::distance)
+            otherTargets.add(lastPlace);
+    }
+    lastPlace = place;
+}
+
+std::vector<Witness> TableWitnesses::finished() const {
+    std::vector<Witness> all;
+    const auto take = [&](WitnessKind kind, std::string_view column, const Count& count) {
+        if (count.rows > 0)
+            all.push_back({kind, column, table, count.first.line, count.rows, count.first.row});
+    };
+    const auto takeColumns = [&](WitnessKind kind, const std::array<Count, columns>& counts) {
+        for (std::size_t i = 0; i < columns; ++i)
+            take(kind, columnNames[i], counts[i]);
+    };
+    for (std::size_t i = 0; i < columns; ++i)
+        if (const auto found = repeats.found(static_cast<Repeats::Reading>(i)))
+            take(WitnessKind::stuck, columnNames[i], {found->first, found->rows});
+    takeColumns(WitnessKind::spike, spikes);
+    take(WitnessKind::otherTarget, columnNames[vector], otherTargets);
+    if (inRadians())
+        take(WitnessKind::radians, columnNames[azimuth], counted);
+    takeColumns(WitnessKind::beyondRange, beyond);
+    take(WitnessKind::clock, "", clock);
+    if (clock.rows > 0)
+        all.back().overMidnight = overMidnight;
+    take(WitnessKind::joined, "", joins);
+    takeColumns(WitnessKind::filler, fillers);
+    return all;
+}
+
+} // namespace kiv::host
