@@ -344,6 +344,40 @@ int KIV_CDECL kiv_sensor_judge_many(kiv_sensor* sensor, const kiv_reading* readi
                                     kiv_trust* trust, kiv_uncertainty* uncertainties);
 
 /*
+ * The part of a calibration in one reading's angles: their standard uncertainties from those of the
+ * parameters that it found, with their correlations, degrees; 12 bytes. It is common to all
+ * readings, and not contained in kiv_uncertainty. All NaN where there are no angles, or none on one
+ * side of a parameter.
+ */
+typedef struct kiv_calibration_uncertainty {
+    float rx;
+    float ry;
+    float rz;
+} kiv_calibration_uncertainty;
+
+/*
+ * Gives the sensor what a calibration found: count names of parameters, and the covariance of their
+ * errors, count x count doubles, row-major, in the units of the names. It takes the place of an
+ * earlier one; 0 names take that away. What is not named is exactly known. Names are those of
+ * kiv calibrate, of block and value: "angle_offset.azimuth_deg", "scale_factor.0", counted from 0
+ * as are the rows of tables, "machine_coordinate_tranform_matrix.turn_z_deg". 20 for another name
+ * or one that stands there twice, an element that is not finite, and a matrix that is not symmetric
+ * and positive semidefinite to 1e-6 of its correlations.
+ */
+int KIV_CDECL kiv_sensor_set_calibration(kiv_sensor* sensor, const char* const* names, size_t count,
+                                         const double* covariance);
+
+/*
+ * As kiv_sensor_judge_many, and the calibration's part, one a reading: two further updates for each
+ * parameter. Allocates nothing.
+ */
+int KIV_CDECL kiv_sensor_judge_calibrated(kiv_sensor* sensor, const kiv_reading* readings,
+                                          size_t count, kiv_result* out, double* matrices,
+                                          uint8_t* states, kiv_trust* trust,
+                                          kiv_uncertainty* uncertainties,
+                                          kiv_calibration_uncertainty* calibration);
+
+/*
  * The matrix of the last reading that reached the sensor, 9 doubles, as above. 554, with m filled
  * all the same, when its status was not 2 or there was none.
  */
@@ -380,7 +414,9 @@ int KIV_CDECL kiv_home_angles(const double* frame_x, const double* direction, co
 #define KIV_ASSERT_SIZE _Static_assert
 #endif
 KIV_ASSERT_SIZE(sizeof(kiv_reading) == 52 && sizeof(kiv_result) == 48, "bool has another size");
-KIV_ASSERT_SIZE(sizeof(kiv_trust) == 8 && sizeof(kiv_uncertainty) == 36, "float has another size");
+KIV_ASSERT_SIZE(sizeof(kiv_trust) == 8 && sizeof(kiv_uncertainty) == 36
+                    && sizeof(kiv_calibration_uncertainty) == 12,
+                "float has another size");
 #undef KIV_ASSERT_SIZE
 #endif
 

@@ -21,6 +21,7 @@ using Reading = kiv_reading;
 using Result = kiv_result;
 using Trust = kiv_trust;
 using Uncertainty = kiv_uncertainty;
+using CalibrationUncertainty = kiv_calibration_uncertainty;
 
 enum class Frame { local = KIV_FRAME_LOCAL, machine = KIV_FRAME_MACHINE };
 
@@ -197,6 +198,29 @@ public:
         requireRoom("trusts", std::size(trusts), count);
         check(kiv_sensor_judge_many(get(), std::data(readings), count, std::data(results), matrices,
                                     states, std::data(trusts), uncertainties));
+    }
+
+    // What a calibration found: names of parameters and their covariance, row by row.
+    void setCalibration(const std::vector<std::string>& names,
+                        const std::vector<double>& covariance) {
+        requireRoom("covariance", covariance.size(), names.size() * names.size());
+        std::vector<const char*> texts;
+        for (const std::string& name : names)
+            texts.push_back(name.c_str());
+        check(kiv_sensor_set_calibration(get(), texts.data(), texts.size(), covariance.data()));
+    }
+    // As judge, and the calibration's part in the angles' uncertainty.
+    template <typename Readings, typename Results, typename Trusts, typename Parts>
+    void judgeCalibrated(const Readings& readings, Results&& results, Trusts&& trusts,
+                         Parts&& parts, Uncertainty* uncertainties = nullptr,
+                         std::uint8_t* states = nullptr, double* matrices = nullptr) {
+        const std::size_t count = std::size(readings);
+        requireRoom("results", std::size(results), count);
+        requireRoom("trusts", std::size(trusts), count);
+        requireRoom("parts", std::size(parts), count);
+        check(kiv_sensor_judge_calibrated(get(), std::data(readings), count, std::data(results),
+                                          matrices, states, std::data(trusts), uncertainties,
+                                          std::data(parts)));
     }
 
     bool hasReference() const {

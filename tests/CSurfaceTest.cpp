@@ -70,26 +70,38 @@ struct Results {
     std::vector<std::uint8_t> states;
     std::vector<kiv_trust> trust;
     std::vector<kiv_uncertainty> uncertainties;
+    std::vector<kiv_calibration_uncertainty> calibration;
 
     explicit Results(std::size_t n)
-        : results(n), matrices(9 * n), states(n), trust(n), uncertainties(n) {}
+        : results(n), matrices(9 * n), states(n), trust(n), uncertainties(n), calibration(n) {}
     bool operator==(const Results& other) const {
         return sameBytes(results, other.results) && matrices == other.matrices
                && states == other.states && sameJudgement(other);
     }
     bool sameJudgement(const Results& other) const {
-        return sameBytes(trust, other.trust) && sameBytes(uncertainties, other.uncertainties);
+        return sameBytes(trust, other.trust) && sameBytes(uncertainties, other.uncertainties)
+               && sameBytes(calibration, other.calibration);
     }
 };
 
 Results runMany(const Sensor& sensor, const std::vector<kiv_reading>& readings,
                 std::size_t from = 0) {
     Results r(readings.size() - from);
-    EXPECT_EQ(kiv_sensor_judge_many(sensor.get(), &readings[from], readings.size() - from,
-                                    r.results.data(), r.matrices.data(), r.states.data(),
-                                    r.trust.data(), r.uncertainties.data()),
+    EXPECT_EQ(kiv_sensor_judge_calibrated(sensor.get(), &readings[from], readings.size() - from,
+                                          r.results.data(), r.matrices.data(), r.states.data(),
+                                          r.trust.data(), r.uncertainties.data(),
+                                          r.calibration.data()),
               0);
     return r;
+}
+
+// Two gains and an angle, the first two closely correlated.
+constexpr const char* calibrated[] = {"scale_factor.4", "scale_factor.6",
+                                      "angle_offset.elevation_deg"};
+constexpr double covariance[] = {1e-6, -9e-7, 0, -9e-7, 1e-6, 0, 0, 0, 4e-4};
+
+int giveCalibration(kiv_sensor* sensor) {
+    return kiv_sensor_set_calibration(sensor, calibrated, 3, covariance);
 }
 
 // One for each name that the sensor's model reads.
@@ -265,6 +277,12 @@ TEST(CSurface, JudgesByTheSettingsOfTheMoment) {
         {"uncertainty", [](kiv_sensor* s) { return kiv_sensor_set_uncertainty(s, "level_y", 0.5); },
          false, true},
         {"clear", kiv_sensor_clear_uncertainties, false, true},
+        {"calibration", giveCalibration, false, false},
+        {"calibration, frame",
+         [](kiv_sensor* s) {
+             return giveCalibration(s) + kiv_sensor_set_frame(s, KIV_FRAME_LOCAL);
+         },
+         true, true},
     };
     const auto parameters = loaded(example);
     std::vector<kiv_reading> readings(4, goodOne());
@@ -345,6 +363,23 @@ TEST(CSurface, RefusesUncertaintiesAsTheToolDoes) {
     }
     EXPECT_EQ(kiv_sensor_clear_uncertainties(sensor.get()), 0);
     EXPECT_EQ(kiv_sensor_set_uncertainty(sensor.get(), "vector_across", 1e6), 0);
+}
+
+TEST(CSurface, GivesTheCalibrationsPartWhereThereAreAngles) {
+    const auto parameters = loaded(example);
+    const Sensor sensor = sensorOf(parameters);
+    const std::vector<kiv_reading> readings = someReadings();
+    const auto parts = [&] {
+        const Results r = runMany(sensor, readings);
+        for (std::size_t i = 0; i < readings.size(); ++i)
+            EXPECT_EQ(std::isnan(r.calibration[i].rz), r.states[i] != KIV_STATE_OK) << i;
+        return r.calibration[11].rz;
+    };
+    EXPECT_EQ(parts(), 0);
+    EXPECT_EQ(giveCalibration(sensor.get()), 0);
+    EXPECT_GT(parts(), 0.001F);
+    EXPECT_EQ(kiv_sensor_set_calibration(sensor.get(), nullptr, 0, nullptr), 0);
+    EXPECT_EQ(parts(), 0);
 }
 
 // In the manner of kiv info --json.
@@ -543,6 +578,7 @@ TEST(CSurface, RefusesANullInEveryPlace) {
     kiv_result result;
     kiv_trust trust;
     kiv_uncertainty uncertainty;
+    kiv_calibration_uncertainty calibration;
     kiv_parameters* newP = nullptr;
     kiv_sensor* newS = nullptr;
     double d[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1}, d2[9] = {1, 1, 1};
@@ -601,7 +637,10 @@ TEST(CSurface, RefusesANullInEveryPlace) {
     REFUSES_NULLS_BEFORE(3, kiv_sensor_judge, s, &reading, &result, &trust, &uncertainty);
     REFUSES_NULLS_BEFORE(4, kiv_sensor_judge_many, s, &reading, std::size_t{1}, &result, d, &state,
                          &trust, &uncertainty);
+    REFUSES_NULLS_BEFORE(4, kiv_sensor_judge_calibrated, s, &reading, std::size_t{1}, &result, d,
+                         &state, &trust, &uncertainty, &calibration);
     REFUSES_NULLS(kiv_sensor_set_uncertainty, s, "x", 1.0);
+    REFUSES_NULLS(kiv_sensor_set_calibration, s, calibrated, std::size_t{3}, covariance);
     REFUSES_NULLS(kiv_sensor_clear_uncertainties, s);
     REFUSES_NULLS(kiv_sensor_matrix, s, d);
     REFUSES_NULLS(kiv_sensor_has_reference, s, &has);
@@ -634,6 +673,9 @@ TEST(CSurface, TellsWhyACallWasRefused) {
     float f[9] = {};
     double d[9];
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    const auto give = [&](std::vector<const char*> names, std::vector<double> elements) {
+        return kiv_sensor_set_calibration(s, names.data(), names.size(), elements.data());
+    };
     const struct {
         int code;
         std::string detail;
@@ -704,6 +746,46 @@ TEST(CSurface, TellsWhyACallWasRefused) {
          [&] {
              return kiv_sensor_set_machine_matrix(
                  s, std::data({1., 1.1e-5, 0., 0., 1., 0., 0., 0., 1.}));
+         }},
+        {20,
+         "names[1]: expected a parameter that the angles depend on, as angle_offset.azimuth_deg, "
+         "found \"scale_factor.8\"",
+         [&] {
+             return give({"scale_factor.0", "scale_factor.8"}, {1, 0, 0, 1});
+         }},
+        {20, "names[1]: expected each name once, found qvc.x again",
+         [&] {
+             return give({"qvc.x", "qvc.x"}, {1, 0, 0, 1});
+         }},
+        {20, "names[1]: expected a pointer, found null",
+         [&] {
+             return give({"qvc.x", nullptr}, {1, 0, 0, 1});
+         }},
+        {20, "covariance: row 1, column 0 (from 0): expected a finite number, found nan",
+         [&] {
+             return give({"qvc.x", "qvc.y"}, {1, 0, nan, 1});
+         }},
+        {20, "covariance: row 1, column 1 (from 0): expected a finite number, at least 0, found -1",
+         [&] {
+             return give({"qvc.x", "qvc.y"}, {1, 0, 0, -1});
+         }},
+        {20,
+         "covariance: row 1, column 0 (from 0): expected 0.5 as on the other side of the diagonal, "
+         "found 0.4",
+         [&] {
+             return give({"qvc.x", "qvc.y"}, {1, 0.5, 0.4, 1});
+         }},
+        {20,
+         "covariance: expected a positive semidefinite matrix, found one whose row 1 (from 0) does "
+         "not go with those before it",
+         [&] {
+             return give({"qvc.x", "qvc.y"}, {1, 1.01, 1.01, 1});
+         }},
+        {20,
+         "covariance: expected a positive semidefinite matrix, found one whose row 1 (from 0) does "
+         "not go with those before it",
+         [&] {
+             return give({"qvc.x", "qvc.y"}, {1, 0.1, 0.1, 0});
          }},
         {554,
          "reading: expected one that an update makes the reference, found no number in level_y",
@@ -809,10 +891,14 @@ TEST(CSurface, SurvivesEveryRefusedAllocation) {
     ASSERT_EQ(kiv_sensor_update(s, &reading, &first), 0);
     kiv_trust trust;
     kiv_uncertainty uncertainty;
+    kiv_calibration_uncertainty calibration;
     for (const bool local : {true, false}) {
         ASSERT_EQ(kiv_sensor_set_frame(s, local ? KIV_FRAME_LOCAL : KIV_FRAME_MACHINE), 0);
+        ASSERT_EQ(giveCalibration(s), 0);
         const auto calls = allocationCount();
-        ASSERT_EQ(kiv_sensor_judge(s, &reading, &first, &trust, &uncertainty), 0);
+        ASSERT_EQ(kiv_sensor_judge_calibrated(s, &reading, 1, &first, nullptr, nullptr, &trust,
+                                              &uncertainty, &calibration),
+                  0);
         EXPECT_EQ(allocationCount(), calls);
     }
 
@@ -846,6 +932,7 @@ TEST(CSurface, SurvivesEveryRefusedAllocation) {
         {"tilt", [&] { return kiv_sensor_set_tilt_y_table(s, rows.data(), 800); }},
         {"uncertainty", [&] { return kiv_sensor_set_uncertainty(s, "level_y", 0.5); }},
         {"clear", [&] { return kiv_sensor_clear_uncertainties(s); }},
+        {"calibration", [&] { return giveCalibration(s); }},
         {"frame", [&] { return kiv_sensor_set_frame(s, KIV_FRAME_MACHINE); }},
         {"capture", [&] { return kiv_sensor_capture_reference(s, &reading); }},
         {"home", [&] { return kiv_home_angles(d, d, d, d, &h, &v); }},

@@ -26,6 +26,7 @@ public:
     // False, and a message, when the text is no JSON object; messages say of what it should be one.
     bool parse(std::string_view ofWhat);
 
+    const std::string& content() const { return text; }
     const std::vector<Entry>& entries() const { return all; } // in the text's order
     bool repeats(std::size_t i) const;                        // a name in front of it
     std::size_t valuePlace(const Entry& entry) const;

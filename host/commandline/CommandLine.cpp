@@ -217,7 +217,7 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
 
 // Each as the noise of simulate.
 void CommandLine::addUncertainties(CLI::App& command, ReadingsOptions& options) {
-    CLI::Option* file = addFile(command, "--uncertainties", options.uncertaintyFile);
+    addFile(command, "--uncertainties", options.uncertaintyFiles)->allow_extra_args(false);
     const auto uncertainty = [&](const char* name, std::initializer_list<Source> sources) {
         command
             .add_option_function<double>(
@@ -228,7 +228,6 @@ void CommandLine::addUncertainties(CLI::App& command, ReadingsOptions& options) 
                     for (const Source source : all)
                         (*options.uncertainties)[source] = value;
                 })
-            ->excludes(file)
             ->check(numberFrom(0, largestUncertainty));
     };
     uncertainty("--u-vector", {Source::vector1, Source::vector2, Source::vector3});

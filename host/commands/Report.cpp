@@ -131,7 +131,7 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     content.sensorId = parseParameterFileName(options.parameterFile)->id;
     content.mountMode = run.mountMode();
     content.localFrame = run.localFrame();
-    content.uncertainties = run.givenUncertainties();
+    content.uncertainties = run.givenUncertainties().ofReadings;
     run.record().GetKIVLevelLimits(content.levelLimits);
 
     TimeColumn time(run.table());

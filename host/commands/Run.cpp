@@ -6,7 +6,7 @@
 #include <cmath>
 #include <iterator>
 #include <ostream>
-#include <span>
+#include <vector>
 
 #include "host/rows/ResultColumns.h"
 #include "host/run/ReadingsRun.h"
@@ -23,9 +23,17 @@ constexpr auto resultNames = [] {
     return names;
 }();
 
-std::span<const std::string_view> namesOf(const ReadingsRun& run) {
-    const std::size_t left = !run.givenUncertainties() ? 6 : run.localFrame() ? 0 : 3;
-    return std::span(resultNames).first(resultNames.size() - left);
+std::vector<std::string_view> namesOf(const ReadingsRun& run) {
+    const auto& [ofReadings, calibration] = run.givenUncertainties();
+    const auto end = resultNames.end();
+    std::vector<std::string_view> names(resultNames.begin(), end - 9);
+    if (ofReadings)
+        names.insert(names.end(), end - 9, end - 6);
+    if (ofReadings && run.localFrame())
+        names.insert(names.end(), end - 6, end - 3);
+    if (calibration)
+        names.insert(names.end(), end - 3, end);
+    return names;
 }
 
 // What the update did not compute, and what is no number, stays empty.
@@ -65,15 +73,18 @@ void appendResult(std::string& text, const RowResult& result, const ReadingsRun&
         word(wordOf(result.trust.trust));
     const auto modelError = static_cast<float>(result.trust.modelError);
     cells(&modelError, 1, oriented);
-    const auto triple = [&](const AngleTriple& values) {
+    const auto triple = [&](const AngleTriple& values, bool computed) {
         const float digits[] = {static_cast<float>(values[0]), static_cast<float>(values[1]),
                                 static_cast<float>(values[2])};
-        cells(digits, 3, result.hasUncertainty);
+        cells(digits, 3, computed);
     };
-    if (run.givenUncertainties())
-        triple(result.uncertainty.standard);
-    if (run.givenUncertainties() && run.localFrame())
-        triple(result.uncertainty.reference);
+    const auto& [ofReadings, calibration] = run.givenUncertainties();
+    if (ofReadings)
+        triple(result.uncertainty.standard, result.hasUncertainty);
+    if (ofReadings && run.localFrame())
+        triple(result.uncertainty.reference, result.hasUncertainty);
+    if (calibration)
+        triple(result.calibration, result.hasCalibration);
     *end++ = '\n';
     if (table.decimalComma())
         std::replace(numbers, end, '.', ',');

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "host/report/Html.h"
 #include "host/report/Sections.h"
 #include "support/Numbers.h"
@@ -62,7 +64,8 @@ void appendCoverage(std::string& html, const char* heading, const Summary::Cover
 void appendUncertainty(std::string& html, const ReportContent& content) {
     const UncertaintyBudget& budget = content.budget;
     const Summary& summary = content.summary;
-    if (!content.hasUncertainty()) {
+    const auto calibration = summary.calibrationPart();
+    if (!content.hasUncertainty() && !calibration) {
         if (summary.withoutUncertainty() > 0)
             html.append("<section>\n<h2>Uncertainty of the angles</h2>\n<p>")
                 .append(noneText(summary))
@@ -74,24 +77,31 @@ void appendUncertainty(std::string& html, const ReportContent& content) {
     for (const char* angle : angleNames)
         html.append("<th class=\"number\">").append(angle).append("</th>");
     html += "</tr></thead>\n<tbody>\n";
-    appendInputs(html, content);
-    appendRow(html, "rounding to single precision", "", budget.roundingShare(), percentText);
-    html += "</tbody>\n<tbody>\n";
-    appendRow(html, "standard uncertainty, degrees", "", budget.standard(), threeDigits);
-    if (content.localFrame)
-        appendRow(html, "of the reference, degrees", "", budget.reference(), threeDigits);
+    if (content.hasUncertainty()) {
+        appendInputs(html, content);
+        appendRow(html, "rounding to single precision", "", budget.roundingShare(), percentText);
+        html += "</tbody>\n<tbody>\n";
+        appendRow(html, "standard uncertainty, degrees", "", budget.standard(), threeDigits);
+        if (content.localFrame)
+            appendRow(html, "of the reference, degrees", "", budget.reference(), threeDigits);
+    }
+    if (calibration)
+        appendRow(html, "of the calibration, degrees", "", *calibration, threeDigits);
     appendCoverage(html, "residuals within twice that, good rows", summary.coverageOfGood());
     if (!summary.allTrusted())
         appendCoverage(html, "residuals within twice that, all rows", summary.coverage());
     html.append("</tbody>\n</table>\n<p class=\"note\">From the uncertainties of the inputs alone, "
                 "without the model's own error: mean shares and root mean squares over ")
-        .append(rowsText(budget.rows()))
+        .append(rowsText(std::max(budget.rows(), summary.calibratedRows())))
         .append(".");
     if (summary.withoutUncertainty() > 0)
         html.append(" ").append(noneText(summary));
-    if (content.localFrame)
+    if (content.localFrame && content.hasUncertainty())
         html += " What comes from the reference's readings is the same error in all rows, and not "
                 "in the line above it.";
+    if (calibration)
+        html += " What comes from the calibration is common to all rows, and not in the lines "
+                "above it.";
     if (summary.coverage().rows > 0)
         html += " Within twice the row's standard uncertainty should be 95.4 % of the residuals, "
                 "where their errors are normal, differ from row to row and outweigh the model's "

@@ -14,9 +14,9 @@ struct ResultColumn {
 };
 
 // The columns in the order in which they are written. m<row><column> is the result matrix. The last
-// six are there where they are asked for: uncertainties, and in the local frame those of the
-// reference.
-inline constexpr std::array<ResultColumn, 30> resultColumns{{
+// nine are there where they are asked for: uncertainties, in the local frame those of the
+// reference, and those of a calibration.
+inline constexpr std::array<ResultColumn, 33> resultColumns{{
     {"state", "", false, "`ok`, angles are there;"},
     {"reason", "", true, "why there are no angles."},
     {"azimuth_corrected_deg", "degrees", true, "encoder angles, degrees"},
@@ -47,6 +47,9 @@ inline constexpr std::array<ResultColumn, 30> resultColumns{{
     {"u_reference_rx_deg", "degrees", true, "in the local frame the part of the reference's own"},
     {"u_reference_ry_deg", "degrees", true, ""},
     {"u_reference_rz_deg", "degrees", true, ""},
+    {"u_calibration_rx_deg", "degrees", true, "the part of a calibration's parameters, which is"},
+    {"u_calibration_ry_deg", "degrees", true, ""},
+    {"u_calibration_rz_deg", "degrees", true, ""},
 }};
 
 } // namespace kiv::host

@@ -8,16 +8,20 @@
 namespace kiv::host {
 
 RowRunner::RowRunner(const CKiv& configured, const F_VECTOR4& levelLimits,
-                     const std::optional<Uncertainties>& uncertainties)
+                     const std::optional<Uncertainties>& uncertainties,
+                     const Calibration* calibration)
     : judged(configured, levelLimits) {
-    if (!uncertainties)
-        return;
-    wanted.uncertainty = true;
-    judged.setUncertainties(*uncertainties);
+    wanted.uncertainty = uncertainties.has_value();
+    wanted.calibration = calibration != nullptr;
+    if (uncertainties)
+        judged.setUncertainties(*uncertainties);
+    if (calibration)
+        judged.setCalibration(*calibration);
 }
 
 void RowRunner::run(Table& table, RowResult& result) {
     result.hasUncertainty = false;
+    result.hasCalibration = false;
     result.reason = readReadings(table, result.raw);
     if (result.reason != Reason::none) {
         result.state = RowState::refused;

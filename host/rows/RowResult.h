@@ -14,9 +14,10 @@ struct RowResult : JudgedReading {
 // Takes the rows of a table of readings through a sensor of its own. Copies go on from there.
 class RowRunner {
 public:
-    // Limits as the record has them; without uncertainties of the readings the angles get none.
+    // Limits as the record has them; without uncertainties of the readings the angles get none, and
+    // without a calibration (null) no part of it.
     RowRunner(const CKiv& configured, const F_VECTOR4& levelLimits,
-              const std::optional<Uncertainties>& uncertainties);
+              const std::optional<Uncertainties>& uncertainties, const Calibration* calibration);
 
     // The result of the row where the table stands; whatever is wrong with it is reported there.
     void run(Table& table, RowResult& result);

@@ -19,8 +19,9 @@ struct ReadingsOptions {
     std::string summary;             // a file for the summary, where one is wanted
     std::optional<double> tolerance; // of every angle against its true one, degrees
     bool strict = false;             // rows that are not good count for the exit code
-    // Standard uncertainties of the readings, where the angles' are wanted: a file, or numbers.
-    std::string uncertaintyFile;
+    // Where the angles' uncertainty is wanted: files of the readings' and of what a calibration
+    // found, or numbers for the readings.
+    std::vector<std::string> uncertaintyFiles;
     std::optional<Uncertainties> uncertainties;
     // What becomes the reference in place of the first row that can: a line of the first table, or
     // the first row that can in another one.

@@ -26,9 +26,7 @@ public:
 
     CKivPrm& record() { return inputs.record(); }
     int mountMode() const { return inputs.mountMode(); }
-    const std::optional<Uncertainties>& givenUncertainties() const {
-        return inputs.uncertainties();
-    }
+    const GivenUncertainties& givenUncertainties() const { return inputs.uncertainties(); }
     bool localFrame() const { return inputs.localFrame(); }
     std::string name() const { return inputs.recording().name(); }
     const Table& table() const { return inputs.recording().table(); } // for its columns

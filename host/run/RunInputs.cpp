@@ -4,7 +4,6 @@
 #include <ostream>
 
 #include "host/parameters/ParameterFile.h"
-#include "host/run/UncertaintyFile.h"
 #include "sensor/SensorAccess.h"
 
 namespace kiv::host {
@@ -20,11 +19,14 @@ bool RunInputs::open(std::span<const std::string_view> results, InputFacts* fact
     mode = SensorAccess::mountMode(sensor);
     if (options.localFrame && !localFrame())
         streams.err << "kiv: --frame local has no effect in mount mode " << mode << '\n';
-    if (!readUncertainties())
+    given.ofReadings = options.uncertainties;
+    const CalibratedFile parameterFile{options.parameterFile, all.parameterFile.hex(), sensor};
+    if (!readUncertainties(options.uncertaintyFiles, parameterFile, given, streams))
         return false;
     F_VECTOR4 levelLimits{};
     parameters.GetKIVLevelLimits(levelLimits);
-    runner.emplace(sensor, levelLimits, given);
+    runner.emplace(sensor, levelLimits, given.ofReadings,
+                   given.calibration ? &given.calibration->calibration : nullptr);
     if (!tables.open(results, facts ? &facts->readings : nullptr)
         || !tables.first().hasRenamedColumns(streams.err) || !referenceReadable()
         || !takeReference(options, *runner, streams, reference,
@@ -37,8 +39,8 @@ bool RunInputs::open(std::span<const std::string_view> results, InputFacts* fact
 
 bool RunInputs::namesUsable() const {
     std::vector<std::string> inputs = options.readings;
-    inputs.insert(inputs.end(),
-                  {options.uncertaintyFile, options.referenceFile, options.format.columnsFile});
+    inputs.insert(inputs.end(), options.uncertaintyFiles.begin(), options.uncertaintyFiles.end());
+    inputs.insert(inputs.end(), {options.referenceFile, options.format.columnsFile});
     if (std::count(inputs.begin(), inputs.end(), "-") > 1) {
         streams.err << "kiv: expected one input from standard input, found several\n";
         return false;
@@ -51,12 +53,6 @@ bool RunInputs::namesUsable() const {
     }
     return !refuseOverwriting(options.output, inputs, streams.err)
            && !refuseOverwriting(options.summary, inputs, streams.err);
-}
-
-bool RunInputs::readUncertainties() {
-    given = options.uncertainties;
-    return options.uncertaintyFile.empty()
-           || host::readUncertainties(options.uncertaintyFile, mode, given.emplace(), streams);
 }
 
 bool RunInputs::referenceReadable() const {

@@ -12,6 +12,7 @@
 #include "host/rows/RowTime.h"
 #include "host/run/GivenReference.h"
 #include "host/run/ReadingsOptions.h"
+#include "host/run/UncertaintyFile.h"
 
 namespace kiv::host {
 
@@ -31,7 +32,7 @@ public:
     int mountMode() const { return mode; }
     // Whether the angles are those of the motion since the reference.
     bool localFrame() const { return options.inLocalFrame(mode); }
-    const std::optional<Uncertainties>& uncertainties() const { return given; }
+    const GivenUncertainties& uncertainties() const { return given; }
 
     Recording& recording() { return tables; }
     const Recording& recording() const { return tables; }
@@ -46,7 +47,6 @@ public:
 
 private:
     bool namesUsable() const;
-    bool readUncertainties();
     bool referenceReadable() const;
     bool comparableWhereAsked() const;
 
@@ -55,7 +55,7 @@ private:
     CKivPrm parameters;
     std::size_t warnings = 0;
     int mode = 0;
-    std::optional<Uncertainties> given;
+    GivenUncertainties given;
     std::optional<RowRunner> runner;
     GivenReference reference;
     Recording tables;

@@ -14,8 +14,8 @@ bool RunOutputs::open() {
         totals.nameReference(reference.table, reference.line, reference.result.trust.trust);
     totals.addCutRows(reference.mayBeCut ? 1 : 0);
     watch.emplace(inputs.record(), inputs.time().column());
-    if (inputs.uncertainties())
-        totals.expectUncertainties();
+    const auto& [ofReadings, calibration] = inputs.uncertainties();
+    totals.expect(ofReadings.has_value(), calibration.has_value());
     // An earlier summary must not be left beside new results.
     return (options.summary.empty() || writtenSummary.open(options.summary, streams))
            && written.open(options.output, streams);

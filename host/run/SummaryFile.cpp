@@ -64,11 +64,22 @@ Json uncertaintiesOf(const std::optional<Uncertainties>& given, int mountMode) {
     return all;
 }
 
+Json calibrationOf(const std::optional<CalibrationResult>& given, const Summary& summary) {
+    if (!given)
+        return {};
+    Json all{{"file", given->file}, {"parameters", given->names}};
+    const auto part = summary.calibrationPart();
+    for (std::size_t i = 0; i < angleNames.size(); ++i)
+        all["u_" + std::string(angleNames[i]) + "_deg"] = part ? Json((*part)[i]) : Json();
+    return all;
+}
+
 } // namespace
 
 std::string summaryText(const Summary& summary, std::span<const Witness> witnesses,
                         const ReadingsOptions& options, int mountMode,
-                        const std::optional<Uncertainties>& uncertainties) {
+                        const GivenUncertainties& uncertainties) {
+    const auto& [ofReadings, calibration] = uncertainties;
     Json states, reasons, trust, angles, residuals;
     for (std::size_t i = 0; i < rowStateNames.size(); ++i)
         states[rowStateNames[i]] = summary.count(static_cast<RowState>(i));
@@ -91,14 +102,16 @@ std::string summaryText(const Summary& summary, std::span<const Witness> witness
         {"frame", options.inLocalFrame(mountMode) ? "local" : "machine"},
         {"tolerance_deg", options.tolerance ? Json(*options.tolerance) : Json()},
         {"strict", options.strict},
-        {"uncertainties", uncertaintiesOf(uncertainties, mountMode)},
+        {"uncertainties", uncertaintiesOf(ofReadings, mountMode)},
+        {"calibration", calibrationOf(calibration, summary)},
         {"rows", summary.rows()},
         {"blank_rows", summary.blankRows()},
         {"may_be_cut", summary.cutRows()},
         {"states", states},
         {"reasons", reasons},
         {"trust", trust},
-        {"rows_without_uncertainty", uncertainties ? Json(summary.withoutUncertainty()) : Json()},
+        {"rows_without_uncertainty",
+         ofReadings || calibration ? Json(summary.withoutUncertainty()) : Json()},
         {"reference_table", known
                                 ? Json(summary.referenceTable().empty() ? options.readings[0]
                                                                         : summary.referenceTable())

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/run/ReadingsOptions.h"
+#include "host/run/UncertaintyFile.h"
 #include "host/summary/Summary.h"
 #include "host/witnesses/Witness.h"
 
@@ -13,6 +14,6 @@ namespace kiv::host {
 // uncertainties are those of the options or of their file.
 std::string summaryText(const Summary& summary, std::span<const Witness> witnesses,
                         const ReadingsOptions& options, int mountMode,
-                        const std::optional<Uncertainties>& uncertainties);
+                        const GivenUncertainties& uncertainties);
 
 } // namespace kiv::host

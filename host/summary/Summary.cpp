@@ -30,7 +30,12 @@ void Summary::add(const RowResult& result, std::size_t line,
         return;
     ++trusts[static_cast<std::size_t>(result.trust.trust)];
     spare.add(result.trust, line);
-    notUncertain += uncertaintiesExpected && !result.hasUncertainty ? 1U : 0U;
+    const bool lacks = (uncertaintiesExpected && !result.hasUncertainty)
+                       || (calibrationExpected && !result.hasCalibration);
+    notUncertain += lacks ? 1U : 0U;
+    withCalibration += result.hasCalibration ? 1U : 0U;
+    for (std::size_t i = 0; result.hasCalibration && i < 3; ++i)
+        calibrationVariance[i] += result.calibration[i] * result.calibration[i];
     const std::array<double, 3> values{result.info.rx, result.info.ry, result.info.rz};
     for (std::size_t i = 0; i < 3; ++i)
         angles[i].add(values[i]);
@@ -54,6 +59,15 @@ void Summary::add(const RowResult& result, std::size_t line,
     ofAllRows.add(differences, result.uncertainty.standard);
     if (result.trust.trust == Trust::good)
         ofGoodRows.add(differences, result.uncertainty.standard);
+}
+
+std::optional<AngleTriple> Summary::calibrationPart() const {
+    if (withCalibration == 0)
+        return std::nullopt;
+    AngleTriple root;
+    for (std::size_t i = 0; i < 3; ++i)
+        root[i] = std::sqrt(calibrationVariance[i] / static_cast<double>(withCalibration));
+    return root;
 }
 
 void Summary::nameReference(std::string_view table, std::size_t line, Trust trust) {
@@ -160,6 +174,9 @@ void Summary::printStatistics(std::ostream& out) const {
             out << '\n';
         }
     }
+    if (const auto part = calibrationPart())
+        out << "uncertainty from the calibration: rx " << degreesText((*part)[0]) << ", ry "
+            << degreesText((*part)[1]) << ", rz " << degreesText((*part)[2]) << " degrees\n";
     if (withTruth > 0)
         out << "largest difference to the true angles: rx " << degreesText(residuals[0].largest)
             << ", ry " << degreesText(residuals[1].largest) << ", rz "

@@ -51,9 +51,16 @@ public:
     const std::string& referenceTable() const { return tableOfReference; } // empty: the only one
     Trust referenceTrust() const { return trustOfReference; }
 
-    // Each row in state ok should have an uncertainty from now on.
-    void expectUncertainties() { uncertaintiesExpected = true; }
+    // Each row in state ok should have an uncertainty, or a calibration's part in it, from now on.
+    void expect(bool uncertainties, bool calibration) {
+        uncertaintiesExpected = uncertainties;
+        calibrationExpected = calibration;
+    }
     std::size_t withoutUncertainty() const { return notUncertain; } // that should have
+    // The calibration's part in the uncertainty of the rows that have it: root mean squares,
+    // degrees. Nothing without such rows.
+    std::optional<AngleTriple> calibrationPart() const;
+    std::size_t calibratedRows() const { return withCalibration; }
 
     const SpareReadings& spareReadings() const { return spare; }
 
@@ -95,6 +102,9 @@ private:
     std::string tableOfReference;
     Trust trustOfReference = Trust::good;
     bool uncertaintiesExpected = false;
+    bool calibrationExpected = false;
+    std::size_t withCalibration = 0;
+    AngleTriple calibrationVariance{}; // sums
     std::size_t notUncertain = 0;
     SpareReadings spare;
     std::array<Statistics, 3> angles;

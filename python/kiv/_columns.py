@@ -63,6 +63,7 @@ UNCERTAINTY = {
         36,
     ),
 }
+CALIBRATION = _record({f"u_calibration_{axis}_deg": ("f4", at) for axis, at in _axes.items()}, 12)
 MATRIX = [f"m{row}{column}" for row in range(3) for column in range(3)]
 
 
@@ -213,7 +214,14 @@ class Results:
     """The records of n results, and the columns over them; NaN where kiv run leaves a cell empty."""
 
     def __init__(
-        self, n: int, matrices: bool, trust: bool, uncertainties: bool, has_matrix: bool, local: bool
+        self,
+        n: int,
+        matrices: bool,
+        trust: bool,
+        uncertainties: bool,
+        calibration: bool,
+        has_matrix: bool,
+        local: bool,
     ) -> None:
         self._emptied = emptied(has_matrix)
         self._states = np.empty(n, np.uint8)
@@ -222,12 +230,15 @@ class Results:
         self._trust = np.empty(n, TRUST) if trust else None
         record = UNCERTAINTY[local and has_matrix]
         self._uncertainties = np.empty(n, record) if uncertainties else None
+        self._calibration = np.empty(n, CALIBRATION) if calibration else None
+        judged = self._trust, self._uncertainties, self._calibration
+        self._arrays = self._records, self._matrices, self._states, *judged
+        self._judged = [array for array in judged if array is not None]
 
     def update(self, sensor: _library.Sensor, readings: Array, start: int) -> None:
         """With the results of these readings, the rows from start on."""
-        arrays = self._records, self._matrices, self._states, self._trust, self._uncertainties
         rows = slice(start, start + len(readings))
-        parts = [None if array is None else array[rows] for array in arrays]
+        parts = [None if array is None else array[rows] for array in self._arrays]
         sensor.judge(readings, *parts)
         records, matrices, states = self._records[rows], parts[1], self._states[rows]
 
@@ -247,8 +258,8 @@ class Results:
         columns = _columns_of(self._records)
         if self._matrices is not None:
             columns.update(zip(MATRIX, self._matrices.T))
-        for further in (self._trust, self._uncertainties):
-            columns.update({} if further is None else _columns_of(further))
+        for further in self._judged:
+            columns.update(_columns_of(further))
         if is_frame(like):
             columns["state"] = _words(self._states.view(np.int8), State)
             if self._trust is not None:

@@ -123,7 +123,8 @@ _sensor_frame = _called("kiv_sensor_frame", _P, _P)
 _sensor_mount_mode = _called("kiv_sensor_mount_mode", _P, _P)
 _sensor_has_matrix = _called("kiv_sensor_has_matrix", _P, _P)
 _sensor_set_uncertainty = _asked("kiv_sensor_set_uncertainty", _P, c_char_p, c_double)
-_sensor_judge_many = _called("kiv_sensor_judge_many", _P, _P, c_size_t, _P, _P, _P, _P, _P)
+_sensor_set_calibration = _called("kiv_sensor_set_calibration", _P, _P, c_size_t, _P)
+_sensor_judge = _called("kiv_sensor_judge_calibrated", _P, _P, c_size_t, *[_P] * 6)
 _sensor_has_reference = _called("kiv_sensor_has_reference", _P, _P)
 _sensor_reference_reading = _called("kiv_sensor_reference_reading", _P, _P)
 _sensor_reference_index = _called("kiv_sensor_reference_index", _P, _P)
@@ -252,11 +253,16 @@ class Sensor(_Handle):
     def set_uncertainty(self, name: bytes, value: float) -> int:
         return _sensor_set_uncertainty(self.pointer, name, value)
 
+    def set_calibration(self, names: List[str], covariance: Array) -> None:
+        texts = (c_char_p * len(names))(*[name.encode() for name in names])
+        _sensor_set_calibration(self.pointer, texts, len(names), pointer(covariance))
+
     def judge(self, readings: Array, *results: Optional[Array]) -> None:
-        """Results, matrices, states, trust, uncertainties; the interpreter lock is free meanwhile."""
+        """Results, matrices, states, trust, uncertainties, the calibration's; the interpreter lock is
+        free meanwhile."""
         pointers = [pointer(array) for array in results]
-        _sensor_judge_many(self.pointer, pointer(readings), len(readings), *pointers)
+        _sensor_judge(self.pointer, pointer(readings), len(readings), *pointers)
 
     def judge_one(self, reading: bytes, *results: Optional[int]) -> None:
         """The same for one, with the places of the results."""
-        _sensor_judge_many(self.pointer, reading, 1, *results)
+        _sensor_judge(self.pointer, reading, 1, *results)

@@ -98,12 +98,9 @@ def packed(argument: str, reading: Any) -> bytes:
 class Row(Results):
     """The records of one result, for one update after another."""
 
-    def __init__(
-        self, matrices: bool, trust: bool, uncertainties: bool, has_matrix: bool, local: bool
-    ) -> None:
-        super().__init__(1, matrices, trust, uncertainties, has_matrix, local)
-        arrays = self._records, self._matrices, self._states, self._trust, self._uncertainties
-        self._places = [_library.pointer(array) for array in arrays]
+    def __init__(self, matrices: bool, *others: bool) -> None:
+        super().__init__(1, matrices, *others)
+        self._places = [_library.pointer(array) for array in self._arrays]
         self._empty = {
             state: {
                 name: math.nan
@@ -122,9 +119,8 @@ class Row(Results):
         if self._matrices is not None:
             row.update(zip(MATRIX, self._matrices[0].tolist()))
         row.update(self._empty[state])
+        for further in self._judged:
+            row.update(zip(further.dtype.names or (), further.item()))
         if self._trust is not None:
-            row.update(zip(TRUST.names or (), self._trust.item()))
             row["trust"] = _trusts[row["trust"]]
-        if self._uncertainties is not None:
-            row.update(zip(self._uncertainties.dtype.names or (), self._uncertainties.item()))
         return cast(Result, row)

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import copy
 import numbers
 from typing import (
     TYPE_CHECKING,
@@ -19,7 +20,7 @@ from typing import (
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from . import _columns, _library, _rows
+from . import _calibration, _columns, _library, _rows
 from ._copied import Copied
 from ._lock import Lock
 from .parameters import Parameters
@@ -46,6 +47,10 @@ class Sensor(Copied):
     temperature, azimuth_offset_deg, elevation_offset_deg, tilt_offset_x_deg, tilt_offset_y_deg; from
     0 to 1e6 in the units of the readings. Those that are not given are 0, exactly known. ValueError
     for another name, for what the mount mode does not read and for the vector in both ways.
+
+    calibration: where its part in the angles' uncertainty is wanted, what ``kiv calibrate --result``
+    wrote beside the parameter file: a path, or the object of its JSON. ValueError for another shape
+    and for the result that belongs to another parameter file.
 
     The first reading that qualifies becomes the reference orientation and yields no angles. A copy
     (module copy) and a pickle have the reference with them.
@@ -75,6 +80,7 @@ class Sensor(Copied):
         parameters: Parameters,
         frame: Frame = "machine",
         uncertainties: Optional[Mapping[str, float]] = None,
+        calibration: Optional[_calibration.Calibration] = None,
     ) -> None:
         if not isinstance(parameters, Parameters):
             raise TypeError(
@@ -82,6 +88,7 @@ class Sensor(Copied):
             )
         self._parameters = parameters
         self._uncertainties = None if uncertainties is None else dict(uncertainties)
+        self._calibration = None if calibration is None else _calibration.result(calibration)
         self._own(_library.Sensor.new(parameters._handle))
         self._give(frame)
 
@@ -93,6 +100,12 @@ class Sensor(Copied):
     def _give(self, frame: Frame) -> None:
         for name, value in (self._uncertainties or {}).items():
             self._set_uncertainty(name, value)
+        if self._calibration is not None:
+            names, covariance = _calibration.of_file(self._calibration, self._parameters.text)
+            try:
+                self._handle.set_calibration(names, covariance)
+            except _library.Error as error:
+                raise ValueError(f"calibration: {error}") from None
         self.frame = frame
 
     def _set_uncertainty(self, name: str, value: float) -> None:
@@ -115,6 +128,11 @@ class Sensor(Copied):
     def uncertainties(self) -> Optional[Dict[str, float]]:
         """As they were given; None where they were not."""
         return None if self._uncertainties is None else dict(self._uncertainties)
+
+    @property
+    def calibration(self) -> Optional[Dict[str, Any]]:
+        """The object of the result's JSON; None where there is none."""
+        return copy.deepcopy(self._calibration)
 
     @property
     def parameters(self) -> Parameters:
@@ -235,6 +253,8 @@ class Sensor(Copied):
           angles, degrees
         - and in the local frame, u_reference_rx_deg, u_reference_ry_deg, u_reference_rz_deg: from the
           readings of the reference, which all rows have in common; not contained in u_rx_deg, ...
+        - with the sensor's calibration, u_calibration_rx_deg, u_calibration_ry_deg,
+          u_calibration_rz_deg: from its parameters, common to all rows and not contained in the others
 
         in single, the matrix in double precision; NaN where there is none. A row with a value that
         is missing (NaN, masked) or not finite in single precision is refused and never reaches the
@@ -253,9 +273,9 @@ class Sensor(Copied):
                 results.update(self._handle, filled, start)
         return results.table(readings)
 
-    def _kind_of_results(self, matrices: bool, trust: bool) -> Tuple[bool, bool, bool, bool, bool]:
-        uncertainties = self._uncertainties is not None
-        return matrices, trust, uncertainties, self._handle.has_matrix(), self.frame == "local"
+    def _kind_of_results(self, matrices: bool, trust: bool) -> Tuple[bool, ...]:
+        given = self._uncertainties is not None, self._calibration is not None
+        return matrices, trust, *given, self._handle.has_matrix(), self.frame == "local"
 
     def __copy__(self: _Self) -> _Self:
         made = type(self).__new__(type(self))

@@ -1,3 +1,8 @@
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
 #include "c/Handles.h"
 #include "models/ModelFactory.h"
 #include "sensor/SensorAccess.h"
@@ -29,6 +34,39 @@ int refuseUncertainty(UncertaintyFault fault, Principle principle, const kiv_sen
     return KIV_STATUS_OK;
 }
 
+int refuseCalibration(const CalibrationFault& fault, std::span<const std::string_view> names,
+                      const double* covariance) {
+    const auto& [kind, row, column] = fault;
+    const auto element = [&](std::size_t i, std::size_t j) {
+        return covariance[names.size() * i + j];
+    };
+    switch (kind) {
+    case CalibrationFault::name:
+        return refuse(KIV_STATUS_BAD_ARGUMENT, "names[", row,
+                      "]: expected a parameter that the angles depend on, as "
+                      "angle_offset.azimuth_deg, found \"",
+                      names[row], "\"");
+    case CalibrationFault::again:
+        return refuse(KIV_STATUS_BAD_ARGUMENT, "names[", row, "]: expected each name once, found ",
+                      names[row], " again");
+    case CalibrationFault::notFinite:
+        return refuse(KIV_STATUS_BAD_ARGUMENT, "covariance: row ", row, ", column ", column,
+                      " (from 0): expected a finite number", row == column ? ", at least 0" : "",
+                      ", found ", element(row, column));
+    case CalibrationFault::notSymmetric:
+        return refuse(KIV_STATUS_BAD_ARGUMENT, "covariance: row ", row, ", column ", column,
+                      " (from 0): expected ", element(column, row),
+                      " as on the other side of the diagonal, found ", element(row, column));
+    case CalibrationFault::notPossible:
+        return refuse(KIV_STATUS_BAD_ARGUMENT,
+                      "covariance: expected a positive semidefinite matrix, found one whose row ",
+                      row, " (from 0) does not go with those before it");
+    case CalibrationFault::none:
+        break;
+    }
+    return KIV_STATUS_OK;
+}
+
 } // namespace
 
 const char* kiv_uncertainty_name(size_t index) {
@@ -53,5 +91,25 @@ int kiv_sensor_clear_uncertainties(kiv_sensor* sensor) {
         sensor->judged.setUncertainties({});
         sensor->uncertainties = {};
         return KIV_STATUS_OK;
+    });
+}
+
+int kiv_sensor_set_calibration(kiv_sensor* sensor, const char* const* names, size_t count,
+                               const double* covariance) {
+    const Given pointers[] = {{"names", names, count}, {"covariance", covariance, count}};
+    return locked(sensor, pointers, [=]() -> int {
+        std::vector<std::string_view> given;
+        for (size_t i = 0; i < count; ++i) {
+            if (!names[i])
+                return refuse(KIV_STATUS_BAD_ARGUMENT, "names[", i,
+                              "]: expected a pointer, found null");
+            given.emplace_back(names[i]);
+        }
+        Calibration calibration;
+        const CalibrationFault fault =
+            Calibration::make(sensor->judged.sensor(), given, covariance, calibration);
+        if (fault.kind == CalibrationFault::none)
+            sensor->judged.setCalibration(std::move(calibration));
+        return refuseCalibration(fault, given, covariance);
     });
 }

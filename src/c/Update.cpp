@@ -34,29 +34,37 @@ namespace {
 // Where there are no angles.
 constexpr float none = std::numeric_limits<float>::quiet_NaN();
 constexpr kiv_uncertainty noUncertainty{none, none, none, none, none, none, none, none, none};
+constexpr kiv_calibration_uncertainty noCalibration{none, none, none};
+
+float single(double value) {
+    return static_cast<float>(value);
+}
 
 kiv_trust trustRecord(const JudgedReading& reading) {
     if (!hasAngles(reading.state))
         return {KIV_TRUST_NONE, none};
-    return {static_cast<std::int32_t>(reading.trust.trust),
-            static_cast<float>(reading.trust.modelError)};
+    return {static_cast<std::int32_t>(reading.trust.trust), single(reading.trust.modelError)};
 }
 
 kiv_uncertainty uncertaintyRecord(const AngleUncertainty& row) {
     const auto& [u, correlation, contribution, rounding, reference] = row;
-    const auto single = [](double value) { return static_cast<float>(value); };
     return {single(u[0]),           single(u[1]),           single(u[2]),
             single(correlation[0]), single(correlation[1]), single(correlation[2]),
             single(reference[0]),   single(reference[1]),   single(reference[2])};
 }
 
+kiv_calibration_uncertainty calibrationRecord(const AngleTriple& u) {
+    return {single(u[0]), single(u[1]), single(u[2])};
+}
+
 // Where the results go, an element a reading; null for what is not wanted.
 struct Arrays {
     kiv_result* results;
-    double* matrices;
-    std::uint8_t* states;
-    kiv_trust* trust;
-    kiv_uncertainty* uncertainties;
+    double* matrices = nullptr;
+    std::uint8_t* states = nullptr;
+    kiv_trust* trust = nullptr;
+    kiv_uncertainty* uncertainties = nullptr;
+    kiv_calibration_uncertainty* calibration = nullptr;
 
     void set(std::size_t i, const JudgedReading& reading) const {
         recordOf(results[i]) = reading.info;
@@ -69,6 +77,9 @@ struct Arrays {
         if (uncertainties)
             uncertainties[i] =
                 reading.hasUncertainty ? uncertaintyRecord(reading.uncertainty) : noUncertainty;
+        if (calibration)
+            calibration[i] =
+                reading.hasCalibration ? calibrationRecord(reading.calibration) : noCalibration;
     }
 };
 
@@ -77,9 +88,11 @@ int judgeMany(kiv_sensor* sensor, const kiv_reading* readings, std::size_t count
     return locked(sensor, {{argument, readings, count}, {"out", out.results, count}}, [&] {
         JudgedSensor& judged = sensor->judged;
         const JudgedSensor::Wanted wanted{.matrix = out.matrices != nullptr,
-                                          .state = out.states || out.trust || out.uncertainties,
+                                          .state = out.states || out.trust || out.uncertainties
+                                                   || out.calibration,
                                           .trust = out.trust != nullptr,
-                                          .uncertainty = out.uncertainties != nullptr};
+                                          .uncertainty = out.uncertainties != nullptr,
+                                          .calibration = out.calibration != nullptr};
         JudgedReading reading;
         for (std::size_t i = 0; i < count; ++i) {
             judged.judge(recordOf(readings[i]), wanted, reading);
@@ -102,12 +115,12 @@ const char* kiv_trust_name(int trust) {
 }
 
 int kiv_sensor_update(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out) {
-    return judgeMany(sensor, reading, 1, {out, nullptr, nullptr, nullptr, nullptr}, "reading");
+    return judgeMany(sensor, reading, 1, {out}, "reading");
 }
 
 int kiv_sensor_update_many(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
                            kiv_result* out, double* matrices, uint8_t* states) {
-    return judgeMany(sensor, readings, count, {out, matrices, states, nullptr, nullptr});
+    return judgeMany(sensor, readings, count, {out, matrices, states});
 }
 
 int kiv_sensor_judge(kiv_sensor* sensor, const kiv_reading* reading, kiv_result* out,
@@ -119,6 +132,14 @@ int kiv_sensor_judge_many(kiv_sensor* sensor, const kiv_reading* readings, size_
                           kiv_result* out, double* matrices, uint8_t* states, kiv_trust* trust,
                           kiv_uncertainty* uncertainties) {
     return judgeMany(sensor, readings, count, {out, matrices, states, trust, uncertainties});
+}
+
+int kiv_sensor_judge_calibrated(kiv_sensor* sensor, const kiv_reading* readings, size_t count,
+                                kiv_result* out, double* matrices, uint8_t* states,
+                                kiv_trust* trust, kiv_uncertainty* uncertainties,
+                                kiv_calibration_uncertainty* calibration) {
+    return judgeMany(sensor, readings, count,
+                     {out, matrices, states, trust, uncertainties, calibration});
 }
 
 int kiv_sensor_matrix(kiv_sensor* sensor, double* m) {

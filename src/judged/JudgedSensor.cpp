@@ -51,10 +51,23 @@ Replaceable<Propagation> JudgedSensor::propagationOf(const CKiv& sensor,
     return made;
 }
 
+Replaceable<CalibrationPart> JudgedSensor::calibrationPartOf(const CKiv& sensor,
+                                                             const Calibration& found) const {
+    Replaceable<CalibrationPart> made(std::in_place, sensor, found);
+    if (hasReference())
+        made->captured(sensor, reference);
+    return made;
+}
+
 void JudgedSensor::setUncertainties(const Uncertainties& ofReadings) {
     propagation = propagationOf(own, ofReadings);
     uncertainties = ofReadings;
     trust.expect(ofReadings);
+}
+
+void JudgedSensor::setCalibration(Calibration found) {
+    calibrationPart = calibrationPartOf(own, found);
+    calibration = std::move(found);
 }
 
 bool JudgedSensor::hasReference() const {
@@ -65,6 +78,7 @@ void JudgedSensor::captured(const CKiv& by, const KIV_RAWINFO& raw, std::int64_t
     reference = raw;
     indexOfReference = index;
     propagation->captured(by, raw);
+    calibrationPart->captured(by, raw);
 }
 
 Reason JudgedSensor::reasonOf(const KIV_RAWINFO& raw, UpdateOutcome outcome, RowState state) const {
@@ -91,6 +105,7 @@ Reason JudgedSensor::reasonOf(const KIV_RAWINFO& raw, UpdateOutcome outcome, Row
 void JudgedSensor::judge(const KIV_RAWINFO& raw, const Wanted& wanted, JudgedReading& out) {
     const std::int64_t index = given++;
     out.hasUncertainty = false;
+    out.hasCalibration = false;
     if (!isUsable(raw)) {
         out.state = RowState::refused;
         out.reason = reasonOf(raw, UpdateOutcome::badStatus, out.state);
@@ -116,6 +131,8 @@ void JudgedSensor::judge(const KIV_RAWINFO& raw, const Wanted& wanted, JudgedRea
         out.trust = trust.judge(own, raw, out.info, false);
     if (wanted.uncertainty)
         out.hasUncertainty = propagation->of(own, raw, out.info, out.uncertainty);
+    if (wanted.calibration)
+        out.hasCalibration = calibrationPart->of(raw, out.calibration);
 }
 
 Reason JudgedSensor::captureReference(const KIV_RAWINFO& raw) {

@@ -8,6 +8,7 @@
 #include "judged/Reason.h"
 #include "judged/RowState.h"
 #include "support/Copies.h"
+#include "uncertainty/CalibrationPart.h"
 #include "uncertainty/Propagation.h"
 #include "uncertainty/Trust.h"
 
@@ -23,6 +24,8 @@ struct JudgedReading {
     RowTrust trust{}; // in states ok and reference
     bool hasUncertainty = false;
     AngleUncertainty uncertainty{};
+    bool hasCalibration = false;
+    AngleTriple calibration{}; // its part, standard uncertainties of rx, ry, rz, degrees
 };
 
 // A sensor that says of each reading whether it has angles, why not, and how far to trust them.
@@ -31,7 +34,8 @@ public:
     // Limits as CKivPrm::GetKIVLevelLimits gives them, degrees.
     JudgedSensor(const CKiv& configured, const F_VECTOR4& levelLimits)
         : own(configured), trust(configured, levelLimits),
-          propagation(std::in_place, own, uncertainties) {}
+          propagation(std::in_place, own, uncertainties),
+          calibrationPart(std::in_place, own, calibration) {}
 
     const CKiv& sensor() const { return own; }
 
@@ -44,8 +48,10 @@ public:
         if (const int code = setter(trial); code != KIV_OK)
             return code;
         auto next = propagationOf(trial, uncertainties);
+        auto nextPart = calibrationPartOf(trial, calibration);
         const int code = setter(own);
         propagation = std::move(next);
+        calibrationPart = std::move(nextPart);
         trust.configure(own);
         return code;
     }
@@ -53,14 +59,17 @@ public:
     // Standard uncertainties of readings and parameters; without any they are exactly known. As
     // set.
     void setUncertainties(const Uncertainties& ofReadings);
+    // Parameters that a calibration of this sensor found. As set.
+    void setCalibration(Calibration found);
 
     // Info and reference are there in any case, of the rest what is wanted. The state is wanted
-    // with trust or uncertainty.
+    // with trust, uncertainty or calibration.
     struct Wanted {
         bool matrix = false;
         bool state = false;
         bool trust = false;
         bool uncertainty = false;
+        bool calibration = false;
     };
     // The first reading that can becomes the reference. Allocates nothing.
     void judge(const KIV_RAWINFO& raw, const Wanted& wanted, JudgedReading& out);
@@ -83,11 +92,15 @@ private:
     void captured(const CKiv& by, const KIV_RAWINFO& raw, std::int64_t index);
     Replaceable<Propagation> propagationOf(const CKiv& sensor,
                                            const Uncertainties& ofReadings) const;
+    Replaceable<CalibrationPart> calibrationPartOf(const CKiv& sensor,
+                                                   const Calibration& found) const;
 
     CKiv own;
     TrustJudge trust;
     Uncertainties uncertainties;
-    Replaceable<Propagation> propagation; // of the sensor as it is
+    Calibration calibration;
+    Replaceable<Propagation> propagation; // of the sensor as it is, as the next
+    Replaceable<CalibrationPart> calibrationPart;
     KIV_RAWINFO reference{};
     std::int64_t indexOfReference = -1;
     std::int64_t given = 0; // readings so far

@@ -14,6 +14,7 @@ struct SensorAccess {
     static void forgetReference(CKiv& sensor) { sensor.referenceSet = false; }
     static bool inMachineFrame(const CKiv& sensor) { return sensor.mcsFlag; }
     static const CKivModel* model(const CKiv& sensor) { return sensor.model.get(); }
+    static CKivModel* ownModel(CKiv& sensor) { return sensor.model.get(); }
     static int mountMode(const CKiv& sensor) { return sensor.mountMode; }
     static const double* transform(const CKiv& sensor) { return sensor.transform; }
     static const double* result(const CKiv& sensor) { return sensor.result; }

@@ -6,7 +6,6 @@
 
 #include "models/ModelFactory.h"
 #include "sensor/SensorAccess.h"
-#include "sensor/Update.h"
 #include "support/AngleConstants.h"
 #include "support/ZelUtil.h"
 #include "uncertainty/MatrixAngles.h"
@@ -18,14 +17,6 @@ namespace {
 // An input is moved by no less than this many steps of single precision, so that their rounding
 // stays below a hundredth of the difference.
 constexpr double leastSteps = 128;
-
-// Angles that turn by more, radians, are no slope: the mean of two levels' angles jumps by half a
-// turn where one of them passes the seam at 180 degrees.
-constexpr double quarterTurn = halfPi;
-
-// Part of the distance. With z closer to 0 the pendulum's digits cancel where its readings do not
-// fit together, as moved ones do not.
-constexpr double levelSightClearance = 1e-5;
 
 double ulp(float value) {
     const float size = std::abs(value);
@@ -66,39 +57,30 @@ struct Propagation::Sight {
 
 Propagation::Propagation(const CKiv& sensor, const Uncertainties& uncertainties)
     : work(sensor), given(uncertainties), principle(principleOf(*SensorAccess::model(sensor))),
-      ownMatrix(reportsOwnMatrix(SensorAccess::mountMode(sensor))),
-      local(!ownMatrix && !SensorAccess::inMachineFrame(sensor)) {
+      local(!reportsOwnMatrix(SensorAccess::mountMode(sensor))
+            && !SensorAccess::inMachineFrame(sensor)) {
     std::copy_n(SensorAccess::thermalFactor(sensor), 4, thermalFactor);
     std::copy_n(SensorAccess::localMatrix(sensor), 9, localMatrix);
 }
 
 struct Propagation::Moved {
-    double angles[3]; // radians
-    double level[2];  // X and Y, corrected, degrees
-    double matrix[9]; // the model's, for the local frame alone
+    AngleTriple angles; // radians
+    double level[2];    // X and Y, corrected, degrees
+    double matrix[9];   // the model's, for the local frame alone
 };
 
 bool Propagation::update(const KIV_RAWINFO& raw, Moved& out) {
     KIV_INFO info;
-    if (SensorUpdate::run(work, raw, info) != UpdateOutcome::oriented)
+    if (!anglesAfter(work, raw, info, out.angles))
         return false;
     out.level[0] = info.levelX;
     out.level[1] = info.levelY;
-    const double* transform = SensorAccess::transform(work);
-    matrixAngles(ownMatrix ? transform : SensorAccess::result(work), local, out.angles);
     if (local)
-        std::copy_n(transform, 9, out.matrix);
+        std::copy_n(SensorAccess::transform(work), 9, out.matrix);
     return true;
 }
 
-void Propagation::setSlope(Channel channel, const Moved& from, const Moved& to, double distance) {
-    Slope& slope = slopes[channel];
-    for (std::size_t i = 0; i < 3; ++i)
-        slope.angles[i] = turnBetween(from.angles[i], to.angles[i]) / distance;
-    if (channel == lx || channel == ly)
-        slope.level = (to.level[channel - lx] - from.level[channel - lx]) / distance;
-    if (!local)
-        return;
+void Propagation::setTurn(Channel channel, const Moved& from, const Moved& to, double distance) {
     // The skew part of the difference times the mean's transpose.
     double skew[9];
     for (int row = 0; row < 3; ++row)
@@ -109,8 +91,9 @@ void Propagation::setSlope(Channel channel, const Moved& from, const Moved& to, 
                        * (to.matrix[3 * column + k] + from.matrix[3 * column + k]);
             skew[3 * row + column] = sum / 2;
         }
-    slope.turn = {(skew[7] - skew[5]) / (2 * distance), (skew[2] - skew[6]) / (2 * distance),
-                  (skew[3] - skew[1]) / (2 * distance)};
+    slopes[channel].turn = {(skew[7] - skew[5]) / (2 * distance),
+                            (skew[2] - skew[6]) / (2 * distance),
+                            (skew[3] - skew[1]) / (2 * distance)};
 }
 
 bool Propagation::move(Channel channel, const KIV_RAWINFO& back, const KIV_RAWINFO& forth,
@@ -119,10 +102,13 @@ bool Propagation::move(Channel channel, const KIV_RAWINFO& back, const KIV_RAWIN
     Moved to;
     if (!update(back, from) || !update(forth, to))
         return false;
-    for (std::size_t i = 0; i < 3; ++i)
-        if (std::abs(turnBetween(from.angles[i], to.angles[i])) > quarterTurn)
-            return false;
-    setSlope(channel, from, to, distance);
+    Slope& slope = slopes[channel];
+    if (!slopeBetween(from.angles, to.angles, distance, slope.angles))
+        return false;
+    if (channel == lx || channel == ly)
+        slope.level = (to.level[channel - lx] - from.level[channel - lx]) / distance;
+    if (local)
+        setTurn(channel, from, to, distance);
     return true;
 }
 
@@ -163,12 +149,8 @@ bool Propagation::slopeOf(Channel channel, float KIV_RAWINFO::*reading, double u
 }
 
 bool Propagation::slopesAt(const KIV_RAWINFO& row, const Sight& sight) {
-    KIV_RAWINFO raw = row;
-    float& z = raw.vector[2];
-    const double clearance =
-        principle == Principle::pendulum ? levelSightClearance * sight.length : 0;
-    if (std::abs(z) < clearance)
-        z = static_cast<float>(std::copysign(clearance, z));
+    const double clearance = levelSightClearance(principle, row);
+    const KIV_RAWINFO raw = clearOfLevelSight(row, clearance);
     const auto both = [&](Source reading, Source offset) {
         return std::hypot(given[reading], given[offset]);
     };

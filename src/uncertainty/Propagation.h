@@ -3,11 +3,10 @@
 #include <array>
 
 #include "KIVInterface/CKiv.h"
+#include "uncertainty/AngleSlopes.h"
 #include "uncertainty/Uncertainties.h"
 
 namespace kiv {
-
-using AngleTriple = std::array<double, 3>; // of rx, ry, rz
 
 // Standard uncertainties of one row's reported angles, degrees.
 struct AngleUncertainty {
@@ -53,7 +52,7 @@ private:
     struct Moved;
 
     bool update(const KIV_RAWINFO& raw, Moved& out);
-    void setSlope(Channel channel, const Moved& from, const Moved& to, double distance);
+    void setTurn(Channel channel, const Moved& from, const Moved& to, double distance);
     bool move(Channel channel, const KIV_RAWINFO& back, const KIV_RAWINFO& forth, double distance);
     bool slopeAcross(Channel channel, const KIV_RAWINFO& raw, const Sight& sight, double clearance);
     bool slopeOf(Channel channel, float KIV_RAWINFO::*reading, double uncertainty,
@@ -67,7 +66,6 @@ private:
     CKiv work;
     Uncertainties given;
     Principle principle;
-    bool ownMatrix;
     bool local;
     float thermalFactor[4];
     double localMatrix[9];

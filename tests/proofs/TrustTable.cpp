@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "tests/proofs/DrawnFiles.h"
 #include "tests/proofs/PageTables.h"
 #include "tests/proofs/TrustTrials.h"
 
@@ -182,6 +183,23 @@ void addMonteCarlo(Tables& tables, const Counts& counts) {
     }
 }
 
+void addDrawnFiles(Tables& tables, const Counts& counts) {
+    tables.head({"Mode", "Frame", "Uncertainties", "Within 5 % of the drawn files'"});
+    const std::size_t draws = std::min<std::size_t>(counts.draws, 20000);
+    const double most = allowance(0.05, std::sqrt(0.5), draws);
+    for (int mode = 1; mode <= 10; ++mode)
+        for (const bool machineFrame : {true, false}) {
+            if (!machineFrame && reportsOwnMatrix(mode))
+                continue;
+            const std::vector<double> off = docs::tryDrawnFiles(mode, machineFrame, usual, draws);
+            const auto within = std::count_if(off.begin(), off.end(),
+                                              [&](double each) { return std::abs(each) <= most; });
+            tables.row({std::to_string(mode), machineFrame ? "machine" : "local",
+                        std::to_string(off.size()), std::to_string(within)});
+            tables.expect(within == std::ssize(off), "some are not within 5 %");
+        }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -190,5 +208,6 @@ int main(int argc, char** argv) {
         addAnySensor(tables, counts);
         addNoise(tables, counts);
         addMonteCarlo(tables, counts);
+        addDrawnFiles(tables, counts);
     });
 }

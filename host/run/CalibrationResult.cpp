@@ -1,0 +1,126 @@
+#include "host/run/CalibrationResult.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+#include "host/base/FileKind.h"
+#include "host/base/FlatJson.h"
+#include "params/Quoted.h"
+
+namespace kiv::host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* digestName = "parameter_file_sha256";
+constexpr const char* correlationName = "correlation";
+constexpr double rounding = 1e-6; // of a correlation
+
+const FlatJson::Entry* entryOf(const FlatJson& json, std::string_view name) {
+    const auto& all = json.entries();
+    const auto entry =
+        std::find_if(all.begin(), all.end(), [&](const auto& each) { return each.name == name; });
+    return entry == all.end() ? nullptr : &*entry;
+}
+
+class ResultReader {
+public:
+    ResultReader(const FlatJson& text, const CalibratedFile& given)
+        : json(text), parameterFile(given), root(Json::parse(text.content())) {}
+
+    bool read(CalibrationResult& result) {
+        if (!belongs())
+            return false;
+        std::vector<double> covariance;
+        try {
+            covariance = covarianceOf(result.names);
+        } catch (const Json::exception&) {
+            covariance.clear();
+        }
+        if (covariance.empty())
+            return fault("names and a matrix of numbers as kiv calibrate writes them, with the u "
+                         "of each name among the parameters",
+                         "another shape");
+        const std::vector<std::string_view> names(result.names.begin(), result.names.end());
+        return report(
+            Calibration::make(parameterFile.sensor, names, covariance.data(), result.calibration),
+            result.names);
+    }
+
+private:
+    bool fault(std::string_view expected, std::string_view found) const {
+        const FlatJson::Entry* place = entryOf(json, correlationName);
+        return json.report(place ? place->place : 0, expected, found);
+    }
+
+    bool belongs() const {
+        const FlatJson::Entry* entry = entryOf(json, digestName);
+        const std::string expected = "the result of the calibration that wrote "
+                                     + printable(parameterFile.name) + " (SHA-256 "
+                                     + parameterFile.digest + ')';
+        if (!entry)
+            return json.report(0, expected, "one without " + std::string(digestName));
+        return entry->value == Json(parameterFile.digest)
+               || json.report(json.valuePlace(*entry), expected,
+                              shownValue(entry->value)
+                                  + "; give the two files of one kiv calibrate, unchanged");
+    }
+
+    // Nothing, or what the parser throws, where the shape is another one.
+    std::vector<double> covarianceOf(std::vector<std::string>& names) const {
+        const Json& correlation = root.at(correlationName);
+        names = correlation.at("names").get<std::vector<std::string>>();
+        const auto rows = correlation.at("matrix").get<std::vector<std::vector<double>>>();
+        std::vector<double> u;
+        for (const std::string& name : names)
+            u.push_back(root.at("parameters").at(name).at("u").get<double>());
+        std::vector<double> covariance;
+        if (rows.size() != names.size())
+            return {};
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (rows[i].size() != names.size() || !(std::abs(rows[i][i] - 1) <= rounding)
+                || !(u[i] >= 0))
+                return {};
+            for (std::size_t j = 0; j < rows.size(); ++j)
+                covariance.push_back(u[i] * rows[i][j] * u[j]);
+        }
+        return covariance;
+    }
+
+    bool report(const CalibrationFault& found, const std::vector<std::string>& names) const {
+        switch (found.kind) {
+        case CalibrationFault::none:
+            return true;
+        case CalibrationFault::name:
+            return fault("parameters that the angles depend on", kiv::quoted(names[found.row]));
+        case CalibrationFault::again:
+            return fault("each name once", kiv::quoted(names[found.row]) + " again");
+        case CalibrationFault::notFinite:
+        case CalibrationFault::notSymmetric:
+        case CalibrationFault::notPossible:
+            break;
+        }
+        return fault("a symmetric, positive semidefinite matrix",
+                     "one that is not so at " + kiv::quoted(names[found.row]) + " and "
+                         + kiv::quoted(names[found.column]));
+    }
+
+    const FlatJson& json;
+    const CalibratedFile& parameterFile;
+    const Json root;
+};
+
+} // namespace
+
+bool isCalibrationResult(const FlatJson& json) {
+    return entryOf(json, digestName) || entryOf(json, correlationName);
+}
+
+bool readCalibrationResult(const FlatJson& json, const CalibratedFile& parameterFile,
+                           CalibrationResult& result) {
+    return ResultReader(json, parameterFile).read(result);
+}
+
+} // namespace kiv::host

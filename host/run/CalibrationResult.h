@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "uncertainty/Calibration.h"
+
+namespace kiv::host {
+
+class FlatJson;
+
+// What kiv calibrate wrote of the parameters that it found.
+struct CalibrationResult {
+    std::string file; // as messages show it
+    std::vector<std::string> names;
+    Calibration calibration;
+};
+
+// The parameter file that a run is given.
+struct CalibratedFile {
+    const std::string& name;
+    std::string digest; // SHA-256
+    const CKiv& sensor;
+};
+
+bool isCalibrationResult(const FlatJson& json);
+
+// False, and a message with its place, where the text of the result is of another shape, or belongs
+// to another parameter file.
+bool readCalibrationResult(const FlatJson& json, const CalibratedFile& parameterFile,
+                           CalibrationResult& result);
+
+} // namespace kiv::host
