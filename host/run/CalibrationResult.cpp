@@ -103,8 +103,7 @@ private:
             break;
         }
         return fault("a symmetric, positive semidefinite matrix",
-                     "one that is not so at " + kiv::quoted(names[found.row]) + " and "
-                         + kiv::quoted(names[found.column]));
+                     "one that is not so in the row of " + kiv::quoted(names[found.row]));
     }
 
     const FlatJson& json;

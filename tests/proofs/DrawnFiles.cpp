@@ -16,6 +16,7 @@
 #include "sensor/Update.h"
 #include "simulator/RandomPoses.h"
 #include "support/ZelUtil.h"
+#include "support/platform/ByteSource.h"
 #include "tests/proofs/ExampleSensor.h"
 #include "uncertainty/CalibrationPart.h"
 

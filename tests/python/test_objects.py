@@ -14,7 +14,7 @@ import numpy as np
 import pytest
 
 import kiv
-from test_run import ONE, UNCERTAIN, columns, sensor
+from test_run import ONE, UNCERTAIN, calibration, columns, sensor
 from tool import EXAMPLE, ROOT
 
 
@@ -98,7 +98,7 @@ def in_another_process(one):
 
 
 def captured(one):
-    made = kiv.Sensor(one.parameters, one.frame, one.uncertainties)
+    made = kiv.Sensor(one.parameters, one.frame, one.uncertainties, one.calibration)
     made.capture_reference(one.reference)
     return made.run
 
@@ -107,7 +107,8 @@ def captured(one):
 @pytest.mark.parametrize("twin", [lambda one: copy.copy(one).run, lambda one: copy.deepcopy(one).run,
                                   captured, in_another_process])
 def test_a_twin_has_the_reference(twin, mode):
-    one = sensor(mode, "local", UNCERTAIN)
+    plain = sensor(mode)
+    one = kiv.Sensor(plain.parameters, "local", UNCERTAIN, calibration(plain.parameters.text))
     readings = columns(6, ref_blocked=[1, 1, 0, 0, 0, 0])
     one.run(readings)
     assert one.reference_row == 2 and one.reference["azimuth_deg"] == 14.5

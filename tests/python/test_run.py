@@ -1,5 +1,7 @@
 """Sensor.run: the tool's digits, the kinds of tables, what does not fit."""
 
+import copy
+import hashlib
 import json
 
 import numpy as np
@@ -26,6 +28,15 @@ def sensor(mode=4, frame="machine", uncertainties=None):
     return kiv.Sensor(kiv.Parameters.from_text(in_mode(mode)), frame, uncertainties)
 
 
+# As kiv calibrate writes it.
+def calibration(text, names=("angle_offset.azimuth_deg", "level_x.gain", "scale_factor.6")):
+    return {
+        "parameters": {name: {"u": 0.002} for name in names},
+        "correlation": {"names": names, "matrix": [[1, 0.3, 0], [0.3, 1, -0.8], [0, -0.8, 1]]},
+        "parameter_file_sha256": hashlib.sha256(text).hexdigest(),
+    }
+
+
 @pytest.mark.parametrize("mode", range(1, 11))
 def test_digits_are_the_tools(mode, tmp_path):
     file, csv = tmp_path / "Tg5.prm", tmp_path / "r.csv"
@@ -35,19 +46,23 @@ def test_digits_are_the_tools(mode, tmp_path):
     vertical = "0,2,0,0,3000,0,0,0,0,20,0.1,0,0,0,0\n"
     csv.write_text(text.replace("\n", "\n" + first, 1) + vertical)
     readings = {name: [number(cell) for cell in cells] for name, cells in table(csv.read_text()).items()}
-    uncertainties = tmp_path / "u.json"
-    for frame, given in (("machine", None), ("machine", {}), ("local", UNCERTAIN)):
+    uncertainties, found = tmp_path / "u.json", tmp_path / "result.json"
+    found.write_text(json.dumps(calibration(file.read_bytes())))
+    for frame, given, calibrated in (
+        ("machine", None, None), ("machine", {}, None), ("machine", None, found), ("local", UNCERTAIN, found)
+    ):
         uncertainties.write_text(json.dumps(given))
         options = [] if given is None else ["--uncertainties", uncertainties]
+        options += [] if calibrated is None else ["--uncertainties", calibrated]
         expected = table(kiv_tool("run", file, csv, "--frame", frame, *options))
-        results = kiv.Sensor(kiv.Parameters(file), frame, given).run(readings, matrices=True)
+        results = kiv.Sensor(kiv.Parameters(file), frame, given, calibrated).run(readings, matrices=True)
         words = [kiv.State(state).name.lower() for state in results["state"]]
         assert words == list(expected["state"]) and {"ok", "reference", "refused", "status"} < set(words)
         trust = [kiv.Trust(number).name.lower() for number in results["trust"]]
         assert trust == [word or "none" for word in expected["trust"]] and "none" in trust
         assert list(results) == [name for name in expected if name not in {*readings, "reason", "code"}]
         same_bits(results, expected)
-        one = kiv.Sensor(kiv.Parameters(file), frame, given)
+        one = copy.deepcopy(kiv.Sensor(kiv.Parameters(file), frame, given, calibrated))
         rows = [one.update(row, matrices=True) for row in pandas.DataFrame(readings).itertuples()]
         assert list(rows[0]) == list(results)
         for name, values in results.items():
@@ -166,6 +181,16 @@ def test_refusals_name_the_place_and_leave_the_sensor(name, values, row, found):
 def test_uncertainties_that_do_not_fit(given, found):
     with pytest.raises(ValueError, match="uncertainties: expected .*" + found):
         sensor(uncertainties=given)
+
+
+@pytest.mark.parametrize("given, found", [
+    (calibration(b"x"), "the result of the calibration that wrote"),
+    (dict(calibration(in_mode(4).encode()), parameters={}), "another shape"),
+    (calibration(in_mode(4).encode(), ("qvc.x", "qvc.y", "qvc.a")), "a parameter that the angles"),
+])
+def test_a_calibration_that_does_not_fit(given, found):
+    with pytest.raises(ValueError, match="calibration: .*" + found):
+        kiv.Sensor(kiv.Parameters.from_text(in_mode(4)), calibration=given)
 
 
 def test_pandas_own_types():
