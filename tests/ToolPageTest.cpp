@@ -11,9 +11,11 @@
 
 #include <gtest/gtest.h>
 
+#include "host/base/Sha256.h"
 #include "host/commandline/CommandLine.h"
 #include "host/commandline/HelpTexts.h"
 #include "host/rows/ResultColumns.h"
+#include "tests/ParameterRecord.h"
 #include "tests/ToolRunner.h"
 #include "uncertainty/Trust.h"
 
@@ -145,10 +147,18 @@ TEST(ToolPage, SaysOfEveryColumnOfResultsWhatItsTableSays) {
 }
 
 TEST(ToolPage, ARefusedRowIsEmptyWhereTheColumnsMayBe) {
-    const std::string out = test::tool({"run", KIV_EXAMPLES "/Tg5.prm", "-", "--frame", "local",
-                                        "--u-level", "0.1", "--messages", "0"},
-                                       test::header + "0,2,0,0,0,1,1,1,1,20,0.1,0\n")
-                                .out;
+    const test::ParameterFolder folder;
+    const std::string result = folder.path() + "/result.json";
+    std::ifstream file(KIV_EXAMPLES "/Tg5.prm", std::ios::binary);
+    Sha256 digest;
+    digest.add(std::string(std::istreambuf_iterator<char>(file), {}));
+    std::ofstream(result) << R"({"correlation": {"names": [], "matrix": []},)"
+                          << R"("parameter_file_sha256": ")" << digest.hex() << "\"}";
+    const std::string out =
+        test::tool({"run", KIV_EXAMPLES "/Tg5.prm", "-", "--frame", "local", "--u-level", "0.1",
+                    "--messages", "0", "--uncertainties", result},
+                   test::header + "0,2,0,0,0,1,1,1,1,20,0.1,0\n")
+            .out;
     std::istringstream row(test::lines(out).at(1) + ',');
     std::string cell;
     std::getline(row, cell, ','); // the time, carried over

@@ -3,7 +3,9 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +15,7 @@
 #include "simulator/Random.h"
 #include "tests/Allocations.h"
 #include "tests/PreparedSensor.h"
+#include "uncertainty/CalibrationPart.h"
 #include "uncertainty/Propagation.h"
 #include "uncertainty/Trust.h"
 
@@ -341,6 +344,33 @@ TEST(Propagation, HasTheSlopesOfNearlyExactInputs) {
     for (std::size_t source = 0; source < sourceCount; ++source)
         for (std::size_t i = 0; i < 3; ++i)
             EXPECT_NEAR(1e6 * exact[source][i], usual[source][i], 2e-5) << source << ' ' << i;
+}
+
+// Also where parameters are known better than single precision has steps, and near z = 0 of the
+// pendulum. Whatever turns the angles by more than a quarter of a turn has no slope.
+TEST(CalibrationPart, IsInProportionToTheUncertaintyOfTheParameters) {
+    CKiv sensor;
+    prepare(sensor, 4);
+    const auto partOf = [&](std::string_view name, double u, double z) {
+        const KIV_RAWINFO raw = readingsAt(4, {3, 4, 60, std::atan(z / 4000) / simulator::radians});
+        const double variance = u * u;
+        Calibration calibration;
+        EXPECT_EQ(Calibration::make(sensor, std::span(&name, 1), &variance, calibration).kind,
+                  CalibrationFault::none);
+        CalibrationPart part(sensor, calibration);
+        updatedTwice(sensor, raw);
+        part.captured(sensor, raw);
+        AngleTriple found{};
+        return part.of(raw, found) ? found[0] / u : -1;
+    };
+    for (const char* name : {"angle_offset.elevation_deg", "tilt_sensor_offset.y_deg",
+                             "scale_factor.0", "scale_factor.6"}) {
+        const double usual = partOf(name, 1e-3, 300);
+        EXPECT_GT(usual, 0.01) << name;
+        EXPECT_NEAR(partOf(name, 1e-9, 300) / usual, 1, 0.02) << name;
+        EXPECT_NEAR(partOf(name, 1e-3, 1e-5) / partOf(name, 1e-3, 3), 1, 0.02) << name;
+    }
+    EXPECT_EQ(partOf("angle_offset.azimuth_deg", 100, 300), -1);
 }
 
 // A component's steps turn the angles as far as they lie across the line of sight.

@@ -32,6 +32,13 @@ namespace Kiv
         public float QvcX, QvcY, QvcZ;
     }
 
+    // A calibration's part in a reading's angles, degrees; NaN where there are none.
+    [StructLayout(LayoutKind.Sequential)]
+    public struct CalibrationUncertainty // 12 bytes
+    {
+        public float Rx, Ry, Rz;
+    }
+
     public enum State : byte { Ok, Status, NoReference, Reference, NoOrientation, Refused }
 
     // A refusal that .NET has no exception for; the others are ArgumentException, FileNotFoundException,
@@ -74,8 +81,12 @@ namespace Kiv
         [DllImport(Library, CallingConvention = C)]
         public static extern int kiv_sensor_set_frame(SensorHandle sensor, int frame);
         [DllImport(Library, CallingConvention = C)]
-        public static extern int kiv_sensor_update_many(SensorHandle sensor, [In] Reading[] readings, UIntPtr count,
-            [Out] Result[] results, [Out] double[] matrices, [Out] byte[] states);
+        public static extern int kiv_sensor_set_calibration(SensorHandle sensor, [In] string[] names, UIntPtr count,
+            [In] double[,] covariance);
+        [DllImport(Library, CallingConvention = C)]
+        public static extern int kiv_sensor_judge_calibrated(SensorHandle sensor, [In] Reading[] readings,
+            UIntPtr count, [Out] Result[] results, [Out] double[] matrices, [Out] byte[] states, IntPtr trust,
+            IntPtr uncertainties, [Out] CalibrationUncertainty[] calibration);
 
         public static string Text(IntPtr utf8)
         {
@@ -141,22 +152,44 @@ namespace Kiv
             Native.Check(Native.kiv_sensor_set_frame(handle, localFrame ? 0 : 1));
         }
 
-        public Result[] Update(Reading[] readings, State[] states = null)
+        // Names of parameters and the covariance of their errors, as kiv.h says.
+        public void SetCalibration(string[] names, double[,] covariance)
+        {
+            if (names == null || covariance == null)
+                throw new ArgumentNullException(names == null ? "names" : "covariance");
+            if (covariance.GetLength(0) != names.Length || covariance.GetLength(1) != names.Length)
+                throw new ArgumentException("covariance: expected a row and a column for each name");
+            RequireOpen();
+            Native.Check(Native.kiv_sensor_set_calibration(handle, names, (UIntPtr)names.Length, covariance));
+        }
+
+        public Result[] Update(Reading[] readings, State[] states = null,
+                               CalibrationUncertainty[] calibration = null)
         {
             if (readings == null)
                 throw new ArgumentNullException("readings");
-            if (states != null && states.Length < readings.Length)
-                throw new ArgumentException("states: expected room for " + readings.Length + ", found "
-                                            + states.Length);
-            if (handle.IsClosed)
-                throw new ObjectDisposedException(typeof(Sensor).FullName);
+            RequireRoom("states", states, readings.Length);
+            RequireRoom("calibration", calibration, readings.Length);
+            RequireOpen();
             var results = new Result[readings.Length];
             var bytes = new byte[readings.Length];
-            Native.Check(Native.kiv_sensor_update_many(handle, readings, (UIntPtr)readings.Length, results, null,
-                                                       bytes));
+            Native.Check(Native.kiv_sensor_judge_calibrated(handle, readings, (UIntPtr)readings.Length, results,
+                                                            null, bytes, IntPtr.Zero, IntPtr.Zero, calibration));
             for (int i = 0; states != null && i < bytes.Length; ++i)
                 states[i] = (State)bytes[i];
             return results;
+        }
+
+        private static void RequireRoom(string name, Array array, int count)
+        {
+            if (array != null && array.Length < count)
+                throw new ArgumentException(name + ": expected room for " + count + ", found " + array.Length);
+        }
+
+        private void RequireOpen()
+        {
+            if (handle.IsClosed)
+                throw new ObjectDisposedException(typeof(Sensor).FullName);
         }
 
         public void Dispose() { handle.Dispose(); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <string_view>
 
 #include "host/base/FileKind.h"
@@ -33,19 +34,19 @@ public:
     bool read(CalibrationResult& result) {
         if (!belongs())
             return false;
-        std::vector<double> covariance;
+        std::optional<std::vector<double>> covariance;
         try {
             covariance = covarianceOf(result.names);
         } catch (const Json::exception&) {
-            covariance.clear();
+            covariance.reset();
         }
-        if (covariance.empty())
+        if (!covariance)
             return fault("names and a matrix of numbers as kiv calibrate writes them, with the u "
                          "of each name among the parameters",
                          "another shape");
         const std::vector<std::string_view> names(result.names.begin(), result.names.end());
         return report(
-            Calibration::make(parameterFile.sensor, names, covariance.data(), result.calibration),
+            Calibration::make(parameterFile.sensor, names, covariance->data(), result.calibration),
             result.names);
     }
 
@@ -69,7 +70,7 @@ private:
     }
 
     // Nothing, or what the parser throws, where the shape is another one.
-    std::vector<double> covarianceOf(std::vector<std::string>& names) const {
+    std::optional<std::vector<double>> covarianceOf(std::vector<std::string>& names) const {
         const Json& correlation = root.at(correlationName);
         names = correlation.at("names").get<std::vector<std::string>>();
         const auto rows = correlation.at("matrix").get<std::vector<std::vector<double>>>();
@@ -78,11 +79,11 @@ private:
             u.push_back(root.at("parameters").at(name).at("u").get<double>());
         std::vector<double> covariance;
         if (rows.size() != names.size())
-            return {};
+            return std::nullopt;
         for (std::size_t i = 0; i < rows.size(); ++i) {
             if (rows[i].size() != names.size() || !(std::abs(rows[i][i] - 1) <= rounding)
                 || !(u[i] >= 0))
-                return {};
+                return std::nullopt;
             for (std::size_t j = 0; j < rows.size(); ++j)
                 covariance.push_back(u[i] * rows[i][j] * u[j]);
         }
