@@ -378,6 +378,11 @@ TEST(CSurface, GivesTheCalibrationsPartWhereThereAreAngles) {
     EXPECT_EQ(parts(), 0);
     EXPECT_EQ(giveCalibration(sensor.get()), 0);
     EXPECT_GT(parts(), 0.001F);
+    const char* const row[] = {"tilt_y_calibration_table.40"};
+    const float table[] = {-10, -10, 10, 10};
+    EXPECT_EQ(kiv_sensor_set_calibration(sensor.get(), row, 1, covariance), 0);
+    EXPECT_EQ(kiv_sensor_set_tilt_y_table(sensor.get(), table, 2), 0); // without that row
+    EXPECT_EQ(parts(), 0);
     EXPECT_EQ(kiv_sensor_set_calibration(sensor.get(), nullptr, 0, nullptr), 0);
     EXPECT_EQ(parts(), 0);
 }

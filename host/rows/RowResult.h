@@ -17,7 +17,8 @@ public:
     // Limits as the record has them; without uncertainties of the readings the angles get none, and
     // without a calibration (null) no part of it.
     RowRunner(const CKiv& configured, const F_VECTOR4& levelLimits,
-              const std::optional<Uncertainties>& uncertainties, const Calibration* calibration);
+              const std::optional<Uncertainties>& uncertainties,
+              const Calibration* calibration = nullptr);
 
     // The result of the row where the table stands; whatever is wrong with it is reported there.
     void run(Table& table, RowResult& result);

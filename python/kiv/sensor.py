@@ -23,6 +23,7 @@ from numpy.typing import ArrayLike, NDArray
 from . import _calibration, _columns, _library, _rows
 from ._copied import Copied
 from ._lock import Lock
+from .errors import Error
 from .parameters import Parameters
 
 if TYPE_CHECKING:
@@ -104,7 +105,7 @@ class Sensor(Copied):
             names, covariance = _calibration.of_file(self._calibration, self._parameters.text)
             try:
                 self._handle.set_calibration(names, covariance)
-            except _library.Error as error:
+            except Error as error:
                 raise ValueError(f"calibration: {error}") from None
         self.frame = frame
 

@@ -70,6 +70,8 @@ struct MovedValues {
 
 double moveEncoderRow(CKiv& sensor, int (CKiv::*set)(int, const float*), const float* table,
                       int count, std::size_t row, double by) {
+    if (row >= static_cast<std::size_t>(count)) // a shorter table was set later
+        return by;
     std::vector<float> rows(table, table + 2 * static_cast<std::ptrdiff_t>(count));
     const MovedValues<1> moved(&rows[2 * row + 1], 0, by);
     rows[2 * row + 1] = moved.values[0];
@@ -79,6 +81,8 @@ double moveEncoderRow(CKiv& sensor, int (CKiv::*set)(int, const float*), const f
 
 double moveTiltRow(CKiv& sensor, int (CKiv::*set)(int, const float*, const double*),
                    const float* table, const double* curve, int count, std::size_t row, double by) {
+    if (row >= static_cast<std::size_t>(count))
+        return by;
     std::vector<float> knots(table, table + count + 3);
     std::vector<double> spline(curve, curve + 4 * static_cast<std::ptrdiff_t>(count));
     std::vector<float> tilts;
