@@ -53,6 +53,38 @@ TEST(Tool, GivesTheSystemsReason) {
     }
 }
 
+TEST(Tool, APageAndASummaryTakeTheirFilesPlaceWhole) {
+    namespace fs = std::filesystem;
+    if (!fs::exists("/dev/full"))
+        GTEST_SKIP() << "no links and modes as here";
+    const fs::path file = ::testing::TempDir() + "kiv_whole", link = file.string() + "_link",
+                   other = file.string() + "_other";
+    const std::string readings = KIV_EXAMPLES "/readings.csv";
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"report", example, readings, "-o", link.string()},
+          {"run", example, readings, "--summary", link.string()},
+          {"verify", "-o", link.string()}}) {
+        SCOPED_TRACE(arguments[0]);
+        std::ofstream(file) << "old";
+        fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+        fs::create_symlink(file.filename(), link);
+        fs::create_hard_link(file, other);
+        const ToolResult refused = tool(arguments);
+        EXPECT_EQ(refused.code, 2);
+        EXPECT_EQ(refused.err, link.string() + ": expected a file with one name, found 2\n");
+        EXPECT_EQ(test::contentOf(file.string()), "old");
+        fs::remove(other);
+        std::ifstream reader(file);
+        EXPECT_EQ(tool(arguments).code, 0);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), "old");
+        EXPECT_GT(fs::file_size(file), 100U);
+        EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+        EXPECT_TRUE(fs::is_symlink(link));
+        fs::remove(link);
+        fs::remove(file);
+    }
+}
+
 TEST(Tool, AFileThatShrinksBreaksReadingOff) {
     for (const std::size_t missing : {0U, 1U}) {
         const std::string text = "a\nb\n";

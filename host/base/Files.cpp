@@ -5,6 +5,7 @@
 
 #include "params/Quoted.h"
 #include "support/platform/File.h"
+#include "support/platform/Replacement.h"
 #include "support/platform/SystemError.h"
 
 namespace kiv::host {
@@ -47,6 +48,15 @@ std::string openingCause(const fs::path& path, int error) {
 // Of the file that an argument names, or to which a stream leads; empty where there is none.
 std::string identityOf(const std::string& name, platform::StandardStream stream) {
     return name == "-" ? platform::identityOf(stream) : platform::identityOf(name.c_str());
+}
+
+// A name in /dev or /proc leads to what is open already, and a file put in its place would not be.
+bool isOfAFile(const std::string& name) {
+    if (name == "-" || name.starts_with("/dev/") || name.starts_with("/proc/"))
+        return false;
+    std::error_code ignored;
+    const fs::file_status status = fs::status(pathOf(name), ignored);
+    return !fs::exists(status) || fs::is_regular_file(status);
 }
 
 } // namespace
@@ -154,6 +164,26 @@ bool Output::open(const std::string& name, const Streams& streams) {
     return true;
 }
 
+bool Output::replace(std::string_view text, const char* consequence, std::ostream& err) {
+    const auto fault =
+        platform::replaceWhole({replaced.c_str()}, [&](ByteSink& target) { target.write(text); });
+    if (!fault)
+        return true;
+    if (platform::meansMissing(fault.system))
+        reportUnopened(err, replaced, fault.system);
+    else
+        err << shownName << ": " << fault.reason << consequence << '\n';
+    return false;
+}
+
+bool Output::openWhole(const std::string& name, const Streams& streams) {
+    if (platform::namesDevice(name) || !isOfAFile(name))
+        return open(name, streams);
+    shownName = shownOutput(name);
+    replaced = name;
+    return replace({}, "", streams.err);
+}
+
 // Once one has failed, nothing further is attempted.
 template <typename Action>
 void Output::attempt(Action action) {
@@ -177,6 +207,10 @@ bool Output::endRow(bool inputWouldWait) {
 }
 
 bool Output::write(std::string_view block, bool inputWouldWait) {
+    if (!replaced.empty()) {
+        pending.append(block);
+        return true;
+    }
     writePending();
     attempt([&] { chosen->write(block.data(), static_cast<std::streamsize>(block.size())); });
     if (inputWouldWait)
@@ -185,14 +219,16 @@ bool Output::write(std::string_view block, bool inputWouldWait) {
 }
 
 bool Output::finish(std::ostream& err) {
+    constexpr const char* consequence = "; not all of the output is there";
+    if (!replaced.empty())
+        return replace(pending, consequence, err);
     writePending();
     attempt([&] { chosen->flush(); });
     if (chosen == &file)
         attempt([&] { file.close(); });
     if (!chosen->fail())
         return true;
-    err << shownName << ": " << platform::systemErrorText(error)
-        << "; not all of the output is there\n";
+    err << shownName << ": " << platform::systemErrorText(error) << consequence << '\n';
     return false;
 }
 

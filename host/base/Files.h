@@ -38,6 +38,10 @@ private:
 class Output {
 public:
     bool open(const std::string& name, const Streams& streams);
+    // For a text that is of use as a whole alone: whoever reads the file finds it empty or with all
+    // of it, even where the tool is killed, and its owner and mode stay. What is no file of its
+    // own, a pipe or a device, is written to as by open.
+    bool openWhole(const std::string& name, const Streams& streams);
 
     std::string& text() { return pending; }
     // Writes what has come together once it makes a block, or at once when the next input may take
@@ -53,7 +57,10 @@ private:
     template <typename Action>
     void attempt(Action action);
     void writePending();
+    // False, and a message, when the file cannot be replaced by one of this text.
+    bool replace(std::string_view text, const char* consequence, std::ostream& err);
 
+    std::string replaced; // the file's name where it is written as a whole
     std::ofstream file;
     std::ostream* chosen = nullptr;
     int error = 0; // of the first attempt that has failed

@@ -71,7 +71,7 @@ void appendCheck(std::string& text, const ModelCheck& check) {
 int verifyInstallation(const VerifyOptions& options, const Streams& streams,
                        const ReferenceData& data) {
     Output output;
-    if (!output.open(options.output, streams))
+    if (!output.openWhole(options.output, streams))
         return unusable;
     const std::vector<ModelCheck> checks = checkModels(data);
     const bool good =

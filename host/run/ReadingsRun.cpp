@@ -13,7 +13,7 @@ namespace kiv::host {
 
 bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* facts) {
     const Interrupt::Waiting waiting(true); // nothing is written yet
-    return inputs.open(results, facts) && outputs.open();
+    return inputs.open(results, facts) && outputs.open(results.empty());
 }
 
 std::size_t ReadingsRun::jobs() const {

@@ -21,7 +21,8 @@ public:
           outputs(asked, inputs, own, withResidualFigures) {}
 
     // False, and messages, when one of the files cannot be used. No column of the readings may have
-    // one of the names of the results. The facts are complete once all rows have been read.
+    // one of the names of the results; without any the output is one text, written as a whole. The
+    // facts are complete once all rows have been read.
     bool open(std::span<const std::string_view> results, InputFacts* facts = nullptr);
 
     CKivPrm& record() { return inputs.record(); }

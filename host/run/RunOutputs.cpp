@@ -8,7 +8,7 @@
 
 namespace kiv::host {
 
-bool RunOutputs::open() {
+bool RunOutputs::open(bool outputIsOneText) {
     const GivenReference& reference = inputs.givenReference();
     if (options.referenceLine == 0 && reference.line > 0)
         totals.nameReference(reference.table, reference.line, reference.result.trust.trust);
@@ -17,8 +17,9 @@ bool RunOutputs::open() {
     const auto& [ofReadings, calibration] = inputs.uncertainties();
     totals.expect(ofReadings.has_value(), calibration.has_value());
     // An earlier summary must not be left beside new results.
-    return (options.summary.empty() || writtenSummary.open(options.summary, streams))
-           && written.open(options.output, streams);
+    return (options.summary.empty() || writtenSummary.openWhole(options.summary, streams))
+           && (outputIsOneText ? written.openWhole(options.output, streams)
+                               : written.open(options.output, streams));
 }
 
 bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress) {

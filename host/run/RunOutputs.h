@@ -22,8 +22,9 @@ public:
         : options(asked), inputs(opened), streams(own), limit(asked.format.mostMessages, own.err),
           totals(withResidualFigures) {}
 
-    // False, and a message, when one cannot be written.
-    bool open();
+    // False, and a message, when one cannot be written. The output is one text, or rows that are
+    // there as they come.
+    bool open(bool outputIsOneText);
 
     Output& output() { return written; }
     const Summary& summary() const { return totals; }
