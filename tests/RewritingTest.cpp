@@ -272,21 +272,52 @@ TEST(Rewriting, WaitsBeforeAndBehindTheDeletion) {
 }
 
 #ifdef _WIN32
-TEST(Rewriting, WaitsForAScannerOfTheCopy) {
-    static HANDLE scanner;
+// A scanner or a backup opens a file before or during the rewrite, and closes it in time.
+TEST(Rewriting, WaitsForOtherProgramsOrLeavesTheFile) {
+    constexpr DWORD read = FILE_SHARE_READ, write = FILE_SHARE_WRITE, remove = FILE_SHARE_DELETE;
+    static struct Row {
+        const char* what;
+        bool ofTheCopy;
+        DWORD share;
+        int code, waits;
+        bool rewritten;
+    } row;
+    static HANDLE holder;
     static int waits;
-    waits = 0;
-    Rewrite rewrite(parameterText());
-    kiv::platform::waitInstead = [](std::chrono::milliseconds) {
-        if (++waits == 1)
-            scanner = CreateFileA("$tmp.prm", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                  nullptr, OPEN_EXISTING, 0, nullptr);
-        if (waits == 4) // two before the copy is to get the name
-            CloseHandle(scanner);
+    static std::string path;
+    const auto hold = [] {
+        holder = CreateFileA(row.ofTheCopy ? "$tmp.prm" : path.c_str(), GENERIC_READ, row.share,
+                             nullptr, OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(holder, INVALID_HANDLE_VALUE);
     };
-    EXPECT_EQ(rewrite.run(), KIV_OK);
-    EXPECT_EQ(rewrite.file(), rewritten());
-    EXPECT_EQ(waits, 4);
+    static void (*const begin)() = hold;
+    for (const Row& each : {
+             Row{"the copy, without delete sharing", true, read | write, KIV_OK, 4, true},
+             {"the copy, shared", true, read | write | remove, KIV_OK, 2, true},
+             {"the file, alone", false, 0, KIV_CANNOT_OPEN, 0, false},
+             {"the file, for reading", false, read, KIV_OK, 4, false},
+             {"the file, without delete sharing", false, read | write, KIV_OK, 4, false},
+             {"the file, shared", false, read | write | remove, KIV_OK, 4, true},
+         }) {
+        row = each;
+        SCOPED_TRACE(row.what);
+        waits = 0;
+        Rewrite rewrite(parameterText());
+        path = rewrite.path();
+        kiv::platform::waitInstead = [](std::chrono::milliseconds) {
+            if (++waits == 1 && row.ofTheCopy)
+                begin();
+            if (waits == 4) // two before the copy is to get the name
+                CloseHandle(holder);
+        };
+        if (!row.ofTheCopy)
+            hold();
+        EXPECT_EQ(rewrite.run(), row.code);
+        if (waits < 4)
+            CloseHandle(holder);
+        EXPECT_EQ(waits, row.waits);
+        EXPECT_EQ(rewrite.file(), row.rewritten ? rewritten() : parameterText());
+    }
 }
 #endif
 

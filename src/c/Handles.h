@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -29,6 +30,11 @@ struct LoadedFile {
 } // namespace kiv::c
 
 struct kiv_parameters {
+    // The first thing that a host asks for: a system without any memory must be told of without an
+    // exception, which would need some.
+    static void* operator new(std::size_t size) noexcept { return std::malloc(size); }
+    static void operator delete(void* place) noexcept { std::free(place); }
+
     std::shared_ptr<kiv::c::LoadedFile> file; // never changed once it is here: copies share it
     std::vector<kiv::Finding> faults;
 };

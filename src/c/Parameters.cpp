@@ -88,7 +88,7 @@ int read(const char* path, std::string& text) {
 int kiv_parameters_new(kiv_parameters** out) {
     return guarded({{"out", out}}, [=] {
         *out = new kiv_parameters;
-        return KIV_STATUS_OK;
+        return *out ? KIV_STATUS_OK : refuseMemory();
     });
 }
 
@@ -99,7 +99,7 @@ void kiv_parameters_free(kiv_parameters* parameters) {
 int kiv_parameters_copy(const kiv_parameters* parameters, kiv_parameters** out) {
     return guarded({{"parameters", parameters}, {"out", out}}, [=] {
         *out = new kiv_parameters(*parameters);
-        return KIV_STATUS_OK;
+        return *out ? KIV_STATUS_OK : refuseMemory();
     });
 }
 

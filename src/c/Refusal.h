@@ -72,6 +72,10 @@ int refuseNull(const Given (&pointers)[count]) noexcept {
     return KIV_STATUS_OK;
 }
 
+inline int refuseMemory() noexcept {
+    return refuse(KIV_STATUS_NO_MEMORY, "the system has no more memory for this call");
+}
+
 // Runs a body that gives a status code. What it throws is memory, or another resource of the
 // system, that was refused.
 template <std::size_t count, typename Body>
@@ -82,7 +86,7 @@ int guarded(const Given (&pointers)[count], Body body) noexcept {
     try {
         return body();
     } catch (...) {
-        return refuse(KIV_STATUS_NO_MEMORY, "the system has no more memory for this call");
+        return refuseMemory();
     }
 }
 

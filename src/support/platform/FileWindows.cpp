@@ -95,13 +95,15 @@ bool isBeingDeleted(const WidePath& path) {
 
 // A scanner or a backup has a file open for a moment: the copy that is new, or the old file, which
 // keeps its name until then.
-bool renameOnceFree(const WidePath& from, const WidePath& to) {
+bool renameOnceFree(const WidePath& from, const WidePath& to, DWORD how) {
     constexpr std::chrono::milliseconds step{100}, most{5000};
     for (auto waited = 0 * step;; waited += step) {
-        if (MoveFileExW(from, to, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH))
+        if (MoveFileExW(from, to, how | MOVEFILE_WRITE_THROUGH))
             return true;
         const DWORD error = GetLastError();
-        const bool mayPass = error == ERROR_SHARING_VIOLATION || isBeingDeleted(to);
+        const bool held = error == ERROR_SHARING_VIOLATION
+                          || (error == ERROR_ACCESS_DENIED && (how & MOVEFILE_REPLACE_EXISTING));
+        const bool mayPass = held || isBeingDeleted(to);
         SetLastError(error);
         if (!mayPass || waited == most)
             return false;
@@ -337,15 +339,13 @@ bool removeFile(Utf8Path path) {
 }
 
 bool replaceFile(Utf8Path by, Utf8Path path) {
-    return noted(FileOperation::rename,
-                 !mustFail(FileOperation::rename)
-                     && MoveFileExW(WidePath(by), WidePath(path),
-                                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+    return noted(FileOperation::rename, !mustFail(FileOperation::rename)
+                                            && renameOnceFree(by, path, MOVEFILE_REPLACE_EXISTING));
 }
 
 bool renameFile(const char* from, const char* to) {
-    return noted(FileOperation::rename,
-                 !mustFail(FileOperation::rename) && renameOnceFree(from, to));
+    return noted(FileOperation::rename, !mustFail(FileOperation::rename)
+                                            && renameOnceFree(from, to, MOVEFILE_COPY_ALLOWED));
 }
 
 std::string currentDirectory() {
