@@ -101,6 +101,25 @@ TEST(ToolPage, NamesEverySubcommandAndOption) {
     }
 }
 
+TEST(ToolPage, ShortHelpFitsAScreenAndNamesWhatThereIs) {
+    const auto sections = sectionsOfPage();
+    const std::regex word("--[a-z][a-z-]*");
+    for (const auto& [command, section] : sections) {
+        SCOPED_TRACE(command);
+        const std::string text(shortHelpText(command));
+        const std::vector<std::string> shown = test::lines(text);
+        EXPECT_GT(shown.size(), 4U);
+        EXPECT_LE(shown.size(), 45U);
+        for (const std::string& line : shown)
+            EXPECT_LE(line.size(), 80U) << line;
+        std::string known;
+        for (const auto& [term, description] : section.options)
+            known += term + ' ';
+        for (std::sregex_iterator at(text.begin(), text.end(), word), end; at != end; ++at)
+            EXPECT_NE((known + "--help ").find(at->str() + ' '), std::string::npos) << at->str();
+    }
+}
+
 // A text in one line, with single blanks.
 std::string flat(const std::string& text) {
     return std::regex_replace(text, std::regex("\\s+"), " ");

@@ -118,8 +118,11 @@ std::string shownText(const std::string& text) {
 } // namespace
 
 CommandLine::CommandLine() : app("", "kiv") {
-    app.formatter_fn([](const CLI::App* command, const std::string&, CLI::AppFormatMode) {
-        return std::string(helpText(command->get_name()));
+    app.set_help_flag("-h");
+    app.set_help_all_flag("--help");
+    app.formatter_fn([](const CLI::App* command, const std::string&, CLI::AppFormatMode mode) {
+        const bool whole = mode == CLI::AppFormatMode::All;
+        return std::string((whole ? helpText : shortHelpText)(command->get_name()));
     });
     app.set_version_flag("-V,--version", versionText);
     app.require_subcommand(1);

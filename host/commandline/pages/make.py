@@ -1,0 +1,36 @@
+#!/usr/bin/env python3
+"""Makes what -h and --help show, the man pages and the shells' completion from the pages in docs/.
+
+    make.py VERSION HELP.cpp OUTPUT_FOLDER PAGE.md...
+
+A page `# NAME: what it is`, or a part `## kiv NAME` of the tool's page, becomes a man page of its own. Of a part,
+`### In short` is what -h shows.
+"""
+
+import sys
+from pathlib import Path
+
+from completion import bash, fish, zsh
+from help import help_source
+from man import man_page
+from markdown import read_pages
+
+
+def write(path, text):
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_text(text, encoding="utf-8", newline="\n")
+
+
+def main(version, source, folder, *paths):
+    folder = Path(folder)
+    pages = [page for path in paths for page in read_pages(path)]
+    write(Path(source), help_source(pages))
+    for page in pages:
+        section = 1 if page.command else 5
+        write(folder / f"man/man{section}/{page.name}.{section}", man_page(page, version))
+    write(folder / "bash-completion/completions/kiv", bash(pages))
+    write(folder / "zsh/site-functions/_kiv", zsh(pages))
+    write(folder / "fish/vendor_completions.d/kiv.fish", fish(pages))
+
+
+main(*sys.argv[1:])

@@ -1,0 +1,65 @@
+"""A page as a man page."""
+
+import re
+import textwrap
+
+from markdown import unlinked
+
+DATE = "2026-11-27"  # when the pages were last gone over
+
+
+def roff(text):
+    text = unlinked(text).replace("\\", "\\e").replace("-", "\\-")
+    text = re.sub(r"`([^`]*)`", r"\\fB\1\\fR", text)
+    text = re.sub(r"(?<![*\w])\*([^*]+)\*", r"\\fI\1\\fR", text)
+    return re.sub(r"^([.'])", r"\\&\1", text)
+
+
+def filled(lines):
+    """A paragraph in lines of their usual length; none begins like a request."""
+    folded = textwrap.wrap(roff(" ".join(lines)), 72, break_long_words=False, break_on_hyphens=False)
+    return [re.sub(r"^([.'])", r"\\&\1", line) for line in folded]
+
+
+def table_as_list(header, *rows):
+    """Its first column as terms: no terminal is as wide as some of the tables."""
+    for term, *cells in rows:
+        yield ".TP"
+        yield roff(f"{header[0]} {term}" if term.isdigit() else term)
+        named = [f"{name}: {cell}" if len(cells) > 1 else cell for name, cell in zip(header[1:], cells) if cell]
+        yield "\n.br\n".join("\n".join(filled([text])) for text in named)
+
+
+def man_page(page, version):
+    section = 1 if page.command else 5
+    out = [
+        f'.TH {roff(page.name.upper())} {section} {DATE} "KIVInterface {version}" KIVInterface',
+        ".SH NAME",
+        f"{roff(page.name)} \\- {roff(page.purpose)}",
+    ]
+    usage = list(page.under("Usage"))
+    if usage:
+        out += [".SH SYNOPSIS", ".nf", *map(roff, usage[0].lines), ".fi"]
+    out.append(".SH DESCRIPTION")
+    previous = "heading"
+    top = min((block.level for block in page.blocks if block.kind == "heading"), default=2)
+    for block in page.blocks:
+        if block in usage or block.head == "Usage":
+            continue
+        paragraph = [] if previous == "heading" else [".PP"]
+        if block.kind == "heading":
+            if previous == "heading":
+                out.pop()
+            out.append(f".SH {roff(block.head.upper())}" if block.level == top else f".SS {roff(block.head)}")
+        elif block.kind == "fence":
+            out += paragraph + [".RS 4", ".nf", *map(roff, block.lines), ".fi", ".RE"]
+        elif block.kind == "item":
+            out += [".TP", roff(block.head), *filled(block.lines)]
+        elif block.kind == "bullet":
+            out += [".IP \\(bu 2", *filled(block.lines)]
+        elif block.kind == "table":
+            out += table_as_list(*block.lines)
+        else:
+            out += paragraph + filled(block.lines)
+        previous = block.kind
+    return "\n".join(line for line in out if line) + "\n"

@@ -1,0 +1,95 @@
+"""The pages in docs/ as blocks. They keep to few shapes: headings, paragraphs, fenced texts, lists, tables."""
+
+import re
+from dataclasses import dataclass, field
+from pathlib import Path
+
+ITEM = re.compile(r"- (`[^`]*`(?:, `[^`]*`)*):(?: (.*))?$")
+
+
+@dataclass
+class Block:
+    kind: str  # heading, text, fence, item, bullet, table
+    head: str = ""  # a heading's text, an item's term
+    lines: list = field(default_factory=list)
+    level: int = 0  # of a heading
+
+
+@dataclass
+class Page:
+    command: str  # kiv itself or a subcommand; empty for a page of its own
+    name: str  # of the man page
+    purpose: str
+    blocks: list
+    short: list  # what -h shows
+
+    def under(self, *titles):
+        """The blocks behind headings of these titles, up to the next heading."""
+        title = ""
+        for block in self.blocks:
+            if block.kind == "heading":
+                title = block.head
+            elif title in titles:
+                yield block
+
+
+def blocks_of(text):
+    blocks, fenced, after_blank = [], False, True
+    for line in text.splitlines():
+        last = blocks[-1] if blocks else Block("heading")
+        if line.startswith("```"):
+            fenced = not fenced
+            if fenced:
+                blocks.append(Block("fence"))
+        elif fenced:
+            last.lines.append(line)
+        elif heading := re.match(r"(#+) (.*)$", line):
+            blocks.append(Block("heading", heading[2], level=len(heading[1])))
+        elif item := ITEM.match(line):
+            blocks.append(Block("item", item[1], [item[2]] if item[2] else []))
+        elif line.startswith("- "):
+            blocks.append(Block("bullet", lines=[line[2:]]))
+        elif line.startswith("  ") and last.kind in ("item", "bullet"):
+            last.lines.append(line[2:])
+        elif line.startswith("|"):
+            if last.kind != "table":
+                blocks.append(Block("table"))
+            if not set(line) <= set("|-"):
+                blocks[-1].lines.append([cell.strip() for cell in line[1:-1].split("|")])
+        elif line and not line.startswith("!["):
+            if last.kind != "text" or after_blank:
+                blocks.append(Block("text"))
+            blocks[-1].lines.append(line)
+        after_blank = not line
+    return blocks
+
+
+def unlinked(text):
+    return re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", text)
+
+
+def plain(text):
+    return unlinked(text).replace("`", "")
+
+
+def page_of(command, name, purpose, blocks):
+    """Takes `In short` out of the blocks."""
+    heads = [i for i, block in enumerate(blocks) if block.kind == "heading"] + [len(blocks)]
+    start = next((i for i in heads[:-1] if blocks[i].head == "In short"), None)
+    if start is None:
+        return Page(command, name, purpose, blocks, [])
+    end = heads[heads.index(start) + 1]
+    return Page(command, name, purpose, blocks[:start] + blocks[end:], blocks[start + 1 : end])
+
+
+def read_pages(path):
+    """A file's page, and one for each part `## kiv NAME`."""
+    front, *parts = re.split(r"^## kiv (\S+)\n", Path(path).read_text(encoding="utf-8"), flags=re.MULTILINE)
+    title, *blocks = blocks_of(front)
+    name, purpose = title.head.split(": ", 1)
+    first = page_of(name if parts else "", name, purpose, blocks)
+    purposes = {block.head.strip("`"): " ".join(block.lines) for block in first.under("Subcommands")}
+    return [first] + [
+        page_of(command, f"kiv-{command}", purposes[command], blocks_of(body))
+        for command, body in zip(parts[::2], parts[1::2])
+    ]
