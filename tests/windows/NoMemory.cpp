@@ -3,6 +3,7 @@
 // set aside for exceptions is not there either.
 
 #include <cstring>
+#include <initializer_list>
 
 #include <windows.h>
 
