@@ -54,7 +54,12 @@ else()
     target_link_options(kiv_c PRIVATE -Wl,--version-script=${kiv_exports})
     set_target_properties(kiv_c PROPERTIES LINK_DEPENDS ${kiv_exports})
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT KIV_SANITIZE)
-        # Its run-time library is inside, so that it meets none of the host's.
-        target_link_options(kiv_c PRIVATE -static-libstdc++ -static-libgcc -Wl,-z,defs)
+        # Its run-time library is inside, so that it meets none of the host's. The unwinder below that is the
+        # system's: the compiler's own would ask for a C library as young as the compiler.
+        target_link_options(kiv_c PRIVATE -static-libstdc++ -Wl,-z,defs)
+        if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|aarch64)$")
+            target_sources(kiv_c PRIVATE src/support/platform/OlderHypot.cpp)
+            target_link_options(kiv_c PRIVATE -Wl,--wrap=hypot)
+        endif()
     endif()
 endif()

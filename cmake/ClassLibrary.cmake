@@ -1,4 +1,4 @@
-# kiv_version_resource(TARGET FILE): what Windows shows of a DLL or a program.
+# kiv_version_resource(TARGET FILE): what Windows shows of a DLL or a program, and its symbol file.
 if(WIN32)
     enable_language(RC)
 endif()
@@ -12,6 +12,8 @@ function(kiv_version_resource target file)
     endif()
     configure_file(${PROJECT_SOURCE_DIR}/src/module/version.rc.in ${target}.rc @ONLY)
     target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    # Names and addresses for the debuggers of Windows, which do not read the compiler's own form.
+    target_link_options(${target} PRIVATE -Wl,--pdb=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${file}.pdb)
 endfunction()
 
 # The class library: the core's objects behind the module's frame. The shared one exports its classes alone.

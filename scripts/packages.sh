@@ -22,9 +22,11 @@ need() {
     fi
     export DEBIAN_FRONTEND=noninteractive
     log=$(mktemp)
-    $as_root apt-get update >"$log" 2>&1 || true # an old list of packages may do
+    wait="-o DPkg::Lock::Timeout=300" # for another apt that is at work
     # shellcheck disable=SC2086 # a list of words
-    if ! $as_root apt-get install -y --no-install-recommends $missing >>"$log" 2>&1; then
+    $as_root apt-get $wait update >"$log" 2>&1 || true # an old list of packages may do
+    # shellcheck disable=SC2086
+    if ! $as_root apt-get $wait install -y --no-install-recommends $missing >>"$log" 2>&1; then
         tail -n 5 "$log" >&2
         rm -f "$log"
         printf 'error: cannot install:%s\n' "$missing" >&2

@@ -25,7 +25,7 @@ Array = NDArray[Any]
 def _library() -> ctypes.CDLL:
     name = "kiv.dll" if sys.platform == "win32" else "libkiv.so.1"
     beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), name)
-    path = os.environ.get("KIV_LIBRARY") or beside
+    path = os.environ.get("KIV_LIBRARY") or (beside if os.path.exists(beside) else name)  # name: the system's own
     try:
         return ctypes.CDLL(path)
     except OSError as error:
