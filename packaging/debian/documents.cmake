@@ -25,6 +25,9 @@ Copyright: the owner of KIVInterface.\n\nLicence: the owner has chosen none yet;
     string(TIMESTAMP moment "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH, where it is set
     file(WRITE ${documents}/changelog.Debian
         "kivinterface (${CPACK_PACKAGE_VERSION}-1) unstable; urgency=medium\n\n  * As changelog.gz says.\n\n -- ${maker}  ${moment}\n")
+    if(EXISTS ${usr}/share/zsh/site-functions) # where Debian's zsh looks
+        file(RENAME ${usr}/share/zsh/site-functions ${usr}/share/zsh/vendor-completions)
+    endif()
     file(GLOB pages ${usr}/share/man/man*/*.[1-9])
     execute_process(COMMAND gzip -9n ${documents}/changelog ${documents}/changelog.Debian ${pages}
         COMMAND_ERROR_IS_FATAL ANY)
