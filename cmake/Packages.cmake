@@ -19,8 +19,8 @@ if(WIN32)
     set(CPACK_NSIS_INSTALL_ROOT "$PROGRAMFILES64")
     set(CPACK_NSIS_MODIFY_PATH ON)
     set(CPACK_NSIS_ENABLE_UNINSTALL_BEFORE_INSTALL ON)
-    set(CPACK_NSIS_EXECUTABLE_PRE_ARGUMENTS "-XTarget amd64-unicode")
-    set(CPACK_NSIS_DEFINES "SetDateSave off") # the same bytes whenever it is made
+    set(CPACK_NSIS_DEFINES "Target amd64-unicode
+        SetDateSave off") # the same bytes whenever it is made
 else()
     set(CPACK_GENERATOR DEB)
     set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
