@@ -13,7 +13,7 @@ function(kiv_version_resource target file)
     configure_file(${PROJECT_SOURCE_DIR}/src/module/version.rc.in ${target}.rc @ONLY)
     target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
     # Names and addresses for the debuggers of Windows, which do not read the compiler's own form.
-    target_link_options(${target} PRIVATE -Wl,--pdb=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${file}.pdb)
+    target_link_options(${target} PRIVATE -Wl,--pdb=$<TARGET_FILE_DIR:${target}>/${file}.pdb)
 endfunction()
 
 # The class library: the core's objects behind the module's frame. The shared one exports its classes alone.
