@@ -75,6 +75,7 @@ private:
         names = correlation.at("names").get<std::vector<std::string>>();
         const auto rows = correlation.at("matrix").get<std::vector<std::vector<double>>>();
         std::vector<double> u;
+        u.reserve(names.size());
         for (const std::string& name : names)
             u.push_back(root.at("parameters").at(name).at("u").get<double>());
         std::vector<double> covariance;
