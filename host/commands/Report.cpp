@@ -135,11 +135,15 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
     run.record().GetKIVLevelLimits(content.levelLimits);
 
     TimeColumn time(run.table());
-    run.forEach([](const Table&, const ComputedRow&, std::string&) {},
-                [&](const ComputedRow& row) {
-                    addRow(content, row, time);
-                    return true;
-                });
+    run.forEach(
+        [&](const Table& table, ComputedRow& row, std::string&) {
+            if (row.result.reason != Reason::rowShape)
+                row.time = time.timeIn(table);
+        },
+        [&](const ComputedRow& row) {
+            addRow(content, row, time);
+            return true;
+        });
     content.axis = time.axis();
     const std::vector<TableFacts>& tables = content.facts.readings;
     const bool readToEnd = std::all_of(tables.begin(), tables.end(),
@@ -148,6 +152,7 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
                        : run.brokenOff() ? "reading broke off"
                                          : "the run was interrupted";
     content.summary = run.summary();
+    content.witnesses.assign(run.witnesses().begin(), run.witnesses().end());
     run.output().text() = reportPage(content);
     return run.finish();
 }

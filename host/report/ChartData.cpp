@@ -115,6 +115,8 @@ void appendChartData(std::string& json, const ReportContent& content) {
         if (envelope.rowsPerBin() > 1)
             data["last"] = arrayOf(bins.size(), [&](std::size_t i) { return bins[i].lastX; });
     }
+    for (const Witness& witness : content.witnesses) // the bin of its first row
+        data["witnesses"].push_back({(witness.row - 1) / envelope.rowsPerBin(), witness.name()});
     data["refused"] = marksOf(bins, &Envelope::Bin::refused);
     data["noOrientation"] = marksOf(bins, &Envelope::Bin::noOrientation);
     data["notGood"] = marksOf(bins, &Envelope::Bin::notGood);

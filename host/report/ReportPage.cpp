@@ -78,6 +78,7 @@ std::string reportPage(const ReportContent& content) {
     appendRowCounts(html, content);
     appendSpareReading(html, content);
     html += "</div>\n";
+    appendWitnesses(html, content);
     if (std::any_of(charts.begin(), charts.end(),
                     [&](const Chart& chart) { return content.has(chart); })) {
         appendStatistics(html, content);

@@ -14,6 +14,7 @@
 #include "host/report/TimeAxis.h"
 #include "host/summary/Summary.h"
 #include "host/summary/UncertaintyBudget.h"
+#include "host/witnesses/Witness.h"
 
 namespace kiv::host {
 
@@ -48,6 +49,7 @@ struct ReportContent {
     F_VECTOR4 levelLimits{};
 
     Summary summary;
+    std::vector<Witness> witnesses;
     // The statistics that the summary does not have.
     std::array<Statistics, quantityCount> ofReadings = [] {
         std::array<Statistics, quantityCount> all;

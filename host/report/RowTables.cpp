@@ -138,6 +138,27 @@ void appendSpareReading(std::string& html, const ReportContent& content) {
     html += "</section>\n";
 }
 
+void appendWitnesses(std::string& html, const ReportContent& content) {
+    if (content.witnesses.empty())
+        return;
+    html.append("<section id=\"witnesses\">\n<h2>Witnesses</h2>\n<p class=\"verdict warn\">The "
+                "readings "
+                "look as if something is wrong with them.</p>\n<table>\n<thead><tr><th>Kind</th>")
+        .append(content.hasSeveralTables() ? "<th>Table</th>" : "")
+        .append("<th class=\"number\">Line</th><th>What it looks like, and what to do</th></tr>"
+                "</thead>\n<tbody>\n");
+    for (const Witness& witness : content.witnesses) {
+        html.append("<tr><th scope=\"row\">").append(witness.name()).append("</th>");
+        if (content.hasSeveralTables())
+            html.append("<td class=\"table\">")
+                .append(escaped(content.facts.readings[witness.table].name))
+                .append("</td>");
+        html.append("<td class=\"number\">").append(countText(witness.line)).append("</td><td>");
+        html.append(escaped(witness.text())).append("</td></tr>\n");
+    }
+    html += "</tbody>\n</table>\n</section>\n";
+}
+
 void appendBadRows(std::string& html, const ReportContent& content) {
     const std::size_t bad =
         content.summary.count(RowState::refused) + content.summary.count(RowState::noOrientation);

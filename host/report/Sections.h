@@ -12,6 +12,7 @@ void appendHeading(std::string& html, const ReportContent& content);
 void appendProvenance(std::string& html, const ReportContent& content);
 void appendRowCounts(std::string& html, const ReportContent& content);
 void appendSpareReading(std::string& html, const ReportContent& content);
+void appendWitnesses(std::string& html, const ReportContent& content);
 void appendStatistics(std::string& html, const ReportContent& content);
 void appendUncertainty(std::string& html, const ReportContent& content);
 void appendCharts(std::string& html, const ReportContent& content);

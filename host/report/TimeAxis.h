@@ -33,6 +33,10 @@ class TimeColumn {
 public:
     explicit TimeColumn(const Table& table);
 
+    // A row's time; nothing where it has none. It is of the axis' kind alone, so that rows can be
+    // read in any order.
+    std::optional<TimeStamp> timeIn(const Table& table) const { return times.of(table); }
+
     struct Point {
         double time;               // in seconds
         std::optional<double> own; // the same, where it is the row's own

@@ -1,4 +1,4 @@
-// What a chart shows beside its series: limits, the reference, and below it how many of the rows
+// What a chart shows beside its series: limits, the reference, witnesses, and below it how many of the rows
 // have no angles, or none that are good.
 const color = (name) =>
   getComputedStyle(document.documentElement).getPropertyValue("--" + name).trim();
@@ -36,6 +36,33 @@ function drawReference(context, area, graph) {
   context.lineTo(x, area.y + area.h);
   context.stroke();
   context.setLineDash([]);
+}
+
+// A line where each begins, with its name along it.
+function drawWitnesses(context, area, graph) {
+  context.save();
+  context.strokeStyle = context.fillStyle = color("not-good");
+  context.lineWidth = 1;
+  context.textAlign = "right";
+  const namesAt = new Map();
+  for (const [bin, name] of data.witnesses || [])
+    namesAt.set(bin, [...new Set([...(namesAt.get(bin) || []), name])]);
+  for (const [bin, names] of namesAt) {
+    const x = graph.toDomXCoord(chartX(middleX(bin)));
+    if (x < area.x || x > area.x + area.w) continue;
+    context.setLineDash([6, 3]);
+    context.beginPath();
+    context.moveTo(x, area.y);
+    context.lineTo(x, area.y + area.h);
+    context.stroke();
+    context.setLineDash([]);
+    context.save();
+    context.translate(x - 3, area.y + 3);
+    context.rotate(-Math.PI / 2);
+    context.fillText(names.join(", "), 0, 0);
+    context.restore();
+  }
+  context.restore();
 }
 
 const lanes = [

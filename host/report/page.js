@@ -54,6 +54,7 @@ function drawUnder(context, area, graph, chart) {
   context.font = fontSize - 1 + "px system-ui, sans-serif";
   if (data.reference !== undefined) drawReference(context, area, graph);
   if (chart.limits) drawLimits(context, area, graph, chart);
+  drawWitnesses(context, area, graph);
   context.restore();
   if (lanes.length) drawStrip(chart.strip, area, graph, ratio || devicePixelRatio || 1, context.font);
 }

@@ -16,13 +16,29 @@ std::string_view RowTime::column() const {
     return ofDay ? timeStampColumn : timeColumn;
 }
 
-std::optional<TimeStamp> RowTime::of(const Table& row) const {
+std::string_view RowTime::text(const Table& row) const {
+    return place ? row.cell(*place) : std::string_view();
+}
+
+std::optional<TimeStamp> RowTime::in(const Table& row, std::string_view text) const {
     if (!place)
         return std::nullopt;
     if (ofDay)
-        return timeStampIn(row.cell(*place));
+        return timeStampIn(text);
     TimeStamp time{};
-    return row.numberAt(*place, time.seconds) ? std::optional(time) : std::nullopt;
+    return row.numberOf(text, time.seconds) ? std::optional(time) : std::nullopt;
+}
+
+// Numbers of as many digits in front of the point stand in the order of their texts, as do stamps.
+bool risesAsText(std::string_view first, std::string_view second) {
+    const auto wholeDigits = [](std::string_view text) {
+        std::size_t i = 0;
+        while (i < text.size() && text[i] >= '0' && text[i] <= '9')
+            ++i;
+        return i == text.size() || text[i] == '.' || text[i] == '-' ? i : 0;
+    };
+    const std::size_t digits = wholeDigits(first);
+    return digits > 0 && digits == wholeDigits(second) && first <= second;
 }
 
 } // namespace kiv::host

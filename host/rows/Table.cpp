@@ -366,11 +366,13 @@ std::optional<std::size_t> Table::find(std::string_view columnName) const {
 }
 
 bool Table::numberAt(std::size_t place, double& value) const {
-    if (place >= csv.cells().size())
-        return false;
-    if (readPlainNumber(csv.cells()[place], value))
+    return place < csv.cells().size() && numberOf(csv.cells()[place], value);
+}
+
+bool Table::numberOf(std::string_view cell, double& value) const {
+    if (readPlainNumber(cell, value))
         return true;
-    const auto number = numberOf<double>(cell(place));
+    const auto number = numberOf<double>(cellText(cell));
     if (!number || !std::isfinite(*number))
         return false;
     value = *number;

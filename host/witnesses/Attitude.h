@@ -2,43 +2,61 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
 
 #include "KIVInterface/Records.h"
 
 namespace kiv::host {
 
-// A difference of angles in degrees to within half a turn; the remainder, which is slow, is seldom
-// needed.
-inline float turned(float to, float from) {
-    const float difference = to - from;
-    return std::abs(difference) <= 180 ? difference : std::remainder(difference, 360.0F);
+// Readings that can be stuck or jump, the vector as one, and its parts.
+enum class Reading : unsigned char {
+    azimuth,
+    elevation,
+    levelX,
+    levelY,
+    temperature,
+    vector,
+    distance = vector,
+    sight,
+};
+inline constexpr std::size_t readingCount = 6; // the vector as one
+
+constexpr std::size_t at(Reading reading) {
+    return static_cast<std::size_t>(reading);
 }
 
-// The readings of a row as they show where the sensor is and how it stands.
+// The readings of a row as they show where the sensor is and how it stands: raw encoder angles and
+// corrected tilts, degrees, the temperature, the distance, the three of the line of sight's unit
+// vector, and 0 up to a number that goes by fours.
 struct Attitude {
-    float azimuth, elevation; // raw, degrees
-    float levelX, levelY;     // corrected, degrees
-    float temperature;
-    float distance;
-    std::array<float, 3> sight; // unit vector
+    static constexpr std::size_t size = 12;
+    static constexpr std::size_t sightFrom = readingCount;
+    std::array<float, size> of;
 
-    static Attitude of(const KIV_RAWINFO& raw, const KIV_INFO& info) {
+    Attitude() = default;
+    Attitude(const KIV_RAWINFO& raw, const KIV_INFO& info) {
         const float(&v)[3] = raw.vector;
         const float distance = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
         const float scale = 1 / distance;
-        return {raw.azimuthRaw,
-                raw.elevationRaw,
-                info.levelX,
-                info.levelY,
-                raw.temperature,
-                distance,
-                {v[0] * scale, v[1] * scale, v[2] * scale}};
+        of = {raw.azimuthRaw, raw.elevationRaw, info.levelX,  info.levelY, raw.temperature,
+              distance,       v[0] * scale,     v[1] * scale, v[2] * scale};
     }
+
+    float operator[](Reading reading) const { return of[at(reading)]; }
+    float sightRise() const { return of[sightFrom + 2]; }
 };
 
+// A difference of angles in degrees to within half a turn; the remainder, which is slow, is seldom
+// needed.
+inline float turned(float difference) {
+    return std::abs(difference) <= 180 ? difference : std::remainder(difference, 360.0F);
+}
+
 // The length of the difference of two lines of sight: their angle in radians, where it is small.
-inline float chord(const std::array<float, 3>& a, const std::array<float, 3>& b) {
-    const float x = a[0] - b[0], y = a[1] - b[1], z = a[2] - b[2];
+inline float chord(const std::array<float, Attitude::size>& a,
+                   const std::array<float, Attitude::size>& b) {
+    constexpr std::size_t from = Attitude::sightFrom;
+    const float x = a[from] - b[from], y = a[from + 1] - b[from + 1], z = a[from + 2] - b[from + 2];
     return std::sqrt(x * x + y * y + z * z);
 }
 

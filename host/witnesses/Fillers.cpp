@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace kiv::host {
 
@@ -17,10 +16,7 @@ constexpr float beyondAnyReading = 1e9F;
 
 } // namespace
 
-bool mayBeFiller(float value) {
-    const float magnitude = std::abs(value);
-    if (magnitude < magnitudes[0])
-        return false;
+bool isListedFiller(float magnitude) {
     return magnitude >= beyondAnyReading
            || std::find(magnitudes.begin(), magnitudes.end(), magnitude) != magnitudes.end();
 }

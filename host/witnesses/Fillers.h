@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cmath>
+
 #include "host/witnesses/WatchedSensor.h"
 
 namespace kiv::host {
@@ -7,7 +9,13 @@ namespace kiv::host {
 // Numbers that loggers write for a reading that is not there. They are fillers where they can be no
 // reading.
 
-bool mayBeFiller(float value);
+inline constexpr float leastFiller = 999; // magnitude
+
+bool isListedFiller(float magnitude);
+
+inline bool mayBeFiller(float value) {
+    return std::abs(value) >= leastFiller && isListedFiller(std::abs(value));
+}
 
 inline bool isFillerOfLevel(float value, const WatchedSensor::Level& level) {
     return mayBeFiller(value) && (value < level.least || value > level.largest);

@@ -18,19 +18,8 @@ namespace kiv::host {
 // have none. Another reading that leaves its usual way less far in the same row tells of a motion.
 class Jumps {
 public:
-    enum Reading : unsigned char {
-        azimuth,
-        elevation,
-        levelX,
-        levelY,
-        temperature,
-        distance,
-        sight
-    };
-    static constexpr std::size_t readings = 7;
-
     // Of readings that count.
-    explicit Jumps(const std::array<bool, readings>& counted) : counts(counted) {}
+    explicit Jumps(const std::array<bool, readingCount>& counted);
 
     struct Found {
         Reading reading; // distance or sight: of the vector
@@ -43,22 +32,25 @@ public:
     void interrupt() { inARow = 0; }
 
 private:
-    struct Series {
-        float step = 0;
-        RunningMedian bends; // magnitudes of second differences that are not 0
-    };
+    using Row = std::array<float, Attitude::size>;
     enum class Move : unsigned char { usual, lively, jump };
+    struct Moves {
+        std::size_t readings = 0; // that do not move as usual
+        std::optional<Reading> jump;
+    };
 
-    static bool isKnown(const Series& series); // its median
-    // Of a series whose step and second difference have these magnitudes.
-    Move moveOf(const Series& series, float step, float before, float bend, float floor) const;
-    Move moveOf(Reading reading, const Attitude& now);
-    Move moveOfSight(const Attitude& now);
+    bool isKnown(Reading reading) const; // its median
+    void learn(const Row& bend);
+    Move moveOf(Reading reading, const Row& step, const Row& bend) const;
+    Moves movesOf(const Row& step, const Row& bend) const;
+    bool follow(const Attitude& now, Row& step, Row& bend) const;
     std::optional<Found> settle(const Attitude& now) const;
 
-    std::array<bool, readings> counts;
-    std::array<Series, readings> all;
-    std::array<float, 3> sightStep{};
+    std::array<bool, readingCount> counts;
+    // Magnitudes of second differences that are not 0.
+    std::array<RunningMedian, readingCount + 1> bends;
+    Row lively{}; // the least second differences that need a look
+    Row lastStep{};
     Attitude last{};
     std::size_t inARow = 0; // rows that follow each other, to 2
     std::size_t rows = 0;

@@ -20,13 +20,14 @@ struct Moved {
     float azimuth, elevation, sight, sightRise, levelX, levelY;
 
     Moved(const Attitude& from, const Attitude& to)
-        : azimuth(std::abs(turned(to.azimuth, from.azimuth))),
-          elevation(std::abs(turned(to.elevation, from.elevation))),
-          sight(2 * degrees * std::asin(std::min(1.0F, chord(to.sight, from.sight) / 2))),
+        : azimuth(std::abs(turned(to[Reading::azimuth] - from[Reading::azimuth]))),
+          elevation(std::abs(turned(to[Reading::elevation] - from[Reading::elevation]))),
+          sight(2 * degrees * std::asin(std::min(1.0F, chord(to.of, from.of) / 2))),
           sightRise(degrees
-                    * std::abs(std::asin(std::clamp(to.sight[2], -1.0F, 1.0F))
-                               - std::asin(std::clamp(from.sight[2], -1.0F, 1.0F)))),
-          levelX(std::abs(to.levelX - from.levelX)), levelY(std::abs(to.levelY - from.levelY)) {}
+                    * std::abs(std::asin(std::clamp(to.sightRise(), -1.0F, 1.0F))
+                               - std::asin(std::clamp(from.sightRise(), -1.0F, 1.0F)))),
+          levelX(std::abs(to[Reading::levelX] - from[Reading::levelX])),
+          levelY(std::abs(to[Reading::levelY] - from[Reading::levelY])) {}
 
     // As the elevation shows it that the line of sight has no part in.
     float tilt() const { return std::abs(elevation - sightRise); }
@@ -36,84 +37,82 @@ struct Moved {
 
 void Repeats::look(Run& run, Reading reading, const Attitude& now) const {
     const Moved by(run.start, now);
-    const float otherX = counts[levelX] ? by.levelX : 0;
+    const float otherX = counts[at(Reading::levelX)] ? by.levelX : 0;
     const bool turns = by.azimuth > turnedBy || by.elevation > turnedBy || by.sight > turnedBy;
     switch (reading) {
-    case azimuth:
+    case Reading::azimuth:
         run.moved = run.moved || turns;
         run.movedFar = run.movedFar || by.sight > sightTurnedFar;
         break;
-    case elevation: {
-        const bool tilts = std::max({by.sightRise, otherX, by.levelY}) > tiltedBy;
-        run.moved = run.moved || (turns && tilts);
+    case Reading::elevation: {
+        const float levels = std::max(otherX, by.levelY);
+        const bool tilts = std::max(by.sightRise, levels) > tiltedBy;
+        run.moved = run.moved || (turns && tilts) || levels > tiltedFar;
         run.movedFar = run.movedFar || (by.sight > sightTurnedFar && tilts);
         break;
     }
-    case levelX:
-    case levelY: {
-        const float other = reading == levelX ? by.levelY : otherX;
+    case Reading::levelX:
+    case Reading::levelY: {
+        const float other = reading == Reading::levelX ? by.levelY : otherX;
         const float tilt = std::max(by.tilt(), other);
         run.moved = run.moved || (turns && tilt > tiltedBy) || other > tiltedFar;
         run.movedFar = run.movedFar || tilt > tiltedFar;
         break;
     }
-    case temperature:
-    case vector:
+    default:
         run.moved = run.moved || turns;
         break;
     }
 }
 
-void Repeats::end(Series& series) {
-    const Run& run = series.run;
+void Repeats::endRun(Series& series) {
+    Run& run = series.run;
     if (run.rows >= fewestRows && run.moved) {
         if (series.kept.rows == 0)
             series.kept.first = run.first;
         series.kept.rows += run.rows;
-    } else if (run.rows > 0) {
+    } else {
         series.repeats += run.rows - 1;
     }
+    run.rows = 1;
+    run.moved = run.movedFar = false;
 }
 
-inline void Repeats::addTo(Series& series, Reading reading, bool same, const Attitude& now,
-                           Place place) {
-    Run& run = series.run;
-    if (!same) {
-        if (run.rows > 1)
-            end(series);
-        ++series.changes;
-        run.first = place;
-        run.rows = 1;
-        run.moved = false;
-        run.movedFar = false;
-        return;
-    }
-    if (++run.rows == 2)
+void Repeats::extend(Run& run, Reading reading, const Attitude& now) const {
+    if (++run.rows == 2) {
+        run.first = lastPlace;
         run.start = now;
-    else if (run.rows % looksEvery == 0)
+    } else if (run.rows % looksEvery == 0) {
         look(run, reading, now);
+    }
 }
 
 void Repeats::add(const KIV_RAWINFO& raw, const Attitude& now, Place place) {
     const auto take = [&](Reading reading, bool same) {
-        if (counts[reading])
-            addTo(all[reading], reading, begun && same, now, place);
+        Series& series = all[at(reading)];
+        if (same && begun && counts[at(reading)])
+            return extend(series.run, reading, now);
+        ++series.changes;
+        if (series.run.rows > 1)
+            endRun(series);
     };
-    take(azimuth, raw.azimuthRaw == last.azimuthRaw);
-    take(elevation, raw.elevationRaw == last.elevationRaw);
-    take(levelX, raw.levelXRaw == last.levelXRaw);
-    take(levelY, raw.levelYRaw == last.levelYRaw);
-    take(temperature, raw.temperature == last.temperature);
-    take(vector, std::equal(raw.vector, raw.vector + 3, last.vector));
+    take(Reading::azimuth, raw.azimuthRaw == last.azimuthRaw);
+    take(Reading::elevation, raw.elevationRaw == last.elevationRaw);
+    take(Reading::levelX, raw.levelXRaw == last.levelXRaw);
+    take(Reading::levelY, raw.levelYRaw == last.levelYRaw);
+    take(Reading::temperature, raw.temperature == last.temperature);
+    take(Reading::vector, raw.vector[0] == last.vector[0] && raw.vector[1] == last.vector[1]
+                              && raw.vector[2] == last.vector[2]);
     last = raw;
+    lastPlace = place;
     begun = true;
 }
 
 std::optional<Repeats::Found> Repeats::found(Reading reading) const {
-    Series series = all[reading];
+    Series series = all[at(reading)];
     if (series.changes <= 1 && series.run.rows >= fewestRows && series.run.movedFar)
         return Found{series.run.first, series.run.rows};
-    end(series);
+    endRun(series);
     const bool lively = series.changes >= fewestChanges && series.changes >= 9 * series.repeats;
     return lively && series.kept.rows > 0 ? std::optional(series.kept) : std::nullopt;
 }

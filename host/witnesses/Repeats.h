@@ -12,20 +12,17 @@ namespace kiv::host {
 // should not.
 //
 // Of a reading that changes in nine of ten steps else, such a run is one where an encoder or the
-// line of sight turns by more than 5 degrees; of a tilt or the elevation the sensor has to tilt,
+// line of sight turns by more than 5 degrees; for a level or the elevation the sensor has to tilt,
 // too, as a turn about the vertical leaves them alone. A level that never changes is one where the
 // sensor tilts by more than 5 degrees, an encoder where the line of sight turns by 30.
 class Repeats {
 public:
-    enum Reading : unsigned char { azimuth, elevation, levelX, levelY, temperature, vector };
-    static constexpr std::size_t readings = 6;
-
     struct Place {
         std::size_t line = 0;
         std::size_t row = 0;
     };
 
-    explicit Repeats(const std::array<bool, readings>& counted) : counts(counted) {}
+    explicit Repeats(const std::array<bool, readingCount>& counted) : counts(counted) {}
 
     void add(const KIV_RAWINFO& raw, const Attitude& now, Place place);
 
@@ -38,9 +35,9 @@ public:
 
 private:
     struct Run {
-        Place first;
-        std::size_t rows = 0;
-        Attitude start{};   // where it has 2 rows
+        std::size_t rows = 1;
+        Place first{}; // from 2 rows on, as all that follows
+        Attitude start{};
         bool moved = false; // the sensor has, as this reading should have seen
         bool movedFar = false;
     };
@@ -50,13 +47,14 @@ private:
         std::size_t repeats = 0; // but for those of runs that are found
         Found kept{{}, 0};       // in runs that have ended
     };
-    void addTo(Series& series, Reading reading, bool same, const Attitude& now, Place place);
+    void extend(Run& run, Reading reading, const Attitude& now) const;
     void look(Run& run, Reading reading, const Attitude& now) const;
-    static void end(Series& series);
+    static void endRun(Series& series);
 
-    std::array<bool, readings> counts;
-    std::array<Series, readings> all;
+    std::array<bool, readingCount> counts;
+    std::array<Series, readingCount> all;
     KIV_RAWINFO last{};
+    Place lastPlace;
     bool begun = false;
 };
 

@@ -11,7 +11,9 @@ namespace kiv::host {
 // quarter of an octave, and the median's bin is followed from one to the next.
 class RunningMedian {
 public:
-    void add(float magnitude) {
+    // True where the median has changed.
+    bool add(float magnitude) {
+        const std::uint32_t before = middle;
         const std::uint32_t bin = std::bit_cast<std::uint32_t>(magnitude) >> bitsWithinBin;
         if (all == 0)
             middle = bin;
@@ -22,6 +24,7 @@ public:
             below -= bins[--middle];
         while (below + bins[middle] <= all / 2)
             below += bins[middle++];
+        return middle != before;
     }
 
     std::size_t count() const { return all; }

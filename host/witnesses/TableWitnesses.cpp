@@ -10,8 +10,8 @@ namespace kiv::host {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> columnNames{"azimuth_deg", "elevation_deg", "level_x",
-                                                      "level_y",     "temperature",   "vector"};
+constexpr std::array<std::string_view, readingCount> columnNames{
+    "azimuth_deg", "elevation_deg", "level_x", "level_y", "temperature", "vector"};
 constexpr int orientationStatus = 2;
 constexpr double day = 86400;          // seconds
 constexpr double aroundMidnight = 600; // seconds that may be missing on both sides together
@@ -19,18 +19,14 @@ constexpr float turnInRadians = 6.3F;
 constexpr float mostOfATurn = 5.5F; // radians
 constexpr std::size_t fewestRows = 100;
 
-std::array<bool, Repeats::readings> repeatable(const WatchedSensor& sensor) {
+std::array<bool, readingCount> countedOf(const WatchedSensor& sensor) {
     return {true, true, sensor.levelX.read, sensor.levelY.read, sensor.temperature, true};
-}
-
-std::array<bool, Jumps::readings> jumpable(const WatchedSensor& sensor) {
-    return {true, true, sensor.levelX.read, sensor.levelY.read, sensor.temperature, true, true};
 }
 
 } // namespace
 
 TableWitnesses::TableWitnesses(const WatchedSensor& watched, std::size_t number)
-    : sensor(watched), table(number), jumps(jumpable(watched)), repeats(repeatable(watched)) {}
+    : sensor(watched), table(number), jumps(countedOf(watched)), repeats(countedOf(watched)) {}
 
 void TableWitnesses::Count::add(Place place) {
     if (rows++ == 0)
@@ -49,38 +45,45 @@ void TableWitnesses::watchClock(const RowPlaces& places, Place place) {
         lastTime = places.time;
 }
 
-// An encoder that has counted its turns up to such a number has been near it before.
-bool TableWitnesses::countFillers(const KIV_RAWINFO& raw, Place place) {
-    bool any = false;
-    const auto take = [&](Column column, bool filler) {
-        if (!filler)
-            return;
-        fillers[column].add(place);
-        any = true;
-    };
+// Most rows have none, as one look shows.
+inline bool TableWitnesses::countFillers(const KIV_RAWINFO& raw, Place place) {
     const std::array<float, 2> angles{raw.azimuthRaw, raw.elevationRaw};
-    for (std::size_t i = 0; i < angles.size(); ++i) {
-        const bool near = anglesKnown[i] && std::abs(angles[i] - lastAngles[i]) < 360;
-        const bool filler = mayBeFiller(angles[i]) && !near;
-        take(static_cast<Column>(i), filler);
-        lastAngles[i] = filler ? lastAngles[i] : angles[i];
-        anglesKnown[i] = anglesKnown[i] || !filler;
-    }
-    take(levelX, sensor.levelX.read && isFillerOfLevel(raw.levelXRaw, sensor.levelX));
-    take(levelY, sensor.levelY.read && isFillerOfLevel(raw.levelYRaw, sensor.levelY));
-    take(temperature, sensor.temperature && isFillerOfTemperature(raw.temperature));
     const float(&v)[3] = raw.vector;
-    take(vector, v[0] == v[1] && v[1] == v[2] && mayBeFiller(v[0]));
-    return any;
+    const float largest = std::max({std::abs(angles[0]), std::abs(angles[1]),
+                                    std::abs(raw.levelXRaw), std::abs(raw.levelYRaw)});
+    if (largest >= leastFiller || v[0] == v[1] || isFillerOfTemperature(raw.temperature))
+        if (countAnyFillers(raw, place))
+            return true;
+    lastAngles = angles;
+    return false;
+}
+
+// An encoder that has counted its turns up to such a number has been near it before.
+bool TableWitnesses::countAnyFillers(const KIV_RAWINFO& raw, Place place) {
+    const float(&v)[3] = raw.vector;
+    const auto ofAngle = [&](float angle, float before) {
+        return mayBeFiller(angle) && std::abs(angle - before) >= 360;
+    };
+    const std::array<bool, readingCount> are{
+        ofAngle(raw.azimuthRaw, lastAngles[0]),
+        ofAngle(raw.elevationRaw, lastAngles[1]),
+        sensor.levelX.read && isFillerOfLevel(raw.levelXRaw, sensor.levelX),
+        sensor.levelY.read && isFillerOfLevel(raw.levelYRaw, sensor.levelY),
+        sensor.temperature && isFillerOfTemperature(raw.temperature),
+        v[0] == v[1] && v[1] == v[2] && mayBeFiller(v[0])};
+    for (std::size_t i = 0; i < are.size(); ++i)
+        if (are[i])
+            fillers[i].add(place);
+    return std::find(are.begin(), are.end(), true) != are.end();
 }
 
 bool TableWitnesses::countBeyond(const KIV_RAWINFO& raw, const KIV_INFO& info, Place place) {
     const bool ofAzimuth = sensor.azimuth.beyond(raw.azimuthRaw, info.azimuth);
     const bool ofElevation = sensor.elevation.beyond(raw.elevationRaw, info.elevation);
     if (ofAzimuth)
-        beyond[azimuth].add(place);
+        beyond[at(Reading::azimuth)].add(place);
     if (ofElevation)
-        beyond[elevation].add(place);
+        beyond[at(Reading::elevation)].add(place);
     return ofAzimuth || ofElevation;
 }
 
@@ -111,13 +114,12 @@ void TableWitnesses::add(const RowResult& result, const RowPlaces& places, std::
         return jumps.interrupt();
     const bool outside = countBeyond(raw, result.info, place);
     watchAzimuth(raw, place);
-    const Attitude now = Attitude::of(raw, result.info);
+    const Attitude now(raw, result.info);
     repeats.add(raw, now, place);
     if (const auto found = jumps.add(now, !outside)) {
-        const std::size_t column = std::min<std::size_t>(found->reading, vector);
         if (found->back)
-            spikes[column].add(lastPlace);
-        else if (found->reading == Jumps::distance)
+            spikes[std::min(at(found->reading), at(Reading::vector))].add(lastPlace);
+        else if (found->reading == Reading::distance)
             otherTargets.add(lastPlace);
     }
     lastPlace = place;
@@ -129,17 +131,17 @@ std::vector<Witness> TableWitnesses::finished() const {
         if (count.rows > 0)
             all.push_back({kind, column, table, count.first.line, count.rows, count.first.row});
     };
-    const auto takeColumns = [&](WitnessKind kind, const std::array<Count, columns>& counts) {
-        for (std::size_t i = 0; i < columns; ++i)
+    const auto takeColumns = [&](WitnessKind kind, const std::array<Count, readingCount>& counts) {
+        for (std::size_t i = 0; i < readingCount; ++i)
             take(kind, columnNames[i], counts[i]);
     };
-    for (std::size_t i = 0; i < columns; ++i)
-        if (const auto found = repeats.found(static_cast<Repeats::Reading>(i)))
+    for (std::size_t i = 0; i < readingCount; ++i)
+        if (const auto found = repeats.found(static_cast<Reading>(i)))
             take(WitnessKind::stuck, columnNames[i], {found->first, found->rows});
     takeColumns(WitnessKind::spike, spikes);
-    take(WitnessKind::otherTarget, columnNames[vector], otherTargets);
+    take(WitnessKind::otherTarget, columnNames[at(Reading::vector)], otherTargets);
     if (inRadians())
-        take(WitnessKind::radians, columnNames[azimuth], counted);
+        take(WitnessKind::radians, columnNames[at(Reading::azimuth)], counted);
     takeColumns(WitnessKind::beyondRange, beyond);
     take(WitnessKind::clock, "", clock);
     if (clock.rows > 0)

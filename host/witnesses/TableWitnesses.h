@@ -29,27 +29,23 @@ private:
 
         void add(Place place);
     };
-    // Columns of fillers and of ranges, and what jumps, the vector as one.
-    enum Column : unsigned char { azimuth, elevation, levelX, levelY, temperature, vector };
-    static constexpr std::size_t columns = 6;
-
     void watchClock(const RowPlaces& places, Place place);
     bool countFillers(const KIV_RAWINFO& raw, Place place);
+    bool countAnyFillers(const KIV_RAWINFO& raw, Place place);
     bool countBeyond(const KIV_RAWINFO& raw, const KIV_INFO& info, Place place);
     void watchAzimuth(const KIV_RAWINFO& raw, Place place);
     bool inRadians() const;
 
-    const WatchedSensor& sensor;
+    WatchedSensor sensor;
     std::size_t table;
     Jumps jumps;
     Repeats repeats;
     Place lastPlace;
-    std::array<Count, columns> fillers, beyond, spikes;
+    std::array<Count, readingCount> fillers, beyond, spikes;
     Count otherTargets, joins, clock;
     std::optional<double> lastTime;
     bool overMidnight = true;          // every time that the clock goes back
     std::array<float, 2> lastAngles{}; // raw, that are no fillers
-    std::array<bool, 2> anglesKnown{};
     float leastAzimuth = std::numeric_limits<float>::max();
     float largestAzimuth = std::numeric_limits<float>::lowest();
     std::array<bool, 4> quadrants{};

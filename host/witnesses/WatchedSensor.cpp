@@ -79,17 +79,25 @@ WatchedSensor::WatchedSensor(const CKivPrm& record) {
     temperature = thermal.z != 0 || (levelX.read && thermal.x != 0);
 }
 
-bool WatchedSensor::Encoder::beyond(float raw, float corrected) const {
-    const float fromMiddle = std::abs(corrected - offset);
-    if (halfAngle > 0 && fromMiddle > halfAngle
-        && std::abs(std::remainder(fromMiddle, turn)) > halfAngle)
+bool WatchedSensor::Encoder::isBeyond(float raw, float corrected) {
+    from = to = 0;
+    const float fromMiddle = std::abs(std::remainder(corrected - offset, turn));
+    if (halfAngle > 0 && fromMiddle > halfAngle)
         return true;
-    if (gaps.empty())
-        return false;
-    const float angle = withinTurn(raw);
-    return std::any_of(gaps.begin(), gaps.end(), [&](const auto& gap) {
-        return (angle > gap[0] && angle < gap[1]) || angle + turn < gap[1];
-    });
+    float before = -INFINITY, behind = INFINITY; // ends of gaps on both sides
+    for (const auto& gap : gaps)
+        for (const float turns : {-turn, 0.0F, turn}) {
+            const float start = raw - withinTurn(raw) + turns;
+            if (raw > start + gap[0] && raw < start + gap[1])
+                return true;
+            if (start + gap[1] <= raw)
+                before = std::max(before, start + gap[1]);
+            else
+                behind = std::min(behind, start + gap[0]);
+        }
+    from = before;
+    to = behind;
+    return false;
 }
 
 } // namespace kiv::host

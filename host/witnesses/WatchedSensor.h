@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <cmath>
+#include <utility>
 #include <vector>
 
 class CKivPrm;
@@ -11,15 +13,27 @@ namespace kiv::host {
 struct WatchedSensor {
     explicit WatchedSensor(const CKivPrm& record);
 
-    struct Encoder {
-        float offset = 0;    // degrees
-        float halfAngle = 0; // its range to either side of the offset, degrees
-        // Stretches without a calibration of more than 60 degrees, each from an angle of the first
-        // turn to one behind it, degrees.
-        std::vector<std::array<float, 2>> gaps;
+    class Encoder {
+    public:
+        Encoder() = default;
+        // Its range to either side of the offset, degrees; stretches of more than 60 degrees
+        // without a calibration, each from an angle of the first turn to one behind it.
+        Encoder(float middle, float half, std::vector<std::array<float, 2>> uncalibrated)
+            : offset(middle), halfAngle(half), gaps(std::move(uncalibrated)) {}
 
         // The angles of a reading, raw and corrected, are where the encoder has none.
-        bool beyond(float raw, float corrected) const;
+        bool beyond(float raw, float corrected) {
+            return (std::abs(corrected - offset) > halfAngle || raw <= from || raw >= to)
+                   && isBeyond(raw, corrected);
+        }
+
+    private:
+        bool isBeyond(float raw, float corrected);
+
+        float offset = 0, halfAngle = 0;
+        std::vector<std::array<float, 2>> gaps;
+        // Raw angles between these are in no gap, which spares to look for one.
+        float from = 0, to = 0;
     };
     struct Level {
         bool read = false;
