@@ -1,5 +1,5 @@
 // What recordings tell on themselves: sound ones nothing, spoiled ones what was done to them.
-// scripts/witnesses counts many more.
+// tests/proofs/witnesses counts many more.
 
 #include <array>
 #include <cmath>
