@@ -4,7 +4,6 @@
 
 #include "KIVInterface/CKivPrm.h"
 #include "support/Principles.h"
-#include "support/ZelUtil.h"
 
 namespace kiv::simulator {
 
@@ -26,65 +25,44 @@ float rawAngleOf(const CEncoder& encoder, double corrected) {
 
 } // namespace
 
-InverseCalibration::InverseCalibration(CKivPrm& record) {
+InverseCalibration::InverseCalibration(CKivPrm& record)
+    : azimuth(azimuthEncoderOf(record)),
+      elevation(elevationEncoderOf(record)), tiltX{tiltXCurveOf(record)}, tiltY{tiltYCurveOf(
+                                                                              record)} {
     record.getMountMode(mode);
-
-    unsigned int count = 0;
-    record.getAzimuthComp(count, nullptr);
-    std::vector<float> rows(2 * static_cast<std::size_t>(count) + 1);
-    record.getAzimuthComp(count, rows.data());
-    azimuth.setCalTable(rows.data(), static_cast<int>(count));
-    record.getElevationComp(count, nullptr);
-    rows.resize(2 * static_cast<std::size_t>(count) + 1);
-    record.getElevationComp(count, rows.data());
-    elevation.setCalTable(rows.data(), static_cast<int>(count));
-
     F_VECTOR2 offset{};
     F_VECTOR4 thermal{};
     record.getTiltOffset(offset);
     record.getThermalFactor(thermal);
-    const auto prepare = [](TiltCurve& curve, unsigned int knots, float tiltOffset, float slope,
-                            float intercept) {
-        curve.knots = static_cast<int>(knots);
-        curve.table.resize(static_cast<std::size_t>(knots) + 3);
-        curve.spline.resize(4 * static_cast<std::size_t>(knots) + 1);
-        curve.offset = tiltOffset;
-        curve.slope = slope;
-        curve.intercept = intercept;
-    };
-    record.getLevelXComp(count, nullptr, nullptr);
-    prepare(tiltX, count, offset.x, thermal.x, thermal.y);
-    record.getLevelXComp(count, tiltX.table.data(), tiltX.spline.data());
-    record.getLevelYComp(count, nullptr, nullptr);
-    prepare(tiltY, count, offset.y, thermal.z, thermal.w);
-    record.getLevelYComp(count, tiltY.table.data(), tiltY.spline.data());
+    tiltX.offset = offset.x;
+    tiltX.slope = thermal.x;
+    tiltX.intercept = thermal.y;
+    tiltY.offset = offset.y;
+    tiltY.slope = thermal.z;
+    tiltY.intercept = thermal.w;
 }
 
 // Bisection on the calibration curve, which has to be monotonic; beyond the table it goes on
 // straight, taken as far as a whole turn on either side.
-float InverseCalibration::TiltCurve::rawOf(double tilt, float temperature) {
-    if (knots < 1)
+float InverseCalibration::Level::rawOf(double tilt, float temperature) {
+    if (curve.knots < 1)
         return 0;
-    const auto n = static_cast<std::size_t>(knots);
+    const auto n = static_cast<std::size_t>(curve.knots);
     const double gain = static_cast<double>(slope) * temperature + intercept;
     const double target = tilt / gain + offset;
     bool outside = false;
-    const auto curve = [&](double v) {
-        return CalcSpline(true, table.data(), spline.data(), knots - 1, static_cast<float>(v),
-                          &outside);
-    };
-    const double length = table[n - 1] - table[0];
-    double low = table[0] - length;
-    double high = table[n - 1] + length;
-    while ((curve(low) < target) == (curve(high) < target) && length != 0
-           && std::abs(high - low) < 720) {
+    const auto at = [&](double v) { return curve.at(static_cast<float>(v), outside); };
+    const double length = curve.table[n - 1] - curve.table[0];
+    double low = curve.table[0] - length;
+    double high = curve.table[n - 1] + length;
+    while ((at(low) < target) == (at(high) < target) && length != 0 && std::abs(high - low) < 720) {
         low -= length;
         high += length;
     }
-    const bool rising = curve(high) > curve(low);
+    const bool rising = at(high) > at(low);
     for (int i = 0; i < 64; ++i) {
         const double middle = 0.5 * (low + high);
-        if ((curve(middle) < target) == rising)
+        if ((at(middle) < target) == rising)
             low = middle;
         else
             high = middle;

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <vector>
-
 #include "KIVInterface/Encoder.h"
 #include "KIVInterface/Records.h"
 #include "simulator/Mounting.h"
+#include "simulator/RecordTables.h"
 
 class CKivPrm;
 
@@ -22,10 +21,8 @@ public:
                      KIV_RAWINFO& raw);
 
 private:
-    struct TiltCurve {
-        std::vector<float> table;   // knots and three further values
-        std::vector<double> spline; // four coefficients a knot
-        int knots = 0;
+    struct Level {
+        TiltCurve curve;
         float offset = 0; // degrees
         float slope = 0;
         float intercept = 1;
@@ -35,8 +32,8 @@ private:
 
     CEncoder azimuth;
     CEncoder elevation;
-    TiltCurve tiltX;
-    TiltCurve tiltY;
+    Level tiltX;
+    Level tiltY;
     int mode = 0;
 };
 

@@ -1,6 +1,8 @@
 #include "simulator/Mounting.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "KIVInterface/CKivPrm.h"
 #include "support/ZelUtil.h"
@@ -148,7 +150,7 @@ bool polarizer(const Mounting& m, const double* rotation, const Vector& u,
 }
 
 // A level along (1, tan, tan) of its block's tilts shows the dip of its axis in the head's frame.
-double levelReading(const float* level, const HeadTurn& turn, const double* rotation) {
+double levelReading(const double* level, const HeadTurn& turn, const double* rotation) {
     const double t3 = std::tan(level[3] * radians);
     const double t4 = std::tan(level[4] * radians);
     const double length = std::sqrt(1 + t3 * t3 + t4 * t4);
@@ -181,6 +183,17 @@ bool threeVector(const Mounting& m, const double* rotation, const Vector& u,
 
 } // namespace
 
+SingleValues::SingleValues(const Mounting& mounting) {
+    const auto round = [](const auto& values, float* singles) {
+        std::transform(std::begin(values), std::end(values), singles,
+                       [](double value) { return static_cast<float>(value); });
+    };
+    round(mounting.scaleFactors, scaleFactors);
+    round(mounting.qvcParameters, qvcParameters);
+    round(mounting.level1Parameters, level1Parameters);
+    round(mounting.level2Parameters, level2Parameters);
+}
+
 Mounting mountingOf(const CKivPrm& record) {
     Mounting m;
     unsigned int count = 0;
@@ -189,10 +202,15 @@ Mounting mountingOf(const CKivPrm& record) {
     record.getEncoderOffset(offset);
     m.encoderOffset[0] = offset.x;
     m.encoderOffset[1] = offset.y;
-    record.getScaleFactors(m.scaleFactors, count);
-    record.getQVCParameters(m.qvcParameters, count);
-    record.getLevel1Parameters(m.level1Parameters, count);
-    record.getLevel2Parameters(m.level2Parameters, count);
+    SingleValues stored(m);
+    record.getScaleFactors(stored.scaleFactors, count);
+    record.getQVCParameters(stored.qvcParameters, count);
+    record.getLevel1Parameters(stored.level1Parameters, count);
+    record.getLevel2Parameters(stored.level2Parameters, count);
+    std::copy_n(stored.scaleFactors, 8, m.scaleFactors);
+    std::copy_n(stored.qvcParameters, 6, m.qvcParameters);
+    std::copy_n(stored.level1Parameters, 7, m.level1Parameters);
+    std::copy_n(stored.level2Parameters, 7, m.level2Parameters);
     return m;
 }
 

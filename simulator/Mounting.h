@@ -9,14 +9,25 @@ class CKivPrm;
 // known pose show. Written from the geometry, without the models.
 namespace kiv::simulator {
 
-// The calibration values that the geometry depends on, with names and units of the record.
+// The calibration values that the geometry depends on, with names and units of the record, in
+// double precision so that derivatives can be taken.
 struct Mounting {
     int mode = 4;                 // mount mode
     double encoderOffset[2] = {}; // azimuth, elevation, radians
-    float scaleFactors[8] = {0, 0, 0, 0, 1, 1, 1, 0};
-    float qvcParameters[6] = {};
-    float level1Parameters[7] = {0, 0, 0, 0, 0, 0, 1};
-    float level2Parameters[7] = {0, 0, 0, 0, 0, 0, 1};
+    double scaleFactors[8] = {0, 0, 0, 0, 1, 1, 1, 0};
+    double qvcParameters[6] = {};
+    double level1Parameters[7] = {0, 0, 0, 0, 0, 0, 1};
+    double level2Parameters[7] = {0, 0, 0, 0, 0, 0, 1};
+};
+
+// The same in single precision, as sensors and models take them.
+struct SingleValues {
+    explicit SingleValues(const Mounting& mounting);
+
+    float scaleFactors[8];
+    float qvcParameters[6];
+    float level1Parameters[7];
+    float level2Parameters[7];
 };
 
 Mounting mountingOf(const CKivPrm& record);

@@ -14,12 +14,13 @@ namespace kiv::test {
 using Matrix = std::array<double, 9>;
 
 // The model of a mount mode with a mounting's values, as the sensor object sets it up.
-inline std::unique_ptr<CKivModel> modelOf(simulator::Mounting m) {
+inline std::unique_ptr<CKivModel> modelOf(const simulator::Mounting& m) {
     auto model = createModel(m.mode);
-    model->UpdateSFactors(m.scaleFactors, 8);
-    model->UpdateQVCParameters(m.qvcParameters, 6);
-    model->UpdateLevel1Parameters(m.level1Parameters, 7);
-    model->UpdateLevel2Parameters(m.level2Parameters, 7);
+    simulator::SingleValues singles(m);
+    model->UpdateSFactors(singles.scaleFactors, 8);
+    model->UpdateQVCParameters(singles.qvcParameters, 6);
+    model->UpdateLevel1Parameters(singles.level1Parameters, 7);
+    model->UpdateLevel2Parameters(singles.level2Parameters, 7);
     return model;
 }
 

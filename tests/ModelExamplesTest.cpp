@@ -115,7 +115,7 @@ TEST(ModelExamples, TwoLevelModelKeepsItsInputWhenBothLevelsAreOutside) {
 }
 
 TEST(ModelExamples, OneLevelRotationIsThatOfTheThreeVectorModel) {
-    const Mounting m = simulator::typicalMounting(8);
+    const simulator::SingleValues m(simulator::typicalMounting(8));
     CKivThreeVec2Level twoLevels;
     twoLevels.set_iMMode(0);
     double w1[3] = {std::sqrt(0.5), std::sqrt(0.5), 0};

@@ -158,7 +158,7 @@ void AnySensor::drawMounting() {
     for (int i = 0; i < 6; ++i)
         m.qvcParameters[i] = in(i < 3 ? 100 : once(4) ? 10 : 1);
     const float between = dead == Dead::parallelAxes ? 0.1F : in(80);
-    for (float* block : {m.level1Parameters, m.level2Parameters}) {
+    for (double* block : {m.level1Parameters, m.level2Parameters}) {
         block[3] = in(89);
         block[4] = in(once(4) ? 15 : 1);
         block[5] = in(1);
@@ -185,9 +185,9 @@ void AnySensor::drawLimits() {
             offset = mounting.scaleFactors[1];
             gain = mounting.scaleFactors[6];
         } else if (principle != Principle::dualLevel) {
-            const float* block = i == 0 || principle == Principle::threeVectors
-                                     ? mounting.level1Parameters
-                                     : mounting.level2Parameters;
+            const double* block = i == 0 || principle == Principle::threeVectors
+                                      ? mounting.level1Parameters
+                                      : mounting.level2Parameters;
             offset = block[5];
             gain = block[6];
         }
@@ -238,10 +238,11 @@ void AnySensor::configure() {
         const bool first = which == 0 || principleOf(m.mode) == Principle::threeVectors;
         (first ? m.level1Parameters : m.level2Parameters)[6] = 0;
     }
-    sensor.setScaleFactors(m.scaleFactors, 8);
-    sensor.setQVCParameters(m.qvcParameters, 6);
-    sensor.setLevel1Parameters(m.level1Parameters, 7);
-    sensor.setLevel2Parameters(m.level2Parameters, 7);
+    simulator::SingleValues singles(m);
+    sensor.setScaleFactors(singles.scaleFactors, 8);
+    sensor.setQVCParameters(singles.qvcParameters, 6);
+    sensor.setLevel1Parameters(singles.level1Parameters, 7);
+    sensor.setLevel2Parameters(singles.level2Parameters, 7);
     double printed[2][9];
     for (int k = 0; k < 2; ++k)
         for (int i = 0; i < 9; ++i) {

@@ -54,7 +54,8 @@ struct Trial {
           random(seed + static_cast<std::uint64_t>(mode)) {
         if (mount) {
             mount(example.mounting);
-            example.sensor.setScaleFactors(example.mounting.scaleFactors, 8);
+            example.sensor.setScaleFactors(simulator::SingleValues(example.mounting).scaleFactors,
+                                           8);
             example.sensor.setMountMode(mode);
         }
         F_VECTOR4 limits{};
