@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "params/Quoted.h"
+#include "params/TableOutliers.h"
 #include "support/AngleConstants.h"
 #include "support/Numbers.h"
 #include "support/Principles.h"
@@ -55,6 +56,7 @@ public:
 
 private:
     bool checkCount();
+    void checkOffsets(const BlockValues& values);
     void checkAngles(const BlockValues& values);
     void checkKnots(const BlockValues& values);
     void checkLimits(const BlockValues& values);
@@ -64,6 +66,7 @@ private:
     void checkGains(const BlockValues& values);
     void checkThermalFactors(const BlockValues& values);
     void checkTurn(const BlockValues& values);
+    void checkCurve(const BlockValues& values);
     void checkLevel(const BlockValues& values);
 
     void warnOfZero(const BlockValues& values, std::size_t number, const char* reading);
@@ -92,6 +95,8 @@ void ValueCheck::checkAll() {
         const bool countFits = (!tilt && !encoder) || checkCount();
         if (!countFits || !isRead(layout->block))
             continue;
+        if (layout->block == Block::angleOffset)
+            checkOffsets(*values);
         if (encoder)
             checkAngles(*values);
         if (tilt) {
@@ -117,7 +122,11 @@ void ValueCheck::checkEffects(const BlockValues& values) {
         return checkThermalFactors(values);
     case Block::tiltXCalibration:
     case Block::tiltYCalibration:
-        return checkTurn(values);
+        if (levelIsRead(layout->block == Block::tiltXCalibration)) {
+            checkTurn(values);
+            checkCurve(values);
+        }
+        return;
     case Block::levelX:
     case Block::levelY:
         return checkLevel(values);
@@ -149,6 +158,12 @@ bool ValueCheck::checkCount() {
     warn(0, "a count of " + std::to_string(rows) + ", as " + title() + " has so many rows",
          std::to_string(values.integer));
     return false;
+}
+
+void ValueCheck::checkOffsets(const BlockValues& values) {
+    for (std::size_t i = 0; i < 2; ++i)
+        if (std::abs(values.numbers[i]) > mostAngle)
+            warn(i, "offsets from -360 to 360 degrees in " + title(), shown(values.numbers[i]));
 }
 
 void ValueCheck::checkAngles(const BlockValues& values) {
@@ -184,6 +199,15 @@ void ValueCheck::checkAngles(const BlockValues& values) {
                                         + inRow(angle(before), before.index));
     }
     warn(repeated, "each angle of a turn once in " + title());
+
+    std::vector<float> corrections;
+    for (const Row& row : rows)
+        corrections.push_back(correction(row));
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        if (isOutlier(corrections, i))
+            warn(2 + 2 * rows[i].index,
+                 "corrections of the size of those around them in " + title(),
+                 inRow(corrections[i], rows[i].index));
 }
 
 void ValueCheck::checkKnots(const BlockValues& values) {
@@ -272,7 +296,7 @@ void ValueCheck::checkThermalFactors(const BlockValues& values) {
 }
 
 void ValueCheck::checkTurn(const BlockValues& values) {
-    if (values.rows() == 0 || !levelIsRead(layout->block == Block::tiltXCalibration))
+    if (values.rows() == 0)
         return;
     float least = values.numbers[1];
     float most = least;
@@ -283,6 +307,16 @@ void ValueCheck::checkTurn(const BlockValues& values) {
     if (!(static_cast<double>(most) - least >= leastTurn))
         warn(2, "tilts that differ by a degree or more in " + title(),
              shown(least) + " to " + shown(most));
+}
+
+void ValueCheck::checkCurve(const BlockValues& values) {
+    const auto outlier = curveOutlier(values.numbers);
+    if (!outlier)
+        return;
+    std::string expected = "a tilt of about ";
+    appendRounded(expected, outlier->expected, 3);
+    warn(2 + 2 * outlier->row, expected + ", on the curve of the other rows, in " + title(),
+         inRow(values.numbers[2 * outlier->row + 1], outlier->row));
 }
 
 // The level axes of the three-vector models.

@@ -96,6 +96,17 @@ inline std::string findingsOfWholeFiles() {
         {"knots that turn and repeat",
          parameterText(sound({.values = {{tiltXCalibration, "4\n-2 0\n0 0\n-1 0\n2 0\n-1 1 0\nend"},
                                          {tiltYCalibration, "3\n5 5\n5 0\n-5 0\n-5 5 0\nend"}}}))},
+        {"an offset, corrections and a tilt that stand out",
+         parameterText(sound(
+             {.values = {{angleOffset, "1250 -360"},
+                         {azCalibration, "6\n0 1\n60 31\n120 1\n180 0.01\n240 0\n300 1"},
+                         {elCalibration, "5\n0 .001\n9 -.06\n18 0\n27 0\n36 .04"},
+                         {tiltYCalibration, "5\n-4 -4\n-2 2\n0 0\n2 2.3\n4 4\n-4 4 0\nend"}}}))},
+        {"a tilt off the curve at its end, and a level that is not read",
+         parameterText(
+             sound({.values = {{tiltXCalibration, "4\n-4 -4\n-2 2\n2 2\n4 4\n-4 4 0\nend"},
+                               {tiltYCalibration,
+                                "7\n9 9.2\n6 6.1\n3 3\n0 0\n-3 -3\n-6 -6\n-9 9\n-9 9 0\nend"}}}))},
         {"level limits",
          parameterText(sound({.values = {{tiltXCalibration, "2\n-2 -2\n2 2\n1.5 -2.5 0\nend"},
                                          {tiltYCalibration, "2\n5 5\n-5 -5\n-5 5.1 0\nend"}}}))},
