@@ -26,7 +26,7 @@ const std::vector<std::vector<std::string>> floors{
     {"host/parameters"},
     {"host/rows"},
     {"host/summary", "host/witnesses"},
-    {"host/run"},
+    {"host/run", "host/mistakes"},
     {"host/report", "host/check", "host/verify"},
     {"host/commands"},
     {"host/commandline"},

@@ -47,7 +47,7 @@ class TableWatch {
 public:
     TableWatch(const TableInput& input, const CheckedSensor& by)
         : table(input.table()), truth(table, true), time(table),
-          witnesses(by.record, time.column()) {
+          witnesses(by.record, time.column()), sample(truth.comparable()) {
         check.file = input.name();
         check.parameterFile = by.file;
         check.mountMode = by.mountMode;
@@ -60,6 +60,7 @@ public:
     // What looks at rows is fed here.
     void add(const RowResult& row, const Table& at) {
         check.summary.add(row, at.lineNumber(), std::nullopt);
+        sample.add(row, truth.angles(at));
         if (row.state != RowState::refused)
             for (std::size_t i = 0; i < check.ranges.size(); ++i)
                 check.ranges[i].add(valueOf(TableCheck::ranged[i], row.raw));
@@ -70,7 +71,8 @@ public:
                             .time = stamp ? std::optional(stamp->seconds) : std::nullopt,
                             .namesAgain = row.state == RowState::refused && at.repeatsNames()});
     }
-    void finish() {
+    void finish(const ParsedFile& parameters) {
+        check.mistakes = searchMistakes(parameters, sample, std::nullopt);
         witnesses.finish();
         check.witnesses.assign(witnesses.found().begin(), witnesses.found().end());
     }
@@ -89,6 +91,8 @@ private:
         if (truth.comparable())
             for (const std::string_view name : truthColumns)
                 read.push_back(table.nameOf(name));
+        if (table.find(sensorColumn))
+            read.push_back(table.nameOf(sensorColumn));
         for (std::string& name : table.columnNames())
             (std::count(read.begin(), read.end(), name) > 0 ? check.columnsRead
                                                             : check.columnsNotRead)
@@ -99,6 +103,7 @@ private:
     Truth truth;
     RowTime time;
     Witnesses witnesses;
+    RowSample sample;
 };
 
 } // namespace
@@ -107,7 +112,9 @@ std::unique_ptr<CheckedSensor> sensorOf(const std::string& path, const ExaminedF
                                         std::ostream& err) {
     auto checked = std::make_unique<CheckedSensor>();
     CKivPrm& record = checked->record;
-    RecordLoading::store(record, examined.parsed);
+    checked->parsed = examined.parsed;
+    RecordLoading::store(record, checked->parsed);
+    checked->serialNumber = checked->parsed.document.find(Block::serialNumber)->integer;
     checked->file = printable(path);
     if (!configure(checked->sensor, record, path, err))
         return nullptr;
@@ -117,7 +124,8 @@ std::unique_ptr<CheckedSensor> sensorOf(const std::string& path, const ExaminedF
 }
 
 bool TableCheck::faulty(bool strict) const {
-    return !summary.allGood() || summary.whatNoRowIs() || (strict && warnings() > 0);
+    return !summary.allGood() || summary.whatNoRowIs() || (mistakes && mistakes->faulty())
+           || (strict && warnings() > 0);
 }
 
 std::size_t TableCheck::warnings() const {
@@ -132,6 +140,7 @@ std::optional<TableCheck> checkTable(const std::string& file, const TableFormat&
         return std::nullopt;
     input.showWarnings(streams.err);
     RowRunner runner(by.sensor, by.levelLimits, std::nullopt);
+    runner.expectRowsOf(by.serialNumber, input.table());
     MessageLimit limit(format.mostMessages, streams.err);
     TableWatch watch(input, by);
     Table& table = input.table();
@@ -154,7 +163,7 @@ std::optional<TableCheck> checkTable(const std::string& file, const TableFormat&
         check.brokenOff = block.brokenOff;
         ends += block.said;
     }
-    watch.finish();
+    watch.finish(by.parsed);
     limit.reportOthers(input.name());
     streams.err << ends;
     if (const char* missed = Interrupt::requested() ? nullptr : check.summary.whatNoRowIs())

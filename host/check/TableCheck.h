@@ -11,9 +11,11 @@
 #include "KIVInterface/CKivPrm.h"
 #include "host/base/Cli.h"
 #include "host/check/TimeSteps.h"
+#include "host/mistakes/MistakeSearch.h"
 #include "host/rows/RowResult.h"
 #include "host/summary/Summary.h"
 #include "host/witnesses/Witness.h"
+#include "params/Parser.h"
 
 namespace kiv::host {
 
@@ -26,6 +28,8 @@ struct CheckedSensor {
     CKiv sensor;
     F_VECTOR4 levelLimits{};
     CKivPrm record;
+    ParsedFile parsed;
+    std::int32_t serialNumber = 0;
 };
 
 // Of a parameter file without errors; null, and a message, where a sensor does not take it.
@@ -53,6 +57,7 @@ struct TableCheck {
     std::vector<std::string> columnsNotRead;
     Summary summary{false};
     std::vector<Witness> witnesses;
+    std::optional<MistakeSearch> mistakes; // where there is something to go by
 
     static constexpr std::array<Field, 9> ranged{
         Field::x,      Field::y,      Field::z,           Field::azimuth,  Field::elevation,

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "host/check/TableCheck.h"
+#include "host/mistakes/MistakeText.h"
 #include "host/witnesses/WitnessJson.h"
 #include "params/Quoted.h"
 #include "support/Numbers.h"
@@ -112,6 +113,8 @@ void print(const TableCheck& check, std::ostream& out) {
                 std::string(readingColumns[static_cast<std::size_t>(TableCheck::ranged[i])]), 16)
                 << padded(shown(check.ranges[i].least), 13) << " to "
                 << shown(check.ranges[i].largest) << '\n';
+    if (check.mistakes)
+        print(*check.mistakes, out);
     out << check.file << ": " << counted(check.warnings(), "warning") << '\n';
 }
 
@@ -134,7 +137,9 @@ Json jsonOf(const TableCheck& check) {
             {"columns_not_read", namesOf(check.columnsNotRead)},
             {"ranges", ranges},
             {"time", timeOf(check)},
-            {"witnesses", jsonOf(check.witnesses, {check.file})}};
+            {"witnesses", jsonOf(check.witnesses, {check.file})},
+            {"setup", check.mistakes ? jsonOfSetup(*check.mistakes) : Json()},
+            {"mistakes", check.mistakes ? jsonOfMistakes(*check.mistakes) : Json::array()}};
 }
 
 } // namespace kiv::host

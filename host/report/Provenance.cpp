@@ -71,7 +71,8 @@ void appendProvenance(std::string& html, const ReportContent& content) {
     line("Sensor ID", std::to_string(content.sensorId));
     line("Device owner", escaped(content.facts.deviceOwner));
     line("Mount mode",
-         std::to_string(content.mountMode) + ", " + modelName(content.mountMode) + " model");
+         std::to_string(content.mountMode) + ", " + modelName(content.mountMode) + " model"
+             + (hasModel(content.mountMode) ? "" : ", as no model is made for this mode"));
     line("Angles", reportsOwnMatrix(content.mountMode) ? "of the sensor in the instrument"
                    : content.localFrame ? "of the motion since the reference (local frame)"
                                         : "in machine coordinates");

@@ -100,7 +100,8 @@ void appendRowCounts(std::string& html, const ReportContent& content) {
             html += (count > 0 ? " (" : "; it is ") + escaped(summary.referencePlace())
                     + (count > 0 ? ")" : "");
         if (state == RowState::refused)
-            for (const Reason r : {Reason::rowShape, Reason::notANumber, Reason::zeroVector})
+            for (const Reason r :
+                 {Reason::rowShape, Reason::notANumber, Reason::zeroVector, Reason::otherSensor})
                 if (const std::size_t n = summary.count(r); n > 0)
                     html.append("<br>").append(countText(n)).append(" ").append(wordsOf(r).text);
         html += "</td></tr>\n";

@@ -1,5 +1,6 @@
 #include "host/rows/Readings.h"
 
+#include <string>
 #include <utility>
 
 namespace kiv::host {
@@ -40,6 +41,18 @@ Reason readReadings(Table& table, KIV_RAWINFO& raw) {
         return Reason::zeroVector;
     }
     return Reason::none;
+}
+
+bool Owner::owns(Table& table) const {
+    double found = 0;
+    if (!place || !table.numberAt(*place, found) || found == id)
+        return true;
+    table.reportAt(*place,
+                   std::to_string(id) + " in column " + std::string(sensorColumn)
+                       + ", the parameter file's serial number",
+                   std::string(table.cell(*place)) + "; give the parameter file of that sensor",
+                   "of another sensor");
+    return false;
 }
 
 Truth::Truth(const Table& table, bool comparable) {

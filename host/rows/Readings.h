@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -32,6 +33,9 @@ inline constexpr std::array<std::string_view, 11> readingColumns{
 // The readings of a row of a table with these columns, or why they are no use; then also messages.
 Reason readReadings(Table& table, KIV_RAWINFO& raw);
 
+// The sensor that a table says its rows are of, in a column that may be there.
+inline constexpr std::string_view sensorColumn = "sensor_id";
+
 // True angles that a simulation adds as further columns, in the order rx, ry, rz.
 inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "true_ry_deg",
                                                               "true_rz_deg"};
@@ -40,6 +44,20 @@ inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "tr
 inline constexpr std::string_view timeColumn = "time_s";
 // The column of the time stamp as a date and a time of day.
 inline constexpr std::string_view timeStampColumn = "time";
+
+// Whether a row is of the sensor whose parameter file is used.
+class Owner {
+public:
+    Owner(const Table& table, std::int32_t serialNumber)
+        : place(table.find(sensorColumn)), id(serialNumber) {}
+
+    // False, and a message, where the row has the number of another one.
+    bool owns(Table& table) const;
+
+private:
+    std::optional<std::size_t> place;
+    std::int32_t id;
+};
 
 class Truth {
 public:

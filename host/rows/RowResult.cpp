@@ -23,6 +23,8 @@ void RowRunner::run(Table& table, RowResult& result) {
     result.hasUncertainty = false;
     result.hasCalibration = false;
     result.reason = readReadings(table, result.raw);
+    if (result.reason == Reason::none && owner && !owner->owns(table))
+        result.reason = Reason::otherSensor;
     if (result.reason != Reason::none) {
         result.state = RowState::refused;
         return;

@@ -20,6 +20,11 @@ public:
               const std::optional<Uncertainties>& uncertainties,
               const Calibration* calibration = nullptr);
 
+    // Rows of a table that names another sensor are refused from now on.
+    void expectRowsOf(std::int32_t serialNumber, const Table& table) {
+        owner.emplace(table, serialNumber);
+    }
+
     // The result of the row where the table stands; whatever is wrong with it is reported there.
     void run(Table& table, RowResult& result);
 
@@ -28,6 +33,7 @@ public:
 
 private:
     JudgedSensor judged;
+    std::optional<Owner> owner;
     JudgedSensor::Wanted wanted{.matrix = true, .state = true, .trust = true};
 };
 

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "host/parameters/ParameterFile.h"
 #include "host/rows/RowLoop.h"
 #include "host/rows/TableInput.h"
 
@@ -24,6 +25,7 @@ bool takeReference(const ReadingsOptions& options, RowRunner& runner, const Stre
         return false;
     if (line == 0)
         input.showWarnings(streams.err);
+    runner.expectRowsOf(parseParameterFileName(options.parameterFile)->id, input.table());
     MessageLimit limit(options.format.mostMessages, streams.err);
     Table& table = input.table();
     bool tried = false; // the line that was asked for

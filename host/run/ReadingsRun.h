@@ -16,9 +16,9 @@ namespace kiv::host {
 // way from the inputs to the outputs, on several threads where rows do not depend on each other.
 class ReadingsRun {
 public:
-    ReadingsRun(const ReadingsOptions& asked, const Streams& own, bool withResidualFigures = true)
+    ReadingsRun(const ReadingsOptions& asked, const Streams& own, bool withQuantiles = true)
         : options(asked), streams(own), inputs(asked, own),
-          outputs(asked, inputs, own, withResidualFigures) {}
+          outputs(asked, inputs, own, withQuantiles) {}
 
     // False, and messages, when one of the files cannot be used. No column of the readings may have
     // one of the names of the results; without any the output is one text, written as a whole. The

@@ -32,6 +32,7 @@ bool RunInputs::open(std::span<const std::string_view> results, InputFacts* fact
         || !takeReference(options, *runner, streams, reference,
                           facts ? &facts->reference : nullptr))
         return false;
+    runner->expectRowsOf(parseParameterFileName(options.parameterFile)->id, tables.table());
     trueAngles.emplace(tables.table(), !localFrame());
     rowTime.emplace(tables.table());
     return comparableWhereAsked();

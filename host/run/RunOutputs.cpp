@@ -4,6 +4,7 @@
 
 #include "host/base/Interrupt.h"
 #include "host/base/Progress.h"
+#include "host/base/ShellWord.h"
 #include "host/run/SummaryFile.h"
 
 namespace kiv::host {
@@ -91,11 +92,23 @@ bool RunOutputs::usedARow() const {
     return !missed;
 }
 
+void RunOutputs::pointToCheck() const {
+    if (!totals.poorFit())
+        return;
+    std::string command = "kiv check " + shellWord(options.parameterFile);
+    for (const std::string& table : options.readings)
+        command += ' ' + shellWord(table);
+    streams.err << inputs.recording().name() << ": expected the true angles to "
+                << degreesText(totals.misfit().allowed()) << " degrees root mean square, found "
+                << degreesText(totals.misfit().counted().rootMeanSquare()) << "; " << command
+                << " looks for the mistake\n";
+}
+
 bool RunOutputs::strictlyGood() const {
     if (!options.strict)
         return true;
     if (totals.count(RowState::ok) > 0)
-        return totals.allTrusted() && witnesses().empty()
+        return totals.allTrusted() && witnesses().empty() && !totals.poorFit()
                && totals.spareReadings().objection().empty() && inputs.parameterWarnings() == 0
                && totals.cutRows() == 0;
     streams.err << inputs.recording().name()
@@ -112,6 +125,7 @@ int RunOutputs::finish() {
     print(witnesses(), shownTables(), options.format.mostMessages, streams.err);
     if (!options.quiet)
         totals.printStatistics(streams.err);
+    pointToCheck();
     if (!options.summary.empty() && !writeSummary())
         return unusable;
     const bool used = Interrupt::requested() || usedARow();

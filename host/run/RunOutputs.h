@@ -18,9 +18,9 @@ class Progress;
 class RunOutputs {
 public:
     RunOutputs(const ReadingsOptions& asked, const RunInputs& opened, const Streams& own,
-               bool withResidualFigures)
+               bool withQuantiles)
         : options(asked), inputs(opened), streams(own), limit(asked.format.mostMessages, own.err),
-          totals(withResidualFigures) {}
+          totals(withQuantiles) {}
 
     // False, and a message, when one cannot be written. The output is one text, or rows that are
     // there as they come.
@@ -45,6 +45,8 @@ private:
     std::vector<std::string> shownTables() const;
     // A row has angles or is the reference; else false, and a message.
     bool usedARow() const;
+    // Where angles miss the true ones by far, says which command looks for the mistake.
+    void pointToCheck() const;
     // Both hold where they are not asked for; false also where there is nothing to test, with a
     // message.
     bool withinTolerance() const;

@@ -39,6 +39,17 @@ Json residualOf(const Summary& summary, std::size_t angle) {
             {"share_within_2u_of_good", share(summary.coverageOfGood())}};
 }
 
+Json misfitOf(const Summary& summary) {
+    const Misfit& misfit = summary.misfit();
+    if (summary.compared() == 0)
+        return {};
+    return {{"rows", misfit.counted().rows},
+            {"root_mean_square_deg", misfit.counted().rootMeanSquare()},
+            {"largest_deg", misfit.counted().largest},
+            {"allowed_deg", misfit.allowed()},
+            {"poor", summary.poorFit()}};
+}
+
 Json spareOf(const SpareReadings& spare) {
     if (spare.rows() == 0)
         return {};
@@ -123,6 +134,7 @@ std::string summaryText(const Summary& summary, std::span<const Witness> witness
         {"angles", angles},
         {"compared_rows", summary.compared()},
         {"residuals", summary.compared() > 0 ? residuals : Json()},
+        {"misfit", misfitOf(summary)},
     };
     // Names may hold bytes that are no UTF-8.
     return all.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';

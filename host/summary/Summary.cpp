@@ -13,9 +13,10 @@ namespace kiv::host {
 
 namespace {
 
+constexpr std::size_t cellWidth = 13;
+
 void printCell(std::ostream& out, const std::string& text) {
-    constexpr std::size_t width = 13;
-    out << std::string(width - std::min(width, text.size()), ' ') << text;
+    out << std::string(cellWidth - std::min(cellWidth, text.size()), ' ') << text;
 }
 
 } // namespace
@@ -42,23 +43,23 @@ void Summary::add(const RowResult& result, std::size_t line,
     if (!truth)
         return;
     ++withTruth;
-    std::array<double, 3> differences;
+    const std::array<double, 3> off = differences(result.info, *truth);
     for (std::size_t i = 0; i < 3; ++i) {
-        differences[i] = withinHalfTurn(values[i] - (*truth)[i]);
-        if (const double size = std::abs(differences[i]); size > residuals[i].largest) {
+        if (const double size = std::abs(off[i]); size > residuals[i].largest) {
             residuals[i].largest = size;
             residuals[i].largestPlace = linePlace(line, table);
         }
-        if (!residualFigures)
-            continue;
-        residuals[i].statistics.add(differences[i]);
-        residuals[i].magnitudes.add(std::abs(differences[i]));
+        residuals[i].statistics.add(off[i]);
+        if (quantiles)
+            residuals[i].magnitudes.add(std::abs(off[i]));
     }
+    const AngleTriple u = result.hasUncertainty ? result.uncertainty.standard : AngleTriple{};
+    missed.add(result.trust, largestOf(off), largestOf(u));
     if (!result.hasUncertainty)
         return;
-    ofAllRows.add(differences, result.uncertainty.standard);
+    ofAllRows.add(off, result.uncertainty.standard);
     if (result.trust.trust == Trust::good)
-        ofGoodRows.add(differences, result.uncertainty.standard);
+        ofGoodRows.add(off, result.uncertainty.standard);
 }
 
 std::optional<AngleTriple> Summary::calibrationPart() const {
@@ -177,10 +178,19 @@ void Summary::printStatistics(std::ostream& out) const {
     if (const auto part = calibrationPart())
         out << "uncertainty from the calibration: rx " << degreesText((*part)[0]) << ", ry "
             << degreesText((*part)[1]) << ", rz " << degreesText((*part)[2]) << " degrees\n";
-    if (withTruth > 0)
-        out << "largest difference to the true angles: rx " << degreesText(residuals[0].largest)
-            << ", ry " << degreesText(residuals[1].largest) << ", rz "
-            << degreesText(residuals[2].largest) << " degrees\n";
+    if (withTruth == 0)
+        return;
+    out << "residual" << std::string(cellWidth - 1 - 4, ' ') << "mean";
+    for (const char* heading : {"rms", "largest"})
+        printCell(out, heading);
+    out << '\n';
+    for (std::size_t i = 0; i < 3; ++i) {
+        const Statistics::Figures figures = residuals[i].statistics.figures();
+        out << "     " << angleNames[i];
+        for (const double value : {figures.mean, figures.rootMeanSquare, residuals[i].largest})
+            printCell(out, degreesText(value));
+        out << '\n';
+    }
 }
 
 } // namespace kiv::host

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "host/rows/RowResult.h"
+#include "host/summary/Misfit.h"
 #include "host/summary/Quantile.h"
 #include "host/summary/SpareReadings.h"
 #include "host/summary/Statistics.h"
@@ -17,8 +18,8 @@ namespace kiv::host {
 // What became of the rows of a run.
 class Summary {
 public:
-    // Without the residuals' figures, which cost time, their largest alone is there.
-    explicit Summary(bool withResidualFigures = true) : residualFigures(withResidualFigures) {}
+    // Without the residuals' quantiles, which cost time, the rest of their figures is there.
+    explicit Summary(bool withQuantiles = true) : quantiles(withQuantiles) {}
 
     // The table is named where there are several.
     void add(const RowResult& result, std::size_t line,
@@ -87,12 +88,16 @@ public:
     const Coverage& coverage() const { return ofAllRows; }
     const Coverage& coverageOfGood() const { return ofGoodRows; } // whose trust is good
     const Residual& largestResidual() const;                      // of all angles
+    // The rows' angles against the true ones, as far as the model answers for them.
+    const Misfit& misfit() const { return missed; }
+    // True angles are there that the angles do not fit.
+    bool poorFit() const { return missed.enoughOf(withTruth) && !missed.fits(); }
 
     void printCounts(std::ostream& out) const;
     void printStatistics(std::ostream& out) const;
 
 private:
-    bool residualFigures;
+    bool quantiles;
     std::array<std::size_t, rowStateNames.size()> counts{};
     std::array<std::size_t, reasonWords.size()> reasons{};
     std::array<std::size_t, trustWords.size()> trusts{};
@@ -112,6 +117,7 @@ private:
     std::array<Residual, 3> residuals;
     Coverage ofAllRows;
     Coverage ofGoodRows;
+    Misfit missed;
 };
 
 inline constexpr std::array<const char*, 3> angleNames{"rx", "ry", "rz"};

@@ -12,6 +12,7 @@ enum class Reason : unsigned char {
     rowShape,
     notANumber,
     zeroVector,
+    otherSensor,
     // No orientation is asked for, or none became the reference yet.
     status,
     refMetric,
@@ -29,11 +30,12 @@ struct ReasonWords {
     const char* text; // in messages
 };
 
-inline constexpr std::array<ReasonWords, 12> reasonWords{{
+inline constexpr std::array<ReasonWords, 13> reasonWords{{
     {"", ""},
     {"row_shape", "a row of another shape"},
     {"not_a_number", "no number"},
     {"zero_vector", "a zero vector"},
+    {"other_sensor", "readings of another sensor"},
     {"status", "a status other than 2"},
     {"ref_metric", "a reference metric above 0.4"},
     {"ref_blocked", "a row that may not become the reference"},

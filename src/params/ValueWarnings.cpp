@@ -260,7 +260,7 @@ void ValueCheck::checkMatrix(const BlockValues& values) {
 }
 
 void ValueCheck::checkMode(const BlockValues& values) {
-    if (values.integer < 1 || values.integer > lastMountMode)
+    if (!hasModel(values.integer))
         warn(0,
              "a mount mode from 1 to " + std::to_string(lastMountMode) + " in " + title()
                  + ", as any other runs as a pendulum",

@@ -43,6 +43,10 @@ constexpr const PrincipleTraits& traitsOf(Principle principle) {
 // The modes are counted from 1.
 inline constexpr int lastMountMode = principles.back().modes.back();
 
+constexpr bool hasModel(int mountMode) {
+    return mountMode >= 1 && mountMode <= lastMountMode;
+}
+
 // Any other mode is a pendulum's.
 constexpr Principle principleOf(int mountMode) {
     for (const PrincipleTraits& traits : principles)
@@ -64,6 +68,11 @@ constexpr int parityOf(int mountMode) {
 // The tilt X curve is read at the ratio of the two raw levels. Goes by the number.
 constexpr bool readsTiltRatio(int mountMode) {
     return mountMode == 5 || mountMode == 6;
+}
+
+// Two levels and both encoders are one reading more than an orientation needs.
+constexpr bool hasSpareReading(int mountMode) {
+    return traitsOf(principleOf(mountMode)).levelX;
 }
 
 // An update reports the angles of the model's own matrix and its QVC vector. Goes by the number:
