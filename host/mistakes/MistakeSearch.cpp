@@ -16,9 +16,13 @@ namespace kiv::host {
 
 namespace {
 
-constexpr double mostOfBest = 3;   // root mean squares, of the best fitting mistake's
-constexpr double mostThatFits = 1; // degrees
+constexpr double timesExactBest = 10; // root mean squares, up to 0.05 degrees
+constexpr double leastLimit = 0.01;   // degrees; twice the model's own error
+constexpr double timesNoisyBest = 3;  // root mean squares, of the best fitting mistake's
+constexpr double mostThatFits = 1;    // degrees
 constexpr double mostOfAsItStands = 0.2;
+constexpr std::size_t fewestForScatter = 10; // rows
+constexpr double mostOfFew = 0.15;           // degrees; of fewer rows
 constexpr double leastChange = 1e-4; // degrees; more than single precision makes of an angle
 
 // A sensor by its parameter file with a mistake taken back.
@@ -122,7 +126,10 @@ bool fallsEnough(const Misfit& now, const Misfit& before, std::size_t rows) {
 }
 
 bool scatters(const Misfit& misfit, const Scatter& scatter) {
-    return rootMeanSquare(misfit) <= Misfit::allowedWithoutUncertainties || scatter.isNoise();
+    if (rootMeanSquare(misfit) <= Misfit::allowedWithoutUncertainties)
+        return true;
+    return misfit.counted().rows < fewestForScatter ? rootMeanSquare(misfit) <= mostOfFew
+                                                    : scatter.isNoise();
 }
 
 bool falls(const JudgedMistake& mistake, const MistakeSearch& search) {
@@ -141,12 +148,14 @@ void markThoseThatFit(MistakeSearch& search) {
         return;
     double best = mostThatFits;
     for (const JudgedMistake& mistake : search.judged)
-        best = std::min(best, worstOf(mistake.fit));
+        if (mistake.visible && mistake.scatters && falls(mistake, search))
+            best = std::min(best, worstOf(mistake.fit));
     const double most =
-        std::min(mostThatFits, std::max(Misfit::allowedWithoutUncertainties, mostOfBest * best));
+        std::max(timesNoisyBest * best, std::clamp(timesExactBest * best, leastLimit,
+                                                   Misfit::allowedWithoutUncertainties));
     for (JudgedMistake& mistake : search.judged)
-        mistake.fits = mistake.visible && mistake.scatters && worstOf(mistake.fit) <= most
-                       && falls(mistake, search);
+        mistake.fits = mistake.visible && mistake.scatters && falls(mistake, search)
+                       && worstOf(mistake.fit) <= std::min(most, mostThatFits);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "host/base/Progress.h"
 #include "host/base/ShellWord.h"
 #include "host/run/SummaryFile.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 
@@ -98,8 +99,15 @@ void RunOutputs::pointToCheck() const {
     std::string command = "kiv check " + shellWord(options.parameterFile);
     for (const std::string& table : options.readings)
         command += ' ' + shellWord(table);
-    streams.err << inputs.recording().name() << ": expected the true angles to "
-                << degreesText(totals.misfit().allowed()) << " degrees root mean square, found "
+    for (const auto& [ours, theirs] : options.format.otherNames)
+        command += " --column " + shellWord(ours + '=' + theirs);
+    if (options.format.decimalComma)
+        command += " --decimal-comma";
+    std::string allowed;
+    appendRounded(allowed, totals.misfit().allowed(), 2);
+    streams.err << inputs.recording().name()
+                << ": expected a root mean square of the differences to the true angles of at most "
+                << allowed << " degrees, found "
                 << degreesText(totals.misfit().counted().rootMeanSquare()) << "; " << command
                 << " looks for the mistake\n";
 }

@@ -16,7 +16,7 @@ struct CurveOutlier {
     double expected;
 };
 // Rows of a knot and a value. The value that lies off by the most is one where it is off by far
-// more than any other is off the rest. Nothing is said of fewer than four, nor of knots that turn.
+// more than any other is off the rest. Nothing is said of fewer than six, nor of knots that turn.
 std::optional<CurveOutlier> curveOutlier(std::span<const float> rows);
 
 } // namespace kiv
