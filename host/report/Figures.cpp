@@ -57,6 +57,10 @@ void appendStatistics(std::string& html, const ReportContent& content) {
     const std::span all(charts);
     appendTable(html, content, "Results in degrees", all.first(5));
     appendTable(html, content, "Angles minus true angles, degrees", all.subspan(5, 1));
+    if (content.summary.poorFit())
+        html +=
+            "<p class=\"verdict warn\">The angles do not fit the true ones: <code>kiv check</code> "
+            "with the parameter file and the readings looks for the mistake.</p>\n";
     appendTable(html, content, "Further readings", all.last(3));
     html += "<p class=\"note\">Angles over the rows in state ok, readings over all rows that were "
             "not refused. Means and extremes of angles are those of directions. The quantile is of "

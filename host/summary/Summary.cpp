@@ -53,7 +53,10 @@ void Summary::add(const RowResult& result, std::size_t line,
         if (quantiles)
             residuals[i].magnitudes.add(std::abs(off[i]));
     }
-    const AngleTriple u = result.hasUncertainty ? result.uncertainty.standard : AngleTriple{};
+    AngleTriple u{};
+    for (std::size_t i = 0; i < 3; ++i)
+        u[i] = std::hypot(result.hasUncertainty ? result.uncertainty.standard[i] : 0,
+                          result.hasCalibration ? result.calibration[i] : 0);
     missed.add(result.trust, largestOf(off), largestOf(u));
     if (!result.hasUncertainty)
         return;
