@@ -16,6 +16,7 @@
 
 #include "host/base/InOrder.h"
 #include "host/base/Interrupt.h"
+#include "host/commands/Poses.h"
 #include "host/commands/Report.h"
 #include "host/commands/Run.h"
 #include "tests/ToolRunner.h"
@@ -90,6 +91,9 @@ TEST(Jobs, DoNotChangeAByte) {
     strict.stopOnBad = true;
     few.format.mostMessages = 2;
     ReportOptions report;
+    PosesOptions poses;
+    poses.grouping.still = 60;
+    poses.grouping.fewestRows = 2;
     setTimeOfRun("0");
     using Run = std::function<Outcome(std::size_t, std::istream&)>;
     const auto runner = [](const RunOptions& options) {
@@ -104,6 +108,8 @@ TEST(Jobs, DoNotChangeAByte) {
                  {"local", runner(local)},
                  {"stop on bad", runner(strict)},
                  {"few messages", runner(few)},
+                 {"poses", [&](std::size_t jobs,
+                               std::istream& in) { return outcomeOf(poses, findPoses, jobs, in); }},
                  {"report", [&](std::size_t jobs, std::istream& in) {
                       return outcomeOf(report, reportReadings, jobs, in);
                   }}};

@@ -128,6 +128,7 @@ CommandLine::CommandLine() : app("", "kiv") {
     app.require_subcommand(1);
     app.allow_windows_style_options(false); // a path may begin with a slash
     addRun();
+    addPoses();
     addReport();
     addSimulate();
     addHome();
@@ -247,6 +248,25 @@ void CommandLine::addRun() {
     addKeep(command, run.format);
     command.add_flag("--stop-on-bad", run.stopOnBad);
     addUncertainties(command, run);
+}
+
+void CommandLine::addPoses() {
+    CLI::App& command = add("poses", [this](const Streams& s) {
+        return readColumnNames(stillPoses.format, s) ? findPoses(stillPoses, s) : unusable;
+    });
+    addReadings(command, stillPoses);
+    command.get_option("parameter_file")->required(false);
+    command.get_option("readings")->required(false);
+    addFile(command, "--from", stillPoses.results);
+    addUncertainties(command, stillPoses);
+    Grouping& grouping = stillPoses.grouping;
+    command.add_option("--by", grouping.by)->check(shownText);
+    command.add_option("--pause", grouping.pause)->check(numberFrom(0, INFINITY));
+    CLI::Option* still = command.add_option("--still", grouping.still)->check(numberFrom(0, 180));
+    addCount<std::size_t>(command, "--rows", grouping.fewestRows, 1, mostRows)->needs(still);
+    command.add_flag("--with-not-good", grouping.withNotGood);
+    CLI::Option* id = command.add_option("--pose-id", grouping.poseId)->check(shownText);
+    command.add_option("--same", grouping.same)->excludes(id)->check(numberFrom(0, 180));
 }
 
 void CommandLine::addReport() {

@@ -8,6 +8,7 @@
 #include "host/commands/Check.h"
 #include "host/commands/Home.h"
 #include "host/commands/Info.h"
+#include "host/commands/Poses.h"
 #include "host/commands/Report.h"
 #include "host/commands/Rewrite.h"
 #include "host/commands/Run.h"
@@ -41,6 +42,7 @@ private:
     void addReadings(CLI::App& command, ReadingsOptions& options);
     void addUncertainties(CLI::App& command, ReadingsOptions& options);
     void addRun();
+    void addPoses();
     void addReport();
     void addSimulate();
     void addHome();
@@ -51,6 +53,7 @@ private:
     void addHelp();
 
     RunOptions run;
+    PosesOptions stillPoses;
     ReportOptions report;
     SimulateOptions simulate;
     HomeOptions home;

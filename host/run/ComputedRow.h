@@ -20,10 +20,11 @@ struct ComputedRow {
     std::size_t line = 0;
     std::vector<Message> messages;
     std::optional<std::array<double, 3>> truth; // true angles rx, ry, rz, degrees
-    std::optional<TimeStamp> time; // may be left out between rows whose times do not go back
-    bool namesAgain = false;       // a row of names, refused
-    std::size_t textEnd = 0;       // in the text made of a batch's rows
-    std::size_t blankRows = 0;     // of the batch, in front of it
+    std::optional<TimeStamp> time;    // may be left out between rows whose times do not go back
+    std::array<std::string, 2> cells; // what a subcommand asks of its columns
+    bool namesAgain = false;          // a row of names, refused
+    std::size_t textEnd = 0;          // in the text made of a batch's rows
+    std::size_t blankRows = 0;        // of the batch, in front of it
 };
 
 // The rows of a block of lines.

@@ -11,9 +11,11 @@
 
 namespace kiv::host {
 
-bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* facts) {
+bool ReadingsRun::open(std::span<const std::string_view> results, InputFacts* facts,
+                       const std::function<bool()>& usableInputs) {
     const Interrupt::Waiting waiting(true); // nothing is written yet
-    return inputs.open(results, facts) && outputs.open(results.empty());
+    return inputs.open(results, facts) && (!usableInputs || usableInputs())
+           && outputs.open(results.empty());
 }
 
 std::size_t ReadingsRun::jobs() const {

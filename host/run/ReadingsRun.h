@@ -22,12 +22,17 @@ public:
 
     // False, and messages, when one of the files cannot be used. No column of the readings may have
     // one of the names of the results; without any the output is one text, written as a whole. The
-    // facts are complete once all rows have been read.
-    bool open(std::span<const std::string_view> results, InputFacts* facts = nullptr);
+    // facts are complete once all rows have been read. What a subcommand asks of its inputs is
+    // asked before an output is touched.
+    bool open(std::span<const std::string_view> results, InputFacts* facts = nullptr,
+              const std::function<bool()>& usableInputs = {});
 
     CKivPrm& record() { return inputs.record(); }
     int mountMode() const { return inputs.mountMode(); }
     const GivenUncertainties& givenUncertainties() const { return inputs.uncertainties(); }
+    bool givesUncertainties() const {
+        return givenUncertainties().ofReadings || givenUncertainties().calibration;
+    }
     bool localFrame() const { return inputs.localFrame(); }
     std::string name() const { return inputs.recording().name(); }
     const Table& table() const { return inputs.recording().table(); } // for its columns
@@ -40,6 +45,10 @@ public:
     // thread.
     using Prepare = std::function<void(const Table&, ComputedRow&, std::string& text)>;
     void forEach(const Prepare& prepare, const RunOutputs::Take& take);
+
+    // The members of a JSON object, for the summary's end.
+    void addToSummary(std::string members) { outputs.addToSummary(std::move(members)); }
+    bool comparable() const { return inputs.truth().comparable(); } // there are true angles
 
     // Ends the output, shows and writes the summary. An exit code.
     int finish() { return outputs.finish(); }

@@ -57,8 +57,8 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
 }
 
 bool RunOutputs::writeSummary() {
-    writtenSummary.text() =
-        summaryText(totals, witnesses(), options, inputs.mountMode(), inputs.uncertainties());
+    writtenSummary.text() = summaryText(totals, witnesses(), options, inputs.mountMode(),
+                                        inputs.uncertainties(), ofSubcommand);
     return writtenSummary.finish(streams.err);
 }
 

@@ -37,6 +37,8 @@ public:
     bool add(const RowBatch& batch, const Take& take, Progress& progress);
 
     void endRows() { watch->finish(); }
+    void addToSummary(std::string members) { ofSubcommand = std::move(members); }
+
     // Ends the output, shows and writes the summary. An exit code.
     int finish();
 
@@ -60,6 +62,7 @@ private:
     Output writtenSummary;
     Summary totals;
     std::optional<Witnesses> watch; // once it is open
+    std::string ofSubcommand;       // a JSON object for the summary's end, where there is one
     bool broken = false;            // reading
     std::string ends;               // what was said of the tables' ends
 };

@@ -89,7 +89,7 @@ Json calibrationOf(const std::optional<CalibrationResult>& given, const Summary&
 
 std::string summaryText(const Summary& summary, std::span<const Witness> witnesses,
                         const ReadingsOptions& options, int mountMode,
-                        const GivenUncertainties& uncertainties) {
+                        const GivenUncertainties& uncertainties, const std::string& lastMembers) {
     const auto& [ofReadings, calibration] = uncertainties;
     Json states, reasons, trust, angles, residuals;
     for (std::size_t i = 0; i < rowStateNames.size(); ++i)
@@ -103,7 +103,7 @@ std::string summaryText(const Summary& summary, std::span<const Witness> witness
         residuals[angleNames[i]] = residualOf(summary, i);
     }
     const bool known = summary.referenceLine() > 0;
-    const Json all{
+    Json all{
         {"version", versionText},
         {"parameter_file", options.parameterFile},
         {"sensor_id", parseParameterFileName(options.parameterFile)->id},
@@ -136,6 +136,8 @@ std::string summaryText(const Summary& summary, std::span<const Witness> witness
         {"residuals", summary.compared() > 0 ? residuals : Json()},
         {"misfit", misfitOf(summary)},
     };
+    if (!lastMembers.empty())
+        all.update(Json::parse(lastMembers));
     // Names may hold bytes that are no UTF-8.
     return all.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }

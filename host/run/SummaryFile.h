@@ -11,9 +11,10 @@
 namespace kiv::host {
 
 // The summary of a run as one JSON object: angles in degrees, what is not there null. The
-// uncertainties are those of the options or of their file.
+// uncertainties are those of the options or of their file, the last members those of another
+// object, where its text is not empty.
 std::string summaryText(const Summary& summary, std::span<const Witness> witnesses,
                         const ReadingsOptions& options, int mountMode,
-                        const GivenUncertainties& uncertainties);
+                        const GivenUncertainties& uncertainties, const std::string& lastMembers);
 
 } // namespace kiv::host

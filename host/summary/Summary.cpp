@@ -15,11 +15,11 @@ namespace {
 
 constexpr std::size_t cellWidth = 13;
 
+} // namespace
+
 void printCell(std::ostream& out, const std::string& text) {
     out << std::string(cellWidth - std::min(cellWidth, text.size()), ' ') << text;
 }
-
-} // namespace
 
 void Summary::add(const RowResult& result, std::size_t line,
                   const std::optional<std::array<double, 3>>& truth, std::string_view table) {

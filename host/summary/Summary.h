@@ -120,6 +120,9 @@ private:
     Misfit missed;
 };
 
+// A cell of a table on a terminal.
+void printCell(std::ostream& out, const std::string& text);
+
 inline constexpr std::array<const char*, 3> angleNames{"rx", "ry", "rz"};
 
 } // namespace kiv::host

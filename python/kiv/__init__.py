@@ -15,6 +15,7 @@
 
 from . import _library
 from ._columns import State, Trust
+from ._poses import poses
 from ._rows import Result
 from .errors import Error, Fault, FileError, ParameterFileError, ParameterFileWarning, ReadingsError
 from .parameters import Parameters
@@ -35,4 +36,5 @@ __all__ = [
     "Sensor",
     "State",
     "Trust",
+    "poses",
 ]

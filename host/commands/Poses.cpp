@@ -1,0 +1,194 @@
+#include "host/commands/Poses.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <ostream>
+#include <vector>
+
+#include "host/poses/PoseCells.h"
+#include "host/poses/PoseSummary.h"
+#include "host/poses/ResultRows.h"
+#include "host/rows/RowLoop.h"
+#include "host/rows/RowTime.h"
+#include "host/rows/TableInput.h"
+#include "host/run/ReadingsRun.h"
+#include "judged/RowResults.h"
+#include "params/Quoted.h"
+
+namespace kiv::host {
+
+namespace {
+
+std::string cellText(const PoseCell& cell, const Table& table) {
+    std::string text = cell.text;
+    if (cell.number && table.decimalComma())
+        std::replace(text.begin(), text.end(), '.', ',');
+    if (cell.number || text.find_first_of(std::string("\"") + table.separator()) == text.npos)
+        return text;
+    std::string inQuotes = "\"";
+    for (const char c : text)
+        inQuotes.append(c == '"' ? 2 : 1, c);
+    return inQuotes + '"';
+}
+
+void appendRow(std::string& out, const std::vector<PoseCell>& cells, const Table& table) {
+    for (const PoseCell& cell : cells)
+        out.append(cellText(cell, table)).push_back(table.separator());
+    out.back() = '\n';
+}
+
+// The table of poses, and what is said of all of them.
+class PoseOutput {
+public:
+    PoseOutput(const PosesOptions& asked, bool localFrame, std::ostream& messages)
+        : options(asked), err(messages), columns{asked.grouping, asked.readings},
+          summary(asked.grouping, localFrame) {}
+
+    // False, and a message, where a column that the options name is not there, or one of poses has
+    // its name.
+    bool usable(const Table& table, const std::string& name, bool uncertainties, bool truth) {
+        columns.uncertainties = uncertainties;
+        columns.truth = truth;
+        header = cellsOf({}, columns);
+        const Grouping& grouping = options.grouping;
+        if (grouping.pause && !RowTime(table).there()) {
+            err << name << ":1:1: expected a column time_s or time for --pause, found none\n";
+            return false;
+        }
+        return find(table, name, grouping.by, "--by", places[0])
+               && find(table, name, grouping.poseId, "--pose-id", places[1]);
+    }
+
+    void appendNames(std::string& out, const Table& table) {
+        for (PoseCell& cell : header)
+            cell = {"", cell.name, false};
+        appendRow(out, header, table);
+    }
+    void append(std::string& out, const Pose& pose, const Table& table) {
+        appendRow(out, cellsOf(pose, columns), table);
+        summary.add(pose);
+    }
+    void setCells(const Table& row, ComputedRow& computed) const {
+        for (std::size_t i = 0; i < places.size(); ++i)
+            computed.cells[i].assign(places[i] ? row.cell(*places[i]) : std::string_view());
+    }
+
+    PoseSummary& ofAll() { return summary; }
+
+private:
+    bool find(const Table& table, const std::string& tableName, const std::string& column,
+              const char* option, std::optional<std::size_t>& place) const {
+        if (column.empty())
+            return true;
+        const auto named = std::count_if(header.begin(), header.end(),
+                                         [&](const PoseCell& cell) { return cell.name == column; });
+        place = table.find(column);
+        if (place && named == 1)
+            return true;
+        err << tableName << ":1:1: expected a column " << quoted(column) << " for " << option
+            << (place ? " whose name no column of poses has, found one that has\n"
+                      : ", found none\n");
+        return false;
+    }
+
+    const PosesOptions& options;
+    std::ostream& err;
+    PoseColumns columns;
+    std::vector<PoseCell> header;
+    std::array<std::optional<std::size_t>, 2> places; // of --by and --pose-id
+    PoseSummary summary;
+};
+
+int ofReadings(const PosesOptions& options, const Streams& streams) {
+    ReadingsRun run(options, streams, !options.summary.empty());
+    std::optional<PoseOutput> poses;
+    const auto usableInputs = [&] {
+        poses.emplace(options, run.localFrame(), streams.err);
+        return poses->usable(run.table(), run.name(), run.givesUncertainties(), run.comparable());
+    };
+    if (!run.open({}, nullptr, usableInputs))
+        return unusable;
+    const Table& table = run.table();
+    poses->appendNames(run.output().text(), table);
+    PoseGathering gathering(
+        options.grouping, givesMatrix(run.mountMode()), run.localFrame(),
+        [&](const Pose& pose) { poses->append(run.output().text(), pose, table); });
+    const RowTime time(table);
+    run.forEach(
+        [&](const Table& row, ComputedRow& computed, std::string&) {
+            if (!computed.time && computed.result.reason != Reason::rowShape)
+                computed.time = time.of(row);
+            poses->setCells(row, computed);
+        },
+        [&](const ComputedRow& row) {
+            gathering.add(row);
+            return true;
+        });
+    gathering.end();
+    poses->ofAll().setRowsWithoutPose(gathering.rowsWithoutPose());
+    run.addToSummary(poses->ofAll().json());
+    const int code = run.finish();
+    if (code != unusable)
+        poses->ofAll().print(streams.err, !options.quiet);
+    return code;
+}
+
+int ofResults(const PosesOptions& options, const Streams& streams) {
+    const std::vector<std::string> inputs{options.results, options.format.columnsFile};
+    if (refuseOverwriting(options.output, inputs, streams.err)
+        || (!options.summary.empty() && refuseOverwriting(options.summary, inputs, streams.err)))
+        return unusable;
+    TableInput input(resultRowColumns, options.format);
+    MessageLimit limit(options.format.mostMessages, streams.err);
+    Output output, summary;
+    PoseOutput poses(options, options.localFrame, streams.err);
+    std::optional<Interrupt::Waiting> waiting(true); // nothing is written yet
+    if (!input.open(options.results, {}, streams))
+        return unusable;
+    Table& table = input.table();
+    const ResultRows results(table, options.localFrame);
+    if (!poses.usable(table, input.name(), results.hasUncertainties(), results.hasTruth())
+        || (!options.summary.empty() && !summary.open(options.summary, streams))
+        || !output.open(options.output, streams))
+        return unusable;
+    waiting.reset();
+    input.showWarnings(streams.err);
+    poses.appendNames(output.text(), table);
+    PoseGathering gathering(options.grouping, results.hasMatrices(), options.localFrame,
+                            [&](const Pose& pose) { poses.append(output.text(), pose, table); });
+    ComputedRow row;
+    bool allRead = true;
+    const auto next = [&] { return input.nextRow(); };
+    forEachRow(input, next, [&](bool inputWouldWait) {
+        results.read(table, row);
+        poses.setCells(table, row);
+        allRead = allRead && table.messages().empty();
+        limit.take(table.messages());
+        gathering.add(row);
+        return output.endRow(inputWouldWait);
+    });
+    gathering.end();
+    poses.ofAll().setRowsWithoutPose(gathering.rowsWithoutPose());
+    if (!input.finish(limit, output, streams.err))
+        return unusable;
+    poses.ofAll().print(streams.err, !options.quiet);
+    if (!options.summary.empty()) {
+        summary.text() = poses.ofAll().json() + '\n';
+        if (!summary.finish(streams.err))
+            return unusable;
+    }
+    return Interrupt::requested() ? interrupted : allRead ? allGood : someRowsBad;
+}
+
+} // namespace
+
+int findPoses(const PosesOptions& options, const Streams& streams) {
+    if (options.results.empty() != options.readings.empty())
+        return options.results.empty() ? ofReadings(options, streams) : ofResults(options, streams);
+    streams.err << "kiv poses: expected a parameter file and readings, or --from FILE, found "
+                << (options.results.empty() ? "neither\n" : "both\n");
+    return unusable;
+}
+
+} // namespace kiv::host

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "host/poses/Repeatability.h"
+
+namespace kiv::host {
+
+// What is said of all poses of a recording.
+class PoseSummary {
+public:
+    PoseSummary(const Grouping& asked, bool localFrame)
+        : grouping(asked), again(asked, localFrame) {}
+
+    void add(const Pose& pose);
+    void setRowsWithoutPose(std::size_t count) { withoutPose = count; }
+
+    std::string json() const; // an object
+    void print(std::ostream& out, bool tables) const;
+
+private:
+    const Grouping& grouping;
+    Repeatability again;
+    std::size_t poses = 0, withoutMean = 0, lowerBounds = 0, drifting = 0;
+    std::size_t rows = 0, leftOut = 0, outliers = 0, withoutPose = 0;
+};
+
+} // namespace kiv::host
