@@ -41,15 +41,15 @@ def poses_of(parameter_file, readings, by):
     results["part"] = results["recording"] + " " + results["place"]
     poses = kiv.poses(results, by="part", pose_id="place")
     good = results[results["state"] == "ok"]
-    return poses.join(good.groupby("part")["model_error_deg"].max(), on="part")
+    error = good.groupby("part")["model_error_deg"].max()
+    return poses.assign(model_error_deg=poses["part"].map(error)), poses.attrs["repeatability"]
 
 
 # %% The certificate: what is measured, and how well it is known.
 
 
-def certificate_of(poses):
+def certificate_of(poses, repeatability):
     used = poses[(poses["rows"] > 1) & (poses["trust"] == "good")]
-    repeatability = poses.attrs["repeatability"]
     table = used[["part", "rows"]].copy()
     for axis in ("rx", "ry", "rz"):
         parts = used[f"u_{axis}_deg"] ** 2 + used["model_error_deg"] ** 2 / 3
@@ -67,7 +67,7 @@ def main():
     arguments.add_argument("--by", metavar="COLUMN")
     arguments.add_argument("-o", "--output", metavar="TABLE.csv")
     given = arguments.parse_args()
-    table = certificate_of(poses_of(given.parameter_file, readings_in(given.folder), given.by))
+    table = certificate_of(*poses_of(given.parameter_file, readings_in(given.folder), given.by))
     if given.output:
         table.to_csv(given.output, index=False)
     else:

@@ -65,6 +65,7 @@ std::size_t PoseRows::leaveOutliersOut() {
     const double deviation = consistent * medianOf(of);
     const double most =
         middle + (deviation > 0 ? (6 + 60 / count) * deviation : 3 * std::sqrt(squares / count));
+    std::vector<float>().swap(of); // before there is another one
     of = distances();
     std::size_t next = 0;
     const auto far = [&](const Row&) { return of[next++] > most; };

@@ -53,10 +53,11 @@ def poses(
 
     >>> import kiv, pandas
     >>> sensor = kiv.Sensor(kiv.Parameters("Tg5.prm"))
-    >>> readings = pandas.read_csv("readings.csv").head(400)
+    >>> readings = pandas.read_csv("readings.csv").head(40)
     >>> results = readings.join(sensor.run(readings, matrices=True))
-    >>> found = kiv.poses(results, still=0.05, rows=3)
-    >>> print(len(found), found.attrs["poses"]["rows"])
+    >>> found = kiv.poses(results, pause=1)
+    >>> print(list(found["rows"]), found.attrs["poses"]["left_out"])
+    [39] 1
     """
     if not is_frame(results):
         raise TypeError(f"results: expected a DataFrame, found {type(results).__name__}")

@@ -50,7 +50,7 @@ public:
         for (double& value : state)
             value = random.normal();
     }
-    double next(int axis) {
+    double next(std::size_t axis) {
         const double value = state[axis] + row.whiteShare * random.normal();
         state[axis] = row.correlation * state[axis]
                       + std::sqrt(1 - row.correlation * row.correlation) * random.normal();
@@ -79,7 +79,7 @@ PoseFigures figuresOfOne(const Case& row, Random& random, std::array<double, 3>&
     PoseRows rows;
     for (int i = 0; i < row.rows; ++i) {
         std::array<double, 3> angles = truth;
-        for (int axis = 0; axis < 3; ++axis)
+        for (std::size_t axis = 0; axis < 3; ++axis)
             angles[axis] += errors.next(axis) + drift * i / row.rows;
         rows.add(rotationBy(angles, false), i);
     }
@@ -101,7 +101,7 @@ Counts countsOf(const Case& row, int seeds) {
             ++counts.poses;
             counts.lowerBounds += still.lowerBound;
             bool drifts = false;
-            for (int i = 0; i < 3; ++i) {
+            for (std::size_t i = 0; i < 3; ++i) {
                 const AxisFigures& axis = still.axes[i];
                 const double error = std::remainder(axis.angle - truth[i], 360);
                 ++counts.axes;

@@ -15,11 +15,11 @@ def recordings(folder):
     """Two stations, measured twice each, in two files."""
     file = folder / "Tg5.prm"
     file.write_text(EXAMPLE)
-    for seed in (1, 2):
-        rows = kiv_tool("simulate", file, "--trajectory", "still", "--rows", 60, "--seed", seed,
+    for part, count in ((1, 60), (2, 70)):
+        rows = kiv_tool("simulate", file, "--trajectory", "still", "--rows", count,
                         "--noise-encoder", 0.001, "--noise-level", 0.001).splitlines()
         marked = [("B," if line.startswith("0.4") else "A,") + line for line in rows[1:]]
-        (folder / f"part{seed}.csv").write_text("\n".join(["station," + rows[0], *marked]) + "\n")
+        (folder / f"part{part}.csv").write_text("\n".join(["station," + rows[0], *marked]) + "\n")
     return file, folder / "part1.csv"
 
 
