@@ -76,7 +76,9 @@ double angleOf(const Matrix& rotation) {
 
 std::optional<Matrix> orthogonalMean(const Matrix& sum) {
     const double size = std::cbrt(determinant(sum));
-    if (!(size > 0))
+    const double largest = std::abs(*std::max_element(
+        sum.begin(), sum.end(), [](double a, double b) { return std::abs(a) < std::abs(b); }));
+    if (!(size > 1e-3 * largest)) // of a mean nothing but rounding
         return std::nullopt;
     Matrix mean = sum;
     for (double& element : mean)
