@@ -12,7 +12,8 @@ bool RunInputs::open(std::span<const std::string_view> results, InputFacts* fact
     CKiv sensor;
     InputFacts own;
     InputFacts& all = facts ? *facts : own;
-    if (!loadSensor(options.parameterFile, parameters, sensor, streams.err, &all) || !namesUsable())
+    if (!inOrder() || !loadSensor(options.parameterFile, parameters, sensor, streams.err, &all)
+        || !namesUsable())
         return false;
     warnings = all.parameterWarnings;
     sensor.setMcsFlag(!options.localFrame);
@@ -36,6 +37,20 @@ bool RunInputs::open(std::span<const std::string_view> results, InputFacts* fact
     trueAngles.emplace(tables.table(), !localFrame());
     rowTime.emplace(tables.table());
     return comparableWhereAsked();
+}
+
+// The parameter file stands in front.
+bool RunInputs::inOrder() const {
+    if (parseParameterFileName(options.parameterFile))
+        return true;
+    for (const std::string& table : options.readings)
+        if (parseParameterFileName(table)) {
+            streams.err << shownInput(options.parameterFile)
+                        << ": expected the parameter file in front of the tables, found "
+                        << shownInput(table) << " behind it\n";
+            return false;
+        }
+    return true;
 }
 
 bool RunInputs::namesUsable() const {

@@ -46,6 +46,7 @@ public:
     }
 
 private:
+    bool inOrder() const;
     bool namesUsable() const;
     bool referenceReadable() const;
     bool comparableWhereAsked() const;
