@@ -37,7 +37,7 @@ need() {
 
 # need_to_build [PACKAGE...]: what the library and the tool are built with, and these.
 need_to_build() {
-    need cmake g++ ninja-build python3 libcli11-dev nlohmann-json3-dev libjs-dygraphs "$@"
+    need cmake g++ ninja-build python3 libcli11-dev nlohmann-json3-dev libeigen3-dev libjs-dygraphs "$@"
 }
 
 project_version() {

@@ -27,7 +27,7 @@ const std::vector<std::vector<std::string>> floors{
     {"host/rows"},
     {"host/summary", "host/witnesses"},
     {"host/run", "host/mistakes"},
-    {"host/poses"},
+    {"host/poses", "host/calibration"},
     {"host/report", "host/check", "host/verify"},
     {"host/commands"},
     {"host/commandline"},

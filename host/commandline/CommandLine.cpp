@@ -132,6 +132,7 @@ CommandLine::CommandLine() : app("", "kiv") {
     addReport();
     addSimulate();
     addHome();
+    addCalibrate();
     addCheck();
     addInfo();
     addRewrite();
@@ -220,17 +221,16 @@ void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
 }
 
 // Each as the noise of simulate.
-void CommandLine::addUncertainties(CLI::App& command, ReadingsOptions& options) {
-    addFile(command, "--uncertainties", options.uncertaintyFiles)->allow_extra_args(false);
+void CommandLine::addUncertainties(CLI::App& command, std::optional<Uncertainties>& given) {
     const auto uncertainty = [&](const char* name, std::initializer_list<Source> sources) {
         command
             .add_option_function<double>(
                 name,
-                [&options, all = std::vector<Source>(sources)](const double& value) {
-                    if (!options.uncertainties)
-                        options.uncertainties.emplace();
+                [&given, all = std::vector<Source>(sources)](const double& value) {
+                    if (!given)
+                        given.emplace();
                     for (const Source source : all)
-                        (*options.uncertainties)[source] = value;
+                        (*given)[source] = value;
                 })
             ->check(numberFrom(0, largestUncertainty));
     };
@@ -247,7 +247,8 @@ void CommandLine::addRun() {
     addReadings(command, run);
     addKeep(command, run.format);
     command.add_flag("--stop-on-bad", run.stopOnBad);
-    addUncertainties(command, run);
+    addFile(command, "--uncertainties", run.uncertaintyFiles)->allow_extra_args(false);
+    addUncertainties(command, run.uncertainties);
 }
 
 void CommandLine::addPoses() {
@@ -274,7 +275,8 @@ void CommandLine::addReport() {
         return readColumnNames(report.format, s) ? reportReadings(report, s) : unusable;
     });
     addReadings(command, report);
-    addUncertainties(command, report);
+    addFile(command, "--uncertainties", report.uncertaintyFiles)->allow_extra_args(false);
+    addUncertainties(command, report.uncertainties);
     command.add_option("--title", report.title)->check(shownText);
     command.add_option("--length-unit", report.lengthUnit)->check(shownText);
 }
@@ -346,6 +348,108 @@ void CommandLine::addHome() {
     vectorOption("--tilt", home.tilt, 2);
     addTable(command, home.format, {homeColumns.begin(), homeColumns.end()});
     addKeep(command, home.format);
+}
+
+namespace {
+
+constexpr const char* expectedParameter =
+    "expected names of parameters as kiv info --json has them, block and value joined by a point";
+
+// A parameter's name, or a message that shows those that are close.
+std::string faultOfParameter(const std::string& name) {
+    if (parameterOf(name))
+        return "";
+    std::string closest;
+    std::size_t least = SIZE_MAX;
+    for (const Parameter& parameter : allParameters()) {
+        const std::string each = nameOf(parameter);
+        if (const std::size_t distance = editDistance(each, name); distance < least) {
+            least = distance;
+            closest = each;
+        }
+    }
+    return std::string(expectedParameter) + ", found " + kiv::quoted(name) + "; the closest is "
+           + closest;
+}
+
+CLI::Option* addParameters(CLI::App& command, const char* name, std::vector<Parameter>& all) {
+    return command
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&all](const std::vector<std::string>& names) {
+                for (const std::string& each : names)
+                    all.push_back(*parameterOf(each));
+            })
+        ->delimiter(',')
+        ->check(faultOfParameter);
+}
+
+// As NAME=VALUE,U.
+std::optional<Prior> priorIn(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    const std::size_t comma = text.find(',', equals == text.npos ? 0 : equals);
+    if (equals == text.npos || comma == text.npos)
+        return std::nullopt;
+    const auto parameter = parameterOf(text.substr(0, equals));
+    const auto value = numberIn<double>(text.substr(equals + 1, comma - equals - 1));
+    const auto u = numberIn<double>(text.substr(comma + 1));
+    if (!parameter || !value || !u || !std::isfinite(*value) || !std::isfinite(*u) || !(*u > 0))
+        return std::nullopt;
+    return Prior{*parameter, *value, *u};
+}
+
+} // namespace
+
+void CommandLine::addCalibrate() {
+    CLI::App& command = add("calibrate", [this](const Streams& s) {
+        return readColumnNames(calibrate.format, s) ? calibrateSensor(calibrate, s) : unusable;
+    });
+    addFile(command, "parameter_file", calibrate.parameterFile)->required();
+    addFile(command, "readings", calibrate.readings)->required();
+    addFile(command, "-o,--output", calibrate.output);
+    addFile(command, "--result", calibrate.result);
+    command.add_flag("--replace", calibrate.replace);
+    command
+        .add_option_function<std::string>("--poses",
+                                          [this](const std::string& kind) {
+                                              calibrate.poses = kind == "known" ? Poses::known
+                                                                : kind == "relative"
+                                                                    ? Poses::relative
+                                                                    : Poses::stations;
+                                          })
+        ->check(oneOf({"known", "relative", "stations"}));
+    addFile(command, "--uncertainties", calibrate.uncertaintyFile);
+    addUncertainties(command, calibrate.uncertainties);
+    command.add_option("--u-pose", calibrate.poseUncertainty)->check(numberFrom(0, 180));
+    addParameters(command, "--estimate", calibrate.estimate);
+    addParameters(command, "--hold", calibrate.hold);
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--prior",
+            [this](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts)
+                    calibrate.priors.push_back(*priorIn(text));
+            })
+        ->allow_extra_args(false)
+        ->check([](const std::string& text) {
+            if (priorIn(text))
+                return std::string();
+            const std::string fault = faultOfParameter(text.substr(0, text.find('=')));
+            return fault.empty() ? "expected NAME=VALUE,U with two numbers, U above 0, found "
+                                       + kiv::quoted(text)
+                                 : fault;
+        });
+    command.add_option("--holdout", calibrate.holdout)
+        ->check(numberFrom(0, 0.5))
+        ->capture_default_str();
+    command.add_flag("--robust", calibrate.robust);
+    command.add_flag("--dry-run", calibrate.dryRun);
+    std::vector<std::string_view> columns(readingColumns.begin(), readingColumns.end());
+    columns.insert(columns.end(), truthColumns.begin(), truthColumns.end());
+    columns.insert(columns.end(), {"placement", "station"});
+    addTable(command, calibrate.format, columns);
+    command.add_flag("-q,--quiet", calibrate.quiet);
+    addCount<std::size_t>(command, "-j,--jobs", calibrate.jobs, 1, mostJobs);
 }
 
 void CommandLine::addCheck() {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include <CLI/CLI.hpp>
 
+#include "host/commands/Calibrate.h"
 #include "host/commands/Check.h"
 #include "host/commands/Home.h"
 #include "host/commands/Info.h"
@@ -40,12 +42,13 @@ private:
                   const std::vector<std::string_view>& columns);
     void addKeep(CLI::App& command, TableFormat& format);
     void addReadings(CLI::App& command, ReadingsOptions& options);
-    void addUncertainties(CLI::App& command, ReadingsOptions& options);
+    void addUncertainties(CLI::App& command, std::optional<Uncertainties>& given);
     void addRun();
     void addPoses();
     void addReport();
     void addSimulate();
     void addHome();
+    void addCalibrate();
     void addCheck();
     void addInfo();
     void addRewrite();
@@ -57,6 +60,7 @@ private:
     ReportOptions report;
     SimulateOptions simulate;
     HomeOptions home;
+    CalibrateOptions calibrate;
     CheckOptions check;
     InfoOptions info;
     RewriteOptions rewrite;

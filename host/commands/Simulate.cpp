@@ -96,7 +96,8 @@ void appendNames(std::string& text, const PoseSource& poses) {
     if (!poses.carriesTime())
         text.append(timeColumn).push_back(separator);
     for (const std::string_view name : readingColumns)
-        text.append(name).push_back(separator);
+        if (!(poses.carriesTemperature() && name == temperatureColumn))
+            text.append(name).push_back(separator);
     for (const std::string_view name : truthColumns)
         text.append(name).push_back(separator);
     text.back() = '\n';
@@ -104,7 +105,8 @@ void appendNames(std::string& text, const PoseSource& poses) {
 
 // Behind what stands in front of the readings.
 void appendReadings(std::string& text, KIV_RAWINFO raw, const simulator::Angles& angles,
-                    const Faults& faults, char separator) {
+                    const Faults& faults, const PoseSource& poses) {
+    const char separator = poses.separator();
     const Fault fault = faults.fault();
     if (fault == Fault::badStatus)
         raw.status = 1;
@@ -128,7 +130,10 @@ void appendReadings(std::string& text, KIV_RAWINFO raw, const simulator::Angles&
     cell(raw.elevationRaw);
     cell(raw.levelXRaw);
     cell(raw.levelYRaw);
-    cell(raw.temperature);
+    if (poses.carriesTemperature())
+        ++count; // its cell is among those carried
+    else
+        cell(raw.temperature);
     cell(raw.refMetric);
     cell(raw.refBlocked ? 1 : 0);
     cell(angles.rx);
@@ -188,7 +193,7 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
                 appendNumber(text, row / options.rate);
                 text.push_back(poses->separator());
             }
-            appendReadings(text, raw, sensor.trueAngles(pose), faults, poses->separator());
+            appendReadings(text, raw, sensor.trueAngles(pose), faults, *poses);
         } else if (found == NextPose::pose) {
             poses->reportUnreachable();
         }

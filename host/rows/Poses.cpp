@@ -7,6 +7,7 @@
 
 #include "host/base/Interrupt.h"
 #include "host/rows/Readings.h"
+#include "params/Quoted.h"
 
 namespace kiv::host {
 
@@ -19,7 +20,8 @@ constexpr std::array<std::string_view, 6> poseColumns{"x",       "y",         "z
 std::vector<std::string_view> namesOfReadings() {
     std::vector<std::string_view> names(truthColumns.begin(), truthColumns.end());
     for (const std::string_view name : readingColumns)
-        if (std::find(poseColumns.begin(), poseColumns.end(), name) == poseColumns.end())
+        if (name != temperatureColumn
+            && std::find(poseColumns.begin(), poseColumns.end(), name) == poseColumns.end())
             names.push_back(name);
     return names;
 }
@@ -50,6 +52,7 @@ std::unique_ptr<PoseTable> PoseTable::open(const std::string& file, const TableF
     if (!usable)
         return nullptr;
     poses->input.showWarnings(streams.err);
+    poses->temperature = poses->input.table().find(temperatureColumn);
     return poses;
 }
 
@@ -83,6 +86,15 @@ NextPose PoseTable::read(SimulatedPose& pose) {
                      "with a position of zero");
         return NextPose::refused;
     }
+    pose.temperature = SimulatedPose().temperature;
+    double given = 0;
+    if (temperature && !table.numberAt(*temperature, given)) {
+        table.reportRow("a number for temperature", kiv::quoted(table.cell(*temperature)),
+                        "with a cell that is no number");
+        return NextPose::refused;
+    }
+    if (temperature)
+        pose.temperature = static_cast<float>(given);
     simulator::rotationFromYawPitchRoll(angles[0], angles[1], angles[2], pose.rotation);
     return NextPose::pose;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host/rows/Readings.h"
@@ -34,6 +35,7 @@ public:
     virtual void appendCarriedNames(std::string&) const {}
     virtual void appendCarriedCells(std::string&) const {}
     virtual bool carriesTime() const { return false; }
+    virtual bool carriesTemperature() const { return false; }
 
     virtual bool wouldWait() const { return false; }
     // Ends the output: false, and a message, when not all could be read or written.
@@ -64,8 +66,8 @@ private:
     MessageLimit limit;
 };
 
-// The rows of a CSV file: a position in the instrument frame, in its length unit, and a rotation
-// Rz(yaw) Ry(pitch) Rx(roll) in degrees.
+// The rows of a CSV file: a position in the instrument frame, in its length unit, a rotation
+// Rz(yaw) Ry(pitch) Rx(roll) in degrees, and perhaps a temperature.
 class PoseTable : public PoseSource {
 public:
     // Nothing, and messages, when the file cannot be read as one.
@@ -82,6 +84,7 @@ public:
         input.table().appendCarriedCells(out);
     }
     bool carriesTime() const override { return input.table().find(timeColumn).has_value(); }
+    bool carriesTemperature() const override { return temperature.has_value(); }
     bool wouldWait() const override { return input.wouldWait(); }
     bool finish(Output& output, std::ostream& err) const override {
         return input.finish(limit, output, err);
@@ -93,6 +96,7 @@ private:
     NextPose read(SimulatedPose& pose);
 
     TableInput input;
+    std::optional<std::size_t> temperature; // its column, where there is one
     MessageLimit limit;
 };
 

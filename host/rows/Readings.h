@@ -40,6 +40,9 @@ inline constexpr std::string_view sensorColumn = "sensor_id";
 inline constexpr std::array<std::string_view, 3> truthColumns{"true_rx_deg", "true_ry_deg",
                                                               "true_rz_deg"};
 
+// The column of the temperature, which poses may have, too.
+inline constexpr std::string_view temperatureColumn = readingColumns[8];
+
 // The column of the time stamp, in seconds.
 inline constexpr std::string_view timeColumn = "time_s";
 // The column of the time stamp as a date and a time of day.

@@ -20,13 +20,14 @@ constexpr std::size_t largestGroup =
         [](const BlockLayout& a, const BlockLayout& b) { return a.groups.size < b.groups.size; })
         ->groups.size;
 
-// The largest float has 39 digits before the point.
-constexpr std::size_t longestNumber = 1 + 39 + 1 + 6;
+// The largest float has 39 digits before the point, the smallest needs 53 behind it.
+constexpr std::size_t longestNumber = 1 + 39 + 1 + 53;
 
 class BlockPrinter {
 public:
     // Prints a title and then at most that many of the block's groups.
-    BlockPrinter(ByteSink& target, std::size_t groups) : sink(target), groupsLeft(groups) {}
+    BlockPrinter(ByteSink& target, std::size_t groups, Digits ofNumbers)
+        : sink(target), groupsLeft(groups), digits(ofNumbers) {}
 
     void printBlock(const BlockLayout& layout, const BlockValues& values);
 
@@ -40,6 +41,7 @@ private:
 
     ByteSink& sink;
     std::size_t groupsLeft;
+    Digits digits;
 };
 
 void BlockPrinter::printBlock(const BlockLayout& layout, const BlockValues& values) {
@@ -110,8 +112,11 @@ void BlockPrinter::printGroup(std::span<const float> numbers, char end) {
     char text[largestGroup * (longestNumber + 1)];
     char* last = text;
     for (std::size_t i = 0; i < numbers.size(); ++i) {
-        const double number = numbers[i];
-        last = std::to_chars(last, std::end(text), number, std::chars_format::fixed, 6).ptr;
+        last = digits == Digits::shortest
+                   ? std::to_chars(last, std::end(text), numbers[i], std::chars_format::fixed).ptr
+                   : std::to_chars(last, std::end(text), static_cast<double>(numbers[i]),
+                                   std::chars_format::fixed, 6)
+                         .ptr;
         *last++ = i + 1 < numbers.size() ? '\t' : end;
     }
     sink.write({text, last});
@@ -119,12 +124,13 @@ void BlockPrinter::printGroup(std::span<const float> numbers, char end) {
 
 } // namespace
 
-void print(const Document& document, ByteSink& sink) {
+void print(const Document& document, ByteSink& sink, Digits digits) {
     for (const BlockLayout& layout : blockTable)
         if (const BlockValues* values = document.find(layout.block))
-            BlockPrinter(sink, allGroups).printBlock(layout, *values);
+            BlockPrinter(sink, allGroups, digits).printBlock(layout, *values);
     if (const auto& broken = document.broken)
-        BlockPrinter(sink, broken->groups).printBlock(layoutOf(broken->block), broken->values);
+        BlockPrinter(sink, broken->groups, digits)
+            .printBlock(layoutOf(broken->block), broken->values);
 }
 
 } // namespace kiv

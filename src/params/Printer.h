@@ -6,8 +6,11 @@ namespace kiv {
 
 class ByteSink;
 
+// Of a number: six decimals, as the format has them, or the fewest that read back to the same.
+enum class Digits : unsigned char { sixDecimals, shortest };
+
 // Prints the blocks that the document has, in file order, and of a broken one what was complete:
-// the titles as the block table has them, numbers with six decimals, in any locale.
-void print(const Document& document, ByteSink& sink);
+// the titles as the block table has them, in any locale.
+void print(const Document& document, ByteSink& sink, Digits digits = Digits::sixDecimals);
 
 } // namespace kiv

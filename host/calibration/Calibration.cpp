@@ -1,0 +1,400 @@
+#include "host/calibration/Calibration.h"
+
+#include <algorithm>
+#include <cmath>
+#include <ostream>
+
+#include "KIVInterface/CKivPrm.h"
+#include "host/base/Distributions.h"
+#include "host/calibration/ComputedPose.h"
+#include "host/calibration/NewDocument.h"
+#include "host/calibration/StartingPoses.h"
+#include "support/Numbers.h"
+#include "support/Principles.h"
+#include "support/ZelUtil.h"
+
+namespace kiv::host {
+
+namespace {
+
+constexpr std::size_t leastRows = 40;
+constexpr double leastSpan = 5; // of temperatures, for thermal slopes
+constexpr double leastRms = 0.8;
+constexpr double mostRms = 1.25;
+constexpr double within = 0.999;       // of sound fits pass
+constexpr double outlierChance = 1e-5; // of a good row
+constexpr int mostSearches = 10;       // for outliers
+
+std::string rounded(double value, int significant = 4) {
+    std::string text;
+    appendRounded(text, value, significant);
+    return text;
+}
+
+bool isIn(const std::vector<Parameter>& list, const Parameter& parameter) {
+    return std::find(list.begin(), list.end(), parameter) != list.end();
+}
+
+// The standard normal number that is as likely as the ratio of two mean squares. Source: E.
+// Paulson, Annals of Mathematical Statistics 13 (1942), 233.
+double normalOfRatio(double ratio, double freedomAbove, double freedomBelow) {
+    const double above = 2 / (9 * freedomAbove);
+    const double below = 2 / (9 * freedomBelow);
+    const double root = std::cbrt(ratio);
+    return ((1 - below) * root - (1 - above)) / std::sqrt(below * root * root + above);
+}
+
+constexpr double normalOf999 = 3.0902; // 99.9 % are below it
+
+} // namespace
+
+Calibration::Calibration(const CalibrateOptions& asked, CalibrationRows& allRows,
+                         const Document& old, CKivPrm& record, const RowUncertainties& ofRows,
+                         std::ostream& messages)
+    : options(asked), rows(allRows), oldDocument(old), oldRecord(record), uncertainties(ofRows),
+      err(messages), oldValues(old), values(old) {
+    frame.kind = options.poses;
+    record.getMountMode(frame.mode);
+    if (!reportsOwnMatrix(frame.mode)) {
+        record.getMachineMatrix(frame.fileMatrix.data(), 3);
+        MatrixInverse(frame.fileMatrix.data(), 3);
+    }
+}
+
+void Calibration::hold(const Parameter& parameter, const std::string& reason) {
+    std::erase(parameters, parameter);
+    outcome.held.push_back({parameter, reason});
+}
+
+void Calibration::chooseParameters() {
+    const double span = static_cast<double>(rows.facts().hottest) - rows.facts().coldest;
+    const bool slopes = span >= leastSpan;
+    parameters = options.estimate.empty() ? usualParameters(frame.mode, true) : options.estimate;
+    for (const Prior& prior : options.priors)
+        if (!isIn(parameters, prior.parameter))
+            parameters.push_back(prior.parameter);
+    const std::vector<Parameter> chosen = parameters;
+    for (const Parameter& parameter : chosen) {
+        if (isIn(options.hold, parameter))
+            hold(parameter, "asked for");
+        else if (!options.estimate.empty())
+            continue;
+        else if (isThermalSlope(parameter) && !slopes)
+            hold(parameter,
+                 "the temperatures span " + rounded(span) + ", less than " + rounded(leastSpan));
+        else if (parameter == Parameter{Block::angleOffset, 0} && frame.kind != Poses::known)
+            hold(parameter, "without known headings a turn of the sensor about its z axis looks "
+                            "the same");
+    }
+}
+
+bool Calibration::refuse(const std::string& expected, const std::string& found) const {
+    err << rows.name() << ":1:1: expected " << expected << ", found " << found << '\n';
+    return false;
+}
+
+bool Calibration::enoughRows() const {
+    const CalibrationRows::Facts& facts = rows.facts();
+    if (facts.rows < leastRows)
+        return refuse(std::to_string(leastRows)
+                          + " rows and more for a calibration; 60 to 100 are better",
+                      std::to_string(facts.rows) + " that can be used");
+    if (parameters.empty())
+        return refuse("parameters to find", "none; name some with --estimate");
+    return true;
+}
+
+bool Calibration::enoughEquations(const Equations& equations) const {
+    const std::size_t unknowns = parameters.size() + frame.unknowns();
+    return equations.count >= 2 * unknowns
+           || refuse("two equations and more for each unknown; measure more rows or hold some",
+                     std::to_string(equations.count) + " for " + std::to_string(unknowns)
+                         + " unknowns");
+}
+
+bool Calibration::observable(const Triangle& triangle, std::optional<Observability>& seen,
+                             const char* when) const {
+    seen.emplace(triangle);
+    if (seen->unseen.empty())
+        return true;
+    std::vector<std::string> names;
+    for (const Parameter& parameter : parameters)
+        names.push_back(nameOf(parameter));
+    const std::string combination = combinationText(seen->unseen, names);
+    const std::string expected = std::string("rows that tell all parameters apart") + when;
+    if (combination.empty())
+        return refuse(expected, "that they do not tell where the sensor stands; measure more "
+                                "different poses");
+    if (combination.find(" and ") == combination.npos)
+        return refuse(expected, "that no reading depends on "
+                                    + combination.substr(combination.find(' ') + 1)
+                                    + "; hold it (--hold)");
+    return refuse(expected, "that no reading changes with " + combination
+                                + " together; hold one of them (--hold), say how well it is "
+                                  "known (--prior), or measure poses that differ more");
+}
+
+// The one that would come out worst of those that would come out worse than the old file is known.
+std::optional<Parameter> Calibration::worstKnown(const Observability& seen) const {
+    std::optional<Parameter> worst;
+    double largest = 1;
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const double ratio = seen.u[static_cast<Eigen::Index>(i)] / knownTo(parameters[i]);
+        const bool prior =
+            std::any_of(options.priors.begin(), options.priors.end(),
+                        [&](const Prior& p) { return p.parameter == parameters[i]; });
+        if (!prior && ratio > largest) {
+            largest = ratio;
+            worst = parameters[i];
+        }
+    }
+    return worst;
+}
+
+bool Calibration::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
+    Eigen::VectorXd at = x;
+    for (;;) {
+        const FitModel fitted = model();
+        const auto equations = Fit(rows, fitted, err).equationsAt(at, at, {});
+        if (!equations || !enoughEquations(*equations)
+            || !observable(equations->triangle, observability, ""))
+            return false;
+        const auto worst = worstKnown(*observability);
+        if (!worst) {
+            outcome.used = equations->rows;
+            return true;
+        }
+        const auto i = static_cast<std::size_t>(
+            std::find(parameters.begin(), parameters.end(), *worst) - parameters.begin());
+        const double u = observability->u[static_cast<Eigen::Index>(i)];
+        hold(*worst, "its standard uncertainty would be " + rounded(u, 2)
+                         + ", more than the old value is off as a rule, "
+                         + rounded(knownTo(*worst)));
+        const Eigen::Index behind = at.size() - static_cast<Eigen::Index>(i) - 1;
+        at.segment(static_cast<Eigen::Index>(i), behind) = at.tail(behind).eval();
+        at.conservativeResize(at.size() - 1);
+    }
+}
+
+// A robust fit, then plain ones without the rows that stand out, until these stay the same.
+bool Calibration::dropOutliers() {
+    const FitModel fitted = model();
+    Fit fit(rows, fitted, err);
+    auto robust = fit.solve(fitted.start(), true);
+    if (!robust)
+        return false;
+    outcome.passes += robust->passes;
+    const double limit =
+        chiSquaredQuantile(1 - outlierChance, static_cast<double>(equationsOf(frame.mode)));
+    Eigen::VectorXd x = robust->x;
+    for (int i = 0; i < mostSearches; ++i) {
+        std::set<RowPlace> outliers;
+        for (const bool heldOut : {false, true}) {
+            auto found = fit.equationsAt(
+                x, x, {.heldOut = heldOut, .withRejected = true, .outlierAbove = limit});
+            if (!found)
+                return false;
+            outliers.merge(found->outliers);
+        }
+        if (i > 0 && outliers == rows.rejectedPlaces())
+            return true;
+        rows.reject(std::move(outliers));
+        auto plain = fit.solve(x, false);
+        if (!plain)
+            return false;
+        x = plain->x;
+        outcome.passes += plain->passes;
+    }
+    return true;
+}
+
+bool Calibration::solve() {
+    for (;;) {
+        const FitModel fitted = model();
+        solution = Fit(rows, fitted, err).solve(fitted.start(), false);
+        if (!solution || !observable(solution->equations.triangle, observability, " at the result"))
+            return false;
+        outcome.passes += solution->passes;
+        outcome.used = solution->equations.rows;
+        if (!worstKnown(*observability))
+            return true;
+        if (!holdWhatIsNotSeen(solution->x))
+            return false;
+    }
+}
+
+// Slopes keep six decimals, as the library's own rewriting would leave them, and the rest is found
+// anew with these: else a later rewrite would cost up to 6e-4 degrees.
+bool Calibration::roundSlopes() {
+    std::vector<Parameter> slopes;
+    for (std::size_t i = 0; i < parameters.size(); ++i)
+        if (isThermalSlope(parameters[i])) {
+            slopes.push_back(parameters[i]);
+            values[parameters[i]] =
+                std::round(solution->x[static_cast<Eigen::Index>(i)] * 1e6) / 1e6;
+        }
+    if (slopes.empty())
+        return true;
+    const std::vector<Parameter> all = parameters;
+    std::erase_if(parameters, [&](const Parameter& p) { return isIn(slopes, p); });
+    const FitModel fitted = model();
+    Eigen::VectorXd start = fitted.start();
+    Eigen::Index kept = 0;
+    for (std::size_t i = 0; i < all.size() + frame.unknowns(); ++i)
+        if (i >= all.size() || !isIn(slopes, all[i]))
+            start[kept++] = solution->x[static_cast<Eigen::Index>(i)];
+    auto rest = Fit(rows, fitted, err).solve(std::move(start), false);
+    if (!rest)
+        return false;
+    outcome.passes += rest->passes;
+    Eigen::VectorXd x(solution->x.size());
+    Eigen::Index next = 0;
+    for (std::size_t i = 0; i < all.size(); ++i)
+        x[static_cast<Eigen::Index>(i)] =
+            isIn(slopes, all[i]) ? values.at(all[i].block, all[i].place) : rest->x[next++];
+    const Eigen::Index ofPoses = rest->x.size() - next;
+    x.tail(ofPoses) = rest->x.tail(ofPoses);
+    parameters = all;
+    solution->x = x;
+    return true;
+}
+
+bool Calibration::rmsFits() {
+    const auto unknowns = static_cast<double>(solution->x.size());
+    const double freedom = static_cast<double>(solution->equations.count) - unknowns;
+    const double rms = std::sqrt(solution->equations.cost / freedom);
+    outcome.rmsOverNoise = rms;
+    const double counted = std::min(freedom, 1e6); // as far as quantiles go
+    outcome.interval[0] = std::sqrt(chiSquaredQuantile((1 - within) / 2, counted) / counted);
+    outcome.interval[1] = std::sqrt(chiSquaredQuantile((1 + within) / 2, counted) / counted);
+    const bool byChance = rms >= outcome.interval[0] && rms <= outcome.interval[1];
+    if (byChance || (rms >= leastRms && rms <= mostRms))
+        return true;
+    return refuse("residuals as large as the uncertainties say (rms over noise from "
+                      + rounded(std::min(leastRms, outcome.interval[0]), 3) + " to "
+                      + rounded(std::max(mostRms, outcome.interval[1]), 3) + ')',
+                  rounded(rms, 3)
+                      + (rms < 1 ? "; the readings are better than stated: give smaller "
+                                   "uncertainties"
+                                 : "; look for wrong poses (--robust), another mount mode, "
+                                   "parameters that are held and should not be, or "
+                                   "uncertainties that are too small"));
+}
+
+bool Calibration::heldOutFits() {
+    const FitModel fitted = model();
+    const auto others =
+        Fit(rows, fitted, err).equationsAt(solution->x, solution->x, {.heldOut = true});
+    if (!others)
+        return false;
+    outcome.heldOut = others->rows;
+    if (others->rows == 0)
+        return true;
+    // The least sum of squares when the unknowns may move within their covariance.
+    Eigen::MatrixXd known = solution->equations.triangle.whole();
+    known.rightCols(1).setZero();
+    Triangle joint(solution->x.size());
+    joint.add(known);
+    joint.add(others->triangle.whole());
+    const auto count = static_cast<double>(others->count);
+    const double freedom =
+        static_cast<double>(solution->equations.count) - static_cast<double>(solution->x.size());
+    const double ratio = joint.rest() / count / (outcome.rmsOverNoise * outcome.rmsOverNoise);
+    outcome.overInSample = std::sqrt(ratio);
+    return normalOfRatio(ratio, count, freedom) <= normalOf999
+           || refuse("held-out rows that fit as the others do",
+                     "their rms " + rounded(*outcome.overInSample, 3)
+                         + " times as large; look for wrong poses (--robust), or find fewer "
+                           "parameters (--hold)");
+}
+
+// The angles of the held-out rows against the true ones.
+bool Calibration::compareAngles() {
+    if (frame.kind != Poses::known || outcome.heldOut == 0)
+        return true;
+    CKivPrm newRecord;
+    storeIn(newRecord, outcome.document);
+    const ComputedPose oldModel(oldRecord), newModel(newRecord);
+    struct Sums {
+        double squares[2] = {};
+        std::size_t rows[2] = {};
+        std::size_t all = 0;
+    };
+    Sums total;
+    const bool read = rows.pass<Sums>(
+        [&](const std::vector<Observation>& observations, Sums& sums) {
+            ComputedPose models[2] = {oldModel, newModel};
+            sums = {};
+            for (const Observation& row : observations) {
+                if (!rows.heldOut(row) || rows.rejected(row))
+                    continue;
+                ++sums.all;
+                const simulator::Angles given = simulator::anglesOf(row.rotation);
+                for (int i = 0; i < 2; ++i) {
+                    if (!models[i].take(row.raw))
+                        continue;
+                    const auto angles = models[i].angles();
+                    ++sums.rows[i];
+                    const double errors[] = {angles[0] - given.rx, angles[1] - given.ry,
+                                             angles[2] - given.rz};
+                    for (const double error : errors)
+                        sums.squares[i] += std::pow(std::remainder(error, 360), 2);
+                }
+            }
+        },
+        [&](Sums& sums) {
+            total.all += sums.all;
+            for (int i = 0; i < 2; ++i) {
+                total.rows[i] += sums.rows[i];
+                total.squares[i] += sums.squares[i];
+            }
+            return true;
+        });
+    // The mean over half of the rows and less would tell little.
+    const auto rms = [&](int i) -> std::optional<double> {
+        if (2 * total.rows[i] <= total.all)
+            return std::nullopt;
+        return std::sqrt(total.squares[i] / (3 * static_cast<double>(total.rows[i])));
+    };
+    outcome.oldRms = rms(0);
+    outcome.newRms = rms(1);
+    return read;
+}
+
+void Calibration::takeValues() {
+    const auto n = static_cast<Eigen::Index>(parameters.size());
+    outcome.document = oldDocument;
+    for (Eigen::Index i = 0; i < n; ++i) {
+        const Parameter& parameter = parameters[static_cast<std::size_t>(i)];
+        CalibrationOutcome::Found found{parameter, oldValues[parameter], oldValues[parameter],
+                                        observability->u[i]};
+        if (solution)
+            found.value = solution->x[i];
+        outcome.found.push_back(found);
+    }
+    if (solution)
+        setIn(outcome.document, outcome.found);
+    outcome.correlation = observability->correlation.topLeftCorner(n, n);
+    outcome.singularValues = observability->singularValues;
+    std::sort(outcome.held.begin(), outcome.held.end(), [](const auto& a, const auto& b) {
+        return std::pair(a.parameter.block, a.parameter.place)
+               < std::pair(b.parameter.block, b.parameter.place);
+    });
+}
+
+std::optional<CalibrationOutcome> Calibration::run() {
+    chooseParameters();
+    if (!enoughRows() || !findStartingPoses(rows, oldRecord, frame, err)
+        || !holdWhatIsNotSeen(model().start()))
+        return std::nullopt;
+    if (!options.dryRun
+        && ((options.robust && !dropOutliers()) || !solve() || !rmsFits() || !roundSlopes()
+            || !heldOutFits()))
+        return std::nullopt;
+    takeValues();
+    if (!options.dryRun && !compareAngles())
+        return std::nullopt;
+    return std::move(outcome);
+}
+
+} // namespace kiv::host

@@ -1,0 +1,247 @@
+#include "host/calibration/Rows.h"
+
+#include <cmath>
+#include <filesystem>
+#include <ostream>
+#include <thread>
+
+#include "host/base/Files.h"
+#include "host/rows/Readings.h"
+#include "params/Quoted.h"
+#include "simulator/Mounting.h"
+#include "support/Numbers.h"
+#include "support/Principles.h"
+#include "support/ZelUtil.h"
+
+namespace kiv::host {
+
+namespace {
+
+constexpr std::size_t blockBytes = 1 << 15;
+constexpr std::size_t azimuthParts = 72; // of a turn
+
+constexpr std::string_view placementColumn = "placement";
+constexpr std::string_view stationColumn = "station";
+
+// R = Rx(rx) Ry(ry) Rz(rz), degrees.
+void rotationOf(const double* angles, double* rotation) {
+    double x[9], y[9], z[9], xy[9];
+    rotation_x(x, angles[0] * degToRad);
+    rotation_y(y, angles[1] * degToRad);
+    rotation_z(z, angles[2] * degToRad);
+    MatrixMultiply(x, y, 3, 3, 3, xy);
+    MatrixMultiply(xy, z, 3, 3, 3, rotation);
+}
+
+} // namespace
+
+CalibrationRows::CalibrationRows(const CalibrateOptions& asked, const Streams& own, CKivPrm& record,
+                                 int mountMode)
+    : options(asked), streams(own), files(asked.readings), format(asked.format), mode(mountMode),
+      curves(record) {
+    format.blockBytes = blockBytes;
+}
+
+void CalibrationRows::takeText(std::string readings) {
+    kept = std::move(readings);
+    files = {"-"};
+    format.otherNames.clear();
+    format.decimalComma = false;
+}
+
+std::size_t CalibrationRows::jobs(std::uintmax_t bytes) const {
+    const std::size_t asked = options.jobs > 0 ? options.jobs : std::thread::hardware_concurrency();
+    const std::size_t all = bytes > 0 ? bytes : kept.size();
+    return std::clamp<std::size_t>(asked, 1, all / blockBytes + 1);
+}
+
+std::string CalibrationRows::name() const {
+    return shownInput(files.front());
+}
+
+std::string CalibrationRows::placeOf(const RowPlace& place) const {
+    return shownInput(files[place.first]) + ':' + std::to_string(place.second) + ":1";
+}
+
+bool CalibrationRows::findColumns(const TableInput& table) {
+    std::string missing;
+    const auto find = [&](std::string_view name) {
+        const auto place = table.table().find(name);
+        if (!place)
+            missing.append(missing.empty() ? "" : ", ").append(name);
+        return place;
+    };
+    if (options.poses == Poses::stations) {
+        columns.placement = find(placementColumn);
+        columns.station = find(stationColumn);
+    } else {
+        for (std::size_t i = 0; i < 3; ++i)
+            columns.angles[i] = find(truthColumns[i]);
+    }
+    if (missing.empty())
+        return true;
+    streams.err << table.name() << ":1:1: expected the columns of the poses, found none named "
+                << missing
+                << (options.poses == Poses::stations
+                        ? "; number the placements and the stations"
+                        : "; add them, or name others with --column, or use --poses stations")
+                << '\n';
+    return false;
+}
+
+// All of standard input, and of what else can be read only once.
+bool CalibrationRows::readText() {
+    for (const std::string& file : files) {
+        std::error_code ignored;
+        if (file != "-" && std::filesystem::is_other(pathOf(file), ignored)) {
+            streams.err << shownInput(file)
+                        << ":1:1: expected a file that can be read again, found a pipe; give it "
+                           "as standard input, -\n";
+            return false;
+        }
+        if (file != "-" || !kept.empty())
+            continue;
+        Input input;
+        const Interrupt::Waiting waiting(true);
+        if (!input.open(file, streams) || !input.readAll(kept, streams.err))
+            return false;
+    }
+    return true;
+}
+
+bool CalibrationRows::mayBeHeldOut(const Observation& row) const {
+    constexpr double golden = 0.6180339887498949; // its multiples are spread evenly
+    const double place =
+        golden * static_cast<double>(row.line) + 0.37 * static_cast<double>(row.table);
+    return place - std::floor(place) < options.holdout;
+}
+
+bool CalibrationRows::heldOut(const Observation& row) const {
+    if (!mayBeHeldOut(row))
+        return false;
+    if (options.poses != Poses::stations)
+        return true;
+    // Something else has to tell where the sensor and the station stand.
+    const auto tied = [](const std::map<double, std::size_t>& rows, double number) {
+        const auto found = rows.find(number);
+        return found != rows.end() && found->second > 0;
+    };
+    return tied(seen.perPlacement, row.placement) && tied(seen.perStation, row.station);
+}
+
+bool CalibrationRows::readRow(Table& cursor, Observation& row, Block& block,
+                              CalibrationTables& tables) const {
+    if (readReadings(cursor, row.raw) != Reason::none) {
+        ++block.refused;
+        return false;
+    }
+    if (row.raw.status != 2) {
+        ++block.otherStatus;
+        return false;
+    }
+    double angles[3] = {};
+    bool posed = true;
+    if (options.poses == Poses::stations) {
+        posed = cursor.numberAt(*columns.placement, row.placement)
+                && cursor.numberAt(*columns.station, row.station)
+                && row.placement == std::floor(row.placement)
+                && row.station == std::floor(row.station);
+    } else {
+        for (std::size_t i = 0; i < 3; ++i)
+            posed = cursor.numberAt(*columns.angles[i], angles[i]) && posed;
+        rotationOf(angles, row.rotation);
+    }
+    if (!posed) {
+        ++block.withoutPose;
+        cursor.reportRow(options.poses == Poses::stations ? "whole numbers of placement and station"
+                                                          : "true angles",
+                         "none", "without a pose");
+        return false;
+    }
+    const bool levelX = traitsOf(principleOf(mode)).levelX;
+    if (!tables.take(row, levelX)) {
+        block.unusable = true;
+        cursor.reportRow(
+            "tilt readings within the tilt calibration tables",
+            (levelX ? "level_x " + shown(row.raw.levelXRaw) + ", level_y " : "level_y ")
+                + shown(row.raw.levelYRaw)
+                + "; leave the row out, as nothing is known beyond a table",
+            "outside a table");
+        return false;
+    }
+    if (options.poses == Poses::known && traitsOf(principleOf(mode)).startVector
+        && (row.rotation[8] < 0) != simulator::invertedIn(mode)) {
+        block.unusable = true;
+        const bool inverted = simulator::invertedIn(mode);
+        cursor.reportRow(std::string(inverted ? "an inverted" : "an upright")
+                             + " sensor, as mount mode " + std::to_string(mode) + " has it",
+                         std::string(inverted ? "an upright" : "an inverted")
+                             + " one by its true angles; correct the mount mode or the poses",
+                         "the other way up");
+        return false;
+    }
+    return true;
+}
+
+void CalibrationRows::read(Block& block, Table& cursor, CalibrationTables& tables) const {
+    block.rows.clear();
+    block.messages.clear();
+    block.refused = block.otherStatus = block.withoutPose = 0;
+    block.unusable = false;
+    cursor.start(block.lines);
+    while (!block.unusable && cursor.nextRow()) {
+        Observation row;
+        row.table = block.lines.table;
+        row.line = cursor.lineNumber();
+        if (readRow(cursor, row, block, tables))
+            block.rows.push_back(row);
+        const auto said = cursor.messages();
+        block.messages.insert(block.messages.end(), said.begin(), said.end());
+    }
+}
+
+void CalibrationRows::take(const Block& block) {
+    for (const Observation& row : block.rows) {
+        const float temperature = row.raw.temperature;
+        seen.coldest = seen.rows == 0 ? temperature : std::min(seen.coldest, temperature);
+        seen.hottest = seen.rows == 0 ? temperature : std::max(seen.hottest, temperature);
+        ++seen.rows;
+        if (options.poses != Poses::stations)
+            continue;
+        const std::size_t others = mayBeHeldOut(row) ? 0 : 1;
+        seen.perPlacement[row.placement] += others;
+        seen.perStation[row.station] += others;
+        auto& parts = seen.azimuths[row.placement];
+        parts.resize(azimuthParts);
+        const double turn = row.azimuth / 360;
+        parts[static_cast<std::size_t>((turn - std::floor(turn)) * azimuthParts) % azimuthParts] =
+            true;
+    }
+    seen.refused += block.refused;
+    seen.otherStatus += block.otherStatus;
+    seen.withoutPose += block.withoutPose;
+}
+
+bool CalibrationRows::open() {
+    if (!readText())
+        return false;
+    std::istringstream text(kept);
+    const Streams input{text, streams.out, streams.err};
+    MessageLimit limit(format.mostMessages, streams.err);
+    struct Nothing {};
+    const bool good = passOver<Nothing>(
+        input, seen.tables, [](Block&, Nothing&) {},
+        [&](Block& block, Nothing&) {
+            if (block.unusable) {
+                show({&block.messages.back(), 1}, streams.err);
+                return false;
+            }
+            limit.take(block.messages);
+            take(block);
+            return true;
+        });
+    limit.reportOthers(name());
+    return good;
+}
+
+} // namespace kiv::host

@@ -1,0 +1,257 @@
+// kiv calibrate finds the values that readings were made with. scripts/calibration has the whole
+// Monte Carlo; these are a few seeds of it.
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <Eigen/Cholesky>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/ToolRunner.h"
+
+namespace {
+
+using namespace kiv;
+using nlohmann::json;
+namespace fs = std::filesystem;
+
+std::string textIn(const fs::path& file) {
+    std::ostringstream text;
+    text << std::ifstream(file, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+// A folder with the parameter file that readings are made with, the same with other values, and
+// readings.
+class Bench {
+public:
+    explicit Bench(int mode) : folder(fs::path(::testing::TempDir()) / "kiv_calibrate") {
+        fs::remove_all(folder);
+        for (const char* name : {"true", "old"}) {
+            fs::create_directories(folder / name);
+            std::ofstream(folder / name / "Tg5.prm") << test::exampleInMode(mode);
+        }
+    }
+    ~Bench() { fs::remove_all(folder); }
+
+    void change(const std::string& from, const std::string& to) {
+        std::string text = textIn(old());
+        const std::size_t at = text.find(from);
+        ASSERT_NE(at, text.npos) << from;
+        std::ofstream(old()) << text.replace(at, from.size(), to);
+    }
+
+    void measure(int rows, const std::string& seed = "1") {
+        EXPECT_EQ(
+            call({"simulate", (folder / "true/Tg5.prm").string(), "-o", readings(), "--trajectory",
+                  "random", "--tilt", "5", "--rows", std::to_string(rows), "--noise-vector", "0.05",
+                  "--noise-encoder", "0.001", "--noise-level", "0.002", "--seed", seed}),
+            "");
+    }
+
+    // Messages; the result is read where there is none.
+    std::string calibrate(const std::vector<std::string>& more = {}) {
+        std::vector<std::string> arguments{
+            "calibrate",   old(),   readings(),  "-o",    fresh(),      "--result", resultFile(),
+            "--u-encoder", "0.001", "--u-level", "0.002", "--u-vector", "0.05",     "--replace"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const std::string messages = call(arguments);
+        if (messages.empty())
+            result = json::parse(textIn(resultFile()));
+        return messages;
+    }
+
+    double value(const std::string& name, const char* what = "value") const {
+        return result["parameters"][name][what];
+    }
+
+    // error' covariance^-1 error over the number of parameters.
+    double chiSquared(const std::vector<std::pair<std::string, double>>& truth) const {
+        const auto n = static_cast<Eigen::Index>(truth.size());
+        Eigen::VectorXd error(n);
+        Eigen::MatrixXd correlation(n, n);
+        for (Eigen::Index i = 0; i < n; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            EXPECT_EQ(result["correlation"]["names"][at], truth[at].first);
+            error[i] = (value(truth[at].first) - truth[at].second) / value(truth[at].first, "u");
+            for (Eigen::Index k = 0; k < n; ++k)
+                correlation(i, k) =
+                    result["correlation"]["matrix"][at][static_cast<std::size_t>(k)];
+        }
+        return error.dot(correlation.ldlt().solve(error)) / static_cast<double>(n);
+    }
+
+    static std::string call(const std::vector<std::string>& arguments) {
+        return test::tool(arguments).err;
+    }
+    std::string old() const { return (folder / "old/Tg5.prm").string(); }
+    std::string fresh() const { return (folder / "Tg5.prm").string(); }
+    std::string readings() const { return (folder / "readings.csv").string(); }
+    std::string resultFile() const { return (folder / "result.json").string(); }
+
+    json result;
+
+private:
+    fs::path folder;
+};
+
+struct ModeRow {
+    int mode;
+    const char* from; // changed in the old file
+    const char* to;
+    std::vector<std::pair<std::string, double>> truth; // of all that is found
+};
+
+const std::vector<ModeRow> modeRows{
+    {2,
+     "0.12\t-0.08",
+     "0.3\t0.2",
+     {{"angle_offset.azimuth_deg", 12.5},
+      {"angle_offset.elevation_deg", -3.25},
+      {"thermal_compensation_factor.x_intercept", 0.992},
+      {"thermal_compensation_factor.y_intercept", 1.006},
+      {"tilt_sensor_offset.x_deg", 0.12},
+      {"tilt_sensor_offset.y_deg", -0.08},
+      {"scale_factor.0", 0.2}}},
+    {3,
+     "Factor\n0.12\n0.05\n0.8\n-1.1",
+     "Factor\n0.4\n0.5\n0.8\n-0.8",
+     {{"angle_offset.azimuth_deg", 12.5},
+      {"angle_offset.elevation_deg", -3.25},
+      {"scale_factor.0", 0.12},
+      {"scale_factor.1", 0.05},
+      {"scale_factor.3", -1.1},
+      {"scale_factor.6", 1}}},
+    {6,
+     "12.5\t-3.25",
+     "-17.5\t-3",
+     {{"angle_offset.azimuth_deg", 12.5},
+      {"angle_offset.elevation_deg", -3.25},
+      {"scale_factor.0", 0.12},
+      {"scale_factor.1", 0.05},
+      {"scale_factor.6", 1}}},
+    {7,
+     "-30\t0.4\t0.1\t1.01",
+     "-29.7\t0.4\t-0.1\t1.014",
+     {{"angle_offset.azimuth_deg", 12.5},
+      {"qvc.axis_x_deg", 0.3},
+      {"qvc.axis_z_deg", -0.2},
+      {"qvc.start_deg", 1.5},
+      {"level_x.axis_y_deg", -30},
+      {"level_x.zero_offset_deg", 0.1},
+      {"level_x.gain", 1.01}}},
+    {10,
+     "0.3\t-0.2\t1.5",
+     "0\t0\t1.2",
+     {{"angle_offset.azimuth_deg", 12.5},
+      {"qvc.axis_x_deg", 0.3},
+      {"qvc.axis_z_deg", -0.2},
+      {"qvc.start_deg", 1.5},
+      {"level_x.axis_y_deg", -30},
+      {"level_x.zero_offset_deg", 0.1},
+      {"level_x.gain", 1.01},
+      {"level_y.axis_y_deg", -65},
+      {"level_y.zero_offset_deg", -0.2},
+      {"level_y.gain", 0.99}}},
+};
+
+TEST(Calibrate, FindsTheValuesWithinTheirUncertainty) {
+    for (const ModeRow& row : modeRows) {
+        SCOPED_TRACE("mode " + std::to_string(row.mode));
+        Bench bench(row.mode);
+        bench.change(row.from, row.to);
+        bench.measure(250);
+        ASSERT_EQ(bench.calibrate(), "");
+        EXPECT_GT(bench.result["rms_over_noise"], 0.9);
+        EXPECT_LT(bench.result["rms_over_noise"], 1.1);
+        const double chi = bench.chiSquared(row.truth);
+        EXPECT_GT(chi, 0.1);
+        EXPECT_LT(chi, 2.5);
+        EXPECT_LT(bench.result["held_out"]["rms_new_deg"], 0.05);
+        // A later rewrite keeps what was found, and the new file needs nothing more.
+        EXPECT_EQ(bench.call({"check", "--strict", bench.fresh()}), "");
+    }
+}
+
+TEST(Calibrate, DoesNotDependOnJobsAndTheKindOfInput) {
+    Bench bench(4);
+    bench.measure(1500);
+    ASSERT_EQ(bench.calibrate({"-j", "1"}), "");
+    const std::string alone = textIn(bench.resultFile());
+    const std::string file = textIn(bench.fresh());
+    ASSERT_EQ(bench.calibrate({"-j", "7"}), "");
+    EXPECT_EQ(textIn(bench.resultFile()), alone);
+    EXPECT_EQ(textIn(bench.fresh()), file);
+}
+
+// What a row lacks, and what is said of it.
+struct RefusalRow {
+    int mode;
+    int rows;
+    std::vector<std::string> options;
+    const char* found;
+};
+
+const std::vector<RefusalRow> refusalRows{
+    {4, 39, {}, "found 39 that can be used"},
+    {4,
+     100,
+     {"--estimate", "scale_factor.1,scale_factor.6,thermal_compensation_factor.y_slope,"
+                    "thermal_compensation_factor.y_intercept"},
+     "thermal_compensation_factor.y_intercept, "},
+    {6, 100, {"--estimate", "scale_factor.3"}, "no reading depends on scale_factor.3"},
+    {1, 100, {"--estimate", "scale_factor.1"}, "no reading depends on scale_factor.1"},
+    {8,
+     100,
+     {"--estimate", "angle_offset.azimuth_deg,angle_offset.elevation_deg,qvc.axis_x_deg,"
+                    "qvc.axis_z_deg,qvc.start_deg,level_x.axis_y_deg"},
+     "angle_offset.elevation_deg"},
+    {4,
+     100,
+     {"--poses", "relative", "--estimate", "angle_offset.azimuth_deg"},
+     "angle_offset.azimuth_deg and turns of the poses"},
+    {4, 100, {"--poses", "stations"}, "none named placement, station"},
+    {4, 100, {"--hold", "angle_offset.elevation_deg"}, "expected residuals as large as"},
+    {4, 100, {"--u-pose", "0.1"}, "give smaller uncertainties"},
+};
+
+TEST(Calibrate, RefusesWithACause) {
+    for (const RefusalRow& row : refusalRows) {
+        SCOPED_TRACE(row.found);
+        Bench bench(row.mode);
+        bench.measure(row.rows);
+        if (row.mode == 4)
+            bench.change("12.5\t-3.25", "12.5\t-3");
+        const std::string messages = bench.calibrate(row.options);
+        EXPECT_NE(messages.find(row.found), messages.npos) << messages;
+        EXPECT_FALSE(fs::exists(bench.fresh()) || fs::exists(bench.resultFile()));
+    }
+}
+
+// The pose of every twentieth row is wrong by 0.3 degrees.
+TEST(Calibrate, FindsRowsWithAWrongPose) {
+    Bench bench(8);
+    bench.measure(300);
+    std::string changed;
+    std::size_t n = 0;
+    for (const std::string& line : test::lines(textIn(bench.readings()))) {
+        const std::size_t cell = line.rfind(',') + 1;
+        changed += n++ % 20 == 5
+                       ? line.substr(0, cell) + std::to_string(std::stod(line.substr(cell)) + 0.3)
+                       : line;
+        changed += '\n';
+    }
+    std::ofstream(bench.readings()) << changed;
+    ASSERT_EQ(bench.calibrate({"--robust"}), "");
+    const json& rejected = bench.result["rows"]["rejected"];
+    EXPECT_EQ(rejected.size(), 15U);
+    for (const json& row : rejected)
+        EXPECT_EQ(static_cast<int>(row["line"]) % 20, 6);
+}
+
+} // namespace
