@@ -209,7 +209,7 @@ const std::vector<RefusalRow> refusalRows{
     {8,
      100,
      {"--estimate", "angle_offset.azimuth_deg,angle_offset.elevation_deg,qvc.axis_x_deg,"
-                    "qvc.axis_z_deg,qvc.start_deg,level_x.axis_y_deg"},
+                    "qvc.axis_z_deg,qvc.start_deg,level_x.axis_y_deg,level_x.axis_z_deg"},
      "angle_offset.elevation_deg"},
     {4,
      100,

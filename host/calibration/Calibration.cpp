@@ -155,7 +155,7 @@ bool Calibration::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
     Eigen::VectorXd at = x;
     for (;;) {
         const FitModel fitted = model();
-        const auto equations = Fit(rows, fitted, err).equationsAt(at, at, {});
+        const auto equations = Fit(rows, fitted, err).equationsAt(at, at, {.ideal = true});
         if (!equations || !enoughEquations(*equations)
             || !observable(equations->triangle, observability, ""))
             return false;
@@ -183,7 +183,6 @@ bool Calibration::dropOutliers() {
     auto robust = fit.solve(fitted.start(), true);
     if (!robust)
         return false;
-    outcome.passes += robust->passes;
     const double limit =
         chiSquaredQuantile(1 - outlierChance, static_cast<double>(equationsOf(frame.mode)));
     Eigen::VectorXd x = robust->x;
@@ -203,7 +202,6 @@ bool Calibration::dropOutliers() {
         if (!plain)
             return false;
         x = plain->x;
-        outcome.passes += plain->passes;
     }
     return true;
 }
@@ -211,10 +209,12 @@ bool Calibration::dropOutliers() {
 bool Calibration::solve() {
     for (;;) {
         const FitModel fitted = model();
-        solution = Fit(rows, fitted, err).solve(fitted.start(), false);
-        if (!solution || !observable(solution->equations.triangle, observability, " at the result"))
+        Fit fit(rows, fitted, err);
+        solution = fit.solve(fitted.start(), false);
+        const auto ideal =
+            solution ? fit.equationsAt(solution->x, solution->x, {.ideal = true}) : std::nullopt;
+        if (!ideal || !observable(ideal->triangle, observability, " at the result"))
             return false;
-        outcome.passes += solution->passes;
         outcome.used = solution->equations.rows;
         if (!worstKnown(*observability))
             return true;
@@ -246,7 +246,6 @@ bool Calibration::roundSlopes() {
     auto rest = Fit(rows, fitted, err).solve(std::move(start), false);
     if (!rest)
         return false;
-    outcome.passes += rest->passes;
     Eigen::VectorXd x(solution->x.size());
     Eigen::Index next = 0;
     for (std::size_t i = 0; i < all.size(); ++i)
@@ -361,6 +360,16 @@ bool Calibration::compareAngles() {
     return read;
 }
 
+bool Calibration::takeSamples() {
+    outcome.equationsOfRow = equationsOf(frame.mode);
+    if (options.report.empty())
+        return true;
+    auto samples = sampleResiduals(rows, model(), solution->x);
+    if (samples)
+        outcome.samples = std::move(*samples);
+    return samples.has_value();
+}
+
 void Calibration::takeValues() {
     const auto n = static_cast<Eigen::Index>(parameters.size());
     outcome.document = oldDocument;
@@ -392,7 +401,7 @@ std::optional<CalibrationOutcome> Calibration::run() {
             || !heldOutFits()))
         return std::nullopt;
     takeValues();
-    if (!options.dryRun && !compareAngles())
+    if (!options.dryRun && (!compareAngles() || !takeSamples()))
         return std::nullopt;
     return std::move(outcome);
 }

@@ -10,6 +10,7 @@
 #include "host/calibration/CalibrateOptions.h"
 #include "host/calibration/Fit.h"
 #include "host/calibration/Observability.h"
+#include "host/calibration/ResidualSample.h"
 #include "params/Document.h"
 
 namespace kiv::host {
@@ -38,8 +39,9 @@ struct CalibrationOutcome {
     // Of the held-out rows, where there are some.
     std::optional<double> overInSample;
     std::optional<double> oldRms, newRms; // of the angles, degrees
-    std::size_t passes = 0;
-    Document document; // of the new file
+    std::size_t equationsOfRow = 0;
+    std::vector<ResidualSample> samples; // where a report is asked for
+    Document document;                   // of the new file
 };
 
 // One calibration, from the rows to the new file's values.
@@ -68,6 +70,7 @@ private:
     bool rmsFits();
     bool heldOutFits();
     bool compareAngles();
+    bool takeSamples();
     void takeValues();
 
     FitModel model() const { return {frame, values, parameters, options.priors, uncertainties}; }

@@ -12,7 +12,8 @@ namespace {
 
 constexpr double poseStep = 1e-3; // degrees, of a pose's unknown turns
 constexpr double settled = 1e-6;  // of a step, in standard uncertainties
-constexpr int mostSteps = 60;
+constexpr double hopeless = 4;    // a mean square over noise
+constexpr int mostSteps = 100;
 constexpr int mostRenewals = 12; // of the weights
 
 // The predictions that a pass needs, made once for all of its rows.
@@ -31,6 +32,9 @@ public:
             down.push_back(model.predictionAt(moved));
         }
     }
+
+    // The row as the geometry predicts its levels, which tells apart what noise alone does.
+    Observation ideal(const Observation& row) const;
 
     // Writes a row's equations into a matrix from a row of it on. False, and why, where there are
     // none.
@@ -65,6 +69,18 @@ bool Linearisation::writeSlope(const Observation& row, std::size_t unknown,
     for (std::size_t i = 0; i < equations; ++i)
         matrix(first + static_cast<Eigen::Index>(i), static_cast<Eigen::Index>(unknown)) = above[i];
     return true;
+}
+
+Observation Linearisation::ideal(const Observation& row) const {
+    Observation as = row;
+    simulator::Pose pose;
+    Residual residual;
+    if (!here.poseOf(row, pose) || !here.residual(row, pose, residual))
+        return row;
+    const Prediction::LevelSlopes slopes = here.levelSlopes(row);
+    as.curveY -= residual[2] * row.curveYSlope / slopes.y;
+    as.curveX -= residual[3] * row.curveXSlope / slopes.x;
+    return as;
 }
 
 bool Linearisation::write(const Observation& row, Eigen::MatrixXd& matrix, Eigen::Index first,
@@ -175,7 +191,7 @@ std::optional<Equations> Fit::equationsAt(const Eigen::VectorXd& x,
         for (const Observation& row : observations) {
             if (rows.heldOut(row) != kind.heldOut || (!kind.withRejected && rows.rejected(row)))
                 continue;
-            if (!linear.write(row, matrix, filled, part.fault)) {
+            if (!linear.write(kind.ideal ? linear.ideal(row) : row, matrix, filled, part.fault)) {
                 part.faultAt = {row.table, row.line};
                 return;
             }
@@ -224,6 +240,7 @@ bool Fit::solveWithWeights(Solution& solution, const PassKind& kind) {
         const Eigen::VectorXd q = solution.equations.triangle.rightSide();
         if (q.norm() < settled) // that is the undamped step, in standard uncertainties
             return true;
+        const double before = solution.equations.cost;
         Eigen::MatrixXd stacked(2 * n, n + 1);
         stacked.topLeftCorner(n, n) = r;
         stacked.topRightCorner(n, 1) = q;
@@ -234,13 +251,16 @@ bool Fit::solveWithWeights(Solution& solution, const PassKind& kind) {
         const Eigen::VectorXd step =
             -damped.coefficients().triangularView<Eigen::Upper>().solve(damped.rightSide());
         auto next = equationsAt(solution.x + step, weightsAt, kind, true);
-        ++solution.passes;
         if (Interrupt::requested())
             return false;
         if (next && next->cost <= solution.equations.cost * (1 + 1e-12)) {
             solution.x += step;
             solution.equations = std::move(*next);
             damping *= 0.03;
+            // What will be refused need not be exact.
+            if (before > hopeless * static_cast<double>(solution.equations.count)
+                && solution.equations.cost > (1 - 1e-8) * before)
+                return true;
         } else {
             damping = std::max(damping, 1e-8) * 30;
         }
@@ -253,7 +273,7 @@ std::optional<Fit::Solution> Fit::solve(Eigen::VectorXd x, bool robust) {
     auto first = equationsAt(x, x, kind);
     if (!first)
         return std::nullopt;
-    Solution solution{std::move(x), std::move(*first), 1};
+    Solution solution{std::move(x), std::move(*first)};
     for (int i = 0; i < mostRenewals; ++i) {
         const Eigen::VectorXd before = solution.x;
         if (!solveWithWeights(solution, kind)) {
@@ -266,7 +286,6 @@ std::optional<Fit::Solution> Fit::solve(Eigen::VectorXd x, bool robust) {
         const Eigen::MatrixXd r = solution.equations.triangle.coefficients();
         const bool moved = (r * (solution.x - before)).norm() > 1e-4;
         auto renewed = equationsAt(solution.x, solution.x, kind);
-        ++solution.passes;
         if (!renewed)
             return std::nullopt;
         solution.equations = std::move(*renewed);

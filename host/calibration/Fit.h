@@ -53,6 +53,7 @@ struct PassKind {
     bool heldOut = false;
     bool robust = false;
     bool withRejected = false;
+    bool ideal = false; // readings as the geometry predicts them: what they tell without noise
     std::optional<double> outlierAbove{}; // a row's sum of squares
 };
 
@@ -70,7 +71,6 @@ public:
     struct Solution {
         Eigen::VectorXd x;
         Equations equations; // about x
-        std::size_t passes = 0;
     };
     // Levenberg–Marquardt from x, the weights renewed after each solve. Source: J. J. Moré, The
     // Levenberg–Marquardt algorithm (1978). Nothing, and a message, where it finds no end.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "params/BlockNames.h"
+#include "support/Numbers.h"
 #include "support/Principles.h"
 
 namespace kiv::host {
@@ -159,7 +160,11 @@ SensorValues::SensorValues(const Document& document) {
         const BlockValues* values = row.turn ? nullptr : document.find(row.parameter.block);
         auto& numbers = of[static_cast<std::size_t>(row.parameter.block)];
         if (values)
-            std::copy(values->numbers.begin(), values->numbers.end(), numbers.begin());
+            std::transform(values->numbers.begin(), values->numbers.end(), numbers.begin(),
+                           [](float number) {
+                               // As it is in print.
+                               return numberIn<double>(shown(number)).value_or(number);
+                           });
     }
 }
 

@@ -378,7 +378,8 @@ CLI::Option* addParameters(CLI::App& command, const char* name, std::vector<Para
             name,
             [&all](const std::vector<std::string>& names) {
                 for (const std::string& each : names)
-                    all.push_back(*parameterOf(each));
+                    if (std::find(all.begin(), all.end(), *parameterOf(each)) == all.end())
+                        all.push_back(*parameterOf(each));
             })
         ->delimiter(',')
         ->check(faultOfParameter);
@@ -408,6 +409,7 @@ void CommandLine::addCalibrate() {
     addFile(command, "readings", calibrate.readings)->required();
     addFile(command, "-o,--output", calibrate.output);
     addFile(command, "--result", calibrate.result);
+    addFile(command, "--report", calibrate.report);
     command.add_flag("--replace", calibrate.replace);
     command
         .add_option_function<std::string>("--poses",

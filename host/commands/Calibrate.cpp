@@ -16,6 +16,7 @@
 #include "host/commands/Simulate.h"
 #include "host/parameters/Findings.h"
 #include "host/parameters/ParameterFile.h"
+#include "host/report/CalibrationPage.h"
 #include "host/run/UncertaintyFile.h"
 #include "params/Quoted.h"
 #include "support/Principles.h"
@@ -43,7 +44,7 @@ bool namesUsable(const CalibrateOptions& options, std::ostream& err) {
         return false;
     }
     inputs.push_back(options.parameterFile);
-    const std::vector<std::string> outputs{options.output, options.result};
+    const std::vector<std::string> outputs{options.output, options.result, options.report};
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         const std::string& output = outputs[i];
         if (output.empty())
@@ -166,6 +167,10 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
                "--dry-run for the plan alone\n";
         return unusable;
     }
+    if (!options.report.empty() && options.dryRun) {
+        err << "kiv: expected --report or --dry-run, found both; a plan has no residuals to show\n";
+        return unusable;
+    }
     CKivPrm record;
     InputFacts inputs;
     if (!namesUsable(options, err)
@@ -202,6 +207,9 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
             || !replaceFile(options.output, text, err)))
         return unusable;
     if (!options.result.empty() && !replaceFile(options.result, result, err))
+        return unusable;
+    if (!options.report.empty()
+        && !replaceFile(options.report, calibrationPage(*outcome, options, rows, inputs), err))
         return unusable;
     return writeToStandardOutput(resultTable(*outcome, options, rows), streams) ? allGood
                                                                                 : unusable;

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "host/base/InputFacts.h"
+#include "host/calibration/Calibration.h"
+
+namespace kiv::host {
+
+// What a calibration found, as one HTML page without scripts.
+std::string calibrationPage(const CalibrationOutcome& outcome, const CalibrateOptions& options,
+                            const CalibrationRows& rows, const InputFacts& inputs);
+
+} // namespace kiv::host
