@@ -203,7 +203,7 @@ const std::vector<RefusalRow> refusalRows{
      100,
      {"--estimate", "scale_factor.1,scale_factor.6,thermal_compensation_factor.y_slope,"
                     "thermal_compensation_factor.y_intercept"},
-     "thermal_compensation_factor.y_intercept, "},
+     "1 thermal_compensation_factor.y_intercept together"},
     {6, 100, {"--estimate", "scale_factor.3"}, "no reading depends on scale_factor.3"},
     {1, 100, {"--estimate", "scale_factor.1"}, "no reading depends on scale_factor.1"},
     {8,

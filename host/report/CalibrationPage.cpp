@@ -22,7 +22,7 @@ constexpr const char* readingNames[] = {"azimuth", "elevation", "level Y", "leve
 
 // Of the charts alone; colours are the page's.
 constexpr const char* style = R"(
-.charts { display: grid; gap: 0.5rem 1rem; grid-template-columns: repeat(auto-fill, minmax(min(100%, 17rem), 1fr)); }
+.charts { display: grid; gap: 0.5rem 1rem; grid-template-columns: repeat(auto-fill, minmax(min(100%, 12.5rem), 1fr)); }
 .charts figure { margin: 0; }
 svg { display: block; height: auto; max-width: 100%; width: 100%; }
 svg text { fill: var(--faint); font-size: 11px; }
