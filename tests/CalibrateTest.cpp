@@ -173,8 +173,11 @@ TEST(Calibrate, FindsTheValuesWithinTheirUncertainty) {
         EXPECT_GT(chi, 0.1);
         EXPECT_LT(chi, 2.5);
         EXPECT_LT(bench.result["held_out"]["rms_new_deg"], 0.05);
-        // A later rewrite keeps what was found, and the new file needs nothing more.
         EXPECT_EQ(bench.call({"check", "--strict", bench.fresh()}), "");
+        // The result belongs to the new file, and gives its angles a part of their uncertainty.
+        const auto run = test::tool(
+            {"run", "-q", bench.fresh(), bench.readings(), "--uncertainties", bench.resultFile()});
+        EXPECT_NE(run.out.find("u_calibration_rx_deg"), run.out.npos) << run.err;
     }
 }
 

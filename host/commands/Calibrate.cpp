@@ -7,6 +7,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "KIVInterface/CKiv.h"
 #include "KIVInterface/CKivPrm.h"
 #include "host/base/Files.h"
 #include "host/base/Interrupt.h"
@@ -77,20 +78,22 @@ bool namesUsable(const CalibrateOptions& options, std::ostream& err) {
     return true;
 }
 
-bool readUncertainties(const CalibrateOptions& options, int mode, RowUncertainties& all,
-                       const Streams& streams) {
-    const bool fromFile = !options.uncertaintyFile.empty();
-    if (fromFile && !host::readUncertainties(options.uncertaintyFile, mode, all.readings, streams))
+bool readUncertainties(const CalibrateOptions& options, const CalibratedFile& parameterFile,
+                       RowUncertainties& all, const Streams& streams) {
+    GivenUncertainties given{.ofReadings = options.uncertainties, .calibration = {}};
+    std::vector<std::string> files;
+    if (!options.uncertaintyFile.empty())
+        files.push_back(options.uncertaintyFile);
+    if (!host::readUncertainties(files, parameterFile, given, streams))
         return false;
-    if (options.uncertainties)
-        all.readings = *options.uncertainties;
-    all.pose = options.poseUncertainty.value_or(0);
-    if (fromFile || options.uncertainties)
-        return true;
-    streams.err << "kiv: expected the uncertainties of the readings, found none; give "
-                   "--u-encoder, --u-level and --u-vector, or --uncertainties: no weights are "
-                   "made up\n";
-    return false;
+    if (!given.ofReadings) {
+        streams.err << "kiv: expected the uncertainties of the readings, found none; give "
+                       "--u-encoder, --u-level and --u-vector, or --uncertainties: no weights are "
+                       "made up\n";
+        return false;
+    }
+    all = {*given.ofReadings, options.poseUncertainty.value_or(0)};
+    return true;
 }
 
 // A gain of 0 leaves a reading out, and nothing can be found with it.
@@ -140,12 +143,6 @@ bool replaceFile(const std::string& name, const std::string& text, std::ostream&
     return !fault;
 }
 
-std::string digestOf(std::string_view text) {
-    Sha256 digest;
-    digest.add(text);
-    return digest.hex();
-}
-
 // The new file reads back to the same values.
 bool readsBack(const std::string& text, const Document& document, const std::string& name,
                std::ostream& err) {
@@ -172,15 +169,18 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
         return unusable;
     }
     CKivPrm record;
+    CKiv sensor;
     InputFacts inputs;
     if (!namesUsable(options, err)
-        || !loadParameterFile(options.parameterFile, record, err, &inputs))
+        || !loadSensor(options.parameterFile, record, sensor, err, &inputs))
         return unusable;
     const auto examined = examineFile(options.parameterFile, err);
     int mode = 0;
     record.getMountMode(mode);
     RowUncertainties uncertainties;
-    if (!examined || !readUncertainties(options, mode, uncertainties, streams)
+    if (!examined
+        || !readUncertainties(options, {options.parameterFile, inputs.parameterFile.hex(), sensor},
+                              uncertainties, streams)
         || !gainsUsable(options, record, mode, err))
         return unusable;
     CalibrationRows rows(options, streams, record, mode);
@@ -201,11 +201,13 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
         return unusable;
 
     const std::string text = textOf(outcome->document);
-    const std::string result = resultText(*outcome, options, rows, inputs, digestOf(text));
+    Sha256 digest; // of the file, whose line ends are the system's
     if (!options.dryRun
         && (!readsBack(text, outcome->document, options.output, err)
-            || !replaceFile(options.output, text, err)))
+            || !replaceFile(options.output, text, err)
+            || !examineFile(options.output, err, &digest)))
         return unusable;
+    const std::string result = resultText(*outcome, options, rows, inputs, digest.hex());
     if (!options.result.empty() && !replaceFile(options.result, result, err))
         return unusable;
     if (!options.report.empty()
