@@ -155,7 +155,7 @@ bool Calibration::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
     Eigen::VectorXd at = x;
     for (;;) {
         const FitModel fitted = model();
-        const auto equations = Fit(rows, fitted, err).equationsAt(at, at, {.ideal = true});
+        const auto equations = RowsFit(rows, fitted, err).equationsAt(at, at, {.ideal = true});
         if (!equations || !enoughEquations(*equations)
             || !observable(equations->triangle, observability, ""))
             return false;
@@ -179,7 +179,7 @@ bool Calibration::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
 // A robust fit, then plain ones without the rows that stand out, until these stay the same.
 bool Calibration::dropOutliers() {
     const FitModel fitted = model();
-    Fit fit(rows, fitted, err);
+    RowsFit fit(rows, fitted, err);
     auto robust = fit.solve(fitted.start(), true);
     if (!robust)
         return false;
@@ -209,7 +209,7 @@ bool Calibration::dropOutliers() {
 bool Calibration::solve() {
     for (;;) {
         const FitModel fitted = model();
-        Fit fit(rows, fitted, err);
+        RowsFit fit(rows, fitted, err);
         solution = fit.solve(fitted.start(), false);
         const auto ideal =
             solution ? fit.equationsAt(solution->x, solution->x, {.ideal = true}) : std::nullopt;
@@ -243,7 +243,7 @@ bool Calibration::roundSlopes() {
     for (std::size_t i = 0; i < all.size() + frame.unknowns(); ++i)
         if (i >= all.size() || !isIn(slopes, all[i]))
             start[kept++] = solution->x[static_cast<Eigen::Index>(i)];
-    auto rest = Fit(rows, fitted, err).solve(std::move(start), false);
+    auto rest = RowsFit(rows, fitted, err).solve(std::move(start), false);
     if (!rest)
         return false;
     Eigen::VectorXd x(solution->x.size());
@@ -283,7 +283,7 @@ bool Calibration::rmsFits() {
 bool Calibration::heldOutFits() {
     const FitModel fitted = model();
     const auto others =
-        Fit(rows, fitted, err).equationsAt(solution->x, solution->x, {.heldOut = true});
+        RowsFit(rows, fitted, err).equationsAt(solution->x, solution->x, {.heldOut = true});
     if (!others)
         return false;
     outcome.heldOut = others->rows;

@@ -85,7 +85,7 @@ private:
     SensorValues oldValues;
     SensorValues values; // the old ones, and those that are held again at another
     std::vector<Parameter> parameters;
-    std::optional<Fit::Solution> solution;
+    std::optional<RowsFit::Solution> solution;
     std::optional<Observability> observability;
     CalibrationOutcome outcome;
 };

@@ -161,7 +161,7 @@ double FitModel::stepOf(std::size_t unknown) const {
     return unknown < parameters.size() ? host::stepOf(parameters[unknown]) : poseStep;
 }
 
-void Fit::addPriors(const Eigen::VectorXd& x, Equations& all) const {
+void RowsFit::addPriors(const Eigen::VectorXd& x, Equations& all) const {
     for (const Prior& prior : model.priors) {
         const auto found =
             std::find(model.parameters.begin(), model.parameters.end(), prior.parameter);
@@ -177,7 +177,7 @@ void Fit::addPriors(const Eigen::VectorXd& x, Equations& all) const {
     }
 }
 
-std::optional<Equations> Fit::equationsAt(const Eigen::VectorXd& x,
+std::optional<Equations> RowsFit::equationsAt(const Eigen::VectorXd& x,
                                           const Eigen::VectorXd& weightsAt, const PassKind& kind,
                                           bool quiet) {
     const Linearisation linear(model, x, weightsAt);
@@ -231,7 +231,7 @@ std::optional<Equations> Fit::equationsAt(const Eigen::VectorXd& x,
 }
 
 // The weights stay as they are at the start.
-bool Fit::solveWithWeights(Solution& solution, const PassKind& kind) {
+bool RowsFit::solveWithWeights(Solution& solution, const PassKind& kind) {
     const Eigen::VectorXd weightsAt = solution.x;
     const Eigen::Index n = solution.x.size();
     double damping = 1e-4;
@@ -268,7 +268,7 @@ bool Fit::solveWithWeights(Solution& solution, const PassKind& kind) {
     return false;
 }
 
-std::optional<Fit::Solution> Fit::solve(Eigen::VectorXd x, bool robust) {
+std::optional<RowsFit::Solution> RowsFit::solve(Eigen::VectorXd x, bool robust) {
     const PassKind kind{.robust = robust};
     auto first = equationsAt(x, x, kind);
     if (!first)

@@ -58,9 +58,9 @@ struct PassKind {
 };
 
 // Passes over rows for a model. What goes wrong has been said.
-class Fit {
+class RowsFit {
 public:
-    Fit(CalibrationRows& allRows, const FitModel& fitted, std::ostream& messages)
+    RowsFit(CalibrationRows& allRows, const FitModel& fitted, std::ostream& messages)
         : rows(allRows), model(fitted), err(messages) {}
 
     // The equations about x, weighted by the uncertainties at another place. Nothing, and perhaps a

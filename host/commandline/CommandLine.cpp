@@ -259,7 +259,8 @@ void CommandLine::addPoses() {
     command.get_option("parameter_file")->required(false);
     command.get_option("readings")->required(false);
     addFile(command, "--from", stillPoses.results);
-    addUncertainties(command, stillPoses);
+    addFile(command, "--uncertainties", stillPoses.uncertaintyFiles)->allow_extra_args(false);
+    addUncertainties(command, stillPoses.uncertainties);
     Grouping& grouping = stillPoses.grouping;
     command.add_option("--by", grouping.by)->check(shownText);
     command.add_option("--pause", grouping.pause)->check(numberFrom(0, INFINITY));
