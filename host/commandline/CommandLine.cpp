@@ -17,6 +17,7 @@
 #include "host/rows/ColumnNames.h"
 #include "host/rows/NumberText.h"
 #include "host/rows/Readings.h"
+#include "host/rows/ResultChoice.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
 #include "support/Numbers.h"
@@ -195,8 +196,23 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
 void CommandLine::addKeep(CLI::App& command, TableFormat& format) {
     command
         .add_option_function<std::string>(
-            "--keep", [&format](const std::string& kept) { format.keepAll = kept == "all"; })
-        ->check(oneOf({"others", "all"}));
+            "--keep",
+            [&format](const std::string& kept) {
+                format.keepAll = kept == "all";
+                format.keepNone = kept == "none";
+            })
+        ->check(oneOf({"others", "all", "none"}));
+}
+
+// Of the rows that the tool writes.
+void CommandLine::addRowFormat(CLI::App& command, RowFormat& format) {
+    command
+        .add_option_function<std::string>("--format",
+                                          [&format](const std::string& name) {
+                                              format = name == "jsonl" ? RowFormat::jsonl
+                                                                       : RowFormat::csv;
+                                          })
+        ->check(oneOf({"csv", "jsonl"}));
 }
 
 // The readings' own option.
@@ -247,6 +263,9 @@ void CommandLine::addRun() {
     addReadings(command, run);
     addKeep(command, run.format);
     command.add_flag("--stop-on-bad", run.stopOnBad);
+    command.add_option("--results", run.results)->check(faultOfResults);
+    command.add_flag("--source", run.source);
+    addRowFormat(command, run.rowFormat);
     addFile(command, "--uncertainties", run.uncertaintyFiles)->allow_extra_args(false);
     addUncertainties(command, run.uncertainties);
 }

@@ -41,6 +41,7 @@ private:
     void addTable(CLI::App& command, TableFormat& format,
                   const std::vector<std::string_view>& columns);
     void addKeep(CLI::App& command, TableFormat& format);
+    void addRowFormat(CLI::App& command, RowFormat& format);
     void addReadings(CLI::App& command, ReadingsOptions& options);
     void addUncertainties(CLI::App& command, std::optional<Uncertainties>& given);
     void addRun();

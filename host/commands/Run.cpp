@@ -4,10 +4,16 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <iterator>
+#include <optional>
 #include <ostream>
+#include <string>
+#include <string_view>
 #include <vector>
 
+#include "host/base/Files.h"
+#include "host/rows/ResultChoice.h"
 #include "host/rows/ResultColumns.h"
 #include "host/run/ReadingsRun.h"
 #include "judged/RowResults.h"
@@ -23,91 +29,224 @@ constexpr auto resultNames = [] {
     return names;
 }();
 
-std::vector<std::string_view> namesOf(const ReadingsRun& run) {
+// Whether a run's rows have a column.
+bool gives(const ReadingsRun& run, std::size_t column) {
     const auto& [ofReadings, calibration] = run.givenUncertainties();
-    const auto end = resultNames.end();
-    std::vector<std::string_view> names(resultNames.begin(), end - 9);
-    if (ofReadings)
-        names.insert(names.end(), end - 9, end - 6);
-    if (ofReadings && run.localFrame())
-        names.insert(names.end(), end - 6, end - 3);
-    if (calibration)
-        names.insert(names.end(), end - 3, end);
-    return names;
+    if (column >= resultColumnAt("u_calibration_rx_deg"))
+        return calibration.has_value();
+    if (column >= resultColumnAt("u_reference_rx_deg"))
+        return ofReadings && run.localFrame();
+    return column < resultColumnAt("u_rx_deg") || ofReadings;
 }
 
-// What the update did not compute, and what is no number, stays empty.
-void appendResult(std::string& text, const RowResult& result, const ReadingsRun& run) {
-    const Table& table = run.table();
-    const char separator = table.separator();
-    char row[32 * resultColumns.size()]; // no number and no word takes more
-    char* end = row;
-    const auto word = [&](const char* letters) {
+// Takes the cells of a row in the order of the columns, which stand side by side in its text.
+class StraightCells {
+public:
+    explicit StraightCells(const Table& table)
+        : separator(table.separator()), decimalComma(table.decimalComma()) {}
+
+    void word(const char* letters) {
         while (*letters)
             *end++ = *letters++;
-    };
-    const auto cells = [&](const auto* values, std::size_t count, bool computed) {
+        *end++ = separator;
+    }
+
+    template <typename Number>
+    void numbers(const Number* values, std::size_t count, bool computed) {
         for (std::size_t i = 0; i < count; ++i) {
-            *end++ = separator;
             if (computed && std::isfinite(static_cast<double>(values[i])))
                 end = std::to_chars(end, std::end(row), values[i]).ptr; // shortest
+            *end++ = separator;
         }
-    };
+    }
+
+    void leaveOut(std::size_t) {}
+
+    void appendTo(std::string& text) {
+        end[-1] = '\n';
+        if (decimalComma)
+            std::replace(row, end, '.', ','); // no word has a point
+        text.append(row, end);
+    }
+
+private:
+    char separator;
+    bool decimalComma;
+    char row[32 * resultColumns.size()]; // no number and no word takes more
+    char* end = row;
+};
+
+// Takes them so that any of them can be written.
+class GatheredCells {
+public:
+    void word(const char* letters) { cells[count++] = std::string_view(letters); }
+
+    template <typename Number>
+    void numbers(const Number* values, std::size_t howMany, bool computed) {
+        for (std::size_t i = 0; i < howMany; ++i, ++count)
+            if (computed)
+                cells[count] = values[i];
+    }
+
+    void leaveOut(std::size_t howMany) { count += howMany; }
+
+    const Cell& operator[](std::size_t column) const { return cells[column]; }
+
+private:
+    std::array<Cell, resultColumns.size()> cells;
+    std::size_t count = 0;
+};
+
+// What the update did not compute, and what is no number, stays empty.
+template <typename Cells>
+void giveResult(Cells& cells, const RowResult& result, const ReadingsRun& run) {
     const KIV_INFO& info = result.info;
     const bool reached = hasCorrectedReadings(result.state);
     const bool oriented = hasAngles(result.state);
 
-    word(rowStateNames[static_cast<std::size_t>(result.state)]);
-    *end++ = separator;
-    word(wordsOf(result.reason).word);
-    char* const numbers = end;
+    cells.word(rowStateNames[static_cast<std::size_t>(result.state)]);
+    cells.word(wordsOf(result.reason).word);
     const float corrected[] = {info.azimuth, info.elevation, info.levelX, info.levelY};
     const float angles[] = {info.rx, info.ry, info.rz};
-    cells(corrected, 4, reached);
-    cells(angles, 3, oriented);
-    cells(info.qvc, 3, hasQvc(result.state, run.mountMode()));
-    cells(result.matrix, 9, hasMatrix(result.state, run.mountMode()));
-    cells(&result.code, 1, reached);
-    *end++ = separator;
-    if (oriented)
-        word(wordOf(result.trust.trust));
+    cells.numbers(corrected, 4, reached);
+    cells.numbers(angles, 3, oriented);
+    cells.numbers(info.qvc, 3, hasQvc(result.state, run.mountMode()));
+    cells.numbers(result.matrix, 9, hasMatrix(result.state, run.mountMode()));
+    const std::int64_t code = result.code;
+    cells.numbers(&code, 1, reached);
+    cells.word(oriented ? wordOf(result.trust.trust) : "");
     const auto modelError = static_cast<float>(result.trust.modelError);
-    cells(&modelError, 1, oriented);
-    const auto triple = [&](const AngleTriple& values, bool computed) {
+    cells.numbers(&modelError, 1, oriented);
+    const auto triple = [&](bool there, const AngleTriple& values, bool computed) {
         const float digits[] = {static_cast<float>(values[0]), static_cast<float>(values[1]),
                                 static_cast<float>(values[2])};
-        cells(digits, 3, computed);
+        if (there)
+            cells.numbers(digits, 3, computed);
+        else
+            cells.leaveOut(3);
     };
     const auto& [ofReadings, calibration] = run.givenUncertainties();
-    if (ofReadings)
-        triple(result.uncertainty.standard, result.hasUncertainty);
-    if (ofReadings && run.localFrame())
-        triple(result.uncertainty.reference, result.hasUncertainty);
-    if (calibration)
-        triple(result.calibration, result.hasCalibration);
-    *end++ = '\n';
-    if (table.decimalComma())
-        std::replace(numbers, end, '.', ',');
-    text.append(row, end);
+    triple(ofReadings.has_value(), result.uncertainty.standard, result.hasUncertainty);
+    triple(ofReadings && run.localFrame(), result.uncertainty.reference, result.hasUncertainty);
+    triple(calibration.has_value(), result.calibration, result.hasCalibration);
+}
+
+// Rows of the columns that are asked for, in any order and format.
+class ChosenRows {
+public:
+    void open(const RunOptions& options, const ReadingsRun& run) {
+        for (const auto& [column, byName] :
+             chosenResults(options.results.empty() ? "all" : options.results))
+            if (byName || gives(run, column))
+                columns.push_back(column);
+        if (options.source)
+            for (const std::string& table : options.readings)
+                tables.push_back(shownInput(table));
+        json = options.rowFormat == RowFormat::jsonl;
+        const Table& table = run.table();
+        carried = json ? table.carriedNames() : std::vector<std::string>();
+        std::vector<std::string_view> names(carried.begin(), carried.end());
+        if (options.source)
+            names.insert(names.end(), sourceColumns.begin(), sourceColumns.end());
+        for (const std::size_t column : columns)
+            names.push_back(resultNames[column]);
+        writer.emplace(RowWriter::Marks{options.rowFormat, table.separator(), table.decimalComma()},
+                       names);
+    }
+
+    void appendNames(const Table& table, std::string& text) const {
+        if (!json)
+            table.appendCarriedNames(text);
+        writer->appendNames(text);
+    }
+
+    void append(const Table& table, const ComputedRow& row, const ReadingsRun& run,
+                std::string& text) const {
+        std::size_t at = 0;
+        if (json)
+            for (; at < carried.size(); ++at)
+                writer->appendCell(text, at, CarriedText{table.carriedCell(at)});
+        else
+            table.appendCarriedCells(text);
+        if (!tables.empty()) {
+            writer->appendCell(text, at++, std::string_view(tables[row.table]));
+            writer->appendCell(text, at++, static_cast<std::int64_t>(row.line));
+        }
+        GatheredCells cells;
+        giveResult(cells, row.result, run);
+        for (const std::size_t column : columns)
+            writer->appendCell(text, at++, cells[column]);
+        writer->endRow(text);
+    }
+
+private:
+    bool json = false;
+    std::vector<std::string> carried; // names, in JSON alone
+    std::vector<std::string> tables;  // names, with the source of each row alone
+    std::vector<std::size_t> columns;
+    std::optional<RowWriter> writer;
+};
+
+// What a column that is asked for by its name needs is asked for, too; else a message.
+bool canGive(const RunOptions& options, std::ostream& err) {
+    const bool uncertain = options.uncertainties || !options.uncertaintyFiles.empty();
+    for (const auto& [column, byName] : chosenResults(options.results)) {
+        const std::string_view name = resultNames[column];
+        const char* needed = !name.starts_with("u_") ? nullptr
+                             : !uncertain            ? "uncertainties of readings"
+                             : name.starts_with("u_reference") && !options.localFrame
+                                 ? "--frame local"
+                                 : nullptr;
+        if (!byName || !needed)
+            continue;
+        err << "kiv run --results: expected " << needed << " for " << name << ", found none\n";
+        return false;
+    }
+    return true;
+}
+
+// A copy of the options that asks for no more than what is put out.
+RunOptions withoutUnused(RunOptions options) {
+    if (options.results.empty())
+        return options;
+    const auto asks = [chosen = chosenResults(options.results)](std::string_view first,
+                                                                std::string_view last) {
+        return std::any_of(chosen.begin(), chosen.end(), [&](const ChosenResult& each) {
+            return resultColumnAt(first) <= each.column && each.column <= resultColumnAt(last);
+        });
+    };
+    options.withMatrix = asks("m00", "code");
+    options.withUncertainty =
+        !options.summary.empty() || asks("u_rx_deg", resultColumns.back().name);
+    return options;
 }
 
 } // namespace
 
-int runReadings(const RunOptions& options, const Streams& streams) {
-    ReadingsRun run(options, streams, !options.summary.empty());
-    if (!run.open(resultNames))
+int runReadings(const RunOptions& asked, const Streams& streams) {
+    if (!asked.results.empty() && !canGive(asked, streams.err))
         return unusable;
-    const Table& table = run.table();
-    std::string& text = run.output().text();
-    table.appendCarriedNames(text);
-    for (const std::string_view name : namesOf(run))
-        text.append(name).push_back(table.separator());
-    text.back() = '\n';
+    const RunOptions options = withoutUnused(asked);
+    ReadingsRun run(options, streams, !options.summary.empty());
+    std::vector<std::string_view> reserved(resultNames.begin(), resultNames.end());
+    if (options.source)
+        reserved.insert(reserved.end(), sourceColumns.begin(), sourceColumns.end());
+    ChosenRows chosen;
+    if (!run.open(reserved))
+        return unusable;
+    chosen.open(options, run);
+    chosen.appendNames(run.table(), run.output().text());
+    const bool wholeRow =
+        options.results.empty() && !options.source && options.rowFormat == RowFormat::csv;
 
     run.forEach(
         [&](const Table& row, const ComputedRow& computed, std::string& results) {
+            if (!wholeRow)
+                return chosen.append(row, computed, run, results);
             row.appendCarriedCells(results);
-            appendResult(results, computed.result, run);
+            StraightCells cells(row);
+            giveResult(cells, computed.result, run);
+            cells.appendTo(results);
         },
         [&](const ComputedRow&) { return !options.stopOnBad || run.summary().allGood(); });
     return run.finish();

@@ -39,8 +39,9 @@ bool Recording::openTable(std::size_t i, std::ostream& err, bool forRows) {
     auto input = std::make_unique<TableInput>(readingColumns, format);
     Sha256* const hash = facts && forRows ? &(*facts)[i].digest : nullptr;
     if (!input->open(files[i], reserved, {streams.in, streams.out, err}, hash)
-        || (i > 0 && !input->hasColumnsOf(first(), err)))
+        || (i > 0 && !input->followColumnsOf(first(), err)))
         return false;
+    stand[i] = input->table().places();
     tables[i] = std::move(input);
     return true;
 }
@@ -48,6 +49,7 @@ bool Recording::openTable(std::size_t i, std::ostream& err, bool forRows) {
 bool Recording::open(std::span<const std::string_view> results, std::vector<TableFacts>* ofAll) {
     reserved = results;
     tables.resize(files.size());
+    stand.resize(files.size());
     facts = ofAll;
     if (facts)
         for (const std::string& file : files)

@@ -12,8 +12,8 @@
 
 namespace kiv::host {
 
-// Tables with the same columns, one after the other. Files are looked at in advance, other inputs
-// in their turn: what writes them may be writing those in front.
+// Tables with the same columns, in any order, one after the other. Files are looked at in advance,
+// other inputs in their turn: what writes them may be writing those in front.
 class Recording {
 public:
     Recording(const std::vector<std::string>& tableFiles, const TableFormat& asked,
@@ -31,6 +31,9 @@ public:
     bool hasSeveral() const { return files.size() > 1; }
     std::uintmax_t size() const { return bytes; } // 0 where unknown
 
+    // Where a table that has given a block has the first one's columns.
+    const Table::Places& places(std::size_t ofTable) const { return stand[ofTable]; }
+
     // False behind the last table. Before a table is opened that may wait, a block without lines
     // says so. What is wrong with a table then is said by its block.
     bool nextBlock(LineBlock& block);
@@ -45,6 +48,7 @@ private:
     std::span<const std::string_view> reserved;
     std::vector<TableFacts>* facts = nullptr;
     std::vector<std::unique_ptr<TableInput>> tables; // null: not open now
+    std::vector<Table::Places> stand;
     std::size_t current = 0;
     bool announced = false; // that the current one may wait
     std::uintmax_t bytes = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 
 namespace kiv::host {
@@ -51,5 +52,16 @@ inline constexpr std::array<ResultColumn, 33> resultColumns{{
     {"u_calibration_ry_deg", "degrees", true, ""},
     {"u_calibration_rz_deg", "degrees", true, ""},
 }};
+
+// The place of a column; behind the last one where there is none of this name.
+constexpr std::size_t resultColumnAt(std::string_view name) {
+    std::size_t place = 0;
+    while (place < resultColumns.size() && resultColumns[place].name != name)
+        ++place;
+    return place;
+}
+
+// The columns in front of them that tell where a row of readings stands, where they are asked for.
+inline constexpr std::array<std::string_view, 2> sourceColumns{"table", "line"};
 
 } // namespace kiv::host

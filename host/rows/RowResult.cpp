@@ -9,10 +9,11 @@ namespace kiv::host {
 
 RowRunner::RowRunner(const CKiv& configured, const F_VECTOR4& levelLimits,
                      const std::optional<Uncertainties>& uncertainties,
-                     const Calibration* calibration)
+                     const Calibration* calibration, bool withMatrix, bool withUncertainty)
     : judged(configured, levelLimits) {
-    wanted.uncertainty = uncertainties.has_value();
-    wanted.calibration = calibration != nullptr;
+    wanted.matrix = withMatrix;
+    wanted.uncertainty = uncertainties && withUncertainty;
+    wanted.calibration = calibration && withUncertainty;
     if (uncertainties)
         judged.setUncertainties(*uncertainties);
     if (calibration)

@@ -18,7 +18,8 @@ public:
     // without a calibration (null) no part of it.
     RowRunner(const CKiv& configured, const F_VECTOR4& levelLimits,
               const std::optional<Uncertainties>& uncertainties,
-              const Calibration* calibration = nullptr);
+              const Calibration* calibration = nullptr, bool withMatrix = true,
+              bool withUncertainty = true);
 
     // Rows of a table that names another sensor are refused from now on.
     void expectRowsOf(std::int32_t serialNumber, const Table& table) {

@@ -8,6 +8,7 @@
 #include "host/base/ShellWord.h"
 #include "host/rows/CloseNames.h"
 #include "host/rows/HeaderFault.h"
+#include "host/rows/RowWriter.h"
 
 namespace kiv::host {
 
@@ -37,25 +38,6 @@ std::string listOf(std::span<const std::string_view> names, std::size_t most) {
 
 std::string cellCount(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " cell" : " cells");
-}
-
-// A reader may take a quote inside for one that opens, and a quote that is never closed would take
-// the rows behind it into its cell.
-void appendQuoted(std::string& out, std::string_view text) {
-    out.push_back('"');
-    for (const char c : text)
-        out.append(c == '"' ? 2 : 1, c);
-    out.push_back('"');
-}
-
-void appendCell(std::string& out, std::string_view cell) {
-    const std::size_t quote = cell.find('"');
-    if (quote == cell.npos)
-        out.append(cell);
-    else if (quote == cell.find_first_not_of(" \t")) // not every reader passes over these blanks
-        out.append(cell.substr(quote));
-    else
-        appendQuoted(out, cell);
 }
 
 } // namespace
@@ -132,23 +114,19 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
         }
         if (contains(reserved, columnName))
             taken.push_back(columnName);
-        if (format.keepAll || !contains(wanted, columnName))
-            carried.push_back(found.size());
+        if (format.keepAll || (!format.keepNone && !contains(wanted, columnName)))
+            stand.carried.push_back(found.size());
         found.push_back(columnName);
     }
-    for (const std::size_t place : carried)
-        if (carriedRuns.empty() || carriedRuns.back().second + 1 != place)
-            carriedRuns.emplace_back(place, place);
-        else
-            carriedRuns.back().second = place;
+    stand.findRuns();
     const auto placeOf = [&](std::string_view columnName) {
         const auto place = places.find(columnName);
         return place == places.end() ? found.size() : place->second;
     };
     std::vector<std::string_view> missing;
     for (const std::string_view columnName : wanted) {
-        columns.push_back(placeOf(columnName));
-        if (columns.back() == found.size())
+        stand.wanted.push_back(placeOf(columnName));
+        if (stand.wanted.back() == found.size())
             missing.push_back(columnName);
     }
     if (!missing.empty())
@@ -226,25 +204,56 @@ void Table::reportHeader(std::span<const std::string_view> found,
              shownNames);
 }
 
-bool Table::hasColumnsOf(const Table& other, std::string_view otherName) {
+bool Table::followColumnsOf(const Table& other, std::string_view otherName) {
     said.clear(); // a warning of the names stands with the other table
-    const auto place = static_cast<std::size_t>(
-        std::mismatch(
-            names.begin(), names.end(), other.names.begin(), other.names.end(),
-            [](const std::string& a, const std::string& b) { return cellText(a) == cellText(b); })
-            .first
-        - names.begin());
-    const auto nameAt = [place](const Table& table) {
+    if (names == other.names && separator() == other.separator())
+        return true;
+    const auto placeIn = [](const Table& table, const std::string& columnName) {
+        return static_cast<std::size_t>(
+            std::find_if(table.names.begin(), table.names.end(),
+                         [&](const auto& each) { return cellText(each) == cellText(columnName); })
+            - table.names.begin());
+    };
+    // The first name that the second table has not; behind all where it has each.
+    const auto firstNotIn = [&](const Table& one, const Table& second) {
+        std::size_t place = 0;
+        while (place < one.names.size() && placeIn(second, one.names[place]) < second.names.size())
+            ++place;
+        return place;
+    };
+    const auto nameAt = [](const Table& table, std::size_t place) {
         return place < table.names.size() ? quoted(cellText(table.names[place])) : "end of line";
     };
     const auto between = [](const Table& table) {
         return quoted(std::string(1, table.separator())) + " between columns";
     };
+    const std::size_t missing = firstNotIn(other, *this), further = firstNotIn(*this, other);
     if (separator() != other.separator())
         reportAt(0, between(other).append(" as in ").append(otherName), between(*this));
-    else if (place < std::max(names.size(), other.names.size()))
-        reportAt(place, nameAt(other).append(" as in ").append(otherName), nameAt(*this));
-    return said.empty();
+    else if (missing < other.names.size() || further < names.size())
+        reportAt(further, nameAt(other, missing).append(" as in ").append(otherName),
+                 nameAt(*this, further));
+    if (!said.empty())
+        return false;
+    std::vector<std::size_t> moved;
+    for (const std::string& columnName : other.names)
+        moved.push_back(placeIn(*this, columnName));
+    if (std::is_sorted(moved.begin(), moved.end()))
+        return true;
+    for (std::size_t i = 0; i < stand.carried.size(); ++i)
+        stand.carried[i] = moved[other.stand.carried[i]];
+    stand.findRuns();
+    stand.moved = std::move(moved);
+    return true;
+}
+
+void Table::Places::findRuns() {
+    carriedRuns.clear();
+    for (const std::size_t place : carried)
+        if (carriedRuns.empty() || carriedRuns.back().second + 1 != place)
+            carriedRuns.emplace_back(place, place);
+        else
+            carriedRuns.back().second = place;
 }
 
 bool Table::repeatsNames() const {
@@ -285,12 +294,12 @@ bool Table::reportWords() {
     if (reportedForRow(words))
         return true;
     std::size_t without = 0, blank = 0, repeated = 0;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
+    for (std::size_t i = 0; i < stand.wanted.size(); ++i) {
         without += text(i).find_first_of("0123456789") == std::string_view::npos ? 1U : 0U;
         blank += text(i).empty() ? 1U : 0U;
         repeated += text(i) == wanted[i] ? 1U : 0U;
     }
-    const auto most = [&](std::size_t cells) { return 2 * cells > columns.size(); };
+    const auto most = [&](std::size_t cells) { return 2 * cells > stand.wanted.size(); };
     if (!said.empty() || !most(std::max(without, repeated)))
         return false;
     reportRow("a row of numbers",
@@ -365,7 +374,8 @@ std::optional<std::size_t> Table::find(std::string_view columnName) const {
     return static_cast<std::size_t>(place - names.begin());
 }
 
-bool Table::numberAt(std::size_t place, double& value) const {
+bool Table::numberAt(std::size_t column, double& value) const {
+    const std::size_t place = placeOf(column);
     return place < csv.cells().size() && numberOf(csv.cells()[place], value);
 }
 
@@ -380,8 +390,8 @@ bool Table::numberOf(std::string_view cell, double& value) const {
 }
 
 void Table::appendCarriedNames(std::string& out) const {
-    for (const std::size_t place : carried) {
-        appendCell(out, names[place]);
+    for (const std::size_t place : stand.carried) {
+        appendAsItStands(out, names[place]);
         out.push_back(separator());
     }
 }
@@ -389,19 +399,31 @@ void Table::appendCarriedNames(std::string& out) const {
 void Table::appendCarriedCells(std::string& out) const {
     const auto& cells = csv.cells();
     if (cells.size() == names.size() && csv.quotesClosed() && !csv.quotesInside() && !tooLong()) {
-        for (const auto& [first, last] : carriedRuns)
+        for (const auto& [first, last] : stand.carriedRuns)
             out.append(cells[first].data(), cells[last].data() + cells[last].size())
                 .push_back(separator());
         return;
     }
     const std::size_t whole = cells.size() - (tooLong() ? 1 : 0);
-    for (const std::size_t place : carried) {
+    for (const std::size_t place : stand.carried) {
         if (place + 1 == whole && !csv.quotesClosed())
-            appendQuoted(out, cells[place]);
+            appendInQuotes(out, cells[place]);
         else if (place < whole)
-            appendCell(out, cells[place]);
+            appendAsItStands(out, cells[place]);
         out.push_back(separator());
     }
+}
+
+std::vector<std::string> Table::carriedNames() const {
+    std::vector<std::string> plain;
+    for (const std::size_t place : stand.carried)
+        plain.push_back(unquoted(names[place]));
+    return plain;
+}
+
+std::string_view Table::carriedCell(std::size_t i) const {
+    const std::size_t whole = csv.cells().size() - (tooLong() ? 1 : 0);
+    return stand.carried[i] < whole ? csv.cells()[stand.carried[i]] : std::string_view{};
 }
 
 void Table::appendNumber(std::string& out, double value) const {

@@ -39,9 +39,23 @@ public:
     // message of a name that is no UTF-8 is a warning.
     bool readHeader(std::span<const std::string_view> reserved);
 
-    // False, and a message at its row of names, when another table has not the same names and
-    // separators in the same order.
-    bool hasColumnsOf(const Table& other, std::string_view otherName);
+    // False, and a message at its row of names, when another table has not the same names, in any
+    // order, and separators. Else places are from now on the other's, and columns are carried in
+    // its order.
+    bool followColumnsOf(const Table& other, std::string_view otherName);
+
+    // Where columns stand in the cells of a row.
+    struct Places {
+        std::vector<std::size_t> wanted; // each that was asked for
+        std::vector<std::size_t> carried;
+        // The same as runs of columns side by side: the first and the last of each.
+        std::vector<std::pair<std::size_t, std::size_t>> carriedRuns;
+        std::vector<std::size_t> moved; // each of the table that is followed; empty: where it was
+
+        void findRuns();
+    };
+    const Places& places() const { return stand; }
+    void take(const Places& ofTable) { stand = ofTable; }
 
     // False at the end of the block. Blank rows are passed over.
     bool nextRow() {
@@ -69,7 +83,7 @@ public:
     bool repeatsNames() const;
 
     // The text of the i-th column that was asked for, in a row that checkRow has passed.
-    std::string_view text(std::size_t i) const { return cellText(csv.cells()[columns[i]]); }
+    std::string_view text(std::size_t i) const { return cellText(csv.cells()[stand.wanted[i]]); }
 
     // False, and a message, when the cell is no finite number that the type holds.
     template <typename Number>
@@ -80,17 +94,21 @@ public:
 
     // The place of a carried column in a row's cells; the cell there is empty in a row too short.
     std::optional<std::size_t> find(std::string_view columnName) const;
-    std::string_view cell(std::size_t place) const {
+    std::string_view cell(std::size_t column) const {
+        const std::size_t place = placeOf(column);
         return place < csv.cells().size() ? cellText(csv.cells()[place]) : std::string_view{};
     }
 
     // False when such a cell is no finite number; nothing is reported.
-    bool numberAt(std::size_t place, double& value) const;
+    bool numberAt(std::size_t column, double& value) const;
     // The same of such a cell's text.
     bool numberOf(std::string_view cell, double& value) const;
 
     void appendCarriedNames(std::string& out) const; // each with a separator behind it
     void appendCarriedCells(std::string& out) const;
+    // The same one by one: plain names, and cells as they stand, empty where a row is too short.
+    std::vector<std::string> carriedNames() const;
+    std::string_view carriedCell(std::size_t i) const;
 
     // The separator and the decimal mark are those of the table's own numbers.
     void appendNumber(std::string& out, double value) const;
@@ -98,7 +116,7 @@ public:
     // Reports at the i-th column that was asked for.
     void report(std::size_t i, std::string_view expected, std::string_view found,
                 std::string_view kind) {
-        reportAt(columns[i], expected, found, kind);
+        reportAt(stand.wanted[i], expected, found, kind);
     }
     // Reports at the start of the row.
     void reportRow(std::string_view expected, std::string_view found, std::string_view kind) {
@@ -115,6 +133,9 @@ public:
     std::string_view rest() const { return csv.rest(); } // of the block, behind the row
 
 private:
+    std::size_t placeOf(std::size_t column) const {
+        return stand.moved.empty() ? column : stand.moved[column];
+    }
     // The reader has cut the row.
     bool tooLong() const {
         return csv.text().size() > longestLine + (csv.text().ends_with('\r') ? 1 : 0);
@@ -149,11 +170,8 @@ private:
     std::size_t blanks = 0;
     std::vector<std::string_view> asked;  // for these columns
     std::vector<std::string_view> wanted; // as the table names them
-    std::vector<std::size_t> columns;     // where each wanted column stands
     std::vector<std::string> names;       // raw text of all
-    std::vector<std::size_t> carried;
-    // The same as runs of columns side by side: the first and the last of each.
-    std::vector<std::pair<std::size_t, std::size_t>> carriedRuns;
+    Places stand;
 };
 
 template <typename Number>
@@ -190,7 +208,7 @@ bool Table::readPlainNumber(std::string_view cell, Number& value) const {
 
 template <typename Number>
 bool Table::readNumber(std::size_t i, Number& value) {
-    return readPlainNumber(csv.cells()[columns[i]], value) || readOrReport(i, value);
+    return readPlainNumber(csv.cells()[stand.wanted[i]], value) || readOrReport(i, value);
 }
 
 template <typename Number>

@@ -19,6 +19,7 @@ struct TableFormat {
     std::string columnsFile;               // with more of them, where there is one
     std::vector<std::string_view> columns; // that can have another name
     bool keepAll = false;                  // the columns that are read are carried, too
+    bool keepNone = false;                 // no column is
     bool hasOptions = false;               // --decimal-comma and --column, which messages name
     std::size_t mostMessages = 20;         // about rows
     std::size_t blockBytes = 1 << 14;      // read at once; not for users

@@ -63,8 +63,8 @@ bool TableInput::open(const std::string& file, std::span<const std::string_view>
     return false;
 }
 
-bool TableInput::hasColumnsOf(const TableInput& first, std::ostream& err) {
-    if (rows.hasColumnsOf(first.rows, first.name()))
+bool TableInput::followColumnsOf(const TableInput& first, std::ostream& err) {
+    if (rows.followColumnsOf(first.rows, first.name()))
         return true;
     show(rows.messages(), err);
     return false;

@@ -44,8 +44,9 @@ public:
     // not written; shows how many messages were too many.
     bool finish(const MessageLimit& limit, Output& output, std::ostream& err) const;
 
-    // False, and a message, when the names are not the same in the same order.
-    bool hasColumnsOf(const TableInput& first, std::ostream& err);
+    // False, and a message, when the names are not the same. The table then has the first one's
+    // order.
+    bool followColumnsOf(const TableInput& first, std::ostream& err);
 
     // False, and a message, when a column is missing that is said to have another name; also one
     // that can be missing.

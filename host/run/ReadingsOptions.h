@@ -29,6 +29,9 @@ struct ReadingsOptions {
     std::string referenceFile;
     std::size_t jobs = 0; // threads; 0: as many as there are processors, for files
     bool quiet = false;   // no progress, of the summary the counts alone
+    // What the output and the summary have no use for is not computed.
+    bool withMatrix = true;
+    bool withUncertainty = true; // of the angles, where the readings' is given
 
     // The local frame counts only where the mount mode knows frames.
     bool inLocalFrame(int mountMode) const { return localFrame && !reportsOwnMatrix(mountMode); }

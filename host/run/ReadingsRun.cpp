@@ -49,6 +49,8 @@ void ReadingsRun::work(RowBatch& batch, RowRunner& runner, Table& cursor,
                        const Prepare& prepare) const {
     batch.count = 0;
     batch.text.clear();
+    if (inputs.recording().hasSeveral())
+        cursor.take(inputs.recording().places(batch.block.table));
     cursor.start(batch.block);
     std::string_view timeText;
     while (cursor.nextRow()) {

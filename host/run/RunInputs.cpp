@@ -27,7 +27,8 @@ bool RunInputs::open(std::span<const std::string_view> results, InputFacts* fact
     F_VECTOR4 levelLimits{};
     parameters.GetKIVLevelLimits(levelLimits);
     runner.emplace(sensor, levelLimits, given.ofReadings,
-                   given.calibration ? &given.calibration->calibration : nullptr);
+                   given.calibration ? &given.calibration->calibration : nullptr,
+                   options.withMatrix, options.withUncertainty);
     if (!tables.open(results, facts ? &facts->readings : nullptr)
         || !tables.first().hasRenamedColumns(streams.err) || !referenceReadable()
         || !takeReference(options, *runner, streams, reference,

@@ -17,7 +17,8 @@ bool RunOutputs::open(bool outputIsOneText) {
     totals.addCutRows(reference.mayBeCut ? 1 : 0);
     watch.emplace(inputs.record(), inputs.time().column());
     const auto& [ofReadings, calibration] = inputs.uncertainties();
-    totals.expect(ofReadings.has_value(), calibration.has_value());
+    if (options.withUncertainty)
+        totals.expect(ofReadings.has_value(), calibration.has_value());
     // An earlier summary must not be left beside new results.
     return (options.summary.empty() || writtenSummary.openWhole(options.summary, streams))
            && (outputIsOneText ? written.openWhole(options.output, streams)
