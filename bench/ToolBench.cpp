@@ -1,5 +1,5 @@
 // kiv run, less its updates with trust (SensorBench.cpp), against the conversions of its numbers
-// alone.
+// alone; and of angles and trust alone against the whole row.
 
 #include <charconv>
 #include <fstream>
@@ -31,7 +31,7 @@ Cells cellsOf(const KIV_RAWINFO& raw) {
     return cells;
 }
 
-void run(benchmark::State& state, int mode) {
+void run(benchmark::State& state, int mode, const std::vector<const char*>& more = {}) {
     const std::string parameters = parameterFile(mode), readings = parameters + ".readings.csv";
     {
         std::ofstream file(readings, std::ios::binary);
@@ -44,12 +44,13 @@ void run(benchmark::State& state, int mode) {
             file << ",0\n";
         }
     }
-    const char* const command[] = {
+    std::vector<const char*> command{
         "kiv", "run", "-q", "-j", "1", parameters.c_str(), readings.c_str(), "-o", "/dev/null"};
+    command.insert(command.end(), more.begin(), more.end());
     std::istringstream in;
     std::ostringstream out;
     for (auto _ : state)
-        if (host::runTool(static_cast<int>(std::size(command)), command, {in, out, out})
+        if (host::runTool(static_cast<int>(command.size()), command.data(), {in, out, out})
             != host::allGood)
             state.SkipWithError(out.str().c_str());
     countItems(state, rowCount);
@@ -94,6 +95,11 @@ void numbers(benchmark::State& state, int mode) {
         const std::string name = "kiv run, a row in mode " + std::to_string(mode);
         add(name + "|library", [=](benchmark::State& s) { run(s, mode); });
         add(name + "|its numbers alone", [=](benchmark::State& s) { numbers(s, mode); });
+        const std::string chosen = "kiv run, angles and trust, mode " + std::to_string(mode);
+        add(chosen + "|library", [=](benchmark::State& s) {
+            run(s, mode, {"--results", "angles,trust"});
+        });
+        add(chosen + "|whole row", [=](benchmark::State& s) { run(s, mode); });
     }
     return true;
 }();

@@ -29,6 +29,7 @@ const std::vector<std::vector<std::string>> floors{
     {"host/run", "host/mistakes"},
     {"host/poses", "host/calibration"},
     {"host/report", "host/check", "host/verify"},
+    {"host/compare"},
     {"host/commands"},
     {"host/commandline"},
 };

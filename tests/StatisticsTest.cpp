@@ -1,12 +1,15 @@
 #include "host/summary/Statistics.h"
 
 #include <cmath>
+#include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "host/base/Distributions.h"
+#include "host/summary/AllanDeviation.h"
+#include "host/summary/Drift.h"
 #include "host/summary/Quantile.h"
 #include "host/summary/SpareReadings.h"
 
@@ -88,6 +91,30 @@ TEST(Distributions, QuantilesAndTheirProbabilities) {
         EXPECT_NEAR(quantile(row.probability, row.degrees) / row.value, 1, 1e-9) << row.value;
         EXPECT_NEAR(probability(row.value, row.degrees), row.probability, 1e-9) << row.value;
     }
+}
+
+// White noise, on which a line lies: one in ten thousand of the slope's uncertainties would be this
+// far off.
+TEST(Drift, FindsALineAndItsUncertaintyUnderNoise) {
+    std::mt19937 random(1);
+    std::normal_distribution<double> noise(0, 0.01);
+    kiv::host::Drift drift;
+    kiv::host::AllanDeviation allan;
+    for (int i = 0; i < 7200; ++i) {
+        const double hours = i / 3600.0;
+        drift.add(hours, 0.02 * hours + noise(random), 20 + hours);
+        allan.add(noise(random));
+    }
+    const auto found = drift.figures();
+    ASSERT_TRUE(found);
+    const double expected = 0.01 / std::sqrt(7200 * 4 / 12.0);
+    EXPECT_NEAR(found->slope, 0.02, 4 * expected);
+    EXPECT_NEAR(found->uncertainty / expected, 1, 0.35);
+    EXPECT_NEAR(*found->withTemperature, 0.755, 0.03);
+    for (const auto& [values, deviation] : allan.points())
+        if (values <= 64) {
+            EXPECT_NEAR(deviation * std::sqrt(static_cast<double>(values)), 0.01, 0.0015) << values;
+        }
 }
 
 // Values of a mean and a spread to both sides, with what the uncertainties expect of each.

@@ -131,6 +131,7 @@ CommandLine::CommandLine() : app("", "kiv") {
     addRun();
     addPoses();
     addReport();
+    addCompare();
     addSimulate();
     addHome();
     addCalibrate();
@@ -195,12 +196,11 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
 
 void CommandLine::addKeep(CLI::App& command, TableFormat& format) {
     command
-        .add_option_function<std::string>(
-            "--keep",
-            [&format](const std::string& kept) {
-                format.keepAll = kept == "all";
-                format.keepNone = kept == "none";
-            })
+        .add_option_function<std::string>("--keep",
+                                          [&format](const std::string& kept) {
+                                              format.keepAll = kept == "all";
+                                              format.keepNone = kept == "none";
+                                          })
         ->check(oneOf({"others", "all", "none"}));
 }
 
@@ -215,25 +215,30 @@ void CommandLine::addRowFormat(CLI::App& command, RowFormat& format) {
         ->check(oneOf({"csv", "jsonl"}));
 }
 
-// The readings' own option.
-void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
-    addFile(command, "parameter_file", options.parameterFile)->required();
-    addFile(command, "readings", options.readings)->required();
-    addFile(command, "-o,--output", options.output)->capture_default_str();
+// How tables of readings are read and run.
+void CommandLine::addRecording(CLI::App& command, ReadingsOptions& options) {
     command
         .add_option_function<std::string>(
             "--frame",
             [&options](const std::string& frame) { options.localFrame = frame == "local"; })
         ->check(oneOf({"machine", "local"}));
     addTable(command, options.format, columnsOfReadings());
-    addFile(command, "--summary", options.summary);
-    command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
-    command.add_flag("--strict", options.strict);
-    command.add_flag("-q,--quiet", options.quiet);
     addCount<std::size_t>(command, "-j,--jobs", options.jobs, 1, mostJobs);
     CLI::Option* line =
         addCount<std::size_t>(command, "--reference-line", options.referenceLine, 2, mostRows);
     addFile(command, "--reference", options.referenceFile)->excludes(line);
+}
+
+// The readings' own options.
+void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
+    addFile(command, "parameter_file", options.parameterFile)->required();
+    addFile(command, "readings", options.readings)->required();
+    addFile(command, "-o,--output", options.output)->capture_default_str();
+    addRecording(command, options);
+    addFile(command, "--summary", options.summary);
+    command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
+    command.add_flag("--strict", options.strict);
+    command.add_flag("-q,--quiet", options.quiet);
 }
 
 // Each as the noise of simulate.
@@ -301,10 +306,35 @@ void CommandLine::addReport() {
     command.add_option("--length-unit", report.lengthUnit)->check(shownText);
 }
 
+void CommandLine::addCompare() {
+    CLI::App& command = add("compare", [this](const Streams& s) {
+        return readColumnNames(compare.readings.format, s) ? compareResults(compare, s) : unusable;
+    });
+    addFile(command, "tables", compare.tables)->required();
+    CLI::Option* parameters =
+        addFile(command, "--parameters", compare.parameters)->expected(2)->allow_extra_args(false);
+    command.add_option("--join", compare.join)
+        ->excludes(parameters)
+        ->check(shownText)
+        ->capture_default_str();
+    addFile(command, "-o,--output", compare.output);
+    addRowFormat(command, compare.rowFormat);
+    addFile(command, "--summary", compare.summary);
+    addFile(command, "--report", compare.report);
+    command.add_option("--tolerance", compare.tolerance)->check(numberFrom(0, 180));
+    addRecording(command, compare.readings);
+    addUncertainties(command, compare.readings);
+    for (const char* ofReadings :
+         {"--column", "--columns", "--jobs", "--reference-line", "--reference", "--uncertainties",
+          "--u-vector", "--u-encoder", "--u-level", "--u-temperature"})
+        command.get_option(ofReadings)->needs(parameters);
+}
+
 void CommandLine::startedAs(int argc, const char* const* argv) {
     report.commandLine = "kiv";
     for (int i = 1; i < argc; ++i)
         report.commandLine += ' ' + shellWord(argv[i]);
+    compare.commandLine = report.commandLine;
 }
 
 void CommandLine::addSimulate() {

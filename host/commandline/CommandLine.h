@@ -8,6 +8,7 @@
 
 #include "host/commands/Calibrate.h"
 #include "host/commands/Check.h"
+#include "host/commands/Compare.h"
 #include "host/commands/Home.h"
 #include "host/commands/Info.h"
 #include "host/commands/Poses.h"
@@ -42,11 +43,13 @@ private:
                   const std::vector<std::string_view>& columns);
     void addKeep(CLI::App& command, TableFormat& format);
     void addRowFormat(CLI::App& command, RowFormat& format);
+    void addRecording(CLI::App& command, ReadingsOptions& options);
     void addReadings(CLI::App& command, ReadingsOptions& options);
     void addUncertainties(CLI::App& command, std::optional<Uncertainties>& given);
     void addRun();
     void addPoses();
     void addReport();
+    void addCompare();
     void addSimulate();
     void addHome();
     void addCalibrate();
@@ -59,6 +62,7 @@ private:
     RunOptions run;
     PosesOptions stillPoses;
     ReportOptions report;
+    CompareOptions compare;
     SimulateOptions simulate;
     HomeOptions home;
     CalibrateOptions calibrate;

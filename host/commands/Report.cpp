@@ -2,28 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstdlib>
-#include <ctime>
 #include <ostream>
 
 #include "host/base/Interrupt.h"
 #include "host/parameters/ParameterFile.h"
+#include "host/report/Page.h"
 #include "host/report/ReportPage.h"
 #include "host/run/ReadingsRun.h"
-#include "support/Numbers.h"
 
 namespace kiv::host {
 
 namespace {
-
-// Now, or the moment that a build or a test which has to be the same again asks for.
-std::string timeOfRun() {
-    const char* fixed = std::getenv("SOURCE_DATE_EPOCH");
-    const auto asked = fixed ? numberIn<std::uint32_t>(fixed) : std::nullopt;
-    const std::time_t now = std::time(nullptr);
-    return timeStampText({asked ? *asked : static_cast<double>(now), true});
-}
 
 // A row's messages without the place in front that they share, and without their own.
 NoResult noResult(const ComputedRow& row, const std::string& fileName) {
@@ -118,7 +107,7 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
         return unusable;
     }
     ReportContent content;
-    content.time = timeOfRun();
+    content.time = timeOfPage();
     ReadingsRun run(options, streams);
     if (!run.open({}, &content.facts))
         return unusable;
@@ -153,6 +142,7 @@ int reportReadings(const ReportOptions& options, const Streams& streams) {
                                          : "the run was interrupted";
     content.summary = run.summary();
     content.witnesses.assign(run.witnesses().begin(), run.witnesses().end());
+    content.drift = run.drift();
     run.output().text() = reportPage(content);
     return run.finish();
 }

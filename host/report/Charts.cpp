@@ -1,4 +1,5 @@
 #include "host/report/Html.h"
+#include "host/report/Page.h"
 #include "host/report/Sections.h"
 
 namespace kiv::host {
@@ -43,12 +44,7 @@ void appendCharts(std::string& html, const ReportContent& content) {
     for (const Chart& chart : charts) {
         if (!content.has(chart))
             continue;
-        html.append("<figure id=\"").append(chart.id).append("\">\n<figcaption>");
-        html.append(chart.title)
-            .append(unitText(chart.unit, content))
-            .append("</figcaption>\n<div class=\"keys\"></div>\n");
-        html.append("<div class=\"plot\" role=\"img\" aria-label=\"").append(chart.title);
-        html.append("\"></div>\n<canvas class=\"strip\"></canvas>\n</figure>\n");
+        appendFigure(html, chart.id, chart.title, unitText(chart.unit, content));
     }
     html += "</section>\n";
 }

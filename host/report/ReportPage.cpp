@@ -2,42 +2,10 @@
 
 #include <algorithm>
 
-#include "host/base/Embedded.h"
-#include "host/report/Html.h"
+#include "host/report/Page.h"
 #include "host/report/Sections.h"
 
 namespace kiv::host {
-
-namespace {
-
-void appendHead(std::string& html, const ReportContent& content) {
-    html += "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-            "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-            "script-src 'unsafe-inline'; style-src 'unsafe-inline'\">\n"
-            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-            "<meta name=\"color-scheme\" content=\"light dark\">\n<title>";
-    appendEscaped(html, content.title.empty() ? "KIV sensor " + std::to_string(content.sensorId)
-                                                    + ": " + content.readings
-                                              : content.title);
-    html.append("</title>\n<style>\n").append(embedded::dygraphsStyle());
-    html.append(embedded::pageStyle()).append("</style>\n</head>\n<body>\n<main>\n");
-}
-
-void appendFoot(std::string& html, const ReportContent& content) {
-    html += "</main>\n<footer>\n<details><summary>The charts are drawn by dygraphs; its licence"
-            "</summary>\n<pre>";
-    appendEscaped(html, embedded::dygraphsLicence());
-    html += "</pre></details>\n</footer>\n<script type=\"application/json\" id=\"data\">";
-    appendChartData(html, content);
-    html.append("</script>\n<script>\n").append(embedded::dygraphsScript());
-    html.append("\n</script>\n<script>\n\"use strict\";\n").append(embedded::rowsScript());
-    html.append(embedded::bandsScript())
-        .append(embedded::marksScript())
-        .append(embedded::pageScript());
-    html += "</script>\n</body>\n</html>\n";
-}
-
-} // namespace
 
 bool join(Doubt& doubt, const Doubt& next) {
     if (doubt.trust != next.trust)
@@ -71,7 +39,9 @@ bool ReportContent::has(const Chart& chart) const {
 
 std::string reportPage(const ReportContent& content) {
     std::string html;
-    appendHead(html, content);
+    appendPageHead(html, content.title.empty() ? "KIV sensor " + std::to_string(content.sensorId)
+                                                     + ": " + content.readings
+                                               : content.title);
     appendHeading(html, content);
     html += "<div class=\"beside\">\n";
     appendProvenance(html, content);
@@ -83,11 +53,14 @@ std::string reportPage(const ReportContent& content) {
                     [&](const Chart& chart) { return content.has(chart); })) {
         appendStatistics(html, content);
         appendUncertainty(html, content);
+        appendDrift(html, content);
         appendCharts(html, content);
     }
     appendBadRows(html, content);
     appendDoubtfulRows(html, content);
-    appendFoot(html, content);
+    std::string chartData;
+    appendChartData(chartData, content);
+    appendPageFoot(html, chartData);
     return html;
 }
 

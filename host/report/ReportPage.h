@@ -12,6 +12,7 @@
 #include "host/report/Quantities.h"
 #include "host/report/RowRuns.h"
 #include "host/report/TimeAxis.h"
+#include "host/summary/RecordingDrift.h"
 #include "host/summary/Summary.h"
 #include "host/summary/UncertaintyBudget.h"
 #include "host/witnesses/Witness.h"
@@ -50,6 +51,7 @@ struct ReportContent {
 
     Summary summary;
     std::vector<Witness> witnesses;
+    RecordingDrift drift;
     // The statistics that the summary does not have.
     std::array<Statistics, quantityCount> ofReadings = [] {
         std::array<Statistics, quantityCount> all;

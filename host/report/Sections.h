@@ -14,6 +14,7 @@ void appendRowCounts(std::string& html, const ReportContent& content);
 void appendSpareReading(std::string& html, const ReportContent& content);
 void appendWitnesses(std::string& html, const ReportContent& content);
 void appendStatistics(std::string& html, const ReportContent& content);
+void appendDrift(std::string& html, const ReportContent& content);
 void appendUncertainty(std::string& html, const ReportContent& content);
 void appendCharts(std::string& html, const ReportContent& content);
 void appendBadRows(std::string& html, const ReportContent& content);

@@ -34,10 +34,12 @@ public:
         return givenUncertainties().ofReadings || givenUncertainties().calibration;
     }
     bool localFrame() const { return inputs.localFrame(); }
+    const GivenReference& givenReference() const { return inputs.givenReference(); }
     std::string name() const { return inputs.recording().name(); }
     const Table& table() const { return inputs.recording().table(); } // for its columns
     Output& output() { return outputs.output(); }
     const Summary& summary() const { return outputs.summary(); }
+    const RecordingDrift& drift() const { return outputs.drift(); }
     std::span<const Witness> witnesses() const { return outputs.witnesses(); } // at the rows' end
     bool brokenOff() const { return outputs.brokenOff(); } // reading, before the end
 

@@ -36,10 +36,12 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
         limit.take(row.messages);
         totals.add(row.result, row.line, row.truth,
                    inputs.recording().hasSeveral() ? block.name : std::string_view());
-        watch->add(row.result, {.table = row.table,
-                                .line = row.line,
-                                .time = row.time ? std::optional(row.time->seconds) : std::nullopt,
-                                .namesAgain = row.namesAgain});
+        const auto seconds = row.time ? std::optional(row.time->seconds) : std::nullopt;
+        if (followsDrift)
+            slow.add(row.result, row.truth, seconds);
+        watch->add(
+            row.result,
+            {.table = row.table, .line = row.line, .time = seconds, .namesAgain = row.namesAgain});
         textEnd = row.textEnd;
         blankRows = row.blankRows;
         goOn = take(row);
@@ -58,7 +60,7 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
 }
 
 bool RunOutputs::writeSummary() {
-    writtenSummary.text() = summaryText(totals, witnesses(), options, inputs.mountMode(),
+    writtenSummary.text() = summaryText(totals, witnesses(), slow, options, inputs.mountMode(),
                                         inputs.uncertainties(), ofSubcommand);
     return writtenSummary.finish(streams.err);
 }

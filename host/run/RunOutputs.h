@@ -7,6 +7,7 @@
 #include "host/base/MessageLimit.h"
 #include "host/run/ComputedRow.h"
 #include "host/run/RunInputs.h"
+#include "host/summary/RecordingDrift.h"
 #include "host/summary/Summary.h"
 #include "host/witnesses/Witnesses.h"
 
@@ -20,7 +21,7 @@ public:
     RunOutputs(const ReadingsOptions& asked, const RunInputs& opened, const Streams& own,
                bool withQuantiles)
         : options(asked), inputs(opened), streams(own), limit(asked.format.mostMessages, own.err),
-          totals(withQuantiles) {}
+          totals(withQuantiles), followsDrift(withQuantiles) {}
 
     // False, and a message, when one cannot be written. The output is one text, or rows that are
     // there as they come.
@@ -30,6 +31,7 @@ public:
     const Summary& summary() const { return totals; }
     std::span<const Witness> witnesses() const { return watch->found(); } // at the rows' end
     bool brokenOff() const { return broken; }                             // reading, before the end
+    const RecordingDrift& drift() const { return slow; } // with the residuals' figures alone
 
     // Takes one row after the other; false ends the run behind it.
     using Take = std::function<bool(const ComputedRow&)>;
@@ -61,6 +63,8 @@ private:
     Output written;
     Output writtenSummary;
     Summary totals;
+    bool followsDrift;
+    RecordingDrift slow;
     std::optional<Witnesses> watch; // once it is open
     std::string ofSubcommand;       // a JSON object for the summary's end, where there is one
     bool broken = false;            // reading

@@ -61,6 +61,34 @@ Json spareOf(const SpareReadings& spare) {
             {"largest_line", spare.largestLine()}};
 }
 
+Json driftOf(const RecordingDrift& drift, int mountMode) {
+    const auto known = [](const std::optional<double>& value) {
+        return value ? Json(*value) : Json();
+    };
+    Json all{{"still", drift.still()}, {"of", Json()}};
+    for (std::size_t i = 0; i < angleNames.size(); ++i) {
+        Json& angle = all[angleNames[i]];
+        const auto line = drift.of(i);
+        if (!line)
+            continue;
+        all["of"] = drift.hasTruth() ? "residuals" : "angles";
+        angle = {{"slope_deg_per_h", line->slope},
+                 {"u_slope_deg_per_h", line->uncertainty},
+                 {"correlation_with_temperature", known(line->withTemperature)}};
+    }
+    const bool levelX = reads(principleOf(mountMode), Source::levelX);
+    all["u_encoder"] = known(drift.encoderNoise());
+    all["u_level"] = known(drift.levelNoise(levelX));
+    all["step_s"] = known(drift.step());
+    Json& allan = all["allan_deviations"];
+    constexpr std::array<const char*, 4> names{"azimuth_deg", "elevation_deg", "level_x",
+                                               "level_y"};
+    for (std::size_t i = 0; drift.still() && i < names.size(); ++i)
+        for (const auto& [values, deviation] : drift.reading(i).points())
+            allan[names[i]].push_back({values, deviation});
+    return all;
+}
+
 // As --uncertainties takes them; those of 0 are left out.
 Json uncertaintiesOf(const std::optional<Uncertainties>& given, int mountMode) {
     if (!given)
@@ -88,7 +116,7 @@ Json calibrationOf(const std::optional<CalibrationResult>& given, const Summary&
 } // namespace
 
 std::string summaryText(const Summary& summary, std::span<const Witness> witnesses,
-                        const ReadingsOptions& options, int mountMode,
+                        const RecordingDrift& drift, const ReadingsOptions& options, int mountMode,
                         const GivenUncertainties& uncertainties, const std::string& lastMembers) {
     const auto& [ofReadings, calibration] = uncertainties;
     Json states, reasons, trust, angles, residuals;
@@ -130,6 +158,7 @@ std::string summaryText(const Summary& summary, std::span<const Witness> witness
         {"reference_line", known ? Json(summary.referenceLine()) : Json()},
         {"reference_trust", known ? Json(wordOf(summary.referenceTrust())) : Json()},
         {"spare_reading", spareOf(summary.spareReadings())},
+        {"drift", driftOf(drift, mountMode)},
         {"witnesses", jsonOf(witnesses, options.readings)},
         {"angles", angles},
         {"compared_rows", summary.compared()},

@@ -5,6 +5,7 @@
 
 #include "host/run/ReadingsOptions.h"
 #include "host/run/UncertaintyFile.h"
+#include "host/summary/RecordingDrift.h"
 #include "host/summary/Summary.h"
 #include "host/witnesses/Witness.h"
 
@@ -14,7 +15,7 @@ namespace kiv::host {
 // uncertainties are those of the options or of their file, the last members those of another
 // object, where its text is not empty.
 std::string summaryText(const Summary& summary, std::span<const Witness> witnesses,
-                        const ReadingsOptions& options, int mountMode,
+                        const RecordingDrift& drift, const ReadingsOptions& options, int mountMode,
                         const GivenUncertainties& uncertainties, const std::string& lastMembers);
 
 } // namespace kiv::host

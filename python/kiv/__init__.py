@@ -15,6 +15,7 @@
 
 from . import _library
 from ._columns import State, Trust
+from ._compare import Comparison, compare
 from ._poses import poses
 from ._rows import Result
 from .errors import Error, Fault, FileError, ParameterFileError, ParameterFileWarning, ReadingsError
@@ -24,6 +25,7 @@ from .sensor import Frame, Sensor
 __version__: str = _library.version() or ""
 
 __all__ = [
+    "Comparison",
     "Error",
     "Fault",
     "FileError",
@@ -36,5 +38,6 @@ __all__ = [
     "Sensor",
     "State",
     "Trust",
+    "compare",
     "poses",
 ]

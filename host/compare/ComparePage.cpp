@@ -1,0 +1,156 @@
+#include "host/compare/ComparePage.h"
+
+#include <array>
+#include <cmath>
+#include <iterator>
+
+#include "host/report/ChartSeries.h"
+#include "host/report/Html.h"
+#include "host/report/Page.h"
+#include "support/Numbers.h"
+#include "support/VersionText.h"
+
+namespace kiv::host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* angleNames[] = {"rx", "ry", "rz"};
+
+void appendVerdict(std::string& html, const ComparePage& content, const Comparison& figures) {
+    const double largest = figures.angle().largest;
+    const bool close = figures.rows() > 0 && (!content.tolerance || largest <= *content.tolerance);
+    html.append("<p class=\"verdict ").append(close ? "good" : "bad").append("\">");
+    html += rowsText(figures.rows()) + " compared";
+    if (figures.rows() > 0)
+        html += "; the largest turn is " + degreesText(largest) + " degrees, in "
+                + escaped(figures.angle().place);
+    if (content.tolerance)
+        html += "; allowed are " + shown(*content.tolerance);
+    html += "</p>\n";
+}
+
+void appendFacts(std::string& html, const ComparePage& content, const Comparison& figures,
+                 const ComparisonNames& names) {
+    const auto line = [&](const std::string& heading, const std::string& cell) {
+        appendTableRow(html, heading, {cell}, "text");
+    };
+    html += "<section>\n<h2>What was compared</h2>\n<table class=\"facts\">\n";
+    line("Compared at", escaped(timeOfPage()));
+    line("Command", code(content.commandLine));
+    for (const ComparePage::Input& input : content.inputs) {
+        line(input.role, code(input.name));
+        line("SHA-256",
+             input.digest.empty() ? "none, as it was not read to its end" : code(input.digest));
+    }
+    line("Rows joined by", escaped(names.join));
+    line("Convention", names.localFrame ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx), local frame"
+                                        : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)");
+    line("Only in the first", rowsText(figures.onlyInFirst()));
+    line("Only in the second", rowsText(figures.onlyInSecond()));
+    line("Software", std::string("kiv ") + versionText);
+    html += "</table>\n</section>\n";
+}
+
+void appendFigures(std::string& html, const Comparison& figures) {
+    const std::size_t uncertain = figures.withUncertainty();
+    html += "<section>\n<h2>Differences, the second less the first, degrees</h2>\n<table>\n"
+            "<thead><tr><th>Quantity</th>";
+    for (const char* heading : {"Mean", "Root mean square", "Largest", "In line"})
+        html.append("<th class=\"number\">").append(heading).append("</th>");
+    html += uncertain > 0 ? "<th class=\"number\">Beyond 2u</th></tr></thead>\n<tbody>\n"
+                          : "</tr></thead>\n<tbody>\n";
+    for (std::size_t i = 0; i < 4; ++i) {
+        const Comparison::Figures& each = figures.of(i);
+        const char* name = i < 3 ? angleNames[i] : "angle of the rotation";
+        const std::string mean = degreesText(each.moments.mean),
+                          square = degreesText(each.rootMeanSquare()),
+                          largest = degreesText(each.largest), line = countText(each.line);
+        if (uncertain > 0)
+            appendTableRow(
+                html, name,
+                {mean, square, largest, line,
+                 percentText(static_cast<double>(each.beyond) / static_cast<double>(uncertain))});
+        else
+            appendTableRow(html, name, {mean, square, largest, line});
+    }
+    html += "</tbody>\n</table>\n";
+    if (uncertain > 0)
+        html += "<p class=\"note\">Beyond twice the combined standard uncertainty should be 4.6 % "
+                "of the rows where errors are normal and independent.</p>\n";
+    html += "</section>\n";
+}
+
+std::string chartData(const ComparePage& content, bool uncertain) {
+    const auto chart = [&](const char* id, std::size_t first, std::vector<const char*> names) {
+        Json data{{"id", id}, {"series", Json::array()}};
+        for (std::size_t i = 0; i < names.size(); ++i)
+            data["series"].push_back(chartSeries(content.envelope, first + i, names[i], false));
+        return data;
+    };
+    const std::vector<const char*> three(std::begin(angleNames), std::end(angleNames));
+    Json data{{"x", "pair of rows"},
+              {"dates", false},
+              {"rowsPerBin", content.envelope.rowsPerBin()},
+              {"rows", content.envelope.rows()},
+              {"refused", Json::array()},
+              {"noOrientation", Json::array()},
+              {"notGood", Json::array()},
+              {"charts", Json::array()}};
+    data["charts"].push_back(chart("differences", 0, three));
+    data["charts"].push_back(chart("turns", 3, {"angle"}));
+    if (uncertain) {
+        data["charts"][0]["bands"] = "zero";
+        data["charts"].push_back(chart("uncertainties", 4, three));
+    }
+    return data.dump();
+}
+
+} // namespace
+
+void ComparePage::add(const Difference& difference) {
+    std::array<double, 7> values;
+    values.fill(NAN);
+    for (std::size_t i = 0; i < 3; ++i) {
+        values[i] = difference.angles[i];
+        if (difference.uncertainty)
+            values[4 + i] = (*difference.uncertainty)[i];
+    }
+    values[3] = difference.angle;
+    envelope.addRow(static_cast<double>(envelope.rows() + 1), values);
+}
+
+std::string comparePage(const ComparePage& content, const Comparison& figures,
+                        const ComparisonNames& names) {
+    const std::string title = names.second + " against " + names.first;
+    const bool uncertain = figures.withUncertainty() > 0;
+    std::string html;
+    appendPageHead(html, title);
+    html.append("<h1>").append(escaped(title)).append("</h1>\n");
+    appendVerdict(html, content, figures);
+    appendFacts(html, content, figures, names);
+    if (figures.rows() > 0) {
+        appendFigures(html, figures);
+        html += "<section id=\"charts\">\n<h2>Charts</h2>\n"
+                "<noscript><p class=\"verdict bad\">The charts need JavaScript, the tables do not."
+                "</p></noscript>\n<p class=\"note\">Over the pairs of rows, in their order.";
+        if (const std::size_t perBin = content.envelope.rowsPerBin(); perBin > 1)
+            html += " Each point stands for " + rowsText(perBin)
+                    + ": the line runs through their mean, the band from their least to their "
+                      "largest value.";
+        html += "</p>\n";
+        appendFigure(html, "differences", "Differences of the angles", ", degrees");
+        appendFigure(html, "turns", "Angle of the rotation", ", degrees");
+        if (uncertain)
+            appendFigure(html, "uncertainties", "Combined standard uncertainty", ", degrees");
+        html += "</section>\n";
+    }
+    appendPageFoot(html, figures.rows() > 0
+                             ? chartData(content, uncertain)
+                             : "{\"charts\":[],\"rows\":0,\"rowsPerBin\":1,"
+                               "\"refused\":[],\"noOrientation\":[],\"notGood\":[]}");
+    return html;
+}
+
+} // namespace kiv::host
