@@ -51,9 +51,9 @@ void setUncertainty(AxisFigures& axis, Series series, double rows, bool& lowerBo
     lowerBound = lowerBound || (correlation.evident && independent < fewestIndependent);
 }
 
-// The least-squares line, with the uncertainty of its slope. Where the residuals are correlated
-// over too much of the pose, or rows are few, a drift cannot be told from them.
-void setDrift(AxisFigures& axis, Series series, bool enoughRows) {
+// The least-squares line, with the uncertainty of its slope. False where the residuals are
+// correlated over too much of the pose, so that a drift cannot be told from them.
+bool setDrift(AxisFigures& axis, Series series) {
     takeMean(series.values);
     takeMean(series.seconds);
     double squares = 0, products = 0;
@@ -62,22 +62,21 @@ void setDrift(AxisFigures& axis, Series series, bool enoughRows) {
         products += series.seconds[i] * series.values[i];
     }
     if (!(squares > 0))
-        return;
+        return true;
     const double slope = products / squares;
     for (std::size_t i = 0; i < series.values.size(); ++i)
         series.values[i] -= slope * series.seconds[i];
     const Correlation correlation = correlationOf(series.values, 2);
     const double uncertainty = std::sqrt(correlation.variance * correlation.inflation / squares);
     if (std::isnan(uncertainty))
-        return;
+        return true;
     axis.drift = slope * secondsPerHour;
     axis.driftUncertainty = uncertainty * secondsPerHour;
-    const double independent = static_cast<double>(series.values.size()) / correlation.inflation;
-    const bool canBeTold = enoughRows && (!correlation.evident || independent >= fewestIndependent);
     axis.drifts =
-        canBeTold
-        && 2 * studentProbability(-std::abs(slope) / uncertainty, correlation.degreesOfFreedom)
-               < 1 - driftConfidence;
+        2 * studentProbability(-std::abs(slope) / uncertainty, correlation.degreesOfFreedom)
+        < 1 - driftConfidence;
+    const double independent = static_cast<double>(series.values.size()) / correlation.inflation;
+    return !correlation.evident || independent >= fewestIndependent;
 }
 
 std::optional<Matrix> meanRotation(const PoseRows& rows) {
@@ -130,14 +129,17 @@ PoseFigures figuresOf(const PoseRows& rows, bool localFrame) {
         if (blockEnds)
             seconds = 0;
     }
+    bool driftsCanBeTold = rows.size() >= fewestRows;
     for (std::size_t j = 0; j < 3; ++j) {
         AxisFigures& axis = figures.axes[j];
         axis.deviation = std::sqrt(squares[j] / (count - 1));
         series[j].blocks = count / size;
         setUncertainty(axis, series[j], count, figures.lowerBound);
         if (rows.timed())
-            setDrift(axis, series[j], rows.size() >= fewestRows);
+            driftsCanBeTold = setDrift(axis, series[j]) && driftsCanBeTold;
     }
+    for (AxisFigures& axis : figures.axes)
+        axis.drifts = axis.drifts && driftsCanBeTold;
     return figures;
 }
 
