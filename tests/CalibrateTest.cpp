@@ -1,5 +1,5 @@
-// kiv calibrate finds the values that readings were made with. scripts/calibration has the whole
-// Monte Carlo; these are a few seeds of it.
+// kiv calibrate finds the values that readings were made with. tests/proofs/calibration has the
+// whole Monte Carlo; these are a few seeds of it.
 
 #include <cmath>
 #include <filesystem>
@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "tests/ParameterRecord.h"
 #include "tests/ToolRunner.h"
 
 namespace {
@@ -30,15 +31,12 @@ std::string textIn(const fs::path& file) {
 // readings.
 class Bench {
 public:
-    explicit Bench(int mode) : folder(fs::path(::testing::TempDir()) / "kiv_calibrate") {
-        fs::remove_all(folder);
+    explicit Bench(int mode) : folder(own.path()) {
         for (const char* name : {"true", "old"}) {
             fs::create_directories(folder / name);
             std::ofstream(folder / name / "Tg5.prm") << test::exampleInMode(mode);
         }
     }
-    ~Bench() { fs::remove_all(folder); }
-
     void change(const std::string& from, const std::string& to) {
         std::string text = textIn(old());
         const std::size_t at = text.find(from);
@@ -97,6 +95,7 @@ public:
     json result;
 
 private:
+    test::ParameterFolder own;
     fs::path folder;
 };
 

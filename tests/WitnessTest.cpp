@@ -180,6 +180,8 @@ TEST(Witnesses, AreTheSameOnAnyNumberOfThreadsAndCount) {
     Rows rows(sensor.file, "turn", true);
     rows.change("time_s", 300, 802, [](double t) { return t + 86394.025; });
     rows.change("time_s", 600, 802, [](double t) { return t - 86400; });
+    const std::string soundBut = sensor.folder.path() + "/clock.csv"; // its angles fit
+    std::ofstream(soundBut) << rows.text();
     rows.change("level_x", 400, 401, [](double v) { return v + 5; });
     const std::string table = sensor.folder.path() + "/readings.csv";
     std::ofstream(table) << rows.text();
@@ -199,8 +201,8 @@ TEST(Witnesses, AreTheSameOnAnyNumberOfThreadsAndCount) {
     EXPECT_NE(first.find("\"kind\": \"spike\""), std::string::npos);
     EXPECT_NE(tool({"report", sensor.file, table, "-q"}).out.find("<th scope=\"row\">spike</th>"),
               std::string::npos);
-    EXPECT_EQ(tool({"check", sensor.file, table}).code, 0);
-    EXPECT_EQ(tool({"check", "--strict", sensor.file, table}).code, 1);
+    EXPECT_EQ(tool({"check", sensor.file, soundBut}).code, 0);
+    EXPECT_EQ(tool({"check", "--strict", sensor.file, soundBut}).code, 1);
 }
 
 } // namespace

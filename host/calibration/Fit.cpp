@@ -178,8 +178,8 @@ void RowsFit::addPriors(const Eigen::VectorXd& x, Equations& all) const {
 }
 
 std::optional<Equations> RowsFit::equationsAt(const Eigen::VectorXd& x,
-                                          const Eigen::VectorXd& weightsAt, const PassKind& kind,
-                                          bool quiet) {
+                                              const Eigen::VectorXd& weightsAt,
+                                              const PassKind& kind, bool quiet) {
     const Linearisation linear(model, x, weightsAt);
     const auto each = static_cast<Eigen::Index>(linear.perRow());
     Equations all(model.unknowns());

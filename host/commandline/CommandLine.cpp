@@ -323,8 +323,7 @@ void CommandLine::addCompare() {
     addFile(command, "--report", compare.report);
     command.add_option("--tolerance", compare.tolerance)->check(numberFrom(0, 180));
     addRecording(command, compare.readings);
-    addFile(command, "--uncertainties", compare.readings.uncertaintyFiles)
-        ->allow_extra_args(false);
+    addFile(command, "--uncertainties", compare.readings.uncertaintyFiles)->allow_extra_args(false);
     addUncertainties(command, compare.readings.uncertainties);
     for (const char* ofReadings :
          {"--column", "--columns", "--jobs", "--reference-line", "--reference", "--uncertainties",
