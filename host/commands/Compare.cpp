@@ -58,7 +58,7 @@ public:
 
     void take(const Side& first, const Side& second, std::string_view table, const Cell& key,
               std::string& text) {
-        std::optional<Difference> difference;
+        std::optional<OrientationDifference> difference;
         if (first.orientation && second.orientation) {
             difference = differenceOf(*first.orientation, *second.orientation, names.localFrame);
             figures.add(*difference, first.line, table);
@@ -104,7 +104,7 @@ public:
 
 private:
     void appendRow(const Side& first, const Side& second,
-                   const std::optional<Difference>& difference, const Cell& key,
+                   const std::optional<OrientationDifference>& difference, const Cell& key,
                    std::string& text) const {
         std::vector<Cell> cells;
         if (keyed)

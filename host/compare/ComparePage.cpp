@@ -109,7 +109,7 @@ std::string chartData(const ComparePage& content, bool uncertain) {
 
 } // namespace
 
-void ComparePage::add(const Difference& difference) {
+void ComparePage::add(const OrientationDifference& difference) {
     std::array<double, 7> values;
     values.fill(NAN);
     for (std::size_t i = 0; i < 3; ++i) {

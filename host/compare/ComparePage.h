@@ -23,7 +23,7 @@ struct ComparePage {
     // uncertainties.
     Envelope envelope{7, 4096};
 
-    void add(const Difference& difference);
+    void add(const OrientationDifference& difference);
 };
 
 // The whole page as one HTML file that loads nothing.

@@ -33,7 +33,8 @@ double Comparison::Figures::rootMeanSquare() const {
                      + moments.mean * moments.mean);
 }
 
-void Comparison::add(const Difference& difference, std::size_t line, std::string_view table) {
+void Comparison::add(const OrientationDifference& difference, std::size_t line,
+                     std::string_view table) {
     uncertain += difference.uncertainty ? 1U : 0U;
     for (std::size_t i = 0; i < figures.size(); ++i) {
         Figures& each = figures[i];

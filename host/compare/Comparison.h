@@ -25,7 +25,7 @@ struct ComparisonNames {
 class Comparison {
 public:
     // The line is the first table's, which is named where there are several.
-    void add(const Difference& difference, std::size_t line, std::string_view table);
+    void add(const OrientationDifference& difference, std::size_t line, std::string_view table);
     // A row with angles that have no counterpart.
     void addOnlyInFirst() { ++first; }
     void addOnlyInSecond() { ++second; }

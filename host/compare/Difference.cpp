@@ -44,8 +44,9 @@ std::optional<std::array<double, 3>> combined(const std::optional<std::array<dou
 
 } // namespace
 
-Difference differenceOf(const Orientation& first, const Orientation& second, bool localFrame) {
-    Difference difference;
+OrientationDifference differenceOf(const Orientation& first, const Orientation& second,
+                                   bool localFrame) {
+    OrientationDifference difference;
     for (std::size_t i = 0; i < 3; ++i)
         difference.angles[i] = withinHalfTurn(second.angles[i] - first.angles[i]);
     difference.uncertainty = combined(first.uncertainty, second.uncertainty);
@@ -62,14 +63,14 @@ Difference differenceOf(const Orientation& first, const Orientation& second, boo
     return difference;
 }
 
-bool Difference::isBeyond(std::size_t i) const {
+bool OrientationDifference::isBeyond(std::size_t i) const {
     return uncertainty && std::abs(angles[i]) > 2 * (*uncertainty)[i];
 }
 
 // The square of a small turn is the sum of those of its three parts; that of normal ones which do
 // not depend on each other is about a multiple of chi-squared with fewer degrees of freedom, the
 // more their uncertainties differ. Source: F. E. Satterthwaite, Biometrics Bulletin 2 (1946), 110.
-bool Difference::isBeyondTurn() const {
+bool OrientationDifference::isBeyondTurn() const {
     static const double withinTwo = chiSquaredProbability(4, 1);
     if (!uncertainty)
         return false;

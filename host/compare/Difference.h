@@ -12,7 +12,7 @@ struct Orientation {
 };
 
 // The second of two orientations against the first.
-struct Difference {
+struct OrientationDifference {
     std::array<double, 3> angles{}; // of each angle, degrees, within half a turn
     double angle = 0;               // of the rotation R1^T R2, degrees, 0 to 180
     std::array<double, 3> axis{};   // its unit axis in the first's own frame; zero without a turn
@@ -26,6 +26,7 @@ struct Difference {
 };
 
 // In the local frame the rotation is Rz(rz) Ry(ry) Rx(rx), else Rx(rx) Ry(ry) Rz(rz).
-Difference differenceOf(const Orientation& first, const Orientation& second, bool localFrame);
+OrientationDifference differenceOf(const Orientation& first, const Orientation& second,
+                                   bool localFrame);
 
 } // namespace kiv::host
