@@ -283,6 +283,7 @@ void CommandLine::addPoses() {
     command.get_option("parameter_file")->required(false);
     command.get_option("readings")->required(false);
     addFile(command, "--from", stillPoses.results);
+    addRowFormat(command, stillPoses.rowFormat);
     addFile(command, "--uncertainties", stillPoses.uncertaintyFiles)->allow_extra_args(false);
     addUncertainties(command, stillPoses.uncertainties);
     Grouping& grouping = stillPoses.grouping;

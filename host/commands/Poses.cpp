@@ -20,24 +20,6 @@ namespace kiv::host {
 
 namespace {
 
-std::string cellText(const PoseCell& cell, const Table& table) {
-    std::string text = cell.text;
-    if (cell.number && table.decimalComma())
-        std::replace(text.begin(), text.end(), '.', ',');
-    if (cell.number || text.find_first_of(std::string("\"") + table.separator()) == text.npos)
-        return text;
-    std::string inQuotes = "\"";
-    for (const char c : text)
-        inQuotes.append(c == '"' ? 2 : 1, c);
-    return inQuotes + '"';
-}
-
-void appendRow(std::string& out, const std::vector<PoseCell>& cells, const Table& table) {
-    for (const PoseCell& cell : cells)
-        out.append(cellText(cell, table)).push_back(table.separator());
-    out.back() = '\n';
-}
-
 // The table of poses, and what is said of all of them.
 class PoseOutput {
 public:
@@ -51,6 +33,11 @@ public:
         columns.uncertainties = uncertainties;
         columns.truth = truth;
         header = cellsOf({}, columns);
+        std::vector<std::string_view> names;
+        for (const PoseCell& cell : header)
+            names.push_back(cell.name);
+        decimalComma = table.decimalComma();
+        writer.emplace(RowWriter::Marks{options.rowFormat, table.separator(), decimalComma}, names);
         const Grouping& grouping = options.grouping;
         if (grouping.pause && !RowTime(table).there()) {
             err << name << ":1:1: expected a column time_s or time for --pause, found none\n";
@@ -60,13 +47,18 @@ public:
                && find(table, name, grouping.poseId, "--pose-id", places[1]);
     }
 
-    void appendNames(std::string& out, const Table& table) {
-        for (PoseCell& cell : header)
-            cell = {"", cell.name, false};
-        appendRow(out, header, table);
-    }
-    void append(std::string& out, const Pose& pose, const Table& table) {
-        appendRow(out, cellsOf(pose, columns), table);
+    void appendNames(std::string& out) const { writer->appendNames(out); }
+    void append(std::string& out, const Pose& pose) {
+        std::vector<PoseCell> texts = cellsOf(pose, columns);
+        std::vector<Cell> cells;
+        for (PoseCell& cell : texts) {
+            if (cell.number && decimalComma)
+                std::replace(cell.text.begin(), cell.text.end(), '.', ',');
+            cells.push_back(cell.text.empty() ? Cell()
+                            : cell.number     ? Cell(CarriedText{cell.text})
+                                              : Cell(std::string_view(cell.text)));
+        }
+        writer->append(out, cells);
         summary.add(pose);
     }
     void setCells(const Table& row, ComputedRow& computed) const {
@@ -96,6 +88,8 @@ private:
     std::ostream& err;
     PoseColumns columns;
     std::vector<PoseCell> header;
+    std::optional<RowWriter> writer;
+    bool decimalComma = false;
     std::array<std::optional<std::size_t>, 2> places; // of --by and --pose-id
     PoseSummary summary;
 };
@@ -110,10 +104,9 @@ int ofReadings(const PosesOptions& options, const Streams& streams) {
     if (!run.open({}, nullptr, usableInputs))
         return unusable;
     const Table& table = run.table();
-    poses->appendNames(run.output().text(), table);
-    PoseGathering gathering(
-        options.grouping, givesMatrix(run.mountMode()), run.localFrame(),
-        [&](const Pose& pose) { poses->append(run.output().text(), pose, table); });
+    poses->appendNames(run.output().text());
+    PoseGathering gathering(options.grouping, givesMatrix(run.mountMode()), run.localFrame(),
+                            [&](const Pose& pose) { poses->append(run.output().text(), pose); });
     const RowTime time(table);
     run.forEach(
         [&](const Table& row, ComputedRow& computed, std::string&) {
@@ -154,9 +147,9 @@ int ofResults(const PosesOptions& options, const Streams& streams) {
         return unusable;
     waiting.reset();
     input.showWarnings(streams.err);
-    poses.appendNames(output.text(), table);
+    poses.appendNames(output.text());
     PoseGathering gathering(options.grouping, results.hasMatrices(), options.localFrame,
-                            [&](const Pose& pose) { poses.append(output.text(), pose, table); });
+                            [&](const Pose& pose) { poses.append(output.text(), pose); });
     ComputedRow row;
     bool allRead = true;
     const auto next = [&] { return input.nextRow(); };

@@ -2,12 +2,14 @@
 
 #include "host/base/Cli.h"
 #include "host/poses/PoseGathering.h"
+#include "host/rows/RowWriter.h"
 #include "host/run/ReadingsOptions.h"
 
 namespace kiv::host {
 
 struct PosesOptions : ReadingsOptions {
     Grouping grouping;
+    RowFormat rowFormat = RowFormat::csv;
     std::string results; // a table of results to take in place of readings
 };
 
