@@ -68,7 +68,7 @@ void numbers(benchmark::State& state, int mode) {
     }
     forEachCase(state, [&](std::size_t i) {
         for (const std::string& cell : rows[i])
-            benchmark::DoNotOptimize(host::numberIn<float>(cell));
+            benchmark::DoNotOptimize(numberIn<float>(cell));
         char text[1024];
         char* end = text;
         const auto append = [&](auto value) {

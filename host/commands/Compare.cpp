@@ -198,7 +198,11 @@ int compareTables(const CompareOptions& options, const Streams& streams) {
         return row ? Side{row->line, row->orientation} : Side{};
     };
     const bool read = joinRows(first, second, join.by, [&](const ResultRow* a, const ResultRow* b) {
-        differences.take(sideOf(a), sideOf(b), {}, CarriedText{a ? a->key : b->key}, rows.text());
+        differences.take(sideOf(a), sideOf(b), {},
+                         CarriedText{a   ? std::string_view(a->key)
+                                     : b ? std::string_view(b->key)
+                                         : std::string_view()},
+                         rows.text());
         written = options.output.empty() || (rows.endRow(false) && written);
     });
     if ((!options.output.empty() && !rows.finish(streams.err)) || !read || !written)

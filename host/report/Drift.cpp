@@ -37,14 +37,14 @@ void appendSlopes(std::string& html, const RecordingDrift& drift) {
 class DecadeChart {
 public:
     void add(double x, double y) {
-        left = std::min(left, std::floor(std::log10(x)));
-        right = std::max(right, std::ceil(std::log10(x)));
-        low = std::min(low, std::floor(std::log10(y)));
-        high = std::max(high, std::ceil(std::log10(y)));
+        left = std::min(left, static_cast<int>(std::floor(std::log10(x))));
+        right = std::max(right, static_cast<int>(std::ceil(std::log10(x))));
+        low = std::min(low, static_cast<int>(std::floor(std::log10(y))));
+        high = std::max(high, static_cast<int>(std::ceil(std::log10(y))));
     }
     bool empty() const { return left > right; }
-    double width() const { return 60 + 100 * std::max(1.0, right - left); }
-    double height() const { return 10 + 60 * std::max(1.0, high - low); }
+    double width() const { return 60 + 100 * std::max(1, right - left); }
+    double height() const { return 10 + 60 * std::max(1, high - low); }
     std::string at(double x, double y) const {
         return digits(60 + 100 * (std::log10(x) - left), 5) + ','
                + digits(height() - 60 * (std::log10(y) - low), 5);
@@ -59,12 +59,12 @@ public:
             html += "<path d=\"M" + digits(x1, 5) + ',' + digits(y1, 5) + 'L' + digits(x2, 5) + ','
                     + digits(y2, 5) + "\" stroke=\"var(--rule)\"/>\n";
         };
-        for (double decade = left; decade <= std::max(right, left + 1); ++decade) {
+        for (int decade = left; decade <= std::max(right, left + 1); ++decade) {
             const double x = 60 + 100 * (decade - left);
             line(x, 10, x, height());
             text(x, height() + 14, "middle", digits(std::pow(10, decade), 6));
         }
-        for (double decade = low; decade <= std::max(high, low + 1); ++decade) {
+        for (int decade = low; decade <= std::max(high, low + 1); ++decade) {
             const double y = height() - 60 * (decade - low);
             line(60, y, width(), y);
             text(54, y + 4, "end", digits(std::pow(10, decade), 6));
@@ -73,8 +73,9 @@ public:
     }
 
 private:
-    double left = std::numeric_limits<double>::infinity(), right = -left;
-    double low = left, high = -left;
+    // Powers of ten; none yet.
+    int left = std::numeric_limits<int>::max(), right = std::numeric_limits<int>::min();
+    int low = left, high = right;
 };
 
 void appendAllan(std::string& html, const RecordingDrift& drift, std::size_t first,

@@ -1,6 +1,7 @@
 #include "host/rows/ResultChoice.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "host/rows/CloseNames.h"
 #include "host/rows/ResultColumns.h"
@@ -44,6 +45,7 @@ void forEachName(std::string_view names, Take take) {
 // Another spelling of a column's name is nearer than the fewest letters.
 std::string_view nearestResult(std::string_view name) {
     std::vector<std::string_view> all;
+    all.reserve(resultColumns.size() + std::size(resultGroups));
     for (const ResultColumn& column : resultColumns)
         all.push_back(column.name);
     for (const ResultGroup& group : resultGroups)

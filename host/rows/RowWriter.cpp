@@ -17,6 +17,8 @@ template <typename... Actions>
 struct Overloaded : Actions... {
     using Actions::operator()...;
 };
+template <typename... Actions>
+Overloaded(Actions...) -> Overloaded<Actions...>;
 
 std::size_t digitsAt(std::string_view text, std::size_t from) {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
