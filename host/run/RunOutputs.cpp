@@ -103,7 +103,8 @@ void RunOutputs::pointToCheck() const {
     for (const std::string& table : options.readings)
         command += ' ' + shellWord(table);
     for (const auto& [ours, theirs] : options.format.otherNames)
-        command += " --column " + shellWord(ours + '=' + theirs);
+        command.append(" --column ")
+            .append(shellWord(std::string(ours).append("=").append(theirs)));
     if (options.format.decimalComma)
         command += " --decimal-comma";
     std::string allowed;
