@@ -34,14 +34,14 @@ public:
     explicit Bench(int mode) : folder(own.path()) {
         for (const char* name : {"true", "old"}) {
             fs::create_directories(folder / name);
-            std::ofstream(folder / name / "Tg5.prm") << test::exampleInMode(mode);
+            std::ofstream(folder / name / "Tg5.prm", std::ios::binary) << test::exampleInMode(mode);
         }
     }
     void change(const std::string& from, const std::string& to) {
         std::string text = textIn(old());
         const std::size_t at = text.find(from);
         ASSERT_NE(at, text.npos) << from;
-        std::ofstream(old()) << text.replace(at, from.size(), to);
+        std::ofstream(old(), std::ios::binary) << text.replace(at, from.size(), to);
     }
 
     void measure(int rows, const std::string& seed = "1") {

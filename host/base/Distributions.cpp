@@ -43,7 +43,7 @@ double incompleteBeta(double x, double y, double a, double b) {
     const double front = std::exp(a * std::log(x) + b * std::log(y) + std::lgamma(a + b)
                                   - std::lgamma(a) - std::lgamma(b));
     return front / a / continuedFraction(1, [=](int n) -> Term {
-               const double m = n / 2;
+               const int m = n / 2;
                const double even = m * (b - m) * x / ((a + 2 * m - 1) * (a + 2 * m));
                const double odd = -(a + m) * (a + b + m) * x / ((a + 2 * m) * (a + 2 * m + 1));
                return {n % 2 == 0 ? even : odd, 1};

@@ -77,9 +77,9 @@ std::optional<Parameter> parameterOf(std::string_view name) {
 }
 
 std::vector<Parameter> allParameters() {
-    std::vector<Parameter> all;
-    for (const Row& row : rows)
-        all.push_back(row.parameter);
+    std::vector<Parameter> all(rows.size());
+    std::transform(rows.begin(), rows.end(), all.begin(),
+                   [](const Row& row) { return row.parameter; });
     return all;
 }
 

@@ -52,8 +52,8 @@ int CKivPrm::PrmFileCopy() {
     // Until it has its name, the temporary file is the only copy for a while; a step that fails
     // leaves it where it is.
     platform::wait(settlingTime);
-    platform::removeFile(prmPath);
+    const bool removed = platform::removeFile(prmPath);
     platform::wait(settlingTime);
-    platform::renameFile(temporaryFile, prmPath);
+    platform::renameFile(temporaryFile, prmPath, removed);
     return KIV_OK;
 }

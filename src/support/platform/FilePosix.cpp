@@ -345,7 +345,7 @@ bool replaceFile(Utf8Path by, Utf8Path path) {
     return true;
 }
 
-bool renameFile(const char* from, const char* to) {
+bool renameFile(const char* from, const char* to, bool /*removed*/) {
     if (mustFail(FileOperation::rename))
         return noted(FileOperation::rename, false);
     const NativePath source(from), target(to);

@@ -95,7 +95,7 @@ bool isBeingDeleted(const WidePath& path) {
 
 // A scanner or a backup has a file open for a moment: the copy that is new, or the old file, which
 // keeps its name until then.
-bool renameOnceFree(const WidePath& from, const WidePath& to, DWORD how) {
+bool renameOnceFree(const WidePath& from, const WidePath& to, DWORD how, bool removed = false) {
     constexpr std::chrono::milliseconds step{100}, most{5000};
     for (auto waited = 0 * step;; waited += step) {
         if (MoveFileExW(from, to, how | MOVEFILE_WRITE_THROUGH))
@@ -103,7 +103,8 @@ bool renameOnceFree(const WidePath& from, const WidePath& to, DWORD how) {
         const DWORD error = GetLastError();
         const bool held = error == ERROR_SHARING_VIOLATION
                           || (error == ERROR_ACCESS_DENIED && (how & MOVEFILE_REPLACE_EXISTING));
-        const bool mayPass = held || isBeingDeleted(to);
+        const bool mayPass =
+            held || isBeingDeleted(to) || (removed && error == ERROR_ALREADY_EXISTS);
         SetLastError(error);
         if (!mayPass || waited == most)
             return false;
@@ -343,9 +344,10 @@ bool replaceFile(Utf8Path by, Utf8Path path) {
                                             && renameOnceFree(by, path, MOVEFILE_REPLACE_EXISTING));
 }
 
-bool renameFile(const char* from, const char* to) {
-    return noted(FileOperation::rename, !mustFail(FileOperation::rename)
-                                            && renameOnceFree(from, to, MOVEFILE_COPY_ALLOWED));
+bool renameFile(const char* from, const char* to, bool removed) {
+    return noted(FileOperation::rename,
+                 !mustFail(FileOperation::rename)
+                     && renameOnceFree(from, to, MOVEFILE_COPY_ALLOWED, removed));
 }
 
 std::string currentDirectory() {
