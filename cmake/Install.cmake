@@ -63,6 +63,7 @@ install(DIRECTORY python/kiv DESTINATION lib/python3/dist-packages COMPONENT pyt
     PATTERN __pycache__ EXCLUDE)
 
 if(PROJECT_IS_TOP_LEVEL)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/inside.txt)
     file(STRINGS cmake/inside.txt inside REGEX "^[^#]")
     foreach(row IN LISTS inside)
         list(TRANSFORM row STRIP)
