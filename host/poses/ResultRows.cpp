@@ -75,7 +75,7 @@ void ResultRows::read(Table& table, ComputedRow& row) const {
         return;
     }
     result.trust.trust = static_cast<Trust>(judged);
-    double values[9];
+    double values[9]{};
     std::transform(matrix.begin(), matrix.end(), values,
                    [&](Place place) { return numberAt(table, place); });
     const Matrix byAngles = rotationBy({info.rx, info.ry, info.rz}, local);
