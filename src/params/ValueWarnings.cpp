@@ -200,9 +200,8 @@ void ValueCheck::checkAngles(const BlockValues& values) {
     }
     warn(repeated, "each angle of a turn once in " + title());
 
-    std::vector<float> corrections;
-    for (const Row& row : rows)
-        corrections.push_back(correction(row));
+    std::vector<float> corrections(rows.size());
+    std::transform(rows.begin(), rows.end(), corrections.begin(), correction);
     for (std::size_t i = 0; i < rows.size(); ++i)
         if (isOutlier(corrections, i))
             warn(2 + 2 * rows[i].index,

@@ -8,9 +8,10 @@ __asm__(".symver kiv_first_hypot, hypot@GLIBC_2.17");
 #endif
 
 extern "C" double kiv_first_hypot(double x, double y);
-extern "C" double __wrap_hypot(double x,
-                               double y); // NOLINT(bugprone-reserved-identifier): the linker's name
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's name
+extern "C" double __wrap_hypot(double x, double y);
 
-extern "C" double __wrap_hypot(double x, double y) { // NOLINT(bugprone-reserved-identifier)
+extern "C" double __wrap_hypot(double x, double y) {
     return kiv_first_hypot(x, y);
 }
+// NOLINTEND(bugprone-reserved-identifier)
