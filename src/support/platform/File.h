@@ -150,8 +150,8 @@ bool removeFile(const char* path);
 bool removeFile(Utf8Path path);
 
 // Never replaces a file; goes from one volume to another, too. After a failure the file is where it
-// was, and nothing at the other path that was not there before. Of a file that has just been removed
-// there, another program may keep the name for a moment, which is waited for.
+// was, and nothing at the other path that was not there before. Of a file that has just been
+// removed there, another program may keep the name for a moment, which is waited for.
 bool renameFile(const char* from, const char* to, bool removed);
 
 // Within a volume: at every moment the path names a whole file, the old one or the new one.
