@@ -133,7 +133,7 @@ def quoted(text):
 def zsh(pages):
     cases = []
     for page in subcommands(pages):
-        specs = []
+        arguments = []
         for option in options_of(page):
             text = option.text.replace("[", "(").replace("]", ")")
             action = {
@@ -145,10 +145,10 @@ def zsh(pages):
                 "words": f":{option.value.lower()}:({' '.join(option.words)})",
             }[option.kind]
             alike = f"({' '.join(option.names)})" if len(option.names) > 1 else ""
-            specs += [quoted(f"{alike}{name}[{text}]{action}") for name in option.names]
+            arguments += [quoted(f"{alike}{name}[{text}]{action}") for name in option.names]
         names = " ".join(p.command for p in subcommands(pages))
-        specs.append(quoted(f":subcommand:({names})" if page.command == "help" else "*:file:_files"))
-        cases.append(f"    {page.command})\n        _arguments -s \\\n            " + " \\\n            ".join(specs) + " ;;")
+        arguments.append(quoted(f":subcommand:({names})" if page.command == "help" else "*:file:_files"))
+        cases.append(f"    {page.command})\n        _arguments -s \\\n            " + " \\\n            ".join(arguments) + " ;;")
     commands = "\n        ".join(quoted(f"{page.command}:{plain(page.purpose)}") for page in subcommands(pages))
     return f"""#compdef kiv
 
