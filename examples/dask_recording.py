@@ -45,10 +45,11 @@ def write(results, path):
             frame.astype(str).replace("nan", "").to_csv(file, header=part == 0, index=False)
 
 
-def main():
-    arguments = argparse.ArgumentParser(description="Runs a recording that is cut into files.")
+def main(description, target, keep):
+    """Runs the files of a recording that the command line names; keep(results, target) takes the results."""
+    arguments = argparse.ArgumentParser(description=description)
     arguments.add_argument("parameter_file")
-    arguments.add_argument("results")
+    arguments.add_argument(target)
     arguments.add_argument("readings", nargs="+")
     where = arguments.add_mutually_exclusive_group()
     where.add_argument("--workers", type=int, default=2, help="processes that are started here")
@@ -57,8 +58,8 @@ def main():
     how = dict(n_workers=given.workers, threads_per_worker=1, dashboard_address=None)
     with Client(given.scheduler) if given.scheduler else Client(**how) as client:
         sensor = kiv.Sensor(kiv.Parameters(given.parameter_file))
-        write(run_recording(client, sensor, given.readings), given.results)
+        keep(run_recording(client, sensor, given.readings), getattr(given, target))
 
 
 if __name__ == "__main__":
-    main()
+    main("Runs a recording that is cut into files.", "results", write)

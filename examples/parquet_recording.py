@@ -7,15 +7,12 @@ pandas needs pyarrow or fastparquet for Parquet. Debian 12 has a package of neit
 environment with `--system-site-packages` is the way there. What is read back has every bit of one run of the whole.
 """
 
-import argparse
 from pathlib import Path
 
 import dask
 import pandas
-from dask.distributed import Client
 
 import dask_recording
-import kiv
 
 
 def write(results, folder):
@@ -33,20 +30,5 @@ def read(folder):
     return pandas.concat(dask.compute(*map(dask.delayed(pandas.read_parquet), files)), ignore_index=True)
 
 
-def main():
-    arguments = argparse.ArgumentParser(description="Keeps the results of a recording in files as Parquet.")
-    arguments.add_argument("parameter_file")
-    arguments.add_argument("folder")
-    arguments.add_argument("readings", nargs="+")
-    where = arguments.add_mutually_exclusive_group()
-    where.add_argument("--workers", type=int, default=2, help="processes that are started here")
-    where.add_argument("--scheduler", help="address of one that runs")
-    given = arguments.parse_args()
-    how = dict(n_workers=given.workers, threads_per_worker=1, dashboard_address=None)
-    with Client(given.scheduler) if given.scheduler else Client(**how) as client:
-        sensor = kiv.Sensor(kiv.Parameters(given.parameter_file))
-        write(dask_recording.run_recording(client, sensor, given.readings), given.folder)
-
-
 if __name__ == "__main__":
-    main()
+    dask_recording.main("Keeps the results of a recording in files as Parquet.", "folder", write)

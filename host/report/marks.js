@@ -25,17 +25,22 @@ function drawLimits(context, area, graph, chart) {
   }
 }
 
-function drawReference(context, area, graph) {
-  const x = graph.toDomXCoord(chartX(data.reference));
-  if (x < area.x || x > area.x + area.w) return;
-  context.strokeStyle = color("faint");
-  context.lineWidth = 1.5;
-  context.setLineDash([2, 3]);
+// An upright line, and whether it is within the area.
+function drawUpright(context, area, x, dashes) {
+  if (x < area.x || x > area.x + area.w) return false;
+  context.setLineDash(dashes);
   context.beginPath();
   context.moveTo(x, area.y);
   context.lineTo(x, area.y + area.h);
   context.stroke();
   context.setLineDash([]);
+  return true;
+}
+
+function drawReference(context, area, graph) {
+  context.strokeStyle = color("faint");
+  context.lineWidth = 1.5;
+  drawUpright(context, area, graph.toDomXCoord(chartX(data.reference)), [2, 3]);
 }
 
 // A line where each begins, with its name along it.
@@ -49,13 +54,7 @@ function drawWitnesses(context, area, graph) {
     namesAt.set(bin, [...new Set([...(namesAt.get(bin) || []), name])]);
   for (const [bin, names] of namesAt) {
     const x = graph.toDomXCoord(chartX(middleX(bin)));
-    if (x < area.x || x > area.x + area.w) continue;
-    context.setLineDash([6, 3]);
-    context.beginPath();
-    context.moveTo(x, area.y);
-    context.lineTo(x, area.y + area.h);
-    context.stroke();
-    context.setLineDash([]);
+    if (!drawUpright(context, area, x, [6, 3])) continue;
     context.save();
     context.translate(x - 3, area.y + 3);
     context.rotate(-Math.PI / 2);

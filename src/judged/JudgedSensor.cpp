@@ -43,30 +43,14 @@ Reason whereNotFinite(Principle principle) {
 
 } // namespace
 
-Replaceable<Propagation> JudgedSensor::propagationOf(const CKiv& sensor,
-                                                     const Uncertainties& ofReadings) const {
-    Replaceable<Propagation> made(std::in_place, sensor, ofReadings);
-    if (hasReference())
-        made->captured(sensor, reference);
-    return made;
-}
-
-Replaceable<CalibrationPart> JudgedSensor::calibrationPartOf(const CKiv& sensor,
-                                                             const Calibration& found) const {
-    Replaceable<CalibrationPart> made(std::in_place, sensor, found);
-    if (hasReference())
-        made->captured(sensor, reference);
-    return made;
-}
-
 void JudgedSensor::setUncertainties(const Uncertainties& ofReadings) {
-    propagation = propagationOf(own, ofReadings);
+    propagation = follow<Propagation>(own, ofReadings);
     uncertainties = ofReadings;
     trust.expect(ofReadings);
 }
 
 void JudgedSensor::setCalibration(Calibration found) {
-    calibrationPart = calibrationPartOf(own, found);
+    calibrationPart = follow<CalibrationPart>(own, found);
     calibration = std::move(found);
 }
 

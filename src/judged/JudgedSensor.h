@@ -47,8 +47,8 @@ public:
         CKiv trial(own);
         if (const int code = setter(trial); code != KIV_OK)
             return code;
-        auto next = propagationOf(trial, uncertainties);
-        auto nextPart = calibrationPartOf(trial, calibration);
+        auto next = follow<Propagation>(trial, uncertainties);
+        auto nextPart = follow<CalibrationPart>(trial, calibration);
         const int code = setter(own);
         propagation = std::move(next);
         calibrationPart = std::move(nextPart);
@@ -90,10 +90,14 @@ public:
 private:
     Reason reasonOf(const KIV_RAWINFO& raw, UpdateOutcome outcome, RowState state) const;
     void captured(const CKiv& by, const KIV_RAWINFO& raw, std::int64_t index);
-    Replaceable<Propagation> propagationOf(const CKiv& sensor,
-                                           const Uncertainties& ofReadings) const;
-    Replaceable<CalibrationPart> calibrationPartOf(const CKiv& sensor,
-                                                   const Calibration& found) const;
+    // What follows a sensor, and its reference where it has one.
+    template <typename Part, typename Given>
+    Replaceable<Part> follow(const CKiv& sensor, const Given& uncertain) const {
+        Replaceable<Part> made(std::in_place, sensor, uncertain);
+        if (hasReference())
+            made->captured(sensor, reference);
+        return made;
+    }
 
     CKiv own;
     TrustJudge trust;

@@ -68,6 +68,14 @@ struct MovedValues {
     double distance;
 };
 
+template <std::size_t count>
+double moveModelValue(CKivModel& model, void (CKivModel::*update)(float*, int), const float* from,
+                      std::size_t which, double by) {
+    MovedValues<count> moved(from, which, by);
+    (model.*update)(moved.values, static_cast<int>(count));
+    return moved.distance;
+}
+
 double moveEncoderRow(CKiv& sensor, int (CKiv::*set)(int, const float*), const float* table,
                       int count, std::size_t row, double by) {
     if (row >= static_cast<std::size_t>(count)) // a shorter table was set later
@@ -167,26 +175,18 @@ double CalibratedParameter::move(CKiv& sensor, double by) const {
                            SensorAccess::levelYSpline(sensor), SensorAccess::levelYCount(sensor),
                            value, by);
     // Those that the model computes with: the sensor's own may be newer.
-    case Block::scaleFactor: {
-        MovedValues<8> moved(ModelAccess::factorsOf(model), value, by);
-        model.UpdateSFactors(moved.values, 8);
-        return moved.distance;
-    }
-    case Block::qvc: {
-        MovedValues<6> moved(ModelAccess::qvcOf(model), value, by);
-        model.UpdateQVCParameters(moved.values, 6);
-        return moved.distance;
-    }
-    case Block::levelX: {
-        MovedValues<7> moved(ModelAccess::level1Of(model), value, by);
-        model.UpdateLevel1Parameters(moved.values, 7);
-        return moved.distance;
-    }
-    case Block::levelY: {
-        MovedValues<7> moved(ModelAccess::level2Of(model), value, by);
-        model.UpdateLevel2Parameters(moved.values, 7);
-        return moved.distance;
-    }
+    case Block::scaleFactor:
+        return moveModelValue<8>(model, &CKivModel::UpdateSFactors, ModelAccess::factorsOf(model),
+                                 value, by);
+    case Block::qvc:
+        return moveModelValue<6>(model, &CKivModel::UpdateQVCParameters, ModelAccess::qvcOf(model),
+                                 value, by);
+    case Block::levelX:
+        return moveModelValue<7>(model, &CKivModel::UpdateLevel1Parameters,
+                                 ModelAccess::level1Of(model), value, by);
+    case Block::levelY:
+        return moveModelValue<7>(model, &CKivModel::UpdateLevel2Parameters,
+                                 ModelAccess::level2Of(model), value, by);
     default: // no parameter of this class
         return by;
     }
