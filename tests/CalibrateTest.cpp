@@ -220,6 +220,10 @@ const std::vector<RefusalRow> refusalRows{
     {4, 100, {"--poses", "stations"}, "none named placement, station"},
     {4, 100, {"--hold", "angle_offset.elevation_deg"}, "expected residuals as large as"},
     {4, 100, {"--u-pose", "0.1"}, "give smaller uncertainties"},
+    {4,
+     100,
+     {"--estimate", "scale_factor.2", "--u-pose", "20"},
+     "tell a parameter better than the old file does"},
 };
 
 TEST(Calibrate, RefusesWithACause) {

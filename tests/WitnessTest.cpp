@@ -180,8 +180,11 @@ TEST(Witnesses, AreTheSameOnAnyNumberOfThreadsAndCount) {
     Rows rows(sensor.file, "turn", true);
     rows.change("time_s", 300, 802, [](double t) { return t + 86394.025; });
     rows.change("time_s", 600, 802, [](double t) { return t - 86400; });
-    const std::string soundBut = sensor.folder.path() + "/clock.csv"; // its angles fit
+    const std::string soundBut = sensor.folder.path() + "/clock.csv";
     std::ofstream(soundBut) << rows.text();
+    Rows filled = rows;
+    filled.write("azimuth_deg", 257, 260, "-999"); // the angles of the other rows fit
+    std::ofstream(soundBut) << filled.text();
     rows.change("level_x", 400, 401, [](double v) { return v + 5; });
     const std::string table = sensor.folder.path() + "/readings.csv";
     std::ofstream(table) << rows.text();
@@ -203,6 +206,17 @@ TEST(Witnesses, AreTheSameOnAnyNumberOfThreadsAndCount) {
               std::string::npos);
     EXPECT_EQ(tool({"check", sensor.file, soundBut}).code, 0);
     EXPECT_EQ(tool({"check", "--strict", sensor.file, soundBut}).code, 1);
+}
+
+TEST(Witnesses, CountForAStrictRun) {
+    const Sensor sensor(4);
+    Rows rows(sensor.file, "turn", false);
+    const std::string table = sensor.folder.path() + "/readings.csv", out = table + ".out";
+    for (const int code : {0, 1}) {
+        std::ofstream(table) << rows.text();
+        EXPECT_EQ(tool({"run", "--strict", sensor.file, table, "-q", "-o", out}).code, code);
+        rows.change("time_s", 300, 802, [](double t) { return t - 1; });
+    }
 }
 
 } // namespace

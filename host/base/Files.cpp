@@ -50,9 +50,14 @@ std::string identityOf(const std::string& name, platform::StandardStream stream)
     return name == "-" ? platform::identityOf(stream) : platform::identityOf(name.c_str());
 }
 
-// A name in /dev or /proc leads to what is open already, and a file put in its place would not be.
+// A name in /dev or /proc leads to what is open already, as any name of a standard stream's file
+// does, and a file put in its place would not be.
 bool isOfAFile(const std::string& name) {
+    using platform::StandardStream;
     if (name == "-" || name.starts_with("/dev/") || name.starts_with("/proc/"))
+        return false;
+    const std::string identity = platform::identityOf(name.c_str());
+    if (!identity.empty() && identity == platform::identityOf(StandardStream::output))
         return false;
     std::error_code ignored;
     const fs::file_status status = fs::status(pathOf(name), ignored);
@@ -100,6 +105,21 @@ bool sameOutput(const std::string& one, const std::string& other) {
         return fs::weakly_canonical(fs::absolute(pathOf(name), failed), failed);
     };
     return place(one) == place(other);
+}
+
+bool refuseSharing(const std::string& output, const std::string& summary, std::ostream& err) {
+    if (!sameOutput(output, summary))
+        return false;
+    err << shownOutput(summary) << ":1:1: expected an output of its own, found that of --output\n";
+    return true;
+}
+
+bool refuseMissingFolder(const std::string& output, std::ostream& err) {
+    const fs::path folder = firstMissingFolder(pathOf(output));
+    if (folder.empty())
+        return false;
+    err << shownOutput(output) << ": No such folder: " << shownPath(folder) << '\n';
+    return true;
 }
 
 void reportUnopened(std::ostream& err, const std::string& name, int error) {

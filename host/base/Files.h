@@ -88,6 +88,12 @@ bool sameFile(const std::string& one, const std::string& other);
 // Two names of outputs mean one place, where a file is or will be, or standard output.
 bool sameOutput(const std::string& one, const std::string& other);
 
+// True, and a message, when a summary would go where the output goes.
+bool refuseSharing(const std::string& output, const std::string& summary, std::ostream& err);
+
+// True, and a message, when the folder of an output is not there.
+bool refuseMissingFolder(const std::string& output, std::ostream& err);
+
 // Says why the system has not opened a file, by its error.
 void reportUnopened(std::ostream& err, const std::string& name, int error);
 

@@ -170,6 +170,11 @@ bool Calibration::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
         hold(*worst, "its standard uncertainty would be " + rounded(u, 2)
                          + ", more than the old value is off as a rule, "
                          + rounded(knownTo(*worst)));
+        if (parameters.empty())
+            return refuse("rows that tell a parameter better than the old file does, for "
+                              + nameOf(*worst),
+                          "a standard uncertainty of " + rounded(u, 2)
+                              + "; measure more rows, or give smaller uncertainties");
         const Eigen::Index behind = at.size() - static_cast<Eigen::Index>(i) - 1;
         at.segment(static_cast<Eigen::Index>(i), behind) = at.tail(behind).eval();
         at.conservativeResize(at.size() - 1);
@@ -203,7 +208,8 @@ bool Calibration::dropOutliers() {
             return false;
         x = plain->x;
     }
-    return true;
+    return refuse("a search for wrong poses that settles",
+                  "none; look at the rows with the largest residuals, and leave out the worst");
 }
 
 bool Calibration::solve() {
@@ -268,7 +274,10 @@ bool Calibration::rmsFits() {
     outcome.interval[1] = std::sqrt(chiSquaredQuantile((1 + within) / 2, counted) / counted);
     const bool byChance = rms >= outcome.interval[0] && rms <= outcome.interval[1];
     if (byChance || (rms >= leastRms && rms <= mostRms))
-        return true;
+        return solution->settled
+               || refuse("a fit that settles",
+                         "one whose weights still change it; begin with fewer parameters "
+                         "(--estimate)");
     return refuse("residuals as large as the uncertainties say (rms over noise from "
                       + rounded(std::min(leastRms, outcome.interval[0]), 3) + " to "
                       + rounded(std::max(mostRms, outcome.interval[1]), 3) + ')',

@@ -289,7 +289,8 @@ std::optional<RowsFit::Solution> RowsFit::solve(Eigen::VectorXd x, bool robust) 
         if (!renewed)
             return std::nullopt;
         solution.equations = std::move(*renewed);
-        if (!moved)
+        solution.settled = !moved;
+        if (solution.settled)
             break;
     }
     return solution;

@@ -70,7 +70,8 @@ public:
 
     struct Solution {
         Eigen::VectorXd x;
-        Equations equations; // about x
+        Equations equations;  // about x
+        bool settled = false; // with the weights that it has
     };
     // Levenberg–Marquardt from x, the weights renewed after each solve. Source: J. J. Moré, The
     // Levenberg–Marquardt algorithm (1978). Nothing, and a message, where it finds no end.

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "host/base/Files.h"
-#include "host/rows/Readings.h"
+#include "host/parameters/ParameterFile.h"
 #include "params/Quoted.h"
 #include "simulator/Mounting.h"
 #include "support/Numbers.h"
@@ -38,7 +38,7 @@ void rotationOf(const double* angles, double* rotation) {
 CalibrationRows::CalibrationRows(const CalibrateOptions& asked, const Streams& own, CKivPrm& record,
                                  int mountMode)
     : options(asked), streams(own), files(asked.readings), format(asked.format), mode(mountMode),
-      curves(record) {
+      curves(record), sensorId(parseParameterFileName(asked.parameterFile)->id) {
     format.blockBytes = blockBytes;
 }
 
@@ -64,6 +64,7 @@ std::string CalibrationRows::placeOf(const RowPlace& place) const {
 }
 
 bool CalibrationRows::findColumns(const TableInput& table) {
+    owner.emplace(table.table(), sensorId);
     std::string missing;
     const auto find = [&](std::string_view name) {
         const auto place = table.table().find(name);
@@ -131,7 +132,7 @@ bool CalibrationRows::heldOut(const Observation& row) const {
 
 bool CalibrationRows::readRow(Table& cursor, Observation& row, Block& block,
                               CalibrationTables& tables) const {
-    if (readReadings(cursor, row.raw) != Reason::none) {
+    if (readReadings(cursor, row.raw) != Reason::none || !owner->owns(cursor)) {
         ++block.refused;
         return false;
     }

@@ -18,6 +18,7 @@
 #include "host/base/Progress.h"
 #include "host/calibration/CalibrateOptions.h"
 #include "host/calibration/Observation.h"
+#include "host/rows/Readings.h"
 #include "host/rows/Recording.h"
 
 namespace kiv::host {
@@ -97,6 +98,8 @@ private:
     TableFormat format;
     int mode;
     CalibrationTables curves;
+    std::int32_t sensorId;
+    std::optional<Owner> owner;
     Columns columns;
     Facts seen;
     std::string kept; // of standard input

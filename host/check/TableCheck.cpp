@@ -47,7 +47,7 @@ class TableWatch {
 public:
     TableWatch(const TableInput& input, const CheckedSensor& by)
         : table(input.table()), truth(table, true), time(table),
-          witnesses(by.record, time.column()), sample(truth.comparable()) {
+          witnesses(by.record, time.column()) {
         check.file = input.name();
         check.parameterFile = by.file;
         check.mountMode = by.mountMode;
@@ -60,19 +60,21 @@ public:
     // What looks at rows is fed here.
     void add(const RowResult& row, const Table& at) {
         check.summary.add(row, at.lineNumber(), std::nullopt);
-        sample.add(row, truth.angles(at));
         if (row.state != RowState::refused)
             for (std::size_t i = 0; i < check.ranges.size(); ++i)
                 check.ranges[i].add(valueOf(TableCheck::ranged[i], row.raw));
         const auto stamp = row.reason == Reason::rowShape ? std::nullopt : time.of(at);
         if (stamp)
             check.time.add(*stamp, at.lineNumber());
-        witnesses.add(row, {.line = at.lineNumber(),
-                            .time = stamp ? std::optional(stamp->seconds) : std::nullopt,
-                            .namesAgain = row.state == RowState::refused && at.repeatsNames()});
+        const bool isReading =
+            witnesses.add(row, {.line = at.lineNumber(),
+                                .time = stamp,
+                                .namesAgain = row.state == RowState::refused && at.repeatsNames()});
+        if (isReading)
+            sample.add(row, truth.angles(at));
     }
-    void finish(const ParsedFile& parameters) {
-        check.mistakes = searchMistakes(parameters, sample, std::nullopt);
+    void finish(const CheckedSensor& by) {
+        check.mistakes = searchMistakes(by.parsed, sample, by.uncertainties);
         witnesses.finish();
         check.witnesses.assign(witnesses.found().begin(), witnesses.found().end());
     }
@@ -139,7 +141,7 @@ std::optional<TableCheck> checkTable(const std::string& file, const TableFormat&
     if (!input.open(file, {}, streams) || !input.hasRenamedColumns(streams.err))
         return std::nullopt;
     input.showWarnings(streams.err);
-    RowRunner runner(by.sensor, by.levelLimits, std::nullopt);
+    RowRunner runner(by.sensor, by.levelLimits, by.uncertainties);
     runner.expectRowsOf(by.serialNumber, input.table());
     MessageLimit limit(format.mostMessages, streams.err);
     TableWatch watch(input, by);
@@ -163,7 +165,7 @@ std::optional<TableCheck> checkTable(const std::string& file, const TableFormat&
         check.brokenOff = block.brokenOff;
         ends += block.said;
     }
-    watch.finish(by.parsed);
+    watch.finish(by);
     limit.reportOthers(input.name());
     streams.err << ends;
     if (const char* missed = Interrupt::requested() ? nullptr : check.summary.whatNoRowIs())

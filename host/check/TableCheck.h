@@ -30,6 +30,7 @@ struct CheckedSensor {
     CKivPrm record;
     ParsedFile parsed;
     std::int32_t serialNumber = 0;
+    std::optional<Uncertainties> uncertainties; // of its readings
 };
 
 // Of a parameter file without errors; null, and a message, where a sensor does not take it.

@@ -512,6 +512,8 @@ void CommandLine::addCheck() {
     });
     addFile(command, "files", check.files)->required();
     addTable(command, check.format, columnsOfReadings());
+    addFile(command, "--uncertainties", check.uncertaintyFiles)->allow_extra_args(false);
+    addUncertainties(command, check.uncertainties);
     command.add_flag("--strict", check.strict);
     command.add_flag("--json", check.json);
 }

@@ -54,7 +54,7 @@ bool namesUsable(const CalibrateOptions& options, std::ostream& err) {
             err << "kiv: expected a file for each output, found standard output\n";
             return false;
         }
-        if (refuseOverwriting(output, inputs, err))
+        if (refuseOverwriting(output, inputs, err) || refuseMissingFolder(output, err))
             return false;
         for (std::size_t j = 0; j < i; ++j)
             if (sameOutput(output, outputs[j])) {

@@ -11,6 +11,7 @@
 #include "host/check/TableCheck.h"
 #include "host/check/TableText.h"
 #include "host/parameters/Findings.h"
+#include "host/run/UncertaintyFile.h"
 #include "params/Quoted.h"
 
 namespace kiv::host {
@@ -73,7 +74,8 @@ private:
     void takeParameters(const std::string& path) {
         parametersSeen = true;
         sensor.reset();
-        const auto examined = examineFile(path, streams.err);
+        Sha256 digest;
+        const auto examined = examineFile(path, streams.err, &digest);
         if (!examined)
             return worsen(unusable);
         if (options.json)
@@ -84,6 +86,20 @@ private:
             worsen(fileFaulty);
         if (examined->errors() == 0)
             sensor = sensorOf(path, *examined, streams.err);
+        if (sensor && !takeUncertainties(path, digest.hex())) {
+            sensor.reset();
+            worsen(unusable);
+        }
+    }
+
+    // A calibration's result has no part in it.
+    bool takeUncertainties(const std::string& path, const std::string& digest) {
+        GivenUncertainties given{.ofReadings = options.uncertainties, .calibration = {}};
+        if (!readUncertainties(options.uncertaintyFiles, {path, digest, sensor->sensor}, given,
+                               streams))
+            return false;
+        sensor->uncertainties = given.ofReadings;
+        return true;
     }
 
     void takeTable(const std::string& path) {

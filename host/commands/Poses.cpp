@@ -129,7 +129,8 @@ int ofReadings(const PosesOptions& options, const Streams& streams) {
 
 int ofResults(const PosesOptions& options, const Streams& streams) {
     const std::vector<std::string> inputs{options.results, options.format.columnsFile};
-    if (refuseOverwriting(options.output, inputs, streams.err)
+    if (refuseSharing(options.output, options.summary, streams.err)
+        || refuseOverwriting(options.output, inputs, streams.err)
         || (!options.summary.empty() && refuseOverwriting(options.summary, inputs, streams.err)))
         return unusable;
     TableInput input(resultRowColumns, options.format);
@@ -142,7 +143,7 @@ int ofResults(const PosesOptions& options, const Streams& streams) {
     Table& table = input.table();
     const ResultRows results(table, options.localFrame);
     if (!poses.usable(table, input.name(), results.hasUncertainties(), results.hasTruth())
-        || (!options.summary.empty() && !summary.open(options.summary, streams))
+        || (!options.summary.empty() && !summary.openWhole(options.summary, streams))
         || !output.open(options.output, streams))
         return unusable;
     waiting.reset();

@@ -187,18 +187,16 @@ private:
     std::optional<RowWriter> writer;
 };
 
-// What a column that is asked for by its name needs is asked for, too; else a message.
-bool canGive(const RunOptions& options, std::ostream& err) {
-    const bool uncertain = options.uncertainties || !options.uncertaintyFiles.empty();
+// False, and a message, where a column that is asked for by its name would be empty in all rows.
+bool canGive(const RunOptions& options, const ReadingsRun& run, std::ostream& err) {
     for (const auto& [column, byName] : chosenResults(options.results)) {
-        const std::string_view name = resultNames[column];
-        const char* needed = !name.starts_with("u_") ? nullptr
-                             : !uncertain            ? "uncertainties of readings"
-                             : name.starts_with("u_reference") && !options.localFrame
-                                 ? "--frame local"
-                                 : nullptr;
-        if (!byName || !needed)
+        if (!byName || gives(run, column))
             continue;
+        const std::string_view name = resultNames[column];
+        const char* needed = name.starts_with("u_calibration")
+                                 ? "a result of kiv calibrate in --uncertainties"
+                             : run.givenUncertainties().ofReadings ? "--frame local"
+                                                                   : "uncertainties of readings";
         err << "kiv run --results: expected " << needed << " for " << name << ", found none\n";
         return false;
     }
@@ -224,15 +222,16 @@ RunOptions withoutUnused(RunOptions options) {
 } // namespace
 
 int runReadings(const RunOptions& asked, const Streams& streams) {
-    if (!asked.results.empty() && !canGive(asked, streams.err))
-        return unusable;
     const RunOptions options = withoutUnused(asked);
     ReadingsRun run(options, streams, !options.summary.empty());
     std::vector<std::string_view> reserved(resultNames.begin(), resultNames.end());
     if (options.source)
         reserved.insert(reserved.end(), sourceColumns.begin(), sourceColumns.end());
     ChosenRows chosen;
-    if (!run.open(reserved))
+    const auto usable = [&] {
+        return options.results.empty() || canGive(options, run, streams.err);
+    };
+    if (!run.open(reserved, nullptr, usable))
         return unusable;
     chosen.open(options, run);
     chosen.appendNames(run.table(), run.output().text());

@@ -21,11 +21,11 @@ bool ResultTable::open(const std::string& file, Join& join, Sha256* hash) {
     input.showWarnings(streams.err);
     if (join.by == Join::By::time && join.column.empty())
         join.column = table().find(timeColumn) ? timeColumn : timeStampColumn;
-    how = join;
-    if (how.by != Join::By::line) {
-        keyPlace = table().find(how.column);
+    how = &join;
+    if (how->by != Join::By::line) {
+        keyPlace = table().find(how->column);
         if (!keyPlace) {
-            streams.err << name() << ":1:1: expected a column " << kiv::quoted(how.column)
+            streams.err << name() << ":1:1: expected a column " << kiv::quoted(how->column)
                         << " for --join, found none\n";
             return false;
         }
@@ -51,7 +51,7 @@ bool ResultTable::readRow(ResultRow& row) {
     if (!rows.checkRow() || !readKey(row))
         return false;
     row.line = rows.lineNumber();
-    if (how.by == Join::By::line)
+    if (how->by == Join::By::line)
         row.order = static_cast<double>(row.line);
     row.orientation.reset();
     if (rows.text(0).empty() && rows.text(1).empty() && rows.text(2).empty())
@@ -72,17 +72,22 @@ bool ResultTable::readRow(ResultRow& row) {
 }
 
 bool ResultTable::readKey(ResultRow& row) {
-    if (how.by == Join::By::line)
+    if (how->by == Join::By::line)
         return true;
     const Table& rows = input.table();
     row.key = rows.cell(*keyPlace);
-    if (how.by == Join::By::column)
+    if (how->by == Join::By::column)
         return true;
     const auto stamp = timeStampIn(row.key);
-    if (how.column == timeStampColumn && stamp) {
+    if (how->column == timeStampColumn && stamp) {
         row.order = stamp->seconds;
-    } else if (how.column == timeStampColumn || !rows.numberAt(*keyPlace, row.order)) {
-        input.table().reportRow("a time in column " + how.column, kiv::quoted(row.key),
+        if (stamp->zoned != how->zoned.value_or(stamp->zoned)) {
+            refuseKey("stamps with a zone or without, as the first one", kiv::quoted(row.key));
+            return false;
+        }
+        how->zoned = stamp->zoned;
+    } else if (how->column == timeStampColumn || !rows.numberAt(*keyPlace, row.order)) {
+        input.table().reportRow("a time in column " + how->column, kiv::quoted(row.key),
                                 "without a time");
         return false;
     }

@@ -14,7 +14,8 @@ namespace kiv::host {
 struct Join {
     enum class By : unsigned char { line, time, column };
     By by = By::line;
-    std::string column; // its name, or that of the column of the time
+    std::string column;          // its name, or that of the column of the time
+    std::optional<bool> zoned{}; // whether the first time had a zone, which all must have then
 };
 
 // A row of a table of results.
@@ -54,7 +55,7 @@ private:
     const Streams& streams;
     TableInput input;
     MessageLimit limit;
-    Join how;
+    Join* how = nullptr; // of both tables
     std::optional<std::size_t> keyPlace;
     std::array<std::optional<std::size_t>, 3> uncertainties;
     double last = 0;

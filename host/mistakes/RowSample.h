@@ -15,15 +15,13 @@ class RowSample {
 public:
     using Angles = std::array<double, 3>; // rx, ry, rz, degrees
 
-    // Of a recording with true angles, rows that have none are left out.
-    explicit RowSample(bool withTrueAngles) : known(withTrueAngles) {}
-
     struct Row {
         KIV_RAWINFO raw{};
         std::optional<Angles> truth;
         std::size_t number = 0; // among all that could be taken
         bool reference = false;
     };
+    // Once a row has true angles, those without are left out.
     void add(const RowResult& row, const std::optional<Angles>& truth);
 
     bool hasTrueAngles() const { return known; }
@@ -34,7 +32,7 @@ public:
 private:
     bool isInStep(const Row& row) const { return row.reference || row.number % step == 0; }
 
-    bool known;
+    bool known = false;
     std::vector<Row> taken;
     std::size_t number = 0;
     std::size_t step = 1;

@@ -63,12 +63,8 @@ bool RunInputs::namesUsable() const {
         return false;
     }
     inputs.push_back(options.parameterFile);
-    if (sameOutput(options.output, options.summary)) {
-        streams.err << shownOutput(options.summary)
-                    << ":1:1: expected an output of its own, found that of --output\n";
-        return false;
-    }
-    return !refuseOverwriting(options.output, inputs, streams.err)
+    return !refuseSharing(options.output, options.summary, streams.err)
+           && !refuseOverwriting(options.output, inputs, streams.err)
            && !refuseOverwriting(options.summary, inputs, streams.err);
 }
 

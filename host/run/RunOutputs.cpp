@@ -41,7 +41,7 @@ bool RunOutputs::add(const RowBatch& batch, const Take& take, Progress& progress
             slow.add(row.result, row.truth, seconds);
         watch->add(
             row.result,
-            {.table = row.table, .line = row.line, .time = seconds, .namesAgain = row.namesAgain});
+            {.table = row.table, .line = row.line, .time = row.time, .namesAgain = row.namesAgain});
         textEnd = row.textEnd;
         blankRows = row.blankRows;
         goOn = take(row);
@@ -107,6 +107,16 @@ void RunOutputs::pointToCheck() const {
             .append(shellWord(std::string(ours).append("=").append(theirs)));
     if (options.format.decimalComma)
         command += " --decimal-comma";
+    for (const std::string& file : options.uncertaintyFiles)
+        command.append(" --uncertainties ").append(shellWord(file));
+    constexpr std::pair<const char*, Source> numbers[] = {
+        {" --u-vector ", Source::vector1},
+        {" --u-encoder ", Source::azimuth},
+        {" --u-level ", Source::levelY},
+        {" --u-temperature ", Source::temperature}};
+    for (const auto& [option, source] : numbers)
+        if (options.uncertainties && (*options.uncertainties)[source] > 0)
+            command.append(option).append(shown((*options.uncertainties)[source]));
     std::string allowed;
     appendRounded(allowed, totals.misfit().allowed(), 2);
     streams.err << inputs.recording().name()

@@ -33,16 +33,17 @@ void TableWitnesses::Count::add(Place place) {
         first = place;
 }
 
-// Repeated stamps and pauses are none.
+// Repeated stamps and pauses are none; a stamp with a zone and one without cannot be compared.
 void TableWitnesses::watchClock(const RowPlaces& places, Place place) {
-    if (lastTime && places.time && *places.time < *lastTime) {
-        const double back = *lastTime - *places.time;
-        overMidnight = overMidnight && *lastTime <= day && *places.time >= 0
+    if (!places.time || (lastTime && lastTime->zoned != places.time->zoned))
+        return;
+    if (lastTime && places.time->seconds < lastTime->seconds) {
+        const double back = lastTime->seconds - places.time->seconds;
+        overMidnight = overMidnight && lastTime->seconds <= day && places.time->seconds >= 0
                        && std::abs(back - day) < aroundMidnight;
         clock.add(place);
     }
-    if (places.time)
-        lastTime = places.time;
+    lastTime = places.time;
 }
 
 // Most rows have none, as one look shows.
@@ -101,7 +102,7 @@ bool TableWitnesses::inRadians() const {
 }
 
 // Behind a row of names another recording begins.
-void TableWitnesses::add(const RowResult& result, const RowPlaces& places, std::size_t row) {
+bool TableWitnesses::add(const RowResult& result, const RowPlaces& places, std::size_t row) {
     const Place place{places.line, row};
     if (places.namesAgain) {
         joins.add(place);
@@ -109,9 +110,12 @@ void TableWitnesses::add(const RowResult& result, const RowPlaces& places, std::
     }
     watchClock(places, place);
     const KIV_RAWINFO& raw = result.raw;
-    if (result.state == RowState::refused || raw.status != orientationStatus
-        || countFillers(raw, place))
-        return jumps.interrupt();
+    const bool watched = result.state != RowState::refused && raw.status == orientationStatus;
+    const bool filled = watched && countFillers(raw, place);
+    if (!watched || filled) {
+        jumps.interrupt();
+        return !filled;
+    }
     const bool outside = countBeyond(raw, result.info, place);
     watchAzimuth(raw, place);
     const Attitude now(raw, result.info);
@@ -123,6 +127,7 @@ void TableWitnesses::add(const RowResult& result, const RowPlaces& places, std::
             otherTargets.add(lastPlace);
     }
     lastPlace = place;
+    return true;
 }
 
 std::vector<Witness> TableWitnesses::finished() const {

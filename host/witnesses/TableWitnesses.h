@@ -16,8 +16,8 @@ class TableWitnesses {
 public:
     TableWitnesses(const WatchedSensor& watched, std::size_t number);
 
-    // The row's own number is that of the whole recording, from 1.
-    void add(const RowResult& result, const RowPlaces& places, std::size_t row);
+    // The row's own number is that of the whole recording, from 1. False for a row with a filler.
+    bool add(const RowResult& result, const RowPlaces& places, std::size_t row);
     std::vector<Witness> finished() const; // in the order of their kinds
 
 private:
@@ -43,7 +43,7 @@ private:
     Place lastPlace;
     std::array<Count, readingCount> fillers, beyond, spikes;
     Count otherTargets, joins, clock;
-    std::optional<double> lastTime;
+    std::optional<TimeStamp> lastTime;
     bool overMidnight = true;          // every time that the clock goes back
     std::array<float, 2> lastAngles{}; // raw, that are no fillers
     float leastAzimuth = std::numeric_limits<float>::max();

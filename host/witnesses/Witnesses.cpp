@@ -11,13 +11,13 @@ Witnesses::Witnesses(const CKivPrm& record, std::string_view ofTime)
     : sensor(record), timeName(ofTime) {}
 Witnesses::~Witnesses() = default;
 
-void Witnesses::add(const RowResult& result, const RowPlaces& places) {
+bool Witnesses::add(const RowResult& result, const RowPlaces& places) {
     if (!current || places.table != currentTable) {
         finish();
         current = std::make_unique<TableWitnesses>(sensor, places.table);
         currentTable = places.table;
     }
-    current->add(result, places, ++rows);
+    return current->add(result, places, ++rows);
 }
 
 void Witnesses::finish() {
@@ -37,7 +37,9 @@ void print(std::span<const Witness> found, const std::vector<std::string>& table
         err << tables[witness.table] << ':' << witness.line << ": " << witness.name() << ": "
             << witness.text() << '\n';
     if (found.size() > most)
-        err << found.size() - most << " more witnesses; --messages all shows them\n";
+        err << found.size() - most
+            << (found.size() - most == 1 ? " more witness" : " more witnesses")
+            << "; --messages all shows them\n";
 }
 
 } // namespace kiv::host

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "KIVInterface/Records.h"
+#include "host/rows/TimeStamp.h"
 #include "host/witnesses/WatchedSensor.h"
 #include "host/witnesses/Witness.h"
 
@@ -22,12 +23,12 @@ struct RowResult;
 struct RowPlaces {
     std::size_t table = 0; // of several, from 0
     std::size_t line = 0;
-    std::optional<double> time; // seconds
-    bool namesAgain = false;    // a row of names, refused
+    std::optional<TimeStamp> time;
+    bool namesAgain = false; // a row of names, refused
 };
 
 // Watches the rows of a recording as they come, whatever they are taken for: what a person would
-// see at a glance. Rows that are refused, or have another status than 2, are passed over.
+// see at a glance. Of rows that are refused, or have another status than 2, the time alone counts.
 class Witnesses {
 public:
     // The column of the time, where there is one, as the tool calls it.
@@ -36,7 +37,8 @@ public:
     Witnesses(const Witnesses&) = delete;
     Witnesses& operator=(const Witnesses&) = delete;
 
-    void add(const RowResult& result, const RowPlaces& places);
+    // False for a row that has a filler in place of a reading.
+    bool add(const RowResult& result, const RowPlaces& places);
     // Behind the last row.
     void finish();
 

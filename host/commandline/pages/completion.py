@@ -62,7 +62,7 @@ def bash(pages):
         for option in options_of(page):
             values = {
                 "files": "_kiv_files",
-                "columns": "_kiv_words \"$(_kiv_header \"${COMP_WORDS[@]:2}\")\"",
+                "columns": "_kiv_columns",
                 "results": "_kiv_results",
                 "pair": f"compopt -o nospace; _kiv_words {lines(f'{name}=' for name in columns_of(pages, 'readings'))}",
                 "words": f"_kiv_words {lines(option.words)}",
@@ -78,6 +78,14 @@ def bash(pages):
 
 _kiv_header() {{
 {HEADER_NAMES}
+}}
+
+# What a table has for names is taken as it stands, where compgen would run a command in it.
+_kiv_columns() {{
+    local name
+    while IFS= read -r name; do
+        [[ $name == "$current"* ]] && COMPREPLY+=("$(printf %q "$name")")
+    done < <(_kiv_header "${{COMP_WORDS[@]:2}}")
 }}
 
 _kiv_words() {{
@@ -115,7 +123,7 @@ _kiv() {{
     help:*)
         _kiv_words {lines(names)} ;;
     *:=)
-        _kiv_words "$(_kiv_header "${{COMP_WORDS[@]:2}}")" ;;
+        _kiv_columns ;;
 {newline.join(values)}
     *)
         if [[ $current == -* ]]; then _kiv_options; else _kiv_files; fi ;;

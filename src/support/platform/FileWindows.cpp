@@ -96,17 +96,17 @@ bool isBeingDeleted(const WidePath& path) {
 // A scanner or a backup has a file open for a moment: the copy that is new, or the old file, which
 // keeps its name until then.
 bool renameOnceFree(const WidePath& from, const WidePath& to, DWORD how, bool removed = false) {
-    constexpr std::chrono::milliseconds step{100}, most{5000};
+    constexpr std::chrono::milliseconds step{100}, most{5000}, mostDenied{1000};
     for (auto waited = 0 * step;; waited += step) {
         if (MoveFileExW(from, to, how | MOVEFILE_WRITE_THROUGH))
             return true;
         const DWORD error = GetLastError();
-        const bool held = error == ERROR_SHARING_VIOLATION
-                          || (error == ERROR_ACCESS_DENIED && (how & MOVEFILE_REPLACE_EXISTING));
-        const bool mayPass =
-            held || isBeingDeleted(to) || (removed && error == ERROR_ALREADY_EXISTS);
+        // Another program's hold on the file, or a right that is missing for good.
+        const bool denied = error == ERROR_ACCESS_DENIED && (how & MOVEFILE_REPLACE_EXISTING);
+        const bool mayPass = denied || error == ERROR_SHARING_VIOLATION || isBeingDeleted(to)
+                             || (removed && error == ERROR_ALREADY_EXISTS);
         SetLastError(error);
-        if (!mayPass || waited == most)
+        if (!mayPass || waited >= (denied ? mostDenied : most))
             return false;
         wait(step);
     }
