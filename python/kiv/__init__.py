@@ -14,6 +14,7 @@
 """
 
 from . import _library
+from ._calibrate import CalibrationResult, calibrate
 from ._columns import State, Trust
 from ._compare import Comparison, compare
 from ._poses import poses
@@ -25,6 +26,7 @@ from .sensor import Frame, Sensor
 __version__: str = _library.version() or ""
 
 __all__ = [
+    "CalibrationResult",
     "Comparison",
     "Error",
     "Fault",
@@ -38,6 +40,7 @@ __all__ = [
     "Sensor",
     "State",
     "Trust",
+    "calibrate",
     "compare",
     "poses",
 ]
