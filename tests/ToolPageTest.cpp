@@ -1,4 +1,4 @@
-// docs/kiv.md, from which --help and the man page are made, names what the tool knows.
+// The pages in docs, from which --help and the man pages are made, name what the tool knows.
 
 #include <algorithm>
 #include <fstream>
@@ -24,34 +24,26 @@ namespace {
 using namespace kiv;
 using namespace kiv::host;
 
-struct Section {
-    std::string text;
-    std::map<std::string, std::string> options; // a value is called VALUE; description
-};
+using Options = std::map<std::string, std::string>; // a value is called VALUE; description
 
-// By subcommand; what stands before the first, by kiv.
-std::map<std::string, Section> sectionsOfPage() {
-    std::map<std::string, Section> sections;
-    std::ifstream page(KIV_DOCS "/kiv.md");
-    Section* section = &sections["kiv"];
+// Those of a page as --help shows it: with the ones that it shares.
+Options optionsOf(const std::string& command) {
+    Options options;
     std::string* item = nullptr;
-    bool options = false;
-    const std::regex term("- `([^`]+?)( [A-Z,]+)?`:(.*)");
+    bool inside = false;
+    const std::regex term("  (\\S+?(?:, \\S+?)*)( [A-Z,]+)?(?: +(.*))?");
     std::smatch match;
-    for (std::string line; std::getline(page, line);) {
-        if (line.starts_with("## kiv "))
-            section = &sections[line.substr(7)];
-        if (line.starts_with("##"))
-            options = line.ends_with(" Options");
-        if (options && std::regex_match(line, match, term)) {
-            item = &section->options[match.str(1) + (match[2].matched ? " VALUE" : "")];
-            *item = match.str(3);
-        } else if (options && item && line.starts_with("  ")) {
-            *item += line.substr(1);
+    for (const std::string& line : test::lines(std::string(helpText(command)))) {
+        if (!line.empty() && line[0] != ' ')
+            inside = line == "Options" || (inside && line.ends_with(':'));
+        else if (inside && item && line.starts_with("            "))
+            *item += line.substr(11);
+        else if (inside && std::regex_match(line, match, term)) {
+            item = &options[match.str(1) + (match[2].matched ? " VALUE" : "")];
+            *item = ' ' + match.str(3);
         }
-        section->text += line + '\n';
     }
-    return sections;
+    return options;
 }
 
 std::string termFor(const CLI::Option& option) {
@@ -69,65 +61,61 @@ std::string termFor(const CLI::Option& option) {
 }
 
 TEST(ToolPage, NamesEverySubcommandAndOption) {
-    const auto sections = sectionsOfPage();
     CommandLine line;
     std::vector<CLI::App*> commands = line.app.get_subcommands({});
     commands.push_back(&line.app);
-    EXPECT_EQ(sections.size(), commands.size());
     for (const CLI::App* command : commands) {
         SCOPED_TRACE(command->get_name());
-        ASSERT_TRUE(sections.count(command->get_name()));
-        const Section& section = sections.at(command->get_name());
-        EXPECT_FALSE(helpText(command->get_name()).empty());
-        EXPECT_NE(sections.at("kiv").text.find('`' + command->get_name() + "`: "),
-                  command == &line.app ? 0 : std::string::npos);
+        const Options options = optionsOf(command->get_name());
+        EXPECT_TRUE(command == &line.app
+                    || helpText("kiv").find("\n  " + command->get_name() + ' ')
+                           != std::string_view::npos);
 
         std::set<std::string> known;
         for (const CLI::Option* option : command->get_options({})) {
             const std::string term = termFor(*option);
             known.insert(term);
-            const auto described = section.options.find(term);
-            if (described == section.options.end()) {
+            const auto described = options.find(term);
+            if (described == options.end()) {
                 ADD_FAILURE() << "not on the page: " << term;
                 continue;
             }
             const std::string standard = option->get_default_str();
             EXPECT_TRUE(standard.empty()
-                        || described->second.ends_with("(default " + standard + ')'))
+                        || described->second.ends_with("(default " + standard + ")."))
                 << term << described->second;
         }
-        for (const auto& [term, description] : section.options)
+        for (const auto& [term, description] : options)
             EXPECT_TRUE(known.count(term)) << "on the page alone: " << term;
     }
 }
 
 TEST(ToolPage, ShortHelpFitsAScreenAndNamesWhatThereIs) {
-    const auto sections = sectionsOfPage();
+    CommandLine line;
+    std::vector<CLI::App*> commands = line.app.get_subcommands({});
+    commands.push_back(&line.app);
     const std::regex word("--[a-z][a-z-]*");
-    for (const auto& [command, section] : sections) {
-        SCOPED_TRACE(command);
-        const std::string text(shortHelpText(command));
+    for (const CLI::App* command : commands) {
+        SCOPED_TRACE(command->get_name());
+        const std::string text(shortHelpText(command->get_name()));
         const std::vector<std::string> shown = test::lines(text);
         EXPECT_GT(shown.size(), 4U);
         EXPECT_LE(shown.size(), 45U);
-        for (const std::string& line : shown)
-            EXPECT_LE(line.size(), 80U) << line;
+        for (const std::string& each : shown)
+            EXPECT_LE(each.size(), 80U) << each;
         std::string known;
-        for (const auto& [term, description] : section.options)
+        for (const auto& [term, description] : optionsOf(command->get_name()))
             known += term + ' ';
         for (std::sregex_iterator at(text.begin(), text.end(), word), end; at != end; ++at)
             EXPECT_NE((known + "--help ").find(at->str() + ' '), std::string::npos) << at->str();
     }
 }
 
-// A text in one line, with single blanks.
-std::string flat(const std::string& text) {
-    return std::regex_replace(text, std::regex("\\s+"), " ");
-}
-
+// In one line, with single blanks.
 std::string flatFile(const std::string& path) {
     std::ifstream file(path);
-    return flat({std::istreambuf_iterator<char>(file), {}});
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    return std::regex_replace(text, std::regex("\\s+"), " ");
 }
 
 TEST(ToolPage, ReadmeHasTheMinimalHost) {
@@ -139,8 +127,7 @@ TEST(ToolPage, ReadmeHasTheMinimalHost) {
 TEST(ToolPage, NamesEveryColumnOfReadings) {
     const std::string readings =
         test::tool({"simulate", KIV_EXAMPLES "/Tg5.prm", "--rows", "2"}).out;
-    const auto sections = sectionsOfPage();
-    const std::string page = sections.at("simulate").text + sections.at("run").text;
+    const std::string page = flatFile(KIV_DOCS "/tables.md");
     std::istringstream names(test::lines(readings).at(0));
     std::size_t columns = 0;
     for (std::string name; std::getline(names, name, ','); ++columns)
@@ -149,7 +136,7 @@ TEST(ToolPage, NamesEveryColumnOfReadings) {
 }
 
 TEST(ToolPage, SaysOfEveryColumnOfResultsWhatItsTableSays) {
-    const std::string page = flat(sectionsOfPage().at("run").text);
+    const std::string page = flatFile(KIV_DOCS "/tables.md");
     for (std::size_t i = 0; i < resultColumns.size();) {
         std::string entry = "- `";
         const ResultColumn& first = resultColumns[i];
@@ -188,7 +175,7 @@ TEST(ToolPage, ARefusedRowIsEmptyWhereTheColumnsMayBe) {
 }
 
 TEST(ToolPage, SaysOfEveryTrustWhatHeaderAndPythonSay) {
-    const std::string page = flat(sectionsOfPage().at("run").text);
+    const std::string page = flatFile(KIV_DOCS "/tables.md");
     const std::string header = flatFile(KIV_DOCS "/../include/kiv.h");
     const std::string python = flatFile(KIV_DOCS "/../python/kiv/_columns.py");
     for (std::size_t i = 0; i < trustWords.size(); ++i) {
@@ -200,10 +187,8 @@ TEST(ToolPage, SaysOfEveryTrustWhatHeaderAndPythonSay) {
         const std::regex inHeader("KIV_TRUST_" + number + ",? /\\* " + meaning + " \\*/");
         EXPECT_TRUE(std::regex_search(header, inHeader)) << number;
         EXPECT_NE(python.find(number + " # " + meaning), std::string::npos) << number;
-        if (i > 0) {
-            EXPECT_NE(page.find(std::string("`") + word + "`, " + meaning), std::string::npos)
-                << number;
-        }
+        EXPECT_NE(page.find(std::string("- `") + word + "`: " + meaning), std::string::npos)
+            << number;
     }
 }
 

@@ -541,7 +541,7 @@ void CommandLine::addHelp() {
         return writeToStandardOutput(std::string(helpText(helpOn)) + '\n', s) ? allGood : unusable;
     });
     command.add_option("subcommand", helpOn)->check([this](const std::string& name) {
-        return isCommand(name) ? "" : whyNoCommand(name);
+        return helpText(name).empty() ? whyNoCommand(name) : "";
     });
 }
 

@@ -6,6 +6,7 @@ from dataclasses import dataclass
 from markdown import plain
 
 WORDS = {"FRAME", "KIND", "COLUMNS", "FORMAT", "POSES"}  # values that the option's text has as code
+FILES = {"FILE", "FILES", "PAGE"}
 HEADER = {"COLUMN"}  # a column of the table that is given
 RESULTS = {"NAMES"}  # columns of results, with commas between
 PAIR = {"PAIR"}  # a column of readings, and behind = its name in the table
@@ -20,7 +21,7 @@ class Option:
 
     @property
     def kind(self):
-        kinds = {"": "flag", "FILE": "files", **dict.fromkeys(HEADER, "columns")}
+        kinds = {"": "flag", **dict.fromkeys(FILES, "files"), **dict.fromkeys(HEADER, "columns")}
         return {**kinds, **dict.fromkeys(RESULTS, "results"), **dict.fromkeys(PAIR, "pair")}.get(self.value, "words")
 
 
@@ -34,12 +35,16 @@ def options_of(page):
 
 
 def columns_of(pages, of):
-    page = next(page for page in pages if page.command == "run")
-    return [name for block in page.under(f"Columns of {of}") for name in re.findall(r"`(\w+)`", block.head)]
+    page = next(page for page in pages if page.name == "kiv-tables")
+    return [name for block in page.under(of) for name in re.findall(r"`(\w+)`", block.head)]
 
 
 def subcommands(pages):
     return [page for page in pages if page.command not in ("", "kiv")]
+
+
+def pages_of_help(pages):
+    return [page.command or page.name.removeprefix("kiv-") for page in pages]
 
 
 HEADER_NAMES = r"""    local word
@@ -64,7 +69,7 @@ def bash(pages):
                 "files": "_kiv_files",
                 "columns": "_kiv_columns",
                 "results": "_kiv_results",
-                "pair": f"compopt -o nospace; _kiv_words {lines(f'{name}=' for name in columns_of(pages, 'readings'))}",
+                "pair": f"compopt -o nospace; _kiv_words {lines(f'{name}=' for name in columns_of(pages, 'Readings'))}",
                 "words": f"_kiv_words {lines(option.words)}",
             }
             if option.kind != "flag":
@@ -103,7 +108,7 @@ _kiv_files() {{
 _kiv_results() {{
     local last=${{current##*,}} IFS=$'\\n'
     compopt -o nospace
-    COMPREPLY=($(compgen -P "${{current%"$last"}}" -W {lines(columns_of(pages, "results"))} -- "$last"))
+    COMPREPLY=($(compgen -P "${{current%"$last"}}" -W {lines(columns_of(pages, "Results"))} -- "$last"))
 }}
 
 _kiv_options() {{
@@ -121,7 +126,7 @@ _kiv() {{
     fi
     case ${{COMP_WORDS[1]}}:$previous in
     help:*)
-        _kiv_words {lines(names)} ;;
+        _kiv_words {lines(pages_of_help(pages))} ;;
     *:=)
         _kiv_columns ;;
 {newline.join(values)}
@@ -149,13 +154,13 @@ def zsh(pages):
                 "files": ":file:_files",
                 "columns": ":column:_kiv_header",
                 "results": ":columns:_kiv_results",
-                "pair": f":column:({' '.join(f'{name}=' for name in columns_of(pages, 'readings'))})",
+                "pair": f":column:({' '.join(f'{name}=' for name in columns_of(pages, 'Readings'))})",
                 "words": f":{option.value.lower()}:({' '.join(option.words)})",
             }[option.kind]
             alike = f"({' '.join(option.names)})" if len(option.names) > 1 else ""
             arguments += [quoted(f"{alike}{name}[{text}]{action}") for name in option.names]
-        names = " ".join(p.command for p in subcommands(pages))
-        arguments.append(quoted(f":subcommand:({names})" if page.command == "help" else "*:file:_files"))
+        names = " ".join(pages_of_help(pages))
+        arguments.append(quoted(f":page:({names})" if page.command == "help" else "*:file:_files"))
         cases.append(f"    {page.command})\n        _arguments -s \\\n            " + " \\\n            ".join(arguments) + " ;;")
     commands = "\n        ".join(quoted(f"{page.command}:{plain(page.purpose)}") for page in subcommands(pages))
     return f"""#compdef kiv
@@ -171,7 +176,7 @@ _kiv_header_names() {{
 }}
 
 _kiv_results() {{
-    _values -s , column {' '.join(columns_of(pages, 'results'))}
+    _values -s , column {' '.join(columns_of(pages, 'Results'))}
 }}
 
 _kiv() {{
@@ -209,7 +214,7 @@ def fish(pages):
         "",
         "function __kiv_results",
         "    set -l start (string replace -r '[^,]*$' '' -- (commandline -ct))",
-        f"    printf '%s\\n' $start{{{','.join(columns_of(pages, 'results'))}}}",
+        f"    printf '%s\\n' $start{{{','.join(columns_of(pages, 'Results'))}}}",
         "end",
         "",
         "complete -c kiv -n __fish_use_subcommand -s V -l version -d 'shows the version'",
@@ -226,10 +231,10 @@ def fish(pages):
                 "files": " -rF",
                 "columns": " -xa '(__kiv_header)'",
                 "results": " -xa '(__kiv_results)'",
-                "pair": " -xa " + quoted(" ".join(f"{name}=" for name in columns_of(pages, "readings"))),
+                "pair": " -xa " + quoted(" ".join(f"{name}=" for name in columns_of(pages, "Readings"))),
                 "words": f" -xa {quoted(' '.join(option.words))}" if option.words else " -x",
             }[option.kind]
             out.append(f"complete -c kiv -n {condition}{names}{value} -d {quoted(option.text)}")
-    names = " ".join(page.command for page in subcommands(pages))
+    names = " ".join(pages_of_help(pages))
     out.append(f"complete -c kiv -n '__fish_seen_subcommand_from help' -xa {quoted(names)}")
     return "\n".join(out) + "\n"

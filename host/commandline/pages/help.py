@@ -2,12 +2,20 @@
 
 import textwrap
 
-from markdown import plain
+from markdown import as_items, plain
 
 
-def plain_text(blocks):
+def plain_text(blocks, width=80):
     """Terms with their text behind or below them."""
     out, previous = [], "heading"
+    blocks = [each for block in blocks for each in (as_items(block) if block.kind == "table" else [block])]
+
+    def filled(lines, first="", others=""):
+        text = plain(" ".join(lines))
+        return textwrap.wrap(
+            text, width, initial_indent=first, subsequent_indent=others, break_on_hyphens=False, break_long_words=False
+        )
+
     for block in blocks:
         if previous != "heading" and not (block.kind == previous and block.kind in ("item", "bullet")):
             out.append("")
@@ -16,16 +24,14 @@ def plain_text(blocks):
         elif block.kind == "fence":
             out += [f"    {line}".rstrip() for line in block.lines]
         elif block.kind == "item":
-            term, lines = plain(block.head), [" " * 12 + plain(line) for line in block.lines]
-            if lines and len(term) < 10:
-                lines[0] = f"  {term:10}{lines[0][12:]}"
-            else:
-                lines.insert(0, f"  {term}")
-            out += lines
+            term, behind = f"  {plain(block.head)}", " " * 12
+            beside = block.lines and len(term) < len(behind)
+            out += [] if beside else [term]
+            out += filled(block.lines, term.ljust(12) if beside else behind, behind)
         elif block.kind == "bullet":
-            out += [("  " if i else "- ") + plain(line) for i, line in enumerate(block.lines)]
+            out += filled(block.lines, "- ", "  ")
         else:
-            out += [plain(line) for line in block.lines]
+            out += filled(block.lines)
         previous = block.kind
     return "\n".join(out)
 
@@ -51,7 +57,7 @@ def screen_text(blocks, column=27, width=79):
 
 
 def long_help(page):
-    return (f"kiv: {plain(page.purpose)}\n\n" if page.command == "kiv" else "") + plain_text(page.blocks)
+    return (f"{page.name}: {plain(page.purpose)}\n\n" if page.command in ("", "kiv") else "") + plain_text(page.blocks)
 
 
 def short_help(page):
@@ -61,17 +67,17 @@ def short_help(page):
 
 
 def help_source(pages):
-    def function(name, text_of):
+    def function(name, text_of, pages):
         cases = "".join(
-            f'    if (command == "{page.command}")\n        return R"page({text_of(page)}\n)page";\n'
+            f'    if (page == "{page.command or page.name.removeprefix("kiv-")}")\n'
+            f'        return R"page({text_of(page)}\n)page";\n'
             for page in pages
-            if page.command
         )
-        return f"std::string_view {name}(std::string_view command) {{\n{cases}    return {{}};\n}}\n\n"
+        return f"std::string_view {name}(std::string_view page) {{\n{cases}    return {{}};\n}}\n\n"
 
     return (
         '// Made from the pages in docs.\n#include "host/commandline/HelpTexts.h"\n\nnamespace kiv::host {\n\n'
-        + function("helpText", long_help)
-        + function("shortHelpText", short_help)
+        + function("helpText", long_help, pages)
+        + function("shortHelpText", short_help, [page for page in pages if page.command])
         + "} // namespace kiv::host\n"
     )

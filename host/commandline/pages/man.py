@@ -3,7 +3,7 @@
 import re
 import textwrap
 
-from markdown import unlinked
+from markdown import as_items, unlinked
 
 DATE = "2026-11-27"  # when the pages were last gone over
 
@@ -11,6 +11,7 @@ DATE = "2026-11-27"  # when the pages were last gone over
 def roff(text):
     text = unlinked(text).replace("\\", "\\e").replace("-", "\\-")
     text = re.sub(r"`([^`]*)`", r"\\fB\1\\fR", text)
+    text = re.sub(r"\*\*([^*]+)\*\*", r"\\fB\1\\fR", text)
     text = re.sub(r"(?<![*\w])\*([^*]+)\*", r"\\fI\1\\fR", text)
     return re.sub(r"^([.'])", r"\\&\1", text)
 
@@ -19,15 +20,6 @@ def filled(lines):
     """A paragraph in lines of their usual length; none begins like a request."""
     folded = textwrap.wrap(roff(" ".join(lines)), 72, break_long_words=False, break_on_hyphens=False)
     return [re.sub(r"^([.'])", r"\\&\1", line) for line in folded]
-
-
-def table_as_list(header, *rows):
-    """Its first column as terms: no terminal is as wide as some of the tables."""
-    for term, *cells in rows:
-        yield ".TP"
-        yield roff(f"{header[0]} {term}" if term.isdigit() else term)
-        named = [f"{name}: {cell}" if len(cells) > 1 else cell for name, cell in zip(header[1:], cells) if cell]
-        yield "\n.br\n".join("\n".join(filled([text])) for text in named)
 
 
 def man_page(page, version):
@@ -58,7 +50,8 @@ def man_page(page, version):
         elif block.kind == "bullet":
             out += [".IP \\(bu 2", *filled(block.lines)]
         elif block.kind == "table":
-            out += table_as_list(*block.lines)
+            for item in as_items(block):
+                out += [".TP", roff(item.head), "\n.br\n".join("\n".join(filled([cell])) for cell in item.lines)]
         else:
             out += paragraph + filled(block.lines)
         previous = block.kind

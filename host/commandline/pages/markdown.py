@@ -69,7 +69,29 @@ def unlinked(text):
 
 
 def plain(text):
-    return unlinked(text).replace("`", "")
+    return unlinked(text).replace("`", "").replace("**", "")
+
+
+def as_items(table):
+    """A table as a list: no terminal is as wide as some of them. Its first column are the terms."""
+    header, *rows = table.lines
+    for term, *cells in rows:
+        named = [f"{name}: {cell}" if len(cells) > 1 else cell for name, cell in zip(header[1:], cells) if cell]
+        yield Block("item", f"{header[0]} {term}" if term.isdigit() else term, named)
+
+
+def expanded(blocks, shared):
+    """Behind a text that names shared options stand these; the text itself only where it says when they apply."""
+    for block in blocks:
+        text = " ".join(block.lines)
+        if block.kind != "text" or "[shared options]" not in text:
+            yield block
+            continue
+        intro, names = text.split(":", 1)
+        if not intro.startswith("Also"):
+            yield Block("text", lines=[intro + ":"])
+        for name in re.findall(r"`(-[^`]*)`", names):
+            yield next(item for item in shared if name in re.split(r", | ", item.head.strip("`")))
 
 
 def page_of(command, name, purpose, blocks):
@@ -88,8 +110,9 @@ def read_pages(path):
     title, *blocks = blocks_of(front)
     name, purpose = title.head.split(": ", 1)
     first = page_of(name if parts else "", name, purpose, blocks)
+    shared = list(first.under("Shared options"))
     purposes = {block.head.strip("`"): " ".join(block.lines) for block in first.under("Subcommands")}
     return [first] + [
-        page_of(command, f"kiv-{command}", purposes[command], blocks_of(body))
+        page_of(command, f"kiv-{command}", purposes[command], list(expanded(blocks_of(body), shared)))
         for command, body in zip(parts[::2], parts[1::2])
     ]
