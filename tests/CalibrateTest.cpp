@@ -2,8 +2,11 @@
 // whole Monte Carlo; these are a few seeds of it.
 
 #include <cmath>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -12,6 +15,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "host/base/Interrupt.h"
 #include "tests/ParameterRecord.h"
 #include "tests/ToolRunner.h"
 
@@ -59,7 +63,7 @@ public:
             "--u-encoder", "0.001", "--u-level", "0.002", "--u-vector", "0.05",     "--replace"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         const std::string messages = call(arguments);
-        if (messages.empty())
+        if (code == host::allGood)
             result = json::parse(textIn(resultFile()));
         return messages;
     }
@@ -84,8 +88,13 @@ public:
         return error.dot(correlation.ldlt().solve(error)) / static_cast<double>(n);
     }
 
-    static std::string call(const std::vector<std::string>& arguments) {
-        return test::tool(arguments).err;
+    std::string call(const std::vector<std::string>& arguments) {
+        const auto run = test::tool(arguments);
+        code = run.code;
+        return run.err;
+    }
+    std::set<fs::path> files() const {
+        return {fs::recursive_directory_iterator(folder), fs::recursive_directory_iterator()};
     }
     std::string old() const { return (folder / "old/Tg5.prm").string(); }
     std::string fresh() const { return (folder / "Tg5.prm").string(); }
@@ -93,6 +102,7 @@ public:
     std::string resultFile() const { return (folder / "result.json").string(); }
 
     json result;
+    int code = 0;
 
 private:
     test::ParameterFolder own;
@@ -237,6 +247,29 @@ TEST(Calibrate, RefusesWithACause) {
         EXPECT_NE(messages.find(row.found), messages.npos) << messages;
         EXPECT_FALSE(fs::exists(bench.fresh()) || fs::exists(bench.resultFile()));
     }
+}
+
+// The outputs are there together or not at all, and no copy is left beside them.
+TEST(Calibrate, LeavesNoHalfSet) {
+    Bench bench(4);
+    bench.measure(100);
+    std::ofstream(bench.resultFile()) << "of another program";
+    const auto rights = fs::status(bench.resultFile()).permissions();
+    fs::permissions(bench.resultFile(), fs::perms::owner_read);
+    const auto files = bench.files();
+    EXPECT_NE(bench.calibrate().find("result.json: "), std::string::npos);
+    EXPECT_EQ(bench.files(), files);
+    EXPECT_EQ(textIn(bench.resultFile()), "of another program");
+    fs::permissions(bench.resultFile(), rights);
+#ifdef GTEST_HAS_DEATH_TEST
+    const auto interruptedRun = [&] {
+        host::Interrupt::install();
+        std::raise(SIGINT);
+        bench.calibrate();
+        std::exit(bench.files() == files ? bench.code : 1);
+    };
+    EXPECT_EXIT(interruptedRun(), ::testing::ExitedWithCode(host::interrupted), "");
+#endif
 }
 
 // The pose of every twentieth row is wrong by 0.3 degrees.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <string_view>
 
 namespace kiv::host {
 
@@ -20,6 +21,7 @@ struct Streams {
     std::ostream& err;
     bool errIsTerminal = false;
     bool outIsTerminal = false;
+    std::string_view inName = "standard input"; // as messages show it
 };
 
 // The whole tool: arguments as main gets them, data to out, messages to err.

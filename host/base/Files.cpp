@@ -127,7 +127,7 @@ void reportUnopened(std::ostream& err, const std::string& name, int error) {
 }
 
 bool Input::open(const std::string& name, const Streams& streams, Sha256* hash) {
-    shownName = shownInput(name);
+    shownName = name == "-" ? std::string(streams.inName) : printable(name);
     if (name == "-") {
         chosen = &streams.in;
     } else {

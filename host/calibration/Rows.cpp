@@ -42,8 +42,9 @@ CalibrationRows::CalibrationRows(const CalibrateOptions& asked, const Streams& o
     format.blockBytes = blockBytes;
 }
 
-void CalibrationRows::takeText(std::string readings) {
+void CalibrationRows::takeText(std::string readings, TableFacts poses) {
     kept = std::move(readings);
+    madeFrom = std::move(poses);
     files = {"-"};
     format.otherNames.clear();
     format.decimalComma = false;
@@ -55,12 +56,23 @@ std::size_t CalibrationRows::jobs(std::uintmax_t bytes) const {
     return std::clamp<std::size_t>(asked, 1, all / blockBytes + 1);
 }
 
+std::string CalibrationRows::nameOf(std::size_t table) const {
+    return madeFrom ? madeFrom->name : shownInput(files[table]);
+}
+
 std::string CalibrationRows::name() const {
-    return shownInput(files.front());
+    return nameOf(0);
+}
+
+Streams CalibrationRows::inputOf(std::istream& text, std::ostream& err) const {
+    Streams input{text, streams.out, err};
+    if (madeFrom)
+        input.inName = madeFrom->name;
+    return input;
 }
 
 std::string CalibrationRows::placeOf(const RowPlace& place) const {
-    return shownInput(files[place.first]) + ':' + std::to_string(place.second) + ":1";
+    return nameOf(place.first) + ':' + std::to_string(place.second) + ":1";
 }
 
 bool CalibrationRows::findColumns(const TableInput& table) {
@@ -227,11 +239,11 @@ bool CalibrationRows::open() {
     if (!readText())
         return false;
     std::istringstream text(kept);
-    const Streams input{text, streams.out, streams.err};
+    const Streams input = inputOf(text, streams.err);
     MessageLimit limit(format.mostMessages, streams.err);
     struct Nothing {};
     const bool good = passOver<Nothing>(
-        input, seen.tables, [](Block&, Nothing&) {},
+        input, ofFirstPass, [](Block&, Nothing&) {},
         [&](Block& block, Nothing&) {
             if (block.unusable) {
                 show({&block.messages.back(), 1}, streams.err);
@@ -242,6 +254,7 @@ bool CalibrationRows::open() {
             return true;
         });
     limit.reportOthers(name());
+    seen.tables = madeFrom ? std::vector{*madeFrom} : ofFirstPass;
     return good;
 }
 

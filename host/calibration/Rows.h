@@ -31,8 +31,10 @@ class CalibrationRows {
 public:
     CalibrationRows(const CalibrateOptions& asked, const Streams& own, CKivPrm& record, int mode);
 
-    // In place of what the options name.
-    void takeText(std::string readings);
+    // What standard input has given.
+    void takeText(std::string readings) { kept = std::move(readings); }
+    // Readings that were made from a table of poses, which messages and results name.
+    void takeText(std::string readings, TableFacts poses);
 
     // The first pass. False, and messages, where the tables are no use for a calibration; the
     // messages about single rows are said here.
@@ -87,6 +89,8 @@ private:
     bool readRow(Table& cursor, Observation& row, Block& block, CalibrationTables& tables) const;
     void take(const Block& block);
     std::size_t jobs(std::uintmax_t bytes) const;
+    std::string nameOf(std::size_t table) const;
+    Streams inputOf(std::istream& text, std::ostream& err) const;
     template <typename Part>
     bool passOver(const Streams& input, std::vector<TableFacts>& digests,
                   const std::function<void(Block&, Part&)>& work,
@@ -102,7 +106,9 @@ private:
     std::optional<Owner> owner;
     Columns columns;
     Facts seen;
-    std::string kept; // of standard input
+    std::string kept;                   // of standard input
+    std::optional<TableFacts> madeFrom; // the table of poses
+    std::vector<TableFacts> ofFirstPass;
     std::set<RowPlace> rejectedRows;
 };
 
@@ -152,13 +158,13 @@ bool CalibrationRows::pass(const std::function<void(const std::vector<Observatio
                            const std::function<bool(Part&)>& finish) {
     std::istringstream text(kept);
     std::ostringstream repeated; // said in the first pass
-    const Streams input{text, streams.out, repeated};
+    const Streams input = inputOf(text, repeated);
     std::vector<TableFacts> digests;
     const bool good = passOver<Part>(
         input, digests, [&](Block& block, Part& part) { work(block.rows, part); },
         [&](Block&, Part& part) { return finish(part); });
     for (std::size_t i = 0; good && i < digests.size(); ++i)
-        if (digests[i].digest.hex() != seen.tables[i].digest.hex()) {
+        if (digests[i].digest.hex() != ofFirstPass[i].digest.hex()) {
             streams.err << digests[i].name
                         << ":1:1: expected the rows of the first pass, found that the file has "
                            "changed; start again when nobody writes to it\n";

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
+#include <list>
 #include <optional>
 #include <ostream>
 #include <sstream>
@@ -18,6 +18,7 @@
 #include "host/parameters/Findings.h"
 #include "host/parameters/ParameterFile.h"
 #include "host/report/CalibrationPage.h"
+#include "host/rows/TableInput.h"
 #include "host/run/UncertaintyFile.h"
 #include "params/Quoted.h"
 #include "support/Principles.h"
@@ -114,33 +115,84 @@ bool gainsUsable(const CalibrateOptions& options, CKivPrm& record, int mode, std
     return !zero;
 }
 
-// The readings that the sensor would give in a table of poses; empty for another table.
-std::optional<std::string> readingsOfPoses(const CalibrateOptions& options,
-                                           const Streams& streams) {
-    if (options.readings.size() != 1 || options.readings[0] == "-")
-        return "";
-    std::ifstream file(pathOf(options.readings[0]));
-    std::string names;
-    std::getline(file, names);
-    if (names.find("yaw_deg") == names.npos)
-        return "";
-    SimulateOptions simulate;
-    simulate.parameterFile = options.parameterFile;
-    simulate.poses = options.readings[0];
-    simulate.posesFormat.mostMessages = options.format.mostMessages;
-    std::ostringstream text;
-    const int code = simulateReadings(simulate, {streams.in, text, streams.err, false, false});
-    if (code != allGood)
-        return std::nullopt;
-    return text.str();
+// A table of poses has angles that one of readings has measured.
+bool isOfPoses(const std::string& file, const TableFormat& format, const Streams& streams) {
+    constexpr std::string_view angles[] = {"yaw_deg", "pitch_deg", "roll_deg"};
+    std::ostringstream said; // again where it is read
+    TableInput input(angles, format);
+    return input.open(file, {}, {streams.in, said, said}) && !input.table().find("azimuth_deg");
 }
 
-bool replaceFile(const std::string& name, const std::string& text, std::ostream& err) {
-    const auto fault =
-        platform::replaceWhole({name.c_str()}, [&](ByteSink& sink) { sink.write(text); });
-    if (fault)
-        err << shownOutput(name) << ": " << fault.reason << "; nothing was written there\n";
-    return !fault;
+// For a dry run: readings that the sensor would give in a table of poses; what standard input has
+// is kept. False, and a message, where there are none.
+bool takePoses(const CalibrateOptions& options, CKivPrm& record, CalibrationRows& rows,
+               const Streams& streams) {
+    const std::string& file = options.readings.front();
+    const bool once = file == "-";
+    if (options.readings.size() > 1
+        || (!once && (mayWait(file) || !isOfPoses(file, options.format, streams))))
+        return true;
+    Input input;
+    TableFacts facts;
+    std::string given;
+    {
+        const Interrupt::Waiting waiting(true);
+        if (!input.open(file, streams, &facts.digest) || !input.readAll(given, streams.err))
+            return false;
+    }
+    facts.name = input.name();
+    std::istringstream text(given);
+    std::ostringstream made;
+    const Streams poses{text, made, streams.err, false, false, facts.name};
+    if (once && !isOfPoses("-", options.format, poses)) {
+        rows.takeText(std::move(given));
+        return true;
+    }
+    text.clear();
+    text.seekg(0);
+    SimulateOptions simulate;
+    simulate.poses = "-";
+    simulate.posesFormat.mostMessages = options.format.mostMessages;
+    if (simulateReadings(simulate, record, poses) != allGood)
+        return false;
+    rows.takeText(made.str(), facts);
+    return true;
+}
+
+// Files that belong together: none is there before all are on the disk.
+class Outputs {
+public:
+    // False, and a message, where it cannot be written; an empty name is none.
+    bool add(const std::string& name, const std::string& text, std::ostream& err) {
+        if (name.empty())
+            return true;
+        auto& [ofFile, file] = all.emplace_back();
+        ofFile = name;
+        return good(name, file.prepare({name.c_str()}, [&](ByteSink& sink) { sink.write(text); }),
+                    err);
+    }
+    const std::string& preparedName() const { return all.back().second.preparedName(); }
+    bool finish(std::ostream& err) {
+        return std::all_of(all.rbegin(), all.rend(),
+                           [&](auto& each) { return good(each.first, each.second.finish(), err); });
+    }
+
+private:
+    static bool good(const std::string& name, const platform::ReplacementFault& fault,
+                     std::ostream& err) {
+        if (fault)
+            err << shownOutput(name) << ": " << fault.reason << "; nothing was written there\n";
+        return !fault;
+    }
+
+    std::list<std::pair<std::string, platform::Replacement>> all;
+};
+
+// Of a file's bytes, whose line ends are the system's.
+bool digestOf(const std::string& name, const Streams& streams, Sha256& digest) {
+    Input input;
+    std::string text;
+    return input.open(name, streams, &digest) && input.readAll(text, streams.err);
 }
 
 // The new file reads back to the same values.
@@ -184,13 +236,8 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
         || !gainsUsable(options, record, mode, err))
         return unusable;
     CalibrationRows rows(options, streams, record, mode);
-    if (options.dryRun) {
-        auto text = readingsOfPoses(options, streams);
-        if (!text)
-            return unusable;
-        if (!text->empty())
-            rows.takeText(std::move(*text));
-    }
+    if (options.dryRun && !takePoses(options, record, rows, streams))
+        return unusable;
     const Document& old = examined->parsed.document;
     std::optional<CalibrationOutcome> outcome;
     if (rows.open())
@@ -201,20 +248,21 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
         return unusable;
 
     const std::string text = textOf(outcome->document);
-    Sha256 digest; // of the file, whose line ends are the system's
+    Outputs outputs;
+    Sha256 digest;
     if (!options.dryRun
         && (!readsBack(text, outcome->document, options.output, err)
-            || !replaceFile(options.output, text, err)
-            || !examineFile(options.output, err, &digest)))
+            || !outputs.add(options.output, text, err)
+            || !digestOf(outputs.preparedName(), streams, digest)))
         return unusable;
     const std::string result = resultText(*outcome, options, rows, inputs, digest.hex());
-    if (!options.result.empty() && !replaceFile(options.result, result, err))
-        return unusable;
-    if (!options.report.empty()
-        && !replaceFile(options.report, calibrationPage(*outcome, options, rows, inputs), err))
-        return unusable;
-    return writeToStandardOutput(resultTable(*outcome, options, rows), streams) ? allGood
-                                                                                : unusable;
+    const std::string page =
+        options.report.empty() ? "" : calibrationPage(*outcome, options, rows, inputs);
+    return outputs.add(options.result, result, err) && outputs.add(options.report, page, err)
+                   && writeToStandardOutput(resultTable(*outcome, options, rows), streams)
+                   && outputs.finish(err)
+               ? allGood
+               : unusable;
 }
 
 } // namespace kiv::host

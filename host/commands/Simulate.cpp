@@ -164,6 +164,10 @@ int simulateReadings(const SimulateOptions& options, const Streams& streams) {
     if (!loadParameterFile(options.parameterFile, record, streams.err)
         || refuseOverwriting(options.readings, {options.parameterFile, options.poses}, streams.err))
         return unusable;
+    return simulateReadings(options, record, streams);
+}
+
+int simulateReadings(const SimulateOptions& options, CKivPrm& record, const Streams& streams) {
     SimulatedSensor sensor(record);
     const std::unique_ptr<PoseSource> poses = posesFor(options, sensor.mode(), streams);
     Output output;

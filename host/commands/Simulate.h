@@ -7,6 +7,8 @@
 #include "host/rows/TableFormat.h"
 #include "simulator/Noise.h"
 
+class CKivPrm;
+
 namespace kiv::host {
 
 struct SimulateOptions {
@@ -26,5 +28,8 @@ struct SimulateOptions {
 // Writes readings of the sensor along a trajectory or in given poses, with the true angles beside
 // them. An exit code.
 int simulateReadings(const SimulateOptions& options, const Streams& streams);
+
+// The same of a parameter file that was read.
+int simulateReadings(const SimulateOptions& options, CKivPrm& record, const Streams& streams);
 
 } // namespace kiv::host

@@ -38,7 +38,8 @@ bool eachOnce(const std::vector<std::string>& files, std::ostream& err) {
 bool Recording::openTable(std::size_t i, std::ostream& err, bool forRows) {
     auto input = std::make_unique<TableInput>(readingColumns, format);
     Sha256* const hash = facts && forRows ? &(*facts)[i].digest : nullptr;
-    if (!input->open(files[i], reserved, {streams.in, streams.out, err}, hash)
+    const Streams own{streams.in, streams.out, err, false, false, streams.inName};
+    if (!input->open(files[i], reserved, own, hash)
         || (i > 0 && !input->followColumnsOf(first(), err)))
         return false;
     stand[i] = input->table().places();

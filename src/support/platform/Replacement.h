@@ -24,6 +24,27 @@ struct ReplacementFault {
 // are. Nothing is left behind.
 ReplacementFault replaceWhole(Utf8Path path, const std::function<void(ByteSink&)>& write);
 
+// The same in two steps, for files that belong together: none is replaced before all are on the
+// disk.
+class Replacement {
+public:
+    Replacement() = default;
+    ~Replacement(); // takes away what has not taken its place
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+
+    ReplacementFault prepare(Utf8Path path, const std::function<void(ByteSink&)>& write);
+    const std::string& preparedName() const { return name; }
+    ReplacementFault finish();
+
+private:
+    bool write(const std::function<void(ByteSink&)>& content);
+
+    OutputFile file;
+    std::string name;   // its own, until it takes the other's
+    std::string target; // where the path leads
+};
+
 // What each system has its own way to tell.
 namespace replacement {
 
