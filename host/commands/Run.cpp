@@ -29,6 +29,13 @@ constexpr auto resultNames = [] {
     return names;
 }();
 
+constexpr auto isWord = [] {
+    std::array<bool, resultColumns.size()> words{};
+    for (const std::string_view name : {"state", "reason", "trust"})
+        words[resultColumnAt(name)] = true;
+    return words;
+}();
+
 // Whether a run's rows have a column.
 bool gives(const ReadingsRun& run, std::size_t column) {
     const auto& [ofReadings, calibration] = run.givenUncertainties();
@@ -39,30 +46,42 @@ bool gives(const ReadingsRun& run, std::size_t column) {
     return column < resultColumnAt("u_rx_deg") || ofReadings;
 }
 
-// Takes the cells of a row in the order of the columns, which stand side by side in its text.
-class StraightCells {
+// The columns of a row that are asked for, side by side in the text that the row becomes.
+class ResultCells {
 public:
-    explicit StraightCells(const Table& table)
-        : separator(table.separator()), decimalComma(table.decimalComma()) {}
+    using Columns = std::array<bool, resultColumns.size()>;
+
+    ResultCells(const Columns& columns, char mark) : asked(columns), separator(mark) {}
 
     void word(const char* letters) {
-        while (*letters)
-            *end++ = *letters++;
-        *end++ = separator;
+        if (asked[next]) {
+            while (*letters)
+                *end++ = *letters++;
+            *end++ = separator;
+        }
+        ends[next++] = end;
     }
 
     template <typename Number>
     void numbers(const Number* values, std::size_t count, bool computed) {
         for (std::size_t i = 0; i < count; ++i) {
-            if (computed && std::isfinite(static_cast<double>(values[i])))
-                end = std::to_chars(end, std::end(row), values[i]).ptr; // shortest
-            *end++ = separator;
+            if (asked[next]) {
+                if (computed && std::isfinite(static_cast<double>(values[i])))
+                    end = std::to_chars(end, std::end(row), values[i]).ptr; // shortest
+                *end++ = separator;
+            }
+            ends[next++] = end;
         }
     }
 
-    void leaveOut(std::size_t) {}
+    // Of a column that is asked for.
+    Cell operator[](std::size_t column) const {
+        const char* const start = column == 0 ? row : ends[column - 1];
+        const std::string_view text(start, ends[column] - 1);
+        return isWord[column] ? Cell(text) : WrittenNumber{text};
+    }
 
-    void appendTo(std::string& text) {
+    void appendTo(std::string& text, bool decimalComma) {
         end[-1] = '\n';
         if (decimalComma)
             std::replace(row, end, '.', ','); // no word has a point
@@ -70,36 +89,16 @@ public:
     }
 
 private:
+    const Columns& asked;
     char separator;
-    bool decimalComma;
     char row[32 * resultColumns.size()]; // no number and no word takes more
     char* end = row;
-};
-
-// Takes them so that any of them can be written.
-class GatheredCells {
-public:
-    void word(const char* letters) { cells[count++] = std::string_view(letters); }
-
-    template <typename Number>
-    void numbers(const Number* values, std::size_t howMany, bool computed) {
-        for (std::size_t i = 0; i < howMany; ++i, ++count)
-            if (computed)
-                cells[count] = values[i];
-    }
-
-    void leaveOut(std::size_t howMany) { count += howMany; }
-
-    const Cell& operator[](std::size_t column) const { return cells[column]; }
-
-private:
-    std::array<Cell, resultColumns.size()> cells;
-    std::size_t count = 0;
+    const char* ends[resultColumns.size()]; // behind the separator
+    std::size_t next = 0;
 };
 
 // What the update did not compute, and what is no number, stays empty.
-template <typename Cells>
-void giveResult(Cells& cells, const RowResult& result, const ReadingsRun& run) {
+void giveResult(ResultCells& cells, const RowResult& result, const ReadingsRun& run) {
     const KIV_INFO& info = result.info;
     const bool reached = hasCorrectedReadings(result.state);
     const bool oriented = hasAngles(result.state);
@@ -117,18 +116,14 @@ void giveResult(Cells& cells, const RowResult& result, const ReadingsRun& run) {
     cells.word(oriented ? wordOf(result.trust.trust) : "");
     const auto modelError = static_cast<float>(result.trust.modelError);
     cells.numbers(&modelError, 1, oriented);
-    const auto triple = [&](bool there, const AngleTriple& values, bool computed) {
+    const auto triple = [&](const AngleTriple& values, bool computed) {
         const float digits[] = {static_cast<float>(values[0]), static_cast<float>(values[1]),
                                 static_cast<float>(values[2])};
-        if (there)
-            cells.numbers(digits, 3, computed);
-        else
-            cells.leaveOut(3);
+        cells.numbers(digits, 3, computed);
     };
-    const auto& [ofReadings, calibration] = run.givenUncertainties();
-    triple(ofReadings.has_value(), result.uncertainty.standard, result.hasUncertainty);
-    triple(ofReadings && run.localFrame(), result.uncertainty.reference, result.hasUncertainty);
-    triple(calibration.has_value(), result.calibration, result.hasCalibration);
+    triple(result.uncertainty.standard, result.hasUncertainty);
+    triple(result.uncertainty.reference, result.hasUncertainty);
+    triple(result.calibration, result.hasCalibration);
 }
 
 // Rows of the columns that are asked for, in any order and format.
@@ -137,8 +132,11 @@ public:
     void open(const RunOptions& options, const ReadingsRun& run) {
         for (const auto& [column, byName] :
              chosenResults(options.results.empty() ? "all" : options.results))
-            if (byName || gives(run, column))
+            if (byName || gives(run, column)) {
                 columns.push_back(column);
+                asked[column] = true;
+            }
+        inOrder = std::is_sorted(columns.begin(), columns.end());
         if (options.source)
             for (const std::string& table : options.readings)
                 tables.push_back(shownInput(table));
@@ -172,8 +170,10 @@ public:
             writer->appendCell(text, at++, std::string_view(tables[row.table]));
             writer->appendCell(text, at++, static_cast<std::int64_t>(row.line));
         }
-        GatheredCells cells;
+        ResultCells cells(asked, table.separator());
         giveResult(cells, row.result, run);
+        if (inOrder && !json)
+            return cells.appendTo(text, table.decimalComma());
         for (const std::size_t column : columns)
             writer->appendCell(text, at++, cells[column]);
         writer->endRow(text);
@@ -183,7 +183,9 @@ private:
     bool json = false;
     std::vector<std::string> carried; // names, in JSON alone
     std::vector<std::string> tables;  // names, with the source of each row alone
-    std::vector<std::size_t> columns;
+    std::vector<std::size_t> columns; // of resultColumns
+    ResultCells::Columns asked{};
+    bool inOrder = true;
     std::optional<RowWriter> writer;
 };
 
@@ -235,19 +237,9 @@ int runReadings(const RunOptions& asked, const Streams& streams) {
         return unusable;
     chosen.open(options, run);
     chosen.appendNames(run.table(), run.output().text());
-    const bool wholeRow =
-        options.results.empty() && !options.source && options.rowFormat == RowFormat::csv;
-
-    run.forEach(
-        [&](const Table& row, const ComputedRow& computed, std::string& results) {
-            if (!wholeRow)
-                return chosen.append(row, computed, run, results);
-            row.appendCarriedCells(results);
-            StraightCells cells(row);
-            giveResult(cells, computed.result, run);
-            cells.appendTo(results);
-        },
-        [&](const ComputedRow&) { return !options.stopOnBad || run.summary().allGood(); });
+    run.forEach([&](const Table& row, const ComputedRow& computed,
+                    std::string& results) { chosen.append(row, computed, run, results); },
+                [&](const ComputedRow&) { return !options.stopOnBad || run.summary().allGood(); });
     return run.finish();
 }
 

@@ -80,13 +80,11 @@ void appendJsonCarried(std::string& out, std::string_view cell, bool decimalComm
     }
 }
 
-template <typename Number>
-void appendFinite(std::string& out, Number value, char mark) {
-    char digits[32];
-    char* const end = std::to_chars(digits, std::end(digits), value).ptr;
+void appendDigits(std::string& out, std::string_view digits, char mark) {
+    const std::size_t start = out.size();
+    out += digits;
     if (mark != '.')
-        std::replace(digits, end, '.', mark);
-    out.append(digits, end);
+        std::replace(out.begin() + static_cast<std::ptrdiff_t>(start), out.end(), '.', mark);
 }
 
 } // namespace
@@ -161,26 +159,34 @@ void RowWriter::appendCell(std::string& out, std::size_t column, const Cell& cel
     if (!csv)
         out += starts[column];
     const char* const nothing = csv ? "" : "null";
-    std::visit(Overloaded{[&](std::monostate) { out += nothing; },
-                          [&](std::string_view word) {
-                              if (csv)
-                                  out += csvCell(word, marks.separator);
-                              else
-                                  appendJsonText(out, word);
-                          },
-                          [&](CarriedText carried) {
-                              if (csv)
-                                  appendAsItStands(out, carried.text);
-                              else
-                                  appendJsonCarried(out, carried.text, marks.decimalComma);
-                          },
-                          [&](auto number) {
-                              if (std::isfinite(static_cast<double>(number)))
-                                  appendFinite(out, number, csv && marks.decimalComma ? ',' : '.');
-                              else
-                                  out += nothing;
-                          }},
-               cell);
+    const char mark = csv && marks.decimalComma ? ',' : '.';
+    std::visit(
+        Overloaded{[&](std::monostate) { out += nothing; },
+                   [&](std::string_view word) {
+                       if (csv)
+                           out += csvCell(word, marks.separator);
+                       else
+                           appendJsonText(out, word);
+                   },
+                   [&](CarriedText carried) {
+                       if (csv)
+                           appendAsItStands(out, carried.text);
+                       else
+                           appendJsonCarried(out, carried.text, marks.decimalComma);
+                   },
+                   [&](WrittenNumber number) {
+                       appendDigits(out, number.digits.empty() ? nothing : number.digits, mark);
+                   },
+                   [&](auto number) {
+                       char digits[32];
+                       if (std::isfinite(static_cast<double>(number)))
+                           appendDigits(
+                               out, {digits, std::to_chars(digits, std::end(digits), number).ptr},
+                               mark);
+                       else
+                           out += nothing;
+                   }},
+        cell);
     if (csv)
         out.push_back(marks.separator);
 }

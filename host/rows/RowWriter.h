@@ -16,10 +16,15 @@ struct CarriedText {
     std::string_view text;
 };
 
+// The digits of a number, with a point; none for what is nothing.
+struct WrittenNumber {
+    std::string_view digits;
+};
+
 // What a row has in a column: nothing, a word, a carried text, or a number, which is printed with
 // the shortest digits of its type and is nothing where it is not finite.
-using Cell =
-    std::variant<std::monostate, std::string_view, CarriedText, float, double, std::int64_t>;
+using Cell = std::variant<std::monostate, std::string_view, CarriedText, WrittenNumber, float,
+                          double, std::int64_t>;
 
 // Writes rows of named cells: as CSV, or each as one JSON object on a line of its own. Names and
 // digits are the same. In JSON nothing is null, numbers have a point, and a carried text is a
