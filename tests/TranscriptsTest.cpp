@@ -251,7 +251,7 @@ void run(const std::vector<Transcript>& transcripts, bool separateErrors) {
     for (const Transcript& transcript : transcripts) {
         SCOPED_TRACE(transcript.name);
         const kiv::test::ParameterFolder folder;
-        for (const char* name : {"Tg5.prm", "readings.csv"})
+        for (const char* name : {"Tg5.prm", "readings.csv", "known-poses.csv", "stations.csv"})
             fs::copy_file(fs::path(KIV_EXAMPLES) / name, fs::path(folder.path()) / name);
         fs::current_path(folder.path());
         for (const File& file : transcript.files)
