@@ -12,7 +12,7 @@ from pathlib import Path
 
 from completion import bash, fish, zsh
 from help import help_source
-from man import man_page
+from man import man_page, section
 from markdown import read_pages
 
 
@@ -26,8 +26,8 @@ def main(version, source, folder, *paths):
     pages = [page for path in paths for page in read_pages(path)]
     write(Path(source), help_source(pages))
     for page in pages:
-        section = 1 if page.command else 5
-        write(folder / f"man/man{section}/{page.name}.{section}", man_page(page, version))
+        number = section(page)
+        write(folder / f"man/man{number}/{page.name}.{number}", man_page(page, version, pages))
     write(folder / "bash-completion/completions/kiv", bash(pages))
     write(folder / "zsh/site-functions/_kiv", zsh(pages))
     write(folder / "fish/vendor_completions.d/kiv.fish", fish(pages))

@@ -22,10 +22,22 @@ def filled(lines):
     return [re.sub(r"^([.'])", r"\\&\1", line) for line in folded]
 
 
-def man_page(page, version):
-    section = 1 if page.command else 5
+def section(page):
+    return 1 if page.command else 5
+
+
+def see_also(page, pages):
+    """From the tool's page to all, from the others to it and to those of the files."""
+    others = [each for each in pages if each != page and (page.command == "kiv" or each.command in ("", "kiv"))]
+    ends = [","] * (len(others) - 1) + [""]
+    yield ".SH SEE ALSO"
+    yield from (f".BR {roff(each.name)} ({section(each)}){end}" for each, end in zip(others, ends))
+    yield from (".PP", "Pages that end in .md lie in share/doc/KIVInterface/docs.")
+
+
+def man_page(page, version, pages):
     out = [
-        f'.TH {roff(page.name.upper())} {section} {DATE} "KIVInterface {version}" KIVInterface',
+        f'.TH {roff(page.name.upper())} {section(page)} {DATE} "KIVInterface {version}" KIVInterface',
         ".SH NAME",
         f"{roff(page.name)} \\- {roff(page.purpose)}",
     ]
@@ -55,4 +67,5 @@ def man_page(page, version):
         else:
             out += paragraph + filled(block.lines)
         previous = block.kind
+    out += see_also(page, pages)
     return "\n".join(line for line in out if line) + "\n"

@@ -89,7 +89,7 @@ def expanded(blocks, shared):
             continue
         intro, names = text.split(":", 1)
         if not intro.startswith("Also"):
-            yield Block("text", lines=[intro + ":"])
+            yield Block("text", lines=[re.sub(r",? also \[[^]]*\]\([^)]*\)", "", intro) + ":"])
         for name in re.findall(r"`(-[^`]*)`", names):
             yield next(item for item in shared if name in re.split(r", | ", item.head.strip("`")))
 
