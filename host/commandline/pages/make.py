@@ -4,7 +4,8 @@
     make.py VERSION HELP.cpp OUTPUT_FOLDER PAGE.md...
 
 A page `# NAME: what it is`, or a part `## kiv NAME` of the tool's page, becomes a man page of its own. Of a part,
-`### In short` is what -h shows; options that several have stand once, under `## Shared options`.
+`### In short` is what -h shows, options by their names alone; those that several have stand once, under
+`## Shared options`.
 """
 
 import sys

@@ -81,7 +81,7 @@ def as_items(table):
 
 
 def expanded(blocks, shared):
-    """Behind a text that names shared options stand these; the text itself only where it says when they apply."""
+    """In place of a text that names shared options stand these, behind what it says of when they apply."""
     for block in blocks:
         text = " ".join(block.lines)
         if block.kind != "text" or "[shared options]" not in text:
@@ -90,8 +90,23 @@ def expanded(blocks, shared):
         intro, names = text.split(":", 1)
         if not intro.startswith("Also"):
             yield Block("text", lines=[re.sub(r",? also \[[^]]*\]\([^)]*\)", "", intro) + ":"])
-        for name in re.findall(r"`(-[^`]*)`", names):
-            yield next(item for item in shared if name in re.split(r", | ", item.head.strip("`")))
+        yield from named(names, shared)
+
+
+def named(names, options):
+    for name in re.findall(r"`(-[^`]*)`", names):
+        yield next(item for item in options if name in re.split(r", | ", item.head.strip("`")))
+
+
+def in_short(blocks, options):
+    """A list of names stands for these options with their first sentence."""
+    for block in blocks:
+        text = " ".join(block.lines)
+        if block.kind != "text" or not text.startswith("`-"):
+            yield block
+            continue
+        for option in named(text, options):
+            yield Block("item", option.head, [re.split(r"(?<=\.) ", " ".join(option.lines))[0]])
 
 
 def page_of(command, name, purpose, blocks):
@@ -101,7 +116,9 @@ def page_of(command, name, purpose, blocks):
     if start is None:
         return Page(command, name, purpose, blocks, [])
     end = heads[heads.index(start) + 1]
-    return Page(command, name, purpose, blocks[:start] + blocks[end:], blocks[start + 1 : end])
+    page = Page(command, name, purpose, blocks[:start] + blocks[end:], [])
+    page.short = list(in_short(blocks[start + 1 : end], list(page.under("Options"))))
+    return page
 
 
 def read_pages(path):
