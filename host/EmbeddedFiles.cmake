@@ -4,22 +4,22 @@ find_path(KIV_DYGRAPHS_DIR dygraph.min.js PATHS /usr/share/javascript/dygraphs
 find_file(KIV_DYGRAPHS_LICENCE copyright PATHS /usr/share/doc/libjs-dygraphs
     NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 
-function(kiv_embed function file)
+function(kiv_embed function)
     set(output ${CMAKE_CURRENT_BINARY_DIR}/embedded/${function}.cpp)
     set(script ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake)
     add_custom_command(OUTPUT ${output}
-        COMMAND ${CMAKE_COMMAND} -DFILE=${file} -DFUNCTION=${function} -DOUTPUT=${output} -P ${script}
-        DEPENDS ${file} ${script}
+        COMMAND ${CMAKE_COMMAND} "-DFILES=${ARGN}" -DFUNCTION=${function} -DOUTPUT=${output} -P ${script}
+        DEPENDS ${ARGN} ${script}
         VERBATIM)
     target_sources(kiv_host PRIVATE ${output})
 endfunction()
 kiv_embed(dygraphsScript ${KIV_DYGRAPHS_DIR}/dygraph.min.js)
 kiv_embed(dygraphsStyle ${KIV_DYGRAPHS_DIR}/dygraph.min.css)
 kiv_embed(dygraphsLicence ${KIV_DYGRAPHS_LICENCE})
-kiv_embed(rowsScript ${CMAKE_CURRENT_SOURCE_DIR}/report/rows.js)
-kiv_embed(bandsScript ${CMAKE_CURRENT_SOURCE_DIR}/report/bands.js)
-kiv_embed(marksScript ${CMAKE_CURRENT_SOURCE_DIR}/report/marks.js)
-kiv_embed(pageScript ${CMAKE_CURRENT_SOURCE_DIR}/report/page.js)
+set(scripts rows ticks bands marks controls save page)
+list(TRANSFORM scripts PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/report/)
+list(TRANSFORM scripts APPEND .js)
+kiv_embed(pageScript ${scripts})
 kiv_embed(pageStyle ${CMAKE_CURRENT_SOURCE_DIR}/report/page.css)
 kiv_embed(verifyParameters ${CMAKE_CURRENT_SOURCE_DIR}/verify/Tg5.prm)
 kiv_embed(verifyCases ${CMAKE_CURRENT_SOURCE_DIR}/verify/cases.csv)

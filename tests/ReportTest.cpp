@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "host/report/ReportPage.h"
+#include "params/Quoted.h"
+#include "tests/FileFaults.h"
 #include "tests/ParameterRecord.h"
 #include "tests/ToolRunner.h"
 
@@ -71,24 +73,68 @@ TEST(Report, BudgetAndShareWithinTheBand) {
     EXPECT_EQ(host::Summary().coverage().share(0), std::nullopt);
 }
 
+// Text from outside by each way into a page: none is markup, none is a script, all is UTF-8.
 TEST(Report, NothingFromOutsideIsMarkup) {
-    const std::string evil = "</script><script>alert('1')//\xE2\x80\xA8&amp;\x01\"";
-    const std::string page = report(header + "a," + good + "b,2,4000," + evil
-                                    + ",450,12.5,3,1,-2,20,0.1,0\"\nc,2,4000,<img src=x>,450,12.5,"
-                                      "3,1,-2,20,0.1,0\n");
-    EXPECT_FALSE(contains(page, "alert('1')"));
-    EXPECT_FALSE(contains(page, "<img"));
-    EXPECT_FALSE(contains(page, "\x01"));
-    EXPECT_TRUE(contains(page, "&lt;img src=x&gt;"));
-
+    const std::string evil = "</script><script>alert('1')//\xE2\x80\xA8&amp;<img src=x>";
+    const std::string broken = "\xFF\xC3(\xE2\x82\xED\xA0\x80\x01"; // bytes that are no UTF-8
     const test::ParameterFolder folder;
-    const std::string name = folder.path() + "/<b>&'.csv";
-    if (!(std::ofstream(name, std::ios::binary) << header << "a," << good))
-        GTEST_SKIP() << "no such file names here";
-    const std::string named = tool({"report", example, name}).out;
-    EXPECT_FALSE(contains(named, "<b>&"));
-    EXPECT_TRUE(contains(named, "/&lt;b&gt;&amp;&#39;.csv</code>"));
-    EXPECT_TRUE(contains(named, "/&lt;b&gt;&amp;&#39;.csv</title>"));
+    const std::string page = folder.path() + "/page.html";
+    const std::string named = folder.path() + "/<b>&'.csv";
+    const bool namedThere(std::ofstream(named, std::ios::binary) << header << "a," << good);
+    const std::string ofResults = "line,rx_deg,ry_deg,rz_deg\n2,1,2,3\n";
+    for (const char* name : {"/a<img src=x>.csv", "/b.csv"})
+        std::ofstream(folder.path() + name, std::ios::binary) << ofResults;
+    const std::string rowWith = ",2,4000,CELL,450,12.5,3,1,-2,20,0.1,0\n";
+    const auto rows = [&](const std::string& cell) {
+        std::string row = rowWith;
+        return header + "a," + good + 'b' + row.replace(row.find("CELL"), 4, '"' + cell + '"');
+    };
+    const struct {
+        const char* way;
+        std::vector<std::string> arguments;
+        std::string readings;
+        std::string found; // the text as it should stand in the page
+        bool possible = true;
+    } ways[] = {
+        {"a cell", {"report", example, "-"}, rows(evil), "&lt;/script&gt;&lt;script&gt;"},
+        {"a cell's bytes", {"report", example, "-"}, rows(broken), "expected"},
+        {"a column", {"report", example, "-"}, evil + ',' + header + "1," + good, "</html>"},
+        {"a title",
+         {"report", example, "-", "--title", evil},
+         header + "a," + good,
+         "<h1>&lt;/script&gt;&lt;script&gt;"},
+        {"a title's bytes",
+         {"report", example, "-", "--title", "x\xFFy"},
+         header + "a," + good,
+         "<h1>x\xEF\xBF\xBDy</h1>"},
+        {"a unit",
+         {"report", example, "-", "--length-unit", evil},
+         header + "a," + good,
+         "&lt;img src=x&gt;"},
+        {"a file's name",
+         {"report", example, named},
+         "",
+         "/&lt;b&gt;&amp;&#39;.csv</code>",
+         namedThere},
+        {"a name that is compared",
+         {"compare", folder.path() + "/a<img src=x>.csv", folder.path() + "/b.csv", "--report",
+          page},
+         "",
+         "/a&lt;img src=x&gt;.csv",
+         namedThere},
+    };
+    for (const auto& way : ways) {
+        if (!way.possible)
+            continue;
+        std::filesystem::remove(page);
+        std::string html = tool(way.arguments, way.readings).out;
+        if (way.arguments[0] == "compare")
+            html = test::contentOf(page).value_or("");
+        EXPECT_TRUE(contains(html, way.found)) << way.way;
+        EXPECT_TRUE(isUtf8(html)) << way.way;
+        for (const char* part : {"alert('1')", "<img", "<b>&", "\x01"})
+            EXPECT_FALSE(contains(html, part)) << way.way << ": " << part;
+    }
 }
 
 TEST(Report, ListIsCappedAndCounted) {
@@ -122,9 +168,9 @@ TEST(Report, RunsOverTimeWhereItCan) {
         {"dates",
          "time",
          {"2023-11-14T22:13:20.25Z", "2023-11-15 00:13:21.5+02:00", "2023-11-14T22:13:22"},
-         "{\"x\":\"time, UTC\",\"dates\":true,\"rowsPerBin\":1,\"rows\":3,\"reference\":"
-         "1700000000.25,\"first\":[1700000000.25,1700000001.5,1700000001.5]"},
-        {"dates of a clock", "time", {"1970-01-02T00:00"}, "{\"x\":\"time\",\"dates\":true"},
+         "{\"name\":\"time, UTC\",\"rowsPerBin\":1,\"rows\":3,\"dates\":true,"
+         "\"first\":[1700000000.25,1700000001.5,1700000001.5]}],\"reference\":1"},
+        {"dates of a clock", "time", {"1970-01-02T00:00"}, "\"rows\":1,\"dates\":true"},
         {"seconds are no date", "time", {"5"}, "as time is no ISO 8601 time in line 2."},
         {"dates go back",
          "time",

@@ -8,9 +8,6 @@ namespace kiv::host::embedded {
 std::string_view dygraphsScript();
 std::string_view dygraphsStyle();
 std::string_view dygraphsLicence();
-std::string_view rowsScript(); // these follow each other
-std::string_view bandsScript();
-std::string_view marksScript();
 std::string_view pageScript();
 std::string_view pageStyle();
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
 #include "KIVInterface/CKivPrm.h"
 #include "KIVInterface/Encoder.h"
 #include "KIVInterface/Records.h"
+#include "host/rows/TimeStamp.h"
 #include "simulator/RecordTables.h"
 
 namespace kiv::host {
@@ -27,6 +29,7 @@ struct Observation {
     double azimuthSlope = 1, elevationSlope = 1, curveXSlope = 1, curveYSlope = 1;
     // Where it stands.
     std::size_t table = 0, line = 0;
+    std::optional<TimeStamp> time; // where a report is asked for
 };
 
 // The tables of a record.

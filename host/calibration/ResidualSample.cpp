@@ -34,10 +34,12 @@ sampleResiduals(CalibrationRows& rows, const FitModel& model, const Eigen::Vecto
                     continue;
                 sample.whitened = sample.residual;
                 whitening.apply(sample.whitened);
-                const double places[] = {static_cast<double>(row.line),
-                                         std::remainder(row.azimuth, 360), row.elevation,
-                                         row.curveY, row.raw.temperature};
-                std::copy(std::begin(places), std::end(places), sample.place);
+                sample.line = static_cast<double>(row.line);
+                sample.time = row.time;
+                sample.azimuth = std::remainder(row.azimuth, 360);
+                sample.elevation = row.elevation;
+                sample.levelY = row.curveY;
+                sample.temperature = row.raw.temperature;
                 sample.tilt = std::acos(std::min(1.0, std::abs(pose.rotation[8]))) / degToRad;
                 sample.heldOut = rows.heldOut(row);
                 part.push_back(sample);

@@ -6,12 +6,16 @@
 #include <Eigen/Core>
 
 #include "host/calibration/Fit.h"
+#include "host/rows/TimeStamp.h"
 
 namespace kiv::host {
 
 // A row for the charts of a report: where it was measured, and what is left of its readings.
 struct ResidualSample {
-    double place[5];   // line, azimuth, elevation, level Y (degrees), temperature
+    double line;
+    std::optional<TimeStamp> time;
+    double azimuth, elevation, levelY; // degrees
+    double temperature;
     double tilt;       // of the sensor's z axis from the vertical, degrees
     Residual residual; // degrees
     Residual whitened; // independent of each other, of deviation 1

@@ -77,6 +77,8 @@ std::string CalibrationRows::placeOf(const RowPlace& place) const {
 
 bool CalibrationRows::findColumns(const TableInput& table) {
     owner.emplace(table.table(), sensorId);
+    if (!options.report.empty())
+        columns.time.emplace(table.table());
     std::string missing;
     const auto find = [&](std::string_view name) {
         const auto place = table.table().find(name);
@@ -171,6 +173,8 @@ bool CalibrationRows::readRow(Table& cursor, Observation& row, Block& block,
                          "none", "without a pose");
         return false;
     }
+    if (columns.time)
+        row.time = columns.time->of(cursor);
     const bool levelX = traitsOf(principleOf(mode)).levelX;
     if (!tables.take(row, levelX)) {
         block.unusable = true;

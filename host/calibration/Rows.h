@@ -20,6 +20,7 @@
 #include "host/calibration/Observation.h"
 #include "host/rows/Readings.h"
 #include "host/rows/Recording.h"
+#include "host/rows/RowTime.h"
 
 namespace kiv::host {
 
@@ -54,6 +55,7 @@ public:
     const Facts& facts() const { return seen; }
     std::string placeOf(const RowPlace& place) const; // file:line:1
     std::string name() const;                         // of the first table
+    bool timeIsDate() const { return columns.time && columns.time->stamps(); }
 
     bool heldOut(const Observation& row) const;
     bool rejected(const Observation& row) const {
@@ -80,6 +82,7 @@ private:
     struct Columns {
         std::array<std::optional<std::size_t>, 3> angles;
         std::optional<std::size_t> placement, station;
+        std::optional<RowTime> time;
     };
 
     bool mayBeHeldOut(const Observation& row) const;

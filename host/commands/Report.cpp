@@ -93,10 +93,8 @@ void addRow(ReportContent& content, const ComputedRow& row, TimeColumn& time) {
     if ((result.state == RowState::refused || result.state == RowState::noOrientation)
         && !content.badRows.full())
         content.badRows.add(place, noResult(row, table));
-    if (result.state == RowState::reference) {
-        content.referenceTime = point.time;
+    if (result.state == RowState::reference)
         content.referenceRow = place.row;
-    }
 }
 
 } // namespace

@@ -18,49 +18,45 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* angleNames[] = {"rx", "ry", "rz"};
 
-void appendVerdict(std::string& html, const ComparePage& content, const Comparison& figures) {
+void appendOutcome(std::string& html, const ComparePage& content, const Comparison& figures) {
     const double largest = figures.angle().largest;
     const bool close = figures.rows() > 0 && (!content.tolerance || largest <= *content.tolerance);
-    html.append("<p class=\"verdict ").append(close ? "good" : "bad").append("\">");
-    html += rowsText(figures.rows()) + " compared";
+    std::string sentence = rowsText(figures.rows()) + " compared";
     if (figures.rows() > 0)
-        html += "; the largest turn is " + degreesText(largest) + " degrees, in "
-                + escaped(figures.angle().place);
+        sentence += "; the largest turn is " + degreesText(largest) + " degrees, in "
+                    + escaped(figures.angle().place);
     if (content.tolerance)
-        html += "; allowed are " + shown(*content.tolerance);
-    html += "</p>\n";
+        sentence += "; allowed are " + shown(*content.tolerance);
+    appendVerdict(html, close ? "good" : "bad", sentence);
 }
 
 void appendFacts(std::string& html, const ComparePage& content, const Comparison& figures,
                  const ComparisonNames& names) {
-    const auto line = [&](const std::string& heading, const std::string& cell) {
-        appendTableRow(html, heading, {cell}, "text");
-    };
-    html += "<section>\n<h2>What was compared</h2>\n<table class=\"facts\">\n";
-    line("Compared at", escaped(timeOfPage()));
-    line("Command", code(content.commandLine));
+    FactTable facts(html, "What was compared");
+    facts.line("Compared at", escaped(timeOfPage()));
+    facts.line("Command", code(content.commandLine));
     for (const ComparePage::Input& input : content.inputs) {
-        line(input.role, code(input.name));
-        line("SHA-256",
-             input.digest.empty() ? "none, as it was not read to its end" : code(input.digest));
+        facts.line(input.role, code(input.name));
+        facts.digest(input.digest, "none, as it was not read to its end");
     }
-    line("Rows joined by", escaped(names.join));
-    line("Convention", names.localFrame ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx), local frame"
-                                        : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)");
-    line("Only in the first", rowsText(figures.onlyInFirst()));
-    line("Only in the second", rowsText(figures.onlyInSecond()));
-    line("Software", std::string("kiv ") + versionText);
-    html += "</table>\n</section>\n";
+    facts.line("Rows joined by", escaped(names.join));
+    facts.line("Convention", names.localFrame
+                                 ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx), local frame"
+                                 : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)");
+    facts.line("Only in the first", rowsText(figures.onlyInFirst()));
+    facts.line("Only in the second", rowsText(figures.onlyInSecond()));
+    facts.line("Software", std::string("kiv ") + versionText);
+    facts.end();
 }
 
 void appendFigures(std::string& html, const Comparison& figures) {
     const std::size_t uncertain = figures.withUncertainty();
-    html += "<section>\n<h2>Differences, the second less the first, degrees</h2>\n<table>\n"
-            "<thead><tr><th>Quantity</th>";
-    for (const char* heading : {"Mean", "Root mean square", "Largest", "In line"})
-        html.append("<th class=\"number\">").append(heading).append("</th>");
-    html += uncertain > 0 ? "<th class=\"number\">Beyond 2u</th></tr></thead>\n<tbody>\n"
-                          : "</tr></thead>\n<tbody>\n";
+    html += "<section>\n<h2>Differences, the second less the first, degrees</h2>\n";
+    if (uncertain > 0)
+        appendTableHead(html, "Quantity",
+                        {"Mean", "Root mean square", "Largest", "In line", "Beyond 2u"});
+    else
+        appendTableHead(html, "Quantity", {"Mean", "Root mean square", "Largest", "In line"});
     for (std::size_t i = 0; i < 4; ++i) {
         const Comparison::Figures& each = figures.of(i);
         const char* name = i < 3 ? angleNames[i] : "angle of the rotation";
@@ -90,13 +86,7 @@ std::string chartData(const ComparePage& content, bool uncertain) {
         return data;
     };
     const std::vector<const char*> three(std::begin(angleNames), std::end(angleNames));
-    Json data{{"x", "pair of rows"},
-              {"dates", false},
-              {"rowsPerBin", content.envelope.rowsPerBin()},
-              {"rows", content.envelope.rows()},
-              {"refused", Json::array()},
-              {"noOrientation", Json::array()},
-              {"notGood", Json::array()},
+    Json data{{"axes", Json::array({chartAxis(content.envelope, "pair of rows")})},
               {"charts", Json::array()}};
     data["charts"].push_back(chart("differences", 0, three));
     data["charts"].push_back(chart("turns", 3, {"angle"}));
@@ -126,30 +116,20 @@ std::string comparePage(const ComparePage& content, const Comparison& figures,
     const std::string title = names.second + " against " + names.first;
     const bool uncertain = figures.withUncertainty() > 0;
     std::string html;
-    appendPageHead(html, title);
-    html.append("<h1>").append(escaped(title)).append("</h1>\n");
-    appendVerdict(html, content, figures);
+    appendPageHead(html, title, title);
+    appendOutcome(html, content, figures);
     appendFacts(html, content, figures, names);
     if (figures.rows() > 0) {
         appendFigures(html, figures);
-        html += "<section id=\"charts\">\n<h2>Charts</h2>\n"
-                "<noscript><p class=\"verdict bad\">The charts need JavaScript, the tables do not."
-                "</p></noscript>\n<p class=\"note\">Over the pairs of rows, in their order.";
-        if (const std::size_t perBin = content.envelope.rowsPerBin(); perBin > 1)
-            html += " Each point stands for " + rowsText(perBin)
-                    + ": the line runs through their mean, the band from their least to their "
-                      "largest value.";
-        html += "</p>\n";
+        appendChartsHead(html, "Over the pairs of rows, in their order. "
+                                   + pointsNote(content.envelope.rowsPerBin()));
         appendFigure(html, "differences", "Differences of the angles", ", degrees");
         appendFigure(html, "turns", "Angle of the rotation", ", degrees");
         if (uncertain)
             appendFigure(html, "uncertainties", "Combined standard uncertainty", ", degrees");
         html += "</section>\n";
     }
-    appendPageFoot(html, figures.rows() > 0
-                             ? chartData(content, uncertain)
-                             : "{\"charts\":[],\"rows\":0,\"rowsPerBin\":1,"
-                               "\"refused\":[],\"noOrientation\":[],\"notGood\":[]}");
+    appendPageFoot(html, figures.rows() > 0 ? chartData(content, uncertain) : "");
     return html;
 }
 

@@ -7,7 +7,7 @@
 
 namespace kiv::host {
 
-// What a calibration found, as one HTML page without scripts.
+// What a calibration found, as one HTML page that loads nothing.
 std::string calibrationPage(const CalibrationOutcome& outcome, const CalibrateOptions& options,
                             const CalibrationRows& rows, const InputFacts& inputs);
 

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <span>
 
 #include "host/report/ChartSeries.h"
@@ -37,25 +38,47 @@ Json chartOf(const ReportContent& content, const Chart& chart) {
     return data;
 }
 
+// Each window's time, or its rows where there is no time.
+Json allanAxis(const RecordingDrift& drift) {
+    const auto points = drift.reading(0).points();
+    return {{"name", drift.step() ? "averaging time, s" : "rows averaged"},
+            {"own", true},
+            {"log", true},
+            {"rows", points.size()},
+            {"first", chartArray(points.size(), [&](std::size_t i) {
+                 return drift.step().value_or(1) * static_cast<double>(points[i].values);
+             })}};
+}
+
+Json chartOf(const RecordingDrift& drift, const AllanChart& chart) {
+    Json data{{"id", chart.id}, {"axis", 1}, {"log", true}, {"series", Json::array()}};
+    for (std::size_t i = 0; i < chart.names.size(); ++i) {
+        const auto points = drift.reading(chart.first + i).points();
+        data["series"].push_back({{"name", chart.names[i]},
+                                  {"mean", chartArray(points.size(), [&](std::size_t k) {
+                                       return points[k].deviation > 0 ? points[k].deviation : NAN;
+                                   })}});
+    }
+    return data;
+}
+
 } // namespace
 
 void appendChartData(std::string& json, const ReportContent& content) {
     const Envelope& envelope = content.envelope;
     const auto bins = envelope.bins();
-    Json data{{"x", content.axis.name()},
-              {"dates", content.axis.overDates()},
-              {"rowsPerBin", envelope.rowsPerBin()},
-              {"rows", envelope.rows()}};
-    if (content.summary.count(RowState::reference) > 0)
-        data["reference"] =
-            content.axis.overTime() ? Json(content.referenceTime) : Json(content.referenceRow);
+    Json axis = chartAxis(envelope, content.axis.name());
     if (content.axis.overTime()) {
-        data["first"] = chartArray(bins.size(), [&](std::size_t i) { return bins[i].firstX; });
+        axis["dates"] = content.axis.overDates();
+        axis["first"] = chartArray(bins.size(), [&](std::size_t i) { return bins[i].firstX; });
         if (envelope.rowsPerBin() > 1)
-            data["last"] = chartArray(bins.size(), [&](std::size_t i) { return bins[i].lastX; });
+            axis["last"] = chartArray(bins.size(), [&](std::size_t i) { return bins[i].lastX; });
     }
-    for (const Witness& witness : content.witnesses) // the bin of its first row
-        data["witnesses"].push_back({(witness.row - 1) / envelope.rowsPerBin(), witness.name()});
+    Json data{{"axes", Json::array({axis})}};
+    if (content.summary.count(RowState::reference) > 0)
+        data["reference"] = content.referenceRow;
+    for (const Witness& witness : content.witnesses)
+        data["witnesses"].push_back({witness.row, witness.name()});
     data["refused"] = marksOf(bins, &Envelope::Bin::refused);
     data["noOrientation"] = marksOf(bins, &Envelope::Bin::noOrientation);
     data["notGood"] = marksOf(bins, &Envelope::Bin::notGood);
@@ -63,6 +86,11 @@ void appendChartData(std::string& json, const ReportContent& content) {
     for (const Chart& chart : charts)
         if (content.has(chart))
             data["charts"].push_back(chartOf(content, chart));
+    for (const AllanChart& chart : allanCharts)
+        if (has(content, chart)) {
+            data["axes"][1] = allanAxis(content.drift);
+            data["charts"].push_back(chartOf(content.drift, chart));
+        }
     json += data.dump();
 }
 

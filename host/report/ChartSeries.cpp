@@ -21,6 +21,10 @@ Json chartNumber(float value) {
     return std::isfinite(value) ? chartNumber(*numberIn<double>(shown(value))) : Json();
 }
 
+Json chartAxis(const Envelope& envelope, const char* name) {
+    return {{"name", name}, {"rowsPerBin", envelope.rowsPerBin()}, {"rows", envelope.rows()}};
+}
+
 Json chartSeries(const Envelope& envelope, std::size_t q, const char* name, bool direction) {
     const std::size_t count = envelope.bins().size();
     const bool thinned = envelope.rowsPerBin() > 1;

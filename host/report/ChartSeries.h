@@ -13,6 +13,9 @@ class Envelope;
 nlohmann::ordered_json chartSeries(const Envelope& envelope, std::size_t series, const char* name,
                                    bool direction);
 
+// What the charts of an envelope run over; without times it is the number of the row.
+nlohmann::ordered_json chartAxis(const Envelope& envelope, const char* name);
+
 // What is not finite becomes null; whole numbers need no point.
 nlohmann::ordered_json chartNumber(double value);
 // A float is written with its own digits, not with those of the double that it is.

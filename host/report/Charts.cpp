@@ -25,22 +25,16 @@ std::string unitText(Unit unit, const ReportContent& content) {
 
 void appendCharts(std::string& html, const ReportContent& content) {
     const std::size_t perBin = content.envelope.rowsPerBin();
-    html += "<section id=\"charts\">\n<h2>Charts</h2>\n"
-            "<noscript><p class=\"verdict bad\">The charts need JavaScript, the tables do not."
-            "</p></noscript>\n<p class=\"note\">";
+    std::string note;
     if (!content.axis.overTime())
-        html += "Over the row number, as " + content.axis.whyRow + ". ";
-    if (perBin > 1)
-        html += "Each point stands for " + rowsText(perBin)
-                + ": the line runs through their mean, the band from their least to their "
-                  "largest value. ";
+        note += "Over the row number, as " + content.axis.whyRow + ". ";
+    note += pointsNote(perBin);
     if (content.hasUncertainty())
-        html.append("Bands of twice the standard uncertainty, which may be narrower than a line: "
+        note.append("Bands of twice the standard uncertainty, which may be narrower than a line: "
                     "zoom in")
             .append(perBin > 1 ? "; a point's is the largest of its rows" : "")
             .append(content.localFrame ? "; without the reference's part. " : ". ");
-    html += "<span class=\"screen\">Drag to zoom, shift and drag to move, double-click for "
-            "everything.</span></p>\n";
+    appendChartsHead(html, note);
     for (const Chart& chart : charts) {
         if (!content.has(chart))
             continue;

@@ -1,6 +1,7 @@
 #include <span>
 
 #include "host/report/Html.h"
+#include "host/report/Page.h"
 #include "host/report/Sections.h"
 #include "support/Numbers.h"
 
@@ -34,21 +35,19 @@ void appendTable(std::string& html, const ReportContent& content, const char* ti
     }
     if (!any)
         return;
-    html.append("<section>\n<h2>").append(title);
-    html += "</h2>\n<table>\n<thead><tr><th>Quantity</th>";
-    for (const char* heading : {"Rows", "Mean", "Standard deviation", "Least", "Largest"})
-        html.append("<th class=\"number\">").append(heading).append("</th>");
+    html.append("<section>\n<h2>").append(title).append("</h2>\n");
     if (residuals)
-        html += "<th class=\"number\">Root mean square</th>"
-                "<th class=\"number\">95 % quantile</th>";
-    html += "</tr></thead>\n";
+        appendTableHead(html, "Quantity",
+                        {"Rows", "Mean", "Standard deviation", "Least", "Largest",
+                         "Root mean square", "95 % quantile"});
+    else
+        appendTableHead(html, "Quantity",
+                        {"Rows", "Mean", "Standard deviation", "Least", "Largest"});
     for (const Chart& chart : shown) {
-        html += "<tbody>\n";
         for (std::size_t q = at(chart.first); q <= at(chart.last); ++q)
             appendFigures(html, content, static_cast<Quantity>(q));
-        html += "</tbody>\n";
     }
-    html += "</table>\n</section>\n";
+    html += "</tbody>\n</table>\n</section>\n";
 }
 
 } // namespace
@@ -58,9 +57,9 @@ void appendStatistics(std::string& html, const ReportContent& content) {
     appendTable(html, content, "Results in degrees", all.first(5));
     appendTable(html, content, "Angles minus true angles, degrees", all.subspan(5, 1));
     if (content.summary.poorFit())
-        html +=
-            "<p class=\"verdict warn\">The angles do not fit the true ones: <code>kiv check</code> "
-            "with the parameter file and the readings looks for the mistake.</p>\n";
+        appendVerdict(html, "warn",
+                      "The angles do not fit the true ones: <code>kiv check</code> with the "
+                      "parameter file and the readings looks for the mistake.");
     appendTable(html, content, "Further readings", all.last(3));
     html += "<p class=\"note\">Angles over the rows in state ok, readings over all rows that were "
             "not refused. Means and extremes of angles are those of directions. The quantile is of "

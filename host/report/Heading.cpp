@@ -1,4 +1,7 @@
+#include <utility>
+
 #include "host/report/Html.h"
+#include "host/report/Page.h"
 #include "host/report/Sections.h"
 
 namespace kiv::host {
@@ -9,26 +12,31 @@ std::string titleOf(const ReportContent& content) {
                : content.title;
 }
 
+// The counts in front of the parentheses add up to the rows.
 void appendHeading(std::string& html, const ReportContent& content) {
-    html.append("<h1>").append(escaped(titleOf(content))).append("</h1>\n");
     const Summary& summary = content.summary;
     const std::size_t ok = summary.count(RowState::ok);
     const char* look = !summary.allGood() || ok == 0                       ? "bad"
                        : summary.allTrusted() && content.witnesses.empty() ? "good"
                                                                            : "warn";
-    html.append("<p class=\"verdict ").append(look).append("\">");
-    html += countText(ok) + " of " + rowsText(summary.rows()) + " with angles, "
-            + countText(summary.count(RowState::refused)) + " refused, "
-            + countText(summary.count(RowState::noOrientation)) + " without an orientation";
+    std::string sentence = rowsText(summary.rows()) + ": " + countText(ok) + " with angles";
     if (!summary.allTrusted())
-        html += ", " + countText(ok - summary.count(Trust::good)) + " not good";
+        sentence += " (" + countText(ok - summary.count(Trust::good)) + " not good)";
+    for (const auto& [state, words] : {std::pair(RowState::refused, " refused"),
+                                       {RowState::noOrientation, " without an orientation"},
+                                       {RowState::status, " with another status"},
+                                       {RowState::noReference, " before a reference"},
+                                       {RowState::reference, " the reference"}})
+        if (const std::size_t count = summary.count(state);
+            count > 0 || state == RowState::refused || state == RowState::noOrientation)
+            sentence += ", " + countText(count) + words;
     if (const std::size_t witnesses = content.witnesses.size(); witnesses > 0)
-        html += ", " + countText(witnesses) + (witnesses == 1 ? " witness" : " witnesses");
-    html += "</p>\n";
+        sentence += "; " + countText(witnesses) + (witnesses == 1 ? " witness" : " witnesses");
+    appendVerdict(html, look, sentence);
     if (content.cutShort)
-        html.append("<p class=\"verdict bad\">Not all readings are in this report: ")
-            .append(content.cutShort)
-            .append(".</p>\n");
+        appendVerdict(html, "bad",
+                      std::string("Not all readings are in this report: ") + content.cutShort
+                          + '.');
 }
 
 } // namespace kiv::host

@@ -2,10 +2,33 @@
 
 #include <charconv>
 
+#include "params/Quoted.h"
+
 namespace kiv::host {
 
+namespace {
+
+constexpr const char* replacement = "\xEF\xBF\xBD"; // U+FFFD
+
+// Bytes of the UTF-8 character beyond ASCII that a text begins with; 0: of none.
+std::size_t characterSize(std::string_view text) {
+    for (const std::size_t size : {2U, 3U, 4U})
+        if (size <= text.size() && isUtf8(text.substr(0, size)))
+            return size;
+    return 0;
+}
+
+} // namespace
+
 void appendEscaped(std::string& html, std::string_view text) {
-    for (const char c : text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (static_cast<unsigned char>(c) >= 0x80) {
+            const std::size_t size = characterSize(text.substr(i));
+            html.append(size > 0 ? text.substr(i, size) : replacement);
+            i += size > 0 ? size - 1 : 0;
+            continue;
+        }
         switch (c) {
         case '&':
             html += "&amp;";
@@ -24,7 +47,7 @@ void appendEscaped(std::string& html, std::string_view text) {
             break;
         default:
             if ((static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F)
-                html += "\xEF\xBF\xBD"; // the replacement character
+                html += replacement;
             else
                 html.push_back(c);
         }
@@ -58,6 +81,14 @@ std::string percentText(double share) {
     const auto [end, error] =
         std::to_chars(digits, digits + sizeof digits, 100 * share, std::chars_format::fixed, 1);
     return std::string(digits, end) + " %";
+}
+
+void appendTableHead(std::string& html, std::string_view first,
+                     std::initializer_list<std::string_view> headings) {
+    html.append("<table>\n<thead><tr><th>").append(first).append("</th>");
+    for (const std::string_view heading : headings)
+        html.append("<th class=\"number\">").append(heading).append("</th>");
+    html += "</tr></thead>\n<tbody>\n";
 }
 
 void appendTableRow(std::string& html, std::string_view heading,

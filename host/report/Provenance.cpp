@@ -1,6 +1,7 @@
 #include <span>
 
 #include "host/report/Html.h"
+#include "host/report/Page.h"
 #include "host/report/Sections.h"
 #include "support/Numbers.h"
 #include "support/Principles.h"
@@ -45,51 +46,49 @@ std::string rotatedText(const ReportContent& content) {
 
 void appendProvenance(std::string& html, const ReportContent& content) {
     const F_VECTOR4& limits = content.levelLimits;
-    const auto line = [&](const char* heading, const std::string& cell) {
-        appendTableRow(html, heading, {cell}, "text");
-    };
-    html += "<section>\n<h2>What was run</h2>\n<table class=\"facts\">\n";
-    line("Run at", escaped(content.time));
-    line("Command", code(content.commandLine));
+    FactTable facts(html, "What was run");
+    facts.line("Run at", escaped(content.time));
+    facts.line("Command", code(content.commandLine));
     const std::vector<TableFacts>& tables = content.facts.readings;
     if (tables.size() == 1) {
-        line("Readings", code(tables[0].name));
-        line("SHA-256", tables[0].readToEnd ? code(tables[0].digest.hex())
-                                            : "none, as they were not read to their end");
+        facts.line("Readings", code(tables[0].name));
+        facts.digest(tables[0].readToEnd ? tables[0].digest.hex() : "",
+                     "none, as they were not read to their end");
     } else {
-        line("Readings", tableList(tables));
+        facts.line("Readings", tableList(tables));
     }
     const Summary& summary = content.summary;
     if (summary.referenceLine() > 0 && summary.count(RowState::reference) == 0) {
-        line("Reference", code(summary.referencePlace()));
-        line("SHA-256", code(content.facts.reference.hex()));
+        facts.line("Reference", code(summary.referencePlace()));
+        facts.digest(content.facts.reference.hex(), "");
     }
-    line("Parameter file", code(content.parameterFile));
-    line("SHA-256", code(content.facts.parameterFile.hex()));
+    facts.line("Parameter file", code(content.parameterFile));
+    facts.digest(content.facts.parameterFile.hex(), "");
     if (const std::size_t warnings = content.facts.parameterWarnings; warnings > 0)
-        line("Warnings", countText(warnings) + " of the file's values, by " + code("kiv check"));
-    line("Sensor ID", std::to_string(content.sensorId));
-    line("Device owner", escaped(content.facts.deviceOwner));
-    line("Mount mode",
-         std::to_string(content.mountMode) + ", " + modelName(content.mountMode) + " model"
-             + (hasModel(content.mountMode) ? "" : ", as no model is made for this mode"));
-    line("Angles", reportsOwnMatrix(content.mountMode) ? "of the sensor in the instrument"
-                   : content.localFrame ? "of the motion since the reference (local frame)"
-                                        : "in machine coordinates");
-    line("Convention",
-         rotationText(content) + " = " + rotatedText(content)
-             + "; right-handed, degrees. Instrument vector = M \xC2\xB7 sensor vector.");
-    line("Length unit",
-         content.lengthUnit.empty() ? "that of the readings" : escaped(content.lengthUnit));
-    line("Level limits",
-         "X " + limitsText(limits.x, limits.y) + ", Y " + limitsText(limits.z, limits.w));
+        facts.line("Warnings",
+                   countText(warnings) + " of the file's values, by " + code("kiv check"));
+    facts.line("Sensor ID", std::to_string(content.sensorId));
+    facts.line("Device owner", escaped(content.facts.deviceOwner));
+    facts.line("Mount mode",
+               std::to_string(content.mountMode) + ", " + modelName(content.mountMode) + " model"
+                   + (hasModel(content.mountMode) ? "" : ", as no model is made for this mode"));
+    facts.line("Angles", reportsOwnMatrix(content.mountMode) ? "of the sensor in the instrument"
+                         : content.localFrame ? "of the motion since the reference (local frame)"
+                                              : "in machine coordinates");
+    facts.line("Convention",
+               rotationText(content) + " = " + rotatedText(content)
+                   + "; right-handed, degrees. Instrument vector = M \xC2\xB7 sensor vector.");
+    facts.line("Length unit",
+               content.lengthUnit.empty() ? "that of the readings" : escaped(content.lengthUnit));
+    facts.line("Level limits",
+               "X " + limitsText(limits.x, limits.y) + ", Y " + limitsText(limits.z, limits.w));
     const auto bins = content.envelope.bins();
     if (content.axis.overTime() && !bins.empty())
-        line("Time", content.axis.text(bins.front().firstX) + " to "
-                         + content.axis.text(bins.back().lastX)
-                         + (content.axis.overDates() ? "" : " s"));
-    line("Software", std::string("kiv ") + versionText + ", library " + versionText);
-    html += "</table>\n</section>\n";
+        facts.line("Time", content.axis.text(bins.front().firstX) + " to "
+                               + content.axis.text(bins.back().lastX)
+                               + (content.axis.overDates() ? "" : " s"));
+    facts.line("Software", std::string("kiv ") + versionText + ", library " + versionText);
+    facts.end();
 }
 
 } // namespace kiv::host

@@ -39,9 +39,11 @@ bool ReportContent::has(const Chart& chart) const {
 
 std::string reportPage(const ReportContent& content) {
     std::string html;
-    appendPageHead(html, content.title.empty() ? "KIV sensor " + std::to_string(content.sensorId)
-                                                     + ": " + content.readings
-                                               : content.title);
+    appendPageHead(html,
+                   content.title.empty()
+                       ? "KIV sensor " + std::to_string(content.sensorId) + ": " + content.readings
+                       : content.title,
+                   titleOf(content));
     appendHeading(html, content);
     html += "<div class=\"beside\">\n";
     appendProvenance(html, content);
@@ -49,8 +51,7 @@ std::string reportPage(const ReportContent& content) {
     appendSpareReading(html, content);
     html += "</div>\n";
     appendWitnesses(html, content);
-    if (std::any_of(charts.begin(), charts.end(),
-                    [&](const Chart& chart) { return content.has(chart); })) {
+    if (content.charted()) {
         appendStatistics(html, content);
         appendUncertainty(html, content);
         appendDrift(html, content);
@@ -59,7 +60,8 @@ std::string reportPage(const ReportContent& content) {
     appendBadRows(html, content);
     appendDoubtfulRows(html, content);
     std::string chartData;
-    appendChartData(chartData, content);
+    if (content.charted())
+        appendChartData(chartData, content);
     appendPageFoot(html, chartData);
     return html;
 }

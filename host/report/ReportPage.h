@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -62,7 +63,6 @@ struct ReportContent {
     }();
     Envelope envelope{quantityCount, mostBins}; // over seconds; raw angles
     XAxis axis;
-    double referenceTime = 0;
     std::size_t referenceRow = 0; // of the whole recording, from 1
     RowRuns<NoResult> badRows;
     RowRuns<Doubt> doubtfulRows;
@@ -72,6 +72,9 @@ struct ReportContent {
 
     const Statistics& statistics(Quantity quantity) const;
     bool has(const Chart& chart) const;
+    bool charted() const {
+        return std::any_of(charts.begin(), charts.end(), [&](const Chart& c) { return has(c); });
+    }
     bool hasSeveralTables() const { return facts.readings.size() > 1; }
     bool hasUncertainty() const { return budget.rows() > 0; }
 };

@@ -1,4 +1,5 @@
 #include "host/report/Html.h"
+#include "host/report/Page.h"
 #include "host/report/Sections.h"
 #include "support/Numbers.h"
 
@@ -42,6 +43,12 @@ std::string spanText(const std::string& from, const std::string& to) {
     return from == to ? from : from + " to " + to;
 }
 
+// Lines of a table, which lead to their rows where there are charts.
+std::string linesText(const ReportContent& content, const RowPlace& first, const RowPlace& last) {
+    const std::string lines = spanText(countText(first.line), countText(last.line));
+    return content.charted() ? rowsLink(lines, first.row, last.row) : lines;
+}
+
 // A section with a table of runs of rows, how many there are in all, the headings of its further
 // columns, and what makes their cells.
 template <typename Said, typename AppendCells>
@@ -72,7 +79,7 @@ void appendList(std::string& html, const ReportContent& content, const char* tit
             html.append("<td class=\"table\">")
                 .append(escaped(content.facts.readings[run.first.table].name))
                 .append("</td>");
-        number(spanText(countText(run.first.line), countText(run.last.line)));
+        number(linesText(content, run.first, run.last));
         number(spanText(axisText(content, run.first), axisText(content, run.last)));
         if (!single)
             number(countText(run.rows()));
@@ -107,7 +114,7 @@ void appendRowCounts(std::string& html, const ReportContent& content) {
         html += "</td></tr>\n";
     }
     html += "</tbody>\n<tfoot>";
-    appendTableRow(html, "all", {countText(summary.rows())});
+    appendTableRow(html, "all, the sum of the states", {countText(summary.rows())});
     html += "</tfoot>\n</table>\n";
     if (summary.blankRows() > 0)
         html += "<p>Blank rows, which are left out: " + countText(summary.blankRows()) + ".</p>\n";
@@ -133,28 +140,29 @@ void appendSpareReading(std::string& html, const ReportContent& content) {
     html += ", largest " + degreesText(spare.largest()) + " degrees in line "
             + countText(spare.largestLine()) + ".</p>\n";
     if (!objection.empty())
-        html.append("<p class=\"verdict warn\">Spare reading: ")
-            .append(escaped(objection))
-            .append(".</p>\n");
+        appendVerdict(html, "warn", "Spare reading: " + escaped(objection) + '.');
     html += "</section>\n";
 }
 
 void appendWitnesses(std::string& html, const ReportContent& content) {
     if (content.witnesses.empty())
         return;
-    html.append("<section id=\"witnesses\">\n<h2>Witnesses</h2>\n<p class=\"verdict warn\">The "
-                "readings "
-                "look as if something is wrong with them.</p>\n<table>\n<thead><tr><th>Kind</th>")
+    html += "<section id=\"witnesses\">\n<h2>Witnesses</h2>\n";
+    appendVerdict(html, "warn", "The readings look as if something is wrong with them.");
+    html.append("<table>\n<thead><tr><th>Kind</th>")
         .append(content.hasSeveralTables() ? "<th>Table</th>" : "")
         .append("<th class=\"number\">Line</th><th>What it looks like, and what to do</th></tr>"
                 "</thead>\n<tbody>\n");
     for (const Witness& witness : content.witnesses) {
+        const RowPlace place{witness.table, witness.line, witness.row, std::nullopt};
         html.append("<tr><th scope=\"row\">").append(witness.name()).append("</th>");
         if (content.hasSeveralTables())
             html.append("<td class=\"table\">")
                 .append(escaped(content.facts.readings[witness.table].name))
                 .append("</td>");
-        html.append("<td class=\"number\">").append(countText(witness.line)).append("</td><td>");
+        html.append("<td class=\"number\">")
+            .append(linesText(content, place, place))
+            .append("</td><td>");
         html.append(escaped(witness.text())).append("</td></tr>\n");
     }
     html += "</tbody>\n</table>\n</section>\n";

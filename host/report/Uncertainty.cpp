@@ -72,11 +72,9 @@ void appendUncertainty(std::string& html, const ReportContent& content) {
                 .append("</p>\n</section>\n");
         return;
     }
-    html += "<section>\n<h2>Uncertainty of the angles</h2>\n<table>\n<thead><tr><th>Share of the "
-            "variance</th><th class=\"number\">Input's standard uncertainty</th>";
-    for (const char* angle : angleNames)
-        html.append("<th class=\"number\">").append(angle).append("</th>");
-    html += "</tr></thead>\n<tbody>\n";
+    html += "<section>\n<h2>Uncertainty of the angles</h2>\n";
+    appendTableHead(html, "Share of the variance",
+                    {"Input's standard uncertainty", "rx", "ry", "rz"});
     if (content.hasUncertainty()) {
         appendInputs(html, content);
         appendRow(html, "rounding to single precision", "", budget.roundingShare(), percentText);

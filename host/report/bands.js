@@ -50,6 +50,7 @@ const trace = (context, stretch, edge) => {
 
 const plotBands = (chart) => (series) => {
   const { drawingContext: context, color } = series;
+  if (chart.kind === "dots") return plotBars(context, color, stretchesOf(chart, series));
   context.fillStyle = color;
   context.globalAlpha = 0.18;
   for (const stretch of stretchesOf(chart, series)) {
@@ -58,6 +59,18 @@ const plotBands = (chart) => (series) => {
     trace(context, stretch.reverse(), "low");
     context.fill();
   }
+};
+
+// Of points that stand alone.
+const plotBars = (context, color, stretches) => {
+  context.strokeStyle = color;
+  context.lineWidth = 1;
+  context.beginPath();
+  for (const { x, low, high } of stretches.flat()) {
+    context.moveTo(x, low);
+    context.lineTo(x, high);
+  }
+  context.stroke();
 };
 
 const plotBandEdges = (chart, width, colorOf) => (series) => {

@@ -37,23 +37,36 @@ function drawUpright(context, area, x, dashes) {
   return true;
 }
 
-function drawReference(context, area, graph) {
+// Of a row's bin.
+const xOfRow = (graph, axis, row) => graph.toDomXCoord(axis.places[axis.binOf(row)]);
+
+function drawReference(context, area, graph, axis) {
   context.strokeStyle = color("faint");
   context.lineWidth = 1.5;
-  drawUpright(context, area, graph.toDomXCoord(chartX(data.reference)), [2, 3]);
+  drawUpright(context, area, xOfRow(graph, axis, data.reference), [2, 3]);
+}
+
+// Grounds where the clock jumps.
+function drawBreaks(context, area, graph, { stretches }) {
+  context.fillStyle = color("gap");
+  for (let i = 1; i < stretches.length; ++i) {
+    const from = Math.max(area.x, graph.toDomXCoord(stretches[i - 1].to));
+    const to = Math.min(area.x + area.w, graph.toDomXCoord(stretches[i].from));
+    if (to > from) context.fillRect(from, area.y, to - from, area.h);
+  }
 }
 
 // A line where each begins, with its name along it.
-function drawWitnesses(context, area, graph) {
+function drawWitnesses(context, area, graph, axis) {
   context.save();
   context.strokeStyle = context.fillStyle = color("not-good");
   context.lineWidth = 1;
   context.textAlign = "right";
   const namesAt = new Map();
-  for (const [bin, name] of data.witnesses || [])
-    namesAt.set(bin, [...new Set([...(namesAt.get(bin) || []), name])]);
-  for (const [bin, names] of namesAt) {
-    const x = graph.toDomXCoord(chartX(middleX(bin)));
+  for (const [row, name] of data.witnesses || [])
+    namesAt.set(row, [...new Set([...(namesAt.get(row) || []), name])]);
+  for (const [row, names] of namesAt) {
+    const x = xOfRow(graph, axis, row);
     if (!drawUpright(context, area, x, [6, 3])) continue;
     context.save();
     context.translate(x - 3, area.y + 3);
@@ -68,21 +81,22 @@ const lanes = [
   { marks: data.refused, name: "refused", color: "refused" },
   { marks: data.noOrientation, name: "no orientation", color: "no-orientation" },
   { marks: data.notGood, name: "not good", color: "not-good" },
-].filter(({ marks }) => marks.length);
+].filter(({ marks }) => marks && marks.length);
 const laneHeight = 14; // CSS pixels
 
 // Columns across a chart, of whole pixels of the canvas so that no edge between them shows.
-function columnsOf(area, graph, pixelRatio) {
+function columnsOf(area, graph, axis, pixelRatio) {
   const width = Math.round(2 * pixelRatio) / pixelRatio;
   const size = Math.ceil(area.w / width);
   const middles = [];
-  for (let bin = 0; bin < binCount; ++bin)
-    middles.push(graph.toDomXCoord(chartX(middleX(bin))) - area.x);
+  for (let bin = 0; bin < axis.binCount; ++bin)
+    middles.push(graph.toDomXCoord(axis.places[bin]) - area.x);
   return {
     width,
     size,
     start: Math.round(area.x * pixelRatio) / pixelRatio,
-    halfWay: (bin, to) => (to in middles ? middles[to] - middles[bin] : 0) / 2,
+    halfWay: (bin, to) =>
+      to in middles && !axis.brokenBefore.has(Math.max(bin, to)) ? (middles[to] - middles[bin]) / 2 : 0,
     // Counts of bins, each over all columns that it reaches on both sides, one at least.
     filled(binCounts, reach) {
       const counts = new Array(size).fill(0);
@@ -114,7 +128,7 @@ function paintLane(context, top, columns, counts, rows) {
 
 // A lane for each kind of row. Bins reach half way to their neighbours, those with a mark no further
 // than 4 pixels to one without.
-function drawStrip(strip, area, graph, pixelRatio, font) {
+function drawStrip(strip, area, graph, axis, pixelRatio, font) {
   const width = strip.parentElement.clientWidth;
   strip.style.height = lanes.length * laneHeight + "px";
   strip.width = width * pixelRatio;
@@ -125,10 +139,10 @@ function drawStrip(strip, area, graph, pixelRatio, font) {
   context.textAlign = "right";
   context.textBaseline = "middle";
 
-  const columns = columnsOf(area, graph, pixelRatio);
+  const columns = columnsOf(area, graph, axis, pixelRatio);
   const { halfWay } = columns;
-  const rowsOf = (_, bin) => [bin, lastRow(bin) - firstRow(bin) + 1];
-  const rows = columns.filled(Array.from({ length: binCount }, rowsOf), halfWay);
+  const rowsIn = (_, bin) => [bin, axis.lastRow(bin) - axis.firstRow(bin) + 1];
+  const rows = columns.filled(Array.from({ length: axis.binCount }, rowsIn), halfWay);
   lanes.forEach((lane, i) => {
     const top = i * laneHeight + 2;
     context.fillStyle = color("band");
