@@ -69,15 +69,16 @@ def unlinked(text):
 
 
 def plain(text):
-    return unlinked(text).replace("`", "").replace("**", "")
+    return re.sub(r"(?<![*\w])(\*\*?)([^*]+)\1", r"\2", unlinked(text).replace("`", ""))
 
 
 def as_items(table):
     """A table as a list: no terminal is as wide as some of them. Its first column are the terms."""
     header, *rows = table.lines
     for term, *cells in rows:
-        named = [f"{name}: {cell}" if len(cells) > 1 else cell for name, cell in zip(header[1:], cells) if cell]
-        yield Block("item", f"{header[0]} {term}" if term.isdigit() else term, named)
+        said = [f"{name}: {cell};" if len(cells) > 1 else cell for name, cell in zip(header[1:], cells) if cell]
+        said[-1] = said[-1].removesuffix(";")
+        yield Block("item", f"{header[0]} {term}" if term.isdigit() else term, said)
 
 
 def expanded(blocks, shared):
