@@ -360,9 +360,10 @@ typedef struct kiv_calibration_uncertainty {
  * errors, count x count doubles, row-major, in the units of the names. It takes the place of an
  * earlier one; 0 names take that away. What is not named is exactly known. Names are those of
  * kiv calibrate, of block and value: "angle_offset.azimuth_deg", "scale_factor.0", counted from 0
- * as are the rows of tables, "machine_coordinate_tranform_matrix.turn_z_deg". 20 for another name
- * or one that stands there twice, an element that is not finite, and a matrix that is not symmetric
- * and positive semidefinite to 1e-6 of its correlations.
+ * as are the rows of tables, "machine_coordinate_tranform_matrix.turn_z_deg",
+ * "az_calibration_table.sine_1_deg". 20 for another name or one that stands there twice, an element
+ * that is not finite, and a matrix that is not symmetric and positive semidefinite to 1e-6 of its
+ * correlations.
  */
 int KIV_CDECL kiv_sensor_set_calibration(kiv_sensor* sensor, const char* const* names, size_t count,
                                          const double* covariance);

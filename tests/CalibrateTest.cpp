@@ -16,6 +16,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/base/Interrupt.h"
+#include "support/AngleConstants.h"
 #include "tests/ParameterRecord.h"
 #include "tests/ToolRunner.h"
 
@@ -199,6 +200,53 @@ TEST(Calibrate, DoesNotDependOnJobsAndTheKindOfInput) {
     ASSERT_EQ(bench.calibrate({"-j", "7"}), "");
     EXPECT_EQ(textIn(bench.resultFile()), alone);
     EXPECT_EQ(textIn(bench.fresh()), file);
+}
+
+// Adds to the corrections of the azimuth table, as the file has them, a change by the angle.
+std::string withAzimuths(const std::string& text, double (*change)(double degrees)) {
+    std::istringstream in(text);
+    std::ostringstream out;
+    out.precision(9);
+    double angle = 0, correction = 0;
+    for (std::string line; std::getline(in, line);) {
+        out << line << '\n';
+        if (line != "AZ Calibration Table" || !std::getline(in, line))
+            continue;
+        out << line << '\n';
+        for (int rows = std::stoi(line); rows > 0; --rows, std::getline(in, line)) {
+            in >> angle >> correction;
+            out << angle << '\t' << correction + change(angle) << '\n';
+        }
+    }
+    return out.str();
+}
+
+// The old tables have errors of the shape that is asked for, besides those of their rows.
+TEST(Calibrate, FindsSmoothErrorsOfTables) {
+    Bench bench(4);
+    const std::string wrong = withAzimuths(textIn(bench.old()), [](double degrees) {
+        const double angle = degrees * degToRad;
+        return 0.05 * std::sin(angle) - 0.03 * std::cos(2 * angle);
+    });
+    bench.measure(400);
+    std::ofstream(bench.old(), std::ios::binary) << wrong;
+    ASSERT_EQ(
+        bench.calibrate({"--estimate", "usual,az_calibration_table,tilt_y_calibration_table"}), "");
+    const std::pair<const char*, double> truth[] = {
+        {"az_calibration_table.sine_1_deg", -0.05},    {"az_calibration_table.cosine_1_deg", 0},
+        {"az_calibration_table.sine_2_deg", 0},        {"az_calibration_table.cosine_2_deg", 0.03},
+        {"tilt_y_calibration_table.quadratic_deg", 0}, {"tilt_y_calibration_table.cubic_deg", 0}};
+    for (const auto& [name, value] : truth) {
+        EXPECT_NEAR(bench.value(name), value, 4 * bench.value(name, "u")) << name;
+        EXPECT_LT(bench.value(name, "u"), 0.02) << name;
+    }
+    // The new file has them, and the angles an uncertainty of them.
+    EXPECT_LT(bench.result["held_out"]["rms_new_deg"], 0.003);
+    EXPECT_GT(bench.result["held_out"]["rms_old_deg"], 0.02);
+    const auto run = test::tool({"run", "-q", bench.fresh(), bench.readings(), "--uncertainties",
+                                 bench.resultFile(), "--results", "u_calibration_rz_deg"});
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_FALSE(run.out.ends_with(",\n")); // the last cell
 }
 
 // What a row lacks, and what is said of it.

@@ -29,6 +29,7 @@ struct CalibrateOptions {
     TableFormat format;
     Poses poses = Poses::known;
     std::vector<Parameter> estimate; // in place of the usual ones
+    bool estimateUsual = false;      // beside them
     std::vector<Parameter> hold;
     std::vector<Prior> priors;
     std::string uncertaintyFile;

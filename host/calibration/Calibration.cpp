@@ -9,6 +9,9 @@
 #include "host/calibration/ComputedPose.h"
 #include "host/calibration/NewDocument.h"
 #include "host/calibration/StartingPoses.h"
+#include "params/BlockNames.h"
+#include "params/CalibratedValues.h"
+#include "params/Quoted.h"
 #include "support/Numbers.h"
 #include "support/Principles.h"
 #include "support/ZelUtil.h"
@@ -21,6 +24,8 @@ constexpr std::size_t leastRows = 40;
 constexpr double leastSpan = 5; // of temperatures, for thermal slopes
 constexpr double leastRms = 0.8;
 constexpr double mostRms = 1.25;
+constexpr double mostEmpty = 60;       // degrees without an azimuth, for its table
+constexpr double mostApart = 5;        // rows of a table that takes a smooth change, degrees
 constexpr double within = 0.999;       // of sound fits pass
 constexpr double outlierChance = 1e-5; // of a good row
 constexpr int mostSearches = 10;       // for outliers
@@ -42,6 +47,27 @@ double normalOfRatio(double ratio, double freedomAbove, double freedomBelow) {
     const double below = 2 / (9 * freedomBelow);
     const double root = std::cbrt(ratio);
     return ((1 - below) * root - (1 - above)) / std::sqrt(below * root * root + above);
+}
+
+// The largest distance between rows of a table, of elevations where there are readings; degrees.
+double rowsApart(const BlockValues& table, Block block, const CalibrationRows::Facts& facts) {
+    const bool elevation = block == Block::elCalibration;
+    const bool tilt = layoutOf(block).kind == BlockKind::tiltTable;
+    std::vector<double> at;
+    for (std::size_t i = 0; i < table.rows(); ++i) {
+        const double angle = table.numbers[2 * i + (tilt ? 1 : 0)];
+        at.push_back(elevation ? std::remainder(angle, 360.0) : angle);
+    }
+    std::sort(at.begin(), at.end());
+    if (block == Block::azCalibration && !at.empty())
+        at.push_back(at.front() + 360);
+    double most = at.size() < 2 ? 360 : 0;
+    for (std::size_t i = 1; i < at.size(); ++i)
+        if (!elevation || (at[i] > facts.lowest && at[i - 1] < facts.highest))
+            most = std::max(most, at[i] - at[i - 1]);
+    if (elevation && !at.empty())
+        most = std::max({most, at.front() - facts.lowest, facts.highest - at.back()});
+    return most;
 }
 
 constexpr double normalOf999 = 3.0902; // 99.9 % are below it
@@ -69,7 +95,11 @@ void Calibration::hold(const Parameter& parameter, const std::string& reason) {
 void Calibration::chooseParameters() {
     const double span = static_cast<double>(rows.facts().hottest) - rows.facts().coldest;
     const bool slopes = span >= leastSpan;
-    parameters = options.estimate.empty() ? usualParameters(frame.mode, true) : options.estimate;
+    if (options.estimate.empty() || options.estimateUsual)
+        parameters = usualParameters(frame.mode, true);
+    for (const Parameter& parameter : options.estimate)
+        if (!isIn(parameters, parameter))
+            parameters.push_back(parameter);
     for (const Prior& prior : options.priors)
         if (!isIn(parameters, prior.parameter))
             parameters.push_back(prior.parameter);
@@ -77,7 +107,7 @@ void Calibration::chooseParameters() {
     for (const Parameter& parameter : chosen) {
         if (isIn(options.hold, parameter))
             hold(parameter, "asked for");
-        else if (!options.estimate.empty())
+        else if (isIn(options.estimate, parameter))
             continue;
         else if (isThermalSlope(parameter) && !slopes)
             hold(parameter,
@@ -101,6 +131,29 @@ bool Calibration::enoughRows() const {
                       std::to_string(facts.rows) + " that can be used");
     if (parameters.empty())
         return refuse("parameters to find", "none; name some with --estimate");
+    return true;
+}
+
+// Rows all round for the harmonics of the azimuth; and a table that can have the shape that is
+// found, with rows close enough where there are readings.
+bool Calibration::tablesShow() const {
+    const CalibrationRows::Facts& facts = rows.facts();
+    for (const Parameter& parameter : parameters) {
+        const Block block = parameter.block;
+        if (!isTable(block))
+            continue;
+        const double empty = block == Block::azCalibration ? widestGap(facts.headings) : 0;
+        if (empty > mostEmpty)
+            return refuse("azimuths all round for the harmonics of az_calibration_table",
+                          "none in " + rounded(empty) + " degrees; measure there, too");
+        const double apart = rowsApart(*oldDocument.find(block), block, facts);
+        if (apart > mostApart) {
+            err << printable(options.parameterFile) << ":1:1: expected rows every "
+                << rounded(mostApart) << " degrees in " << keyOf(block) << ", found "
+                << rounded(apart) << " between two; add rows to the old file\n";
+            return false;
+        }
+    }
     return true;
 }
 
@@ -391,7 +444,7 @@ void Calibration::takeValues() {
         outcome.found.push_back(found);
     }
     if (solution)
-        setIn(outcome.document, outcome.found);
+        setIn(outcome.document, outcome.found, rows.facts().lowest, rows.facts().highest);
     outcome.correlation = observability->correlation.topLeftCorner(n, n);
     outcome.singularValues = observability->singularValues;
     std::sort(outcome.held.begin(), outcome.held.end(), [](const auto& a, const auto& b) {
@@ -402,7 +455,7 @@ void Calibration::takeValues() {
 
 std::optional<CalibrationOutcome> Calibration::run() {
     chooseParameters();
-    if (!enoughRows() || !findStartingPoses(rows, oldRecord, frame, err)
+    if (!enoughRows() || !tablesShow() || !findStartingPoses(rows, oldRecord, frame, err)
         || !holdWhatIsNotSeen(model().start()))
         return std::nullopt;
     if (!options.dryRun

@@ -59,6 +59,7 @@ private:
     void hold(const Parameter& parameter, const std::string& reason);
     bool refuse(const std::string& expected, const std::string& found) const; // false
     bool enoughRows() const;
+    bool tablesShow() const;
     bool enoughEquations(const Equations& equations) const;
     bool observable(const Triangle& triangle, std::optional<Observability>& seen,
                     const char* when) const;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "params/BlockNames.h"
+#include "params/CalibratedValues.h"
 #include "support/Numbers.h"
 #include "support/Principles.h"
 
@@ -15,7 +16,7 @@ enum class Sort : unsigned char { angle, faintAngle, gain, thermalSlope };
 struct Row {
     Parameter parameter;
     Sort sort;
-    bool turn = false;
+    bool change = false; // of values, which begins with 0
 };
 
 using enum Block;
@@ -32,6 +33,16 @@ constexpr std::array rows{
     Row{{thermalFactor, 3}, Sort::gain},
     Row{{tiltOffset, 0}, Sort::angle},
     Row{{tiltOffset, 1}, Sort::angle},
+    Row{{azCalibration, 0}, Sort::faintAngle, true},
+    Row{{azCalibration, 1}, Sort::faintAngle, true},
+    Row{{azCalibration, 2}, Sort::faintAngle, true},
+    Row{{azCalibration, 3}, Sort::faintAngle, true},
+    Row{{elCalibration, 0}, Sort::faintAngle, true},
+    Row{{elCalibration, 1}, Sort::faintAngle, true},
+    Row{{tiltXCalibration, 0}, Sort::faintAngle, true},
+    Row{{tiltXCalibration, 1}, Sort::faintAngle, true},
+    Row{{tiltYCalibration, 0}, Sort::faintAngle, true},
+    Row{{tiltYCalibration, 1}, Sort::faintAngle, true},
     Row{{scaleFactor, 0}, Sort::angle},
     Row{{scaleFactor, 1}, Sort::angle},
     Row{{scaleFactor, 2}, Sort::faintAngle},
@@ -57,23 +68,25 @@ const Row& rowOf(const Parameter& parameter) {
                          [&](const Row& row) { return row.parameter == parameter; });
 }
 
-constexpr const char* turnNames[] = {"turn_x_deg", "turn_y_deg", "turn_z_deg"};
-
 } // namespace
 
 std::string nameOf(const Parameter& parameter) {
     const std::string block = std::string(keyOf(parameter.block)) + '.';
-    if (isMatrix(parameter.block))
-        return block + turnNames[parameter.place];
-    const auto names = valueNamesOf(parameter.block);
+    const auto names = calibratedNamesOf(parameter.block);
     return block + (names.empty() ? std::to_string(parameter.place) : names[parameter.place]);
 }
 
-std::optional<Parameter> parameterOf(std::string_view name) {
+std::vector<Parameter> parametersOf(std::string_view name) {
+    std::vector<Parameter> found;
     for (const Row& row : rows)
-        if (nameOf(row.parameter) == name)
-            return row.parameter;
-    return std::nullopt;
+        if (nameOf(row.parameter) == name || keyOf(row.parameter.block) == name)
+            found.push_back(row.parameter);
+    return found;
+}
+
+std::optional<Parameter> parameterOf(std::string_view name) {
+    const auto found = parametersOf(name);
+    return found.size() == 1 ? std::optional(found.front()) : std::nullopt;
 }
 
 std::vector<Parameter> allParameters() {
@@ -157,7 +170,7 @@ std::vector<Parameter> usualParameters(int mountMode, bool thermalSlopes) {
 
 SensorValues::SensorValues(const Document& document) {
     for (const Row& row : rows) {
-        const BlockValues* values = row.turn ? nullptr : document.find(row.parameter.block);
+        const BlockValues* values = row.change ? nullptr : document.find(row.parameter.block);
         auto& numbers = of[static_cast<std::size_t>(row.parameter.block)];
         if (values)
             std::transform(values->numbers.begin(), values->numbers.end(), numbers.begin(),

@@ -12,7 +12,8 @@
 
 namespace kiv::host {
 
-// A number of a parameter file that a calibration can find, or a turn of its machine matrix.
+// A number of a parameter file that a calibration can find, a turn of its machine matrix or a form
+// of a table's change.
 struct Parameter {
     Block block{};
     std::size_t place = 0; // in the block
@@ -23,7 +24,9 @@ struct Parameter {
 // As kiv info --json names it, block and value joined by a point.
 std::string nameOf(const Parameter& parameter);
 
-// Nothing for any other name.
+// Those of a name, or of a block's; none for any other name.
+std::vector<Parameter> parametersOf(std::string_view name);
+// One alone.
 std::optional<Parameter> parameterOf(std::string_view name);
 
 // All of them, in the file's order.
@@ -43,7 +46,8 @@ bool isThermalSlope(const Parameter& parameter);
 std::vector<Parameter> usualParameters(int mountMode, bool thermalSlopes);
 
 // The numbers of a parameter file in double precision, in the file's units; of the machine matrix,
-// its turns about the instrument's axes against the file's one, degrees.
+// its turns about the instrument's axes against the file's one, and of a table the forms of its
+// change, degrees.
 struct SensorValues {
     explicit SensorValues(const Document& document);
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "params/CalibratedValues.h"
 #include "support/Principles.h"
 #include "support/ZelUtil.h"
 
@@ -99,16 +100,27 @@ double Prediction::gain(std::size_t level, const Observation& row) const {
            + values.at(Block::thermalFactor, 2 * level + 1);
 }
 
+double Prediction::changeOf(Block table, double at) const {
+    double change = 0;
+    for (std::size_t form = 0; form < calibratedNamesOf(table).size(); ++form)
+        if (const double size = values.at(table, form); size != 0)
+            change += size * tableForm(table, form, at);
+    return change;
+}
+
 bool Prediction::residual(const Observation& row, const simulator::Pose& pose,
                           Residual& out) const {
     simulator::CorrectedReadings predicted;
     if (!simulator::readingsOf(mounting, pose, predicted))
         return false;
     const auto level = [&](std::size_t i, double curve) {
-        return (curve - values.at(Block::tiltOffset, i)) * gain(i, row);
+        const Block table = i == 0 ? Block::tiltXCalibration : Block::tiltYCalibration;
+        return (curve + changeOf(table, curve) - values.at(Block::tiltOffset, i)) * gain(i, row);
     };
-    out = {std::remainder(row.azimuth - predicted.azimuth, azimuthPeriod),
-           std::remainder(row.elevation - predicted.elevation, 360),
+    const double azimuth = row.azimuth + changeOf(Block::azCalibration, row.raw.azimuthRaw);
+    const double elevation = row.elevation + changeOf(Block::elCalibration, row.raw.elevationRaw);
+    out = {std::remainder(azimuth - predicted.azimuth, azimuthPeriod),
+           std::remainder(elevation - predicted.elevation, 360),
            level(1, row.curveY) - predicted.levelY, level(0, row.curveX) - predicted.levelX};
     return std::isfinite(out[0] + out[1] + out[2]);
 }

@@ -73,6 +73,7 @@ public:
 
 private:
     double gain(std::size_t level, const Observation& row) const;
+    double changeOf(Block table, double at) const; // degrees
 
     const PoseFrame& frame;
     SensorValues values;

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/run/CalibrationResult.h"
 #include "support/Numbers.h"
 #include "support/VersionText.h"
 
@@ -26,7 +27,7 @@ Json correlationOf(const CalibrationOutcome& outcome) {
     Json matrix = Json::array();
     for (const auto& row : outcome.correlation.rowwise())
         matrix.push_back(std::vector<double>(row.begin(), row.end()));
-    return {{"names", names}, {"matrix", matrix}};
+    return {{result::names, names}, {result::matrix, matrix}};
 }
 
 std::string rounded(double value, int significant) {
@@ -71,7 +72,7 @@ std::string resultText(const CalibrationOutcome& outcome, const CalibrateOptions
     for (const auto& found : outcome.found)
         parameters[nameOf(found.parameter)] = {
             {"value", found.value},
-            {"u", found.u},
+            {result::u, found.u},
             {"old", found.old},
             {"change_over_u", (found.value - found.old) / found.u}};
     for (const auto& [parameter, reason] : outcome.held)
@@ -87,12 +88,12 @@ std::string resultText(const CalibrationOutcome& outcome, const CalibrateOptions
         {"version", versionText},
         {"inputs", files},
         {"parameter_file", fitted ? Json(options.output) : Json()},
-        {"parameter_file_sha256", fitted ? Json(digest) : Json()},
+        {result::digest, fitted ? Json(digest) : Json()},
         {"poses", poseWords[static_cast<std::size_t>(options.poses)]},
         {"dry_run", options.dryRun},
-        {"parameters", parameters},
+        {result::parameters, parameters},
         {"held", held},
-        {"correlation", correlationOf(outcome)},
+        {result::correlation, correlationOf(outcome)},
         {"singular_values", outcome.singularValues},
         {"rows",
          {{"used", outcome.used},

@@ -33,7 +33,22 @@ void rotationOf(const double* angles, double* rotation) {
     MatrixMultiply(xy, z, 3, 3, 3, rotation);
 }
 
+void mark(std::vector<bool>& parts, double azimuth) {
+    parts.resize(azimuthParts);
+    const double turn = azimuth / 360;
+    parts[static_cast<std::size_t>((turn - std::floor(turn)) * azimuthParts) % azimuthParts] = true;
+}
+
 } // namespace
+
+double widestGap(const std::vector<bool>& parts) {
+    std::size_t gap = 0, longest = 0;
+    for (std::size_t i = 0; i < 2 * parts.size(); ++i) {
+        gap = parts[i % parts.size()] ? 0 : gap + 1;
+        longest = std::max(longest, std::min(gap, parts.size()));
+    }
+    return 360.0 * static_cast<double>(longest) / static_cast<double>(parts.size());
+}
 
 CalibrationRows::CalibrationRows(const CalibrateOptions& asked, const Streams& own, CKivPrm& record,
                                  int mountMode)
@@ -219,20 +234,20 @@ void CalibrationRows::read(Block& block, Table& cursor, CalibrationTables& table
 
 void CalibrationRows::take(const Block& block) {
     for (const Observation& row : block.rows) {
-        const float temperature = row.raw.temperature;
-        seen.coldest = seen.rows == 0 ? temperature : std::min(seen.coldest, temperature);
-        seen.hottest = seen.rows == 0 ? temperature : std::max(seen.hottest, temperature);
+        const auto spread = [&](float value, float& least, float& most) {
+            least = seen.rows == 0 ? value : std::min(least, value);
+            most = seen.rows == 0 ? value : std::max(most, value);
+        };
+        spread(row.raw.temperature, seen.coldest, seen.hottest);
+        spread(std::remainder(row.raw.elevationRaw, 360.0F), seen.lowest, seen.highest);
+        mark(seen.headings, row.raw.azimuthRaw);
         ++seen.rows;
         if (options.poses != Poses::stations)
             continue;
         const std::size_t others = mayBeHeldOut(row) ? 0 : 1;
         seen.perPlacement[row.placement] += others;
         seen.perStation[row.station] += others;
-        auto& parts = seen.azimuths[row.placement];
-        parts.resize(azimuthParts);
-        const double turn = row.azimuth / 360;
-        parts[static_cast<std::size_t>((turn - std::floor(turn)) * azimuthParts) % azimuthParts] =
-            true;
+        mark(seen.azimuths[row.placement], row.azimuth);
     }
     seen.refused += block.refused;
     seen.otherStatus += block.otherStatus;

@@ -24,6 +24,9 @@
 
 namespace kiv::host {
 
+// Between directions that are marked by parts of a turn, degrees.
+double widestGap(const std::vector<bool>& parts);
+
 using RowPlace = std::pair<std::size_t, std::size_t>; // table, line
 
 // The rows of a calibration. They are read anew for each pass, so that none is kept; standard input
@@ -48,6 +51,8 @@ public:
         std::size_t otherStatus = 0;
         std::size_t withoutPose = 0;
         float coldest = 0, hottest = 0;
+        float lowest = 0, highest = 0; // raw elevations, degrees
+        std::vector<bool> headings;    // raw azimuths of all rows, by 5 degrees
         std::map<double, std::size_t> perPlacement, perStation; // rows that may not be held out
         std::map<double, std::vector<bool>> azimuths;           // of a placement, by 5 degrees
         std::vector<TableFacts> tables;

@@ -98,16 +98,6 @@ bool findFrame(CalibrationRows& rows, CKivPrm& record, PoseFrame& frame, std::os
     return true;
 }
 
-// Of the directions in which a placement's sensor was seen from, degrees.
-double spreadOf(const std::vector<bool>& parts) {
-    std::size_t gap = 0, longest = 0;
-    for (std::size_t i = 0; i < 2 * parts.size(); ++i) {
-        gap = parts[i % parts.size()] ? 0 : gap + 1;
-        longest = std::max(longest, std::min(gap, parts.size()));
-    }
-    return 360.0 * (1 - static_cast<double>(longest) / static_cast<double>(parts.size()));
-}
-
 Matrix aboutZ(double degrees) {
     return Matrix(Eigen::AngleAxisd(degrees * degToRad, Eigen::Vector3d::UnitZ()));
 }
@@ -150,7 +140,7 @@ void followStations(const std::map<std::pair<double, double>, Matrix>& seen, Pos
 bool findStations(CalibrationRows& rows, CKivPrm& record, PoseFrame& frame, std::ostream& err) {
     double widest = 0;
     for (const auto& [placement, parts] : rows.facts().azimuths)
-        widest = std::max(widest, spreadOf(parts));
+        widest = std::max(widest, 360 - widestGap(parts));
     if (widest < leastSpread) {
         err << rows.name()
             << ":1:1: expected stations all round the sensor, found all of them within "

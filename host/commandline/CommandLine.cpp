@@ -407,9 +407,9 @@ namespace {
 constexpr const char* expectedParameter =
     "expected names of parameters as kiv info --json has them, block and value joined by a point";
 
-// A parameter's name, or a message that shows those that are close.
+// The name of a parameter or of a block of them, or a message that shows those that are close.
 std::string faultOfParameter(const std::string& name) {
-    if (parameterOf(name))
+    if (!parametersOf(name).empty())
         return "";
     std::string closest;
     std::size_t least = SIZE_MAX;
@@ -424,17 +424,25 @@ std::string faultOfParameter(const std::string& name) {
            + closest;
 }
 
-CLI::Option* addParameters(CLI::App& command, const char* name, std::vector<Parameter>& all) {
-    return command
+constexpr std::string_view usualWord = "usual";
+
+// Usual: whether the word stands among the names; null where it may not.
+void addParameters(CLI::App& command, const char* name, std::vector<Parameter>& all, bool* usual) {
+    command
         .add_option_function<std::vector<std::string>>(
             name,
-            [&all](const std::vector<std::string>& names) {
+            [&all, usual](const std::vector<std::string>& names) {
                 for (const std::string& each : names)
-                    if (std::find(all.begin(), all.end(), *parameterOf(each)) == all.end())
-                        all.push_back(*parameterOf(each));
+                    for (const Parameter& parameter : parametersOf(each))
+                        if (std::find(all.begin(), all.end(), parameter) == all.end())
+                            all.push_back(parameter);
+                if (usual)
+                    *usual = std::find(names.begin(), names.end(), usualWord) != names.end();
             })
         ->delimiter(',')
-        ->check(faultOfParameter);
+        ->check([usual](const std::string& each) {
+            return usual && each == usualWord ? std::string() : faultOfParameter(each);
+        });
 }
 
 // As NAME=VALUE,U.
@@ -475,8 +483,8 @@ void CommandLine::addCalibrate() {
     addFile(command, "--uncertainties", calibrate.uncertaintyFile);
     addUncertainties(command, calibrate.uncertainties);
     command.add_option("--u-pose", calibrate.poseUncertainty)->check(numberFrom(0, 180));
-    addParameters(command, "--estimate", calibrate.estimate);
-    addParameters(command, "--hold", calibrate.hold);
+    addParameters(command, "--estimate", calibrate.estimate, &calibrate.estimateUsual);
+    addParameters(command, "--hold", calibrate.hold, nullptr);
     command
         .add_option_function<std::vector<std::string>>(
             "--prior",

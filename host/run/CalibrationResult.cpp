@@ -15,8 +15,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* digestName = "parameter_file_sha256";
-constexpr const char* correlationName = "correlation";
 constexpr double rounding = 1e-6; // of a correlation
 
 const FlatJson::Entry* entryOf(const FlatJson& json, std::string_view name) {
@@ -31,12 +29,12 @@ public:
     ResultReader(const FlatJson& text, const CalibratedFile& given)
         : json(text), parameterFile(given), root(Json::parse(text.content())) {}
 
-    bool read(CalibrationResult& result) {
+    bool read(CalibrationResult& into) {
         if (!belongs())
             return false;
         std::optional<std::vector<double>> covariance;
         try {
-            covariance = covarianceOf(result.names);
+            covariance = covarianceOf(into.names);
         } catch (const Json::exception&) {
             covariance.reset();
         }
@@ -44,25 +42,25 @@ public:
             return fault("names and a matrix of numbers as kiv calibrate writes them, with the u "
                          "of each name among the parameters",
                          "another shape");
-        const std::vector<std::string_view> names(result.names.begin(), result.names.end());
+        const std::vector<std::string_view> names(into.names.begin(), into.names.end());
         return report(
-            Calibration::make(parameterFile.sensor, names, covariance->data(), result.calibration),
-            result.names);
+            Calibration::make(parameterFile.sensor, names, covariance->data(), into.calibration),
+            into.names);
     }
 
 private:
     bool fault(std::string_view expected, std::string_view found) const {
-        const FlatJson::Entry* place = entryOf(json, correlationName);
+        const FlatJson::Entry* place = entryOf(json, result::correlation);
         return json.report(place ? place->place : 0, expected, found);
     }
 
     bool belongs() const {
-        const FlatJson::Entry* entry = entryOf(json, digestName);
+        const FlatJson::Entry* entry = entryOf(json, result::digest);
         const std::string expected = "the result of the calibration that wrote "
                                      + printable(parameterFile.name) + " (SHA-256 "
                                      + parameterFile.digest + ')';
         if (!entry)
-            return json.report(0, expected, "one without " + std::string(digestName));
+            return json.report(0, expected, "one without " + std::string(result::digest));
         return entry->value == Json(parameterFile.digest)
                || json.report(json.valuePlace(*entry), expected,
                               shownValue(entry->value)
@@ -71,13 +69,13 @@ private:
 
     // Nothing, or what the parser throws, where the shape is another one.
     std::optional<std::vector<double>> covarianceOf(std::vector<std::string>& names) const {
-        const Json& correlation = root.at(correlationName);
-        names = correlation.at("names").get<std::vector<std::string>>();
-        const auto rows = correlation.at("matrix").get<std::vector<std::vector<double>>>();
+        const Json& correlation = root.at(result::correlation);
+        names = correlation.at(result::names).get<std::vector<std::string>>();
+        const auto rows = correlation.at(result::matrix).get<std::vector<std::vector<double>>>();
         std::vector<double> u;
         u.reserve(names.size());
         for (const std::string& name : names)
-            u.push_back(root.at("parameters").at(name).at("u").get<double>());
+            u.push_back(root.at(result::parameters).at(name).at(result::u).get<double>());
         std::vector<double> covariance;
         if (rows.size() != names.size())
             return std::nullopt;
@@ -116,7 +114,7 @@ private:
 } // namespace
 
 bool isCalibrationResult(const FlatJson& json) {
-    return entryOf(json, digestName) || entryOf(json, correlationName);
+    return entryOf(json, result::digest) || entryOf(json, result::correlation);
 }
 
 bool readCalibrationResult(const FlatJson& json, const CalibratedFile& parameterFile,

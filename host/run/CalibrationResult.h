@@ -9,6 +9,16 @@ namespace kiv::host {
 
 class FlatJson;
 
+// The members of the result that are read again.
+namespace result {
+constexpr const char* digest = "parameter_file_sha256";
+constexpr const char* correlation = "correlation";
+constexpr const char* names = "names";
+constexpr const char* matrix = "matrix";
+constexpr const char* parameters = "parameters";
+constexpr const char* u = "u";
+} // namespace result
+
 // What kiv calibrate wrote of the parameters that it found.
 struct CalibrationResult {
     std::string file; // as messages show it

@@ -6,6 +6,7 @@
 
 #include "models/ModelFactory.h"
 #include "params/BlockNames.h"
+#include "params/CalibratedValues.h"
 #include "sensor/SensorAccess.h"
 #include "support/Numbers.h"
 #include "support/ZelUtil.h"
@@ -13,13 +14,6 @@
 namespace kiv {
 
 namespace {
-
-constexpr const char* turnNames[] = {"turn_x_deg", "turn_y_deg", "turn_z_deg"};
-
-// The names of a block's values that can be found; without names they are counted.
-std::span<const char* const> namesOf(Block block) {
-    return block == Block::machineMatrix ? turnNames : valueNamesOf(block);
-}
 
 // How many values a block has; 0 where no angle depends on it.
 std::size_t valueCount(Block block, const CKiv& sensor) {
@@ -31,7 +25,7 @@ std::size_t valueCount(Block block, const CKiv& sensor) {
     case Block::qvc:
     case Block::levelX:
     case Block::levelY:
-        return namesOf(block).size();
+        return calibratedNamesOf(block).size();
     case Block::scaleFactor:
         return 8;
     case Block::azCalibration:
@@ -45,11 +39,6 @@ std::size_t valueCount(Block block, const CKiv& sensor) {
     default:
         return 0;
     }
-}
-
-bool isTable(Block block) {
-    return layoutOf(block).kind == BlockKind::encoderTable
-           || layoutOf(block).kind == BlockKind::tiltTable;
 }
 
 // Values of which one is moved, and by how much it was.
@@ -76,33 +65,6 @@ double moveModelValue(CKivModel& model, void (CKivModel::*update)(float*, int), 
     return moved.distance;
 }
 
-double moveEncoderRow(CKiv& sensor, int (CKiv::*set)(int, const float*), const float* table,
-                      int count, std::size_t row, double by) {
-    if (row >= static_cast<std::size_t>(count)) // a shorter table was set later
-        return by;
-    std::vector<float> rows(table, table + 2 * static_cast<std::ptrdiff_t>(count));
-    const MovedValues<1> moved(&rows[2 * row + 1], 0, by);
-    rows[2 * row + 1] = moved.values[0];
-    (sensor.*set)(count, rows.data());
-    return moved.distance;
-}
-
-double moveTiltRow(CKiv& sensor, int (CKiv::*set)(int, const float*, const double*),
-                   const float* table, const double* curve, int count, std::size_t row, double by) {
-    if (row >= static_cast<std::size_t>(count))
-        return by;
-    std::vector<float> knots(table, table + count + 3);
-    std::vector<double> spline(curve, curve + 4 * static_cast<std::ptrdiff_t>(count));
-    std::vector<float> tilts;
-    for (std::size_t i = 0; i < spline.size(); i += 4)
-        tilts.push_back(static_cast<float>(spline[i]));
-    const MovedValues<1> moved(&tilts[row], 0, by);
-    tilts[row] = moved.values[0];
-    CubicSplines(knots.data(), tilts.data(), count - 1, spline.data());
-    (sensor.*set)(count, knots.data(), spline.data());
-    return moved.distance;
-}
-
 // The file's matrix F, of which the sensor has the inverse W, becomes R * F: a turn about one of
 // the instrument's axes.
 void turnMachineMatrix(CKiv& sensor, std::size_t axis, double degrees) {
@@ -116,6 +78,49 @@ void turnMachineMatrix(CKiv& sensor, std::size_t axis, double degrees) {
 
 } // namespace
 
+double CalibratedParameter::moveIn(std::vector<float>& values, const std::vector<float>& at,
+                                   double by) const {
+    if (form) {
+        for (std::size_t i = 0; i < values.size(); ++i)
+            values[i] = static_cast<float>(values[i] + by * tableForm(block, value, at[i]));
+        return by;
+    }
+    if (value >= values.size()) // a shorter table was set later
+        return by;
+    const MovedValues<1> moved(&values[value], 0, by);
+    values[value] = moved.values[0];
+    return moved.distance;
+}
+
+double CalibratedParameter::moveEncoder(CKiv& sensor, int (CKiv::*set)(int, const float*),
+                                        const float* table, int count, double by) const {
+    std::vector<float> angles, corrections, rows;
+    for (int i = 0; i < count; ++i) {
+        angles.push_back(table[2 * i]);
+        corrections.push_back(table[2 * i + 1]);
+    }
+    const double distance = moveIn(corrections, angles, by);
+    for (std::size_t i = 0; i < angles.size(); ++i)
+        rows.insert(rows.end(), {angles[i], corrections[i]});
+    (sensor.*set)(count, rows.data());
+    return distance;
+}
+
+double CalibratedParameter::moveTilt(CKiv& sensor,
+                                     int (CKiv::*set)(int, const float*, const double*),
+                                     const float* table, const double* curve, int count,
+                                     double by) const {
+    std::vector<float> knots(table, table + count + 3);
+    std::vector<double> spline(curve, curve + 4 * static_cast<std::ptrdiff_t>(count));
+    std::vector<float> tilts;
+    for (std::size_t i = 0; i < spline.size(); i += 4)
+        tilts.push_back(static_cast<float>(spline[i]));
+    const double distance = moveIn(tilts, std::vector<float>(tilts), by);
+    CubicSplines(knots.data(), tilts.data(), count - 1, spline.data());
+    (sensor.*set)(count, knots.data(), spline.data());
+    return distance;
+}
+
 std::optional<CalibratedParameter> CalibratedParameter::named(std::string_view name,
                                                               const CKiv& sensor) {
     const std::size_t point = name.find('.');
@@ -123,18 +128,18 @@ std::optional<CalibratedParameter> CalibratedParameter::named(std::string_view n
     if (!block)
         return std::nullopt;
     const std::string_view valueName = name.substr(point + 1);
-    const auto names = namesOf(*block);
-    std::optional<std::size_t> value;
-    if (names.empty() || isTable(*block))
-        value = numberIn<std::size_t>(valueName);
-    else
-        value = static_cast<std::size_t>(std::find(names.begin(), names.end(), valueName)
-                                         - names.begin());
-    if (!value || *value >= valueCount(*block, sensor))
+    const auto names = calibratedNamesOf(*block);
+    const auto found =
+        static_cast<std::size_t>(std::find(names.begin(), names.end(), valueName) - names.begin());
+    const bool isNamed = found < names.size();
+    const bool counted = names.empty() || isTable(*block);
+    const auto value = counted && !isNamed ? numberIn<std::size_t>(valueName) : found;
+    if (!value || (!isNamed && *value >= valueCount(*block, sensor)))
         return std::nullopt;
     CalibratedParameter parameter;
     parameter.block = *block;
     parameter.value = *value;
+    parameter.form = isNamed && isTable(*block);
     return parameter;
 }
 
@@ -161,19 +166,17 @@ double CalibratedParameter::move(CKiv& sensor, double by) const {
         return moved.distance;
     }
     case Block::azCalibration:
-        return moveEncoderRow(sensor, &CKiv::setAzimuthComp, SensorAccess::azimuthComp(sensor),
-                              SensorAccess::azimuthCount(sensor), value, by);
+        return moveEncoder(sensor, &CKiv::setAzimuthComp, SensorAccess::azimuthComp(sensor),
+                           SensorAccess::azimuthCount(sensor), by);
     case Block::elCalibration:
-        return moveEncoderRow(sensor, &CKiv::setElevationComp, SensorAccess::elevationComp(sensor),
-                              SensorAccess::elevationCount(sensor), value, by);
+        return moveEncoder(sensor, &CKiv::setElevationComp, SensorAccess::elevationComp(sensor),
+                           SensorAccess::elevationCount(sensor), by);
     case Block::tiltXCalibration:
-        return moveTiltRow(sensor, &CKiv::setLevelXComp, SensorAccess::levelXTable(sensor),
-                           SensorAccess::levelXSpline(sensor), SensorAccess::levelXCount(sensor),
-                           value, by);
+        return moveTilt(sensor, &CKiv::setLevelXComp, SensorAccess::levelXTable(sensor),
+                        SensorAccess::levelXSpline(sensor), SensorAccess::levelXCount(sensor), by);
     case Block::tiltYCalibration:
-        return moveTiltRow(sensor, &CKiv::setLevelYComp, SensorAccess::levelYTable(sensor),
-                           SensorAccess::levelYSpline(sensor), SensorAccess::levelYCount(sensor),
-                           value, by);
+        return moveTilt(sensor, &CKiv::setLevelYComp, SensorAccess::levelYTable(sensor),
+                        SensorAccess::levelYSpline(sensor), SensorAccess::levelYCount(sensor), by);
     // Those that the model computes with: the sensor's own may be newer.
     case Block::scaleFactor:
         return moveModelValue<8>(model, &CKivModel::UpdateSFactors, ModelAccess::factorsOf(model),
