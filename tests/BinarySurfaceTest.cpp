@@ -10,14 +10,14 @@
 
 namespace {
 
-// The common C++ ABI's pointer to a virtual member holds one more than the distance into the table;
-// the destructor takes the first two places.
+// The common C++ ABI's pointer to a virtual member holds the distance into the table, on x86 with
+// one added; the destructor takes the first two places.
 template <typename Member>
 std::size_t slotOf(Member member) {
     std::size_t distance = 0;
     static_assert(sizeof member >= sizeof distance);
     std::memcpy(&distance, &member, sizeof distance);
-    return (distance - 1) / sizeof(void*);
+    return distance / sizeof(void*);
 }
 
 template <typename Model>

@@ -69,9 +69,10 @@ int main(int count, char** arguments) try {
     std::ifstream file(count == 2 ? arguments[1] : "");
     const std::string text(std::istreambuf_iterator<char>(file), {});
     const std::string title = "Mounting Mode\n";
+    const std::size_t place = text.find(title) + title.size();
     for (int mode = 1; mode <= 10; ++mode) {
-        std::string changed = text;
-        changed.replace(text.find(title) + title.size(), 1, std::to_string(mode));
+        const std::string changed =
+            text.substr(0, place) + std::to_string(mode) + text.substr(place + 1);
         for (const kiv::Frame frame : {kiv::Frame::local, kiv::Frame::machine}) {
             std::printf("mode %d, %s frame\n", mode,
                         frame == kiv::Frame::local ? "local" : "machine");
