@@ -28,8 +28,7 @@ struct CalibrateOptions {
     bool replace = false; // files that are there
     TableFormat format;
     Poses poses = Poses::known;
-    std::vector<Parameter> estimate; // in place of the usual ones
-    bool estimateUsual = false;      // beside them
+    std::vector<Parameter> estimate; // in place of the usual ones, or beside them
     std::vector<Parameter> hold;
     std::vector<Prior> priors;
     std::string uncertaintyFile;
@@ -37,6 +36,7 @@ struct CalibrateOptions {
     std::optional<double> poseUncertainty; // degrees
     double holdout = 0.2;
     bool robust = false;
+    bool estimateUsual = false; // beside those of estimate
     bool dryRun = false;
     std::size_t jobs = 0; // threads; 0: as many as there are processors
     bool quiet = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <ostream>
 #include <set>
 
@@ -137,6 +138,33 @@ void followStations(const std::map<std::pair<double, double>, Matrix>& seen, Pos
     }
 }
 
+// The vertical in the sensor is the same in all rows of a placement, whatever the headings. Where a
+// model has found the mirrored solution it is another: the one that most rows are close to is
+// taken.
+void straighten(std::map<std::pair<double, double>, Matrix>& seen) {
+    for (auto first = seen.begin(); first != seen.end();) {
+        const auto last = std::find_if(first, seen.end(), [&](const auto& row) {
+            return row.first.first != first->first.first;
+        });
+        Eigen::Vector3d vertical = first->second.row(2);
+        double least = std::numeric_limits<double>::infinity();
+        for (auto one = first; one != last; ++one) {
+            double sum = 0;
+            for (auto other = first; other != last; ++other)
+                sum += (one->second.row(2) - other->second.row(2)).norm();
+            if (sum < least) {
+                least = sum;
+                vertical = one->second.row(2);
+            }
+        }
+        for (; first != last; ++first) {
+            const Eigen::Vector3d own = first->second.row(2);
+            first->second = first->second
+                            * Eigen::Quaterniond::FromTwoVectors(vertical, own).toRotationMatrix();
+        }
+    }
+}
+
 bool findStations(CalibrationRows& rows, CKivPrm& record, PoseFrame& frame, std::ostream& err) {
     double widest = 0;
     for (const auto& [placement, parts] : rows.facts().azimuths)
@@ -152,6 +180,7 @@ bool findStations(CalibrationRows& rows, CKivPrm& record, PoseFrame& frame, std:
             seen.emplace(std::pair(row.placement, row.station), row.sensor);
         }))
         return false;
+    straighten(seen);
     followStations(seen, frame);
     return true;
 }

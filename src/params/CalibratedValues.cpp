@@ -34,7 +34,8 @@ std::span<const char* const> calibratedNamesOf(Block block) {
 
 double tableForm(Block table, std::size_t form, double at) {
     if (table == Block::azCalibration) {
-        const double angle = static_cast<double>(form / 2 + 1) * at * degToRad;
+        const std::size_t harmonic = form / 2 + 1;
+        const double angle = static_cast<double>(harmonic) * at * degToRad;
         return form % 2 == 0 ? std::sin(angle) : std::cos(angle);
     }
     if (table == Block::elCalibration) {
