@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "host/base/Hashing.h"
+#include "host/rows/RowTime.h"
 #include "host/rows/TimeStamp.h"
 
 namespace {
@@ -35,7 +36,7 @@ TEST(Sha256, PublishedVectors) {
         }
 }
 
-TEST(TimeStamp, Iso8601) {
+TEST(TimeStamp, Formats) {
     const double none = std::numeric_limits<double>::quiet_NaN();
     const struct {
         const char* text;
@@ -55,7 +56,19 @@ TEST(TimeStamp, Iso8601) {
         {"2023-02-28T12:00:00+2", none, false, ""},
         {"2023-02-28T12:00:00Z ", none, false, ""},
         {"+023-02-28T12:00:00Z", none, false, ""},
-        {"1700000000", none, false, ""},
+        {"29.03.2026 14:05:06", 1774793106, false, "2026-03-29T14:05:06"},
+        {"29.03.2026 14:05", 1774793100, false, "2026-03-29T14:05:00"},
+        {"20260329T140506", 1774793106, false, "2026-03-29T14:05:06"},
+        {"20260329T1405Z", 1774793100, true, "2026-03-29T14:05:00Z"},
+        {"20260329 140506,5+0200", 1774785906.5, true, "2026-03-29T12:05:06.5Z"},
+        {"1774793106.25", 1774793106.25, true, "2026-03-29T14:05:06.25Z"},
+        {"31.02.2026 14:05", none, false, ""},
+        {"29.03.2026", none, false, ""},
+        {"20260329T14:05", none, false, ""},
+        {"20260329", none, false, ""},
+        {"12345678901", none, false, ""},
+        {"1774793106.", none, false, ""},
+        {"12.5", none, false, ""},
         {"", none, false, ""},
     };
     for (const auto& row : rows) {
@@ -67,6 +80,24 @@ TEST(TimeStamp, Iso8601) {
         EXPECT_EQ(stamp->zoned, row.zoned) << row.text;
         EXPECT_EQ(timeStampText(*stamp), row.shown);
     }
+}
+
+// Where texts are said to rise their times do.
+TEST(TimeStamp, RisesAsText) {
+    const struct {
+        const char* first;
+        const char* second;
+        bool rises;
+    } rows[] = {
+        {"9.5", "9.75", true},
+        {"9.5", "10.5", false}, // not by the text alone
+        {"2026-03-29T14:05", "2026-03-29T14:06", true},
+        {"20260329T140506", "20260329T140507", true},
+        {"31.03.2026 14:05:06", "31.03.2026 14:05:07", true},
+        {"01.04.2026 14:05:06", "02.03.2026 14:05:06", false},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(risesAsText(row.first, row.second), row.rises) << row.first;
 }
 
 } // namespace

@@ -162,7 +162,13 @@ TEST(Report, RunsOverTimeWhereItCan) {
         {"gaps take the time before", "time_s", {"1", "", "x", "4"}, "\"first\":[1,1,1,4]"},
         {"unbounded", "time_s", {"1", "2", "inf"}, "\"first\":[1,2,2]"},
         {"large", "time_s", {"1700000000.25", "1700000001"}, "[1700000000.25,1700000001]"},
-        {"back", "time_s", {"1", "3", "2"}, "as time_s goes back in line 4."},
+        {"back", "time_s", {"1", "3", "2"}, "\"breaks\":[[3,3,2,1.04]]"},
+        {"back, where", "time_s", {"1", "3", "2"}, "rows=3-3\">4</a></td><td>goes back<"},
+        {"a pause to scale",
+         "time_s",
+         {"0", "1", "2", "3", "13.5", "14.5", "26"},
+         "\"breaks\":[[5,3,13.5,0],[7,14.5,26,0]]"},
+        {"one longer than the rest", "time_s", {"0", "1", "2", "3", "103"}, "[[5,3,103,-99.94]]"},
         {"none at first", "time_s", {"", "3"}, "as time_s is no number in line 2."},
         {"no column", "other", {"1"}, "as the readings have no column time_s or time."},
         {"dates",
@@ -171,11 +177,15 @@ TEST(Report, RunsOverTimeWhereItCan) {
          "{\"name\":\"time, UTC\",\"rowsPerBin\":1,\"rows\":3,\"dates\":true,"
          "\"first\":[1700000000.25,1700000001.5,1700000001.5]}],\"reference\":1"},
         {"dates of a clock", "time", {"1970-01-02T00:00"}, "\"rows\":1,\"dates\":true"},
-        {"seconds are no date", "time", {"5"}, "as time is no ISO 8601 time in line 2."},
+        {"seconds are no date", "time", {"5"}, "as time is no date and time in line 2."},
         {"dates go back",
          "time",
          {"2023-11-14T22:13Z", "2023-11-14T22:13+01:00"},
-         "as time goes back in line 3."},
+         "2023-11-14T22:13:00Z</td><td class=\"number\">2023-11-14T21:13:00Z<"},
+        {"the day first",
+         "time",
+         {"29.03.2026 14:05", "29.03.2026 14:06"},
+         "[1774793100,1774793160]"},
     };
     for (const auto& row : rows) {
         std::string readings = header.substr(header.find(',') + 1);

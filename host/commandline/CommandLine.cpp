@@ -283,6 +283,7 @@ void CommandLine::addPoses() {
     command.get_option("parameter_file")->required(false);
     command.get_option("readings")->required(false);
     addFile(command, "--from", stillPoses.results);
+    addFile(command, "--report", stillPoses.report);
     addRowFormat(command, stillPoses.rowFormat);
     addFile(command, "--uncertainties", stillPoses.uncertaintyFiles)->allow_extra_args(false);
     addUncertainties(command, stillPoses.uncertainties);
@@ -336,7 +337,7 @@ void CommandLine::startedAs(int argc, const char* const* argv) {
     report.commandLine = "kiv";
     for (int i = 1; i < argc; ++i)
         report.commandLine += ' ' + shellWord(argv[i]);
-    compare.commandLine = report.commandLine;
+    compare.commandLine = stillPoses.commandLine = report.commandLine;
 }
 
 void CommandLine::addSimulate() {

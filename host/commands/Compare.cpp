@@ -287,9 +287,9 @@ int compareParameters(const CompareOptions& options, const Streams& streams) {
     };
     if (!outputsUsable(options, streams.err) || !named(options.parameters[1]))
         return unusable;
+    InputFacts facts; // which the run's inputs write to as long as they are there
     ReadingsRun run(readings, streams, false);
     SecondSensor second;
-    InputFacts facts;
     Output summary, report;
     constexpr std::string_view ofRows[] = {"found"};
     if (!run.open(ofRows, &facts) || !second.open(options.parameters[1], run, readings, streams)

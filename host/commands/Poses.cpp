@@ -9,6 +9,7 @@
 #include "host/poses/PoseCells.h"
 #include "host/poses/PoseSummary.h"
 #include "host/poses/ResultRows.h"
+#include "host/report/PosesPage.h"
 #include "host/rows/RowLoop.h"
 #include "host/rows/RowTime.h"
 #include "host/rows/TableInput.h"
@@ -25,7 +26,10 @@ class PoseOutput {
 public:
     PoseOutput(const PosesOptions& asked, bool localFrame, std::ostream& messages)
         : options(asked), err(messages), columns{asked.grouping, asked.readings},
-          summary(asked.grouping, localFrame) {}
+          summary(asked.grouping, localFrame) {
+        page.commandLine = asked.commandLine;
+        page.localFrame = localFrame;
+    }
 
     // False, and a message, where a column that the options name is not there, or one of poses has
     // its name.
@@ -60,6 +64,8 @@ public:
         }
         writer->append(out, cells);
         summary.add(pose);
+        if (!options.report.empty())
+            page.add(pose);
     }
     void setCells(const Table& row, ComputedRow& computed) const {
         for (std::size_t i = 0; i < places.size(); ++i)
@@ -67,6 +73,17 @@ public:
     }
 
     PoseSummary& ofAll() { return summary; }
+
+    void addInput(const char* role, const std::string& name, const Sha256& digest) {
+        page.inputs.push_back({role, name, digest});
+    }
+    // Into the file that was opened for it; true without one.
+    bool writePage(Output& report) const {
+        if (options.report.empty())
+            return true;
+        report.text() = posesPage(page, summary);
+        return report.finish(err);
+    }
 
 private:
     bool find(const Table& table, const std::string& tableName, const std::string& column,
@@ -92,16 +109,34 @@ private:
     bool decimalComma = false;
     std::array<std::optional<std::size_t>, 2> places; // of --by and --pose-id
     PoseSummary summary;
+    PosesPage page;
 };
 
+// The page's file, where one is asked for and no other file of the command.
+bool openPage(const PosesOptions& options, Output& report, const Streams& streams) {
+    std::vector<std::string> inputs = options.readings;
+    inputs.insert(inputs.end(), options.uncertaintyFiles.begin(), options.uncertaintyFiles.end());
+    inputs.insert(inputs.end(), {options.parameterFile, options.referenceFile, options.results,
+                                 options.format.columnsFile});
+    return options.report.empty()
+           || (!refuseSharing(options.output, options.report, streams.err)
+               && !(!options.summary.empty()
+                    && refuseSharing(options.summary, options.report, streams.err))
+               && !refuseOverwriting(options.report, inputs, streams.err)
+               && report.openWhole(options.report, streams));
+}
+
 int ofReadings(const PosesOptions& options, const Streams& streams) {
+    InputFacts facts; // which the run's inputs write to as long as they are there
     ReadingsRun run(options, streams, !options.summary.empty());
     std::optional<PoseOutput> poses;
+    Output report;
     const auto usableInputs = [&] {
         poses.emplace(options, run.localFrame(), streams.err);
-        return poses->usable(run.table(), run.name(), run.givesUncertainties(), run.comparable());
+        return poses->usable(run.table(), run.name(), run.givesUncertainties(), run.comparable())
+               && openPage(options, report, streams);
     };
-    if (!run.open({}, nullptr, usableInputs))
+    if (!run.open({}, &facts, usableInputs))
         return unusable;
     const Table& table = run.table();
     poses->appendNames(run.output().text());
@@ -122,9 +157,13 @@ int ofReadings(const PosesOptions& options, const Streams& streams) {
     poses->ofAll().setRowsWithoutPose(gathering.rowsWithoutPose());
     run.addToSummary(poses->ofAll().json());
     const int code = run.finish();
-    if (code != unusable)
-        poses->ofAll().print(streams.err, !options.quiet);
-    return code;
+    if (code == unusable)
+        return unusable;
+    poses->ofAll().print(streams.err, !options.quiet);
+    poses->addInput("Parameter file", options.parameterFile, facts.parameterFile);
+    for (const TableFacts& readings : facts.readings)
+        poses->addInput("Readings", readings.name, readings.digest);
+    return poses->writePage(report) ? code : unusable;
 }
 
 int ofResults(const PosesOptions& options, const Streams& streams) {
@@ -135,16 +174,17 @@ int ofResults(const PosesOptions& options, const Streams& streams) {
         return unusable;
     TableInput input(resultRowColumns, options.format);
     MessageLimit limit(options.format.mostMessages, streams.err);
-    Output output, summary;
+    Output output, summary, report;
+    Sha256 digest;
     PoseOutput poses(options, options.localFrame, streams.err);
     std::optional<Interrupt::Waiting> waiting(true); // nothing is written yet
-    if (!input.open(options.results, {}, streams))
+    if (!input.open(options.results, {}, streams, &digest))
         return unusable;
     Table& table = input.table();
     const ResultRows results(table, options.localFrame);
     if (!poses.usable(table, input.name(), results.hasUncertainties(), results.hasTruth())
         || (!options.summary.empty() && !summary.openWhole(options.summary, streams))
-        || !output.open(options.output, streams))
+        || !openPage(options, report, streams) || !output.open(options.output, streams))
         return unusable;
     waiting.reset();
     input.showWarnings(streams.err);
@@ -167,6 +207,9 @@ int ofResults(const PosesOptions& options, const Streams& streams) {
     if (!input.finish(limit, output, streams.err))
         return unusable;
     poses.ofAll().print(streams.err, !options.quiet);
+    poses.addInput("Results", input.name(), digest);
+    if (!poses.writePage(report))
+        return unusable;
     if (!options.summary.empty()) {
         summary.text() = poses.ofAll().json() + '\n';
         if (!summary.finish(streams.err))

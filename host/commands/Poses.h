@@ -10,7 +10,9 @@ namespace kiv::host {
 struct PosesOptions : ReadingsOptions {
     Grouping grouping;
     RowFormat rowFormat = RowFormat::csv;
-    std::string results; // a table of results to take in place of readings
+    std::string report;      // an HTML page; empty: none
+    std::string commandLine; // as the user gave it
+    std::string results;     // a table of results to take in place of readings
 };
 
 // Makes one row of all rows of a pose, of readings or of results. An exit code.

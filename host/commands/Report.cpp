@@ -83,10 +83,11 @@ void addValues(ReportContent& content, const ComputedRow& row, double time) {
 
 void addRow(ReportContent& content, const ComputedRow& row, TimeColumn& time) {
     const std::string& table = content.facts.readings[row.table].name;
+    RowPlace place{row.table, row.line, content.envelope.rows() + 1, std::nullopt};
     const TimeColumn::Point point =
-        time.next(row.time, row.line, content.hasSeveralTables() ? table : std::string_view());
+        time.next(row.time, place, content.hasSeveralTables() ? table : std::string_view());
+    place.time = point.own;
     addValues(content, row, point.time);
-    const RowPlace place{row.table, row.line, content.envelope.rows(), point.own};
     const RowResult& result = row.result;
     if (isDoubtful(result))
         content.doubtfulRows.add(place, {result.trust.trust, result.trust.modelError});

@@ -16,6 +16,7 @@ public:
     void add(const Pose& pose);
     void setRowsWithoutPose(std::size_t count) { withoutPose = count; }
 
+    const Repeatability& ofPlaces() const { return again; }
     std::string json() const; // an object
     void print(std::ostream& out, bool tables) const;
 

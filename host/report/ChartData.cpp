@@ -74,6 +74,9 @@ void appendChartData(std::string& json, const ReportContent& content) {
         if (envelope.rowsPerBin() > 1)
             axis["last"] = chartArray(bins.size(), [&](std::size_t i) { return bins[i].lastX; });
     }
+    for (const XAxis::Break& each : content.axis.breaks)
+        axis["breaks"].push_back({each.place.row, chartNumber(each.before), chartNumber(each.after),
+                                  chartNumber(each.shift)});
     Json data{{"axes", Json::array({axis})}};
     if (content.summary.count(RowState::reference) > 0)
         data["reference"] = content.referenceRow;

@@ -51,6 +51,7 @@ std::string reportPage(const ReportContent& content) {
     appendSpareReading(html, content);
     html += "</div>\n";
     appendWitnesses(html, content);
+    appendClock(html, content);
     if (content.charted()) {
         appendStatistics(html, content);
         appendUncertainty(html, content);

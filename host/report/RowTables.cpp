@@ -168,6 +168,35 @@ void appendWitnesses(std::string& html, const ReportContent& content) {
     html += "</tbody>\n</table>\n</section>\n";
 }
 
+void appendClock(std::string& html, const ReportContent& content) {
+    const std::vector<XAxis::Break>& breaks = content.axis.breaks;
+    if (breaks.empty())
+        return;
+    html += "<section id=\"clock\">\n<h2>Where the clock jumps</h2>\n<p class=\"note\">It goes "
+            "back, or pauses for longer than ten of its usual steps. The charts have a gap there; "
+            "times behind a grey one are not to scale with those before it.</p>\n"
+            "<table>\n<thead><tr>";
+    html.append(content.hasSeveralTables() ? "<th>Table</th>" : "")
+        .append("<th class=\"number\">Line</th><th>What it does</th><th class=\"number\">From</th>"
+                "<th class=\"number\">To</th></tr></thead>\n<tbody>\n");
+    for (const XAxis::Break& each : breaks) {
+        html += "<tr>";
+        if (content.hasSeveralTables())
+            html.append("<td class=\"table\">")
+                .append(escaped(content.facts.readings[each.place.table].name))
+                .append("</td>");
+        html.append("<td class=\"number\">")
+            .append(linesText(content, each.place, each.place))
+            .append("</td><td>")
+            .append(each.goesBack() ? "goes back" : "pauses")
+            .append("</td>");
+        for (const double time : {each.before, each.after})
+            html.append("<td class=\"number\">").append(content.axis.text(time)).append("</td>");
+        html += "</tr>\n";
+    }
+    html += "</tbody>\n</table>\n</section>\n";
+}
+
 void appendBadRows(std::string& html, const ReportContent& content) {
     const std::size_t bad =
         content.summary.count(RowState::refused) + content.summary.count(RowState::noOrientation);

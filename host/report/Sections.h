@@ -15,6 +15,7 @@ void appendProvenance(std::string& html, const ReportContent& content);
 void appendRowCounts(std::string& html, const ReportContent& content);
 void appendSpareReading(std::string& html, const ReportContent& content);
 void appendWitnesses(std::string& html, const ReportContent& content);
+void appendClock(std::string& html, const ReportContent& content);
 void appendStatistics(std::string& html, const ReportContent& content);
 void appendDrift(std::string& html, const ReportContent& content);
 void appendUncertainty(std::string& html, const ReportContent& content);

@@ -1,6 +1,6 @@
 // What moves the charts: buttons, keys, links to rows, strips.
 const decadesOf = (low, high, pixels) =>
-  ticksOf({ log: true, stretches: [{ from: low, to: high, shift: 0 }] }, low, high, 2 * pixels);
+  ticksOf({ log: true, scales: [{ from: low, to: high, shift: 0 }] }, low, high, 2 * pixels);
 
 // Of all charts over the same axis, and of the leader itself.
 function showBin(chart, bin, leader = null) {

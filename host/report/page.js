@@ -4,9 +4,8 @@ const degrees = (value) => value.toFixed(6);
 const tickLabel = (value, granularity, option, chart) => {
   const [low, high] = chart.yAxisRange(0);
   const decimals = Math.ceil(1 - Math.log10(Math.abs(high - low) || 1));
-  return decimals > 8 || Math.abs(value) >= 1e7
-    ? String(Number(value.toPrecision(6)))
-    : value.toFixed(Math.max(0, decimals));
+  if (decimals > 5 && value) return value.toExponential(1);
+  return Math.abs(value) >= 1e7 ? shown(value) : value.toFixed(Math.max(0, decimals));
 };
 
 const valuesOf = (rows) => rows.flatMap((row) => row.slice(1).flatMap((cell) => (cell ? [cell[0], cell[2]] : [])));
@@ -46,25 +45,25 @@ function plotEdges({ points, drawingContext: context, plotArea, color, strokeWid
   context.setLineDash([]);
 }
 
-// Single points, of the second series as crosses.
+// Single points, of each series in a shape of its own.
+const shapes = ["●", "×", "△"];
 function plotDots({ points, drawingContext: context, color, setName, dygraph }) {
-  const crosses = dygraph.indexFromSetName(setName) > 1;
+  const shape = dygraph.indexFromSetName(setName) - 1;
   context.strokeStyle = context.fillStyle = color;
   context.lineWidth = 1.3;
   context.beginPath();
+  const lines = (x, y, ...corners) =>
+    corners.forEach(([dx, dy], i) => (i % 2 ? context.lineTo(x + dx, y + dy) : context.moveTo(x + dx, y + dy)));
   for (const { canvasx: x, canvasy: y } of points) {
     if (Number.isNaN(y)) continue;
-    if (crosses) {
-      context.moveTo(x - 2.5, y - 2.5);
-      context.lineTo(x + 2.5, y + 2.5);
-      context.moveTo(x - 2.5, y + 2.5);
-      context.lineTo(x + 2.5, y - 2.5);
-    } else {
+    if (shape === 1) lines(x, y, [-2.5, -2.5], [2.5, 2.5], [-2.5, 2.5], [2.5, -2.5]);
+    else if (shape === 2) lines(x, y, [-3, 2], [3, 2], [3, 2], [0, -3], [0, -3], [-3, 2]);
+    else {
       context.moveTo(x + 1.8, y);
       context.arc(x, y, 1.8, 0, 2 * Math.PI);
     }
   }
-  if (crosses) context.stroke();
+  if (shape) context.stroke();
   else context.fill();
 }
 
@@ -101,7 +100,7 @@ function drawUnder(context, area, graph, chart) {
 }
 
 // So that series can be told apart without their colours.
-const dashes = [null, [9, 3], [2, 3]];
+const dashes = [null, [9, 3], [3, 2]];
 const borders = ["solid", "dashed", "dotted"];
 
 const element = (tag, className, text = "") => {
@@ -121,8 +120,11 @@ function makeKeys(parent, chart) {
     box.addEventListener("change", () => chart.graph.setVisibility(i, box.checked));
     const swatch = element("span", "swatch");
     swatch.style.borderTop = "3px " + (chart.kind ? "solid" : borders[i]) + " var(--series-" + i + ")";
+    swatch.hidden = chart.kind === "dots";
     const value = element("span", "");
-    label.append(box, swatch, (chart.kind === "dots" && chart.series.length > 1 ? "●×"[i] + " " : "") + series.name, value);
+    const mark = element("span", "", chart.kind === "dots" ? shapes[i] + " " : "");
+    mark.style.color = "var(--series-" + i + ")";
+    label.append(box, swatch, mark, series.name, value);
     parent.append(label);
     return value;
   });
@@ -219,7 +221,10 @@ function makeChart(chart) {
     labelsKMB: false,
     highlightCircleSize: 3,
     axes: {
-      x: { ticker: (low, high, pixels) => ticksOf(axis, low, high, pixels) },
+      x: {
+        ticker: (low, high, pixels) => ticksOf(axis, low, high, pixels),
+        axisLabelWidth: axis.dates ? 80 : 60,
+      },
       y: {
         axisLabelFormatter: tickLabel,
         axisLabelWidth: plot.clientWidth < 500 ? 58 : 80,

@@ -23,6 +23,9 @@ class Axis {
       [from, shift] = [after, next];
     }
     this.stretches.push({ from: from + shift, to: this.lastTime(this.binCount - 1) + shift, shift });
+    // Of them those that stand side by side to scale, as one.
+    this.scales = this.stretches.filter(({ shift }, i) => !i || shift !== this.stretches[i - 1].shift)
+      .map(({ from, shift }) => ({ from, shift, to: this.stretches.filter((each) => each.shift === shift).pop().to }));
     this.places = Array.from({ length: this.binCount }, (_, bin) => this.placeOf(bin));
   }
   binOf(row) { return Math.floor((row - 1) / this.rowsPerBin); }

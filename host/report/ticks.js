@@ -22,9 +22,9 @@ function dateLabel(axis, time, step, before) {
   return { date, label: onlyDays ? date : ofDay + (date === before ? "" : "<br>" + date) };
 }
 
-function ticksOf(axis, low, high, pixels) {
-  const room = axis.dates ? 84 : 64; // pixels for a label
-  const least = ((high - low) * Math.min(room, pixels / 3.5)) / pixels;
+// With so many pixels for a label.
+function ticksWith(axis, low, high, pixels, room) {
+  const least = ((high - low) * room) / pixels;
   const step = stepOf(axis, least);
   const ticks = [];
   let free = -Infinity;
@@ -36,8 +36,8 @@ function ticksOf(axis, low, high, pixels) {
     ticks.push({ v, label: named.label });
     free = v + 0.95 * least;
   };
-  const single = axis.stretches.length === 1; // that may be seen from further away
-  for (const { from, to, shift } of axis.stretches) {
+  const single = axis.scales.length === 1; // that may be seen from further away
+  for (const { from, to, shift } of axis.scales) {
     const begin = single ? low : Math.max(from, low);
     const end = single ? high : Math.min(to, high);
     if (begin > end) continue;
@@ -46,5 +46,12 @@ function ticksOf(axis, low, high, pixels) {
     if (last < first) add(begin, begin - shift);
     for (let i = first; i <= last; ++i) add(i * step + shift, axis.log ? 10 ** i : i * step);
   }
+  return ticks;
+}
+
+function ticksOf(axis, low, high, pixels) {
+  let ticks = [];
+  for (const room of axis.dates ? [84, 64, 48] : [64, 48, 36])
+    if (ticks.length < 3) ticks = ticksWith(axis, low, high, pixels, room);
   return ticks;
 }

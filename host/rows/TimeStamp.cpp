@@ -46,6 +46,7 @@ public:
         return count > 0;
     }
 
+    bool startsWithDigit() const { return !rest.empty() && isDigit(rest[0]); }
     char last() const { return taken; }
     bool done() const { return rest.empty(); }
 
@@ -61,17 +62,45 @@ void appendPadded(std::string& text, long long value, std::size_t width) {
 
 } // namespace
 
+namespace {
+
+// Of nine digits in front of the point from 1973 on, so that seconds of a recording, and a date
+// alone, are no such time.
+std::optional<TimeStamp> epochSecondsIn(std::string_view text) {
+    const auto end = std::find_if_not(text.begin(), text.end(), isDigit);
+    const auto digits = static_cast<std::size_t>(end - text.begin());
+    if (digits != 9 && digits != 10)
+        return std::nullopt;
+    const double seconds = numberIn<double>(text.substr(0, digits)).value_or(0);
+    Front front(text.substr(digits));
+    double fraction = 0;
+    if ((front.take(".,") && !front.takeFraction(fraction)) || !front.done())
+        return std::nullopt;
+    return TimeStamp{seconds + fraction, true};
+}
+
+} // namespace
+
 std::optional<TimeStamp> timeStampIn(std::string_view text) {
     using namespace std::chrono;
+    if (const auto stamp = epochSecondsIn(text))
+        return stamp;
     Front front(text);
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
     double fraction = 0;
-    const bool started = front.take(4, 9999, year) && front.take("-") && front.take(2, 12, month)
-                         && front.take("-") && front.take(2, 31, day) && front.take("Tt ")
-                         && front.take(2, 23, hour) && front.take(":") && front.take(2, 59, minute);
-    if (!started)
+    const bool dayFirst = text.size() > 2 && text[2] == '.';
+    const bool basic = !dayFirst && text.size() > 4 && isDigit(text[4]);
+    const auto mark = [&](std::string_view anyOf) { return basic || front.take(anyOf); };
+    const bool dated = dayFirst
+                           ? front.take(2, 31, day) && front.take(".") && front.take(2, 12, month)
+                                 && front.take(".") && front.take(4, 9999, year)
+                           : front.take(4, 9999, year) && mark("-") && front.take(2, 12, month)
+                                 && mark("-") && front.take(2, 31, day);
+    if (!dated || !front.take("Tt ") || !front.take(2, 23, hour) || !mark(":")
+        || !front.take(2, 59, minute))
         return std::nullopt;
-    if (front.take(":")
+    const bool hasSeconds = basic ? front.startsWithDigit() : front.take(":");
+    if (hasSeconds
         && (!front.take(2, 60, second) || (front.take(".,") && !front.takeFraction(fraction))))
         return std::nullopt;
 
