@@ -278,6 +278,9 @@ const std::vector<RefusalRow> refusalRows{
     {4, 100, {"--poses", "stations"}, "none named placement, station"},
     {4, 100, {"--hold", "angle_offset.elevation_deg"}, "expected residuals as large as"},
     {4, 100, {"--u-pose", "0.1"}, "give smaller uncertainties"},
+    {4, 100, {"--prior", "scale_factor.2=-0.8,0.01"}, "a prior of scale_factor.2 that agrees"},
+    {4, 100, {"--prior", "level_x.gain=1,0.001"}, "no reading depends on level_x.gain"},
+    {4, 100, {"--robust", "--hold", "angle_offset.elevation_deg"}, "of 100 rows that do not fit"},
     {4,
      100,
      {"--estimate", "scale_factor.2", "--u-pose", "20"},
@@ -295,6 +298,13 @@ TEST(Calibrate, RefusesWithACause) {
         EXPECT_NE(messages.find(row.found), messages.npos) << messages;
         EXPECT_FALSE(fs::exists(bench.fresh()) || fs::exists(bench.resultFile()));
     }
+}
+
+// From the values that the rows were made with the cost shows no step.
+TEST(Calibrate, SettlesWhereRoundingHidesTheLastSteps) {
+    Bench bench(4);
+    bench.measure(60, "13");
+    EXPECT_EQ(bench.calibrate(), "");
 }
 
 // The outputs are there together or not at all, and no copy is left beside them.

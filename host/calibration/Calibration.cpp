@@ -29,6 +29,9 @@ constexpr double mostApart = 5;        // rows of a table that takes a smooth ch
 constexpr double within = 0.999;       // of sound fits pass
 constexpr double outlierChance = 1e-5; // of a good row
 constexpr int mostSearches = 10;       // for outliers
+constexpr double mostOutliers = 0.25;  // of the rows
+constexpr double unseen = 1e-12;       // of a prior's variance that the rows take away
+constexpr double mostOfPrior = 4;      // standard uncertainties between a prior and the rows
 
 std::string rounded(double value, int significant = 4) {
     std::string text;
@@ -253,6 +256,14 @@ bool Calibration::dropOutliers() {
                 return false;
             outliers.merge(found->outliers);
         }
+        const double share =
+            static_cast<double>(outliers.size()) / static_cast<double>(rows.facts().rows);
+        if (share > mostOutliers)
+            return refuse("wrong poses in at most a quarter of the rows",
+                          std::to_string(outliers.size()) + " of "
+                              + std::to_string(rows.facts().rows)
+                              + " rows that do not fit; give larger uncertainties, correct the "
+                                "mount mode, or measure again");
         if (i > 0 && outliers == rows.rejectedPlaces())
             return true;
         rows.reject(std::move(outliers));
@@ -337,9 +348,36 @@ bool Calibration::rmsFits() {
                   rounded(rms, 3)
                       + (rms < 1 ? "; the readings are better than stated: give smaller "
                                    "uncertainties"
-                                 : "; look for wrong poses (--robust), another mount mode, "
-                                   "parameters that are held and should not be, or "
-                                   "uncertainties that are too small"));
+                                 : std::string("; look for wrong poses (--robust), another mount "
+                                               "mode, parameters that are held and should not "
+                                               "be, ")
+                                       + (options.priors.empty() ? "" : "a wrong --prior, ")
+                                       + "or uncertainties that are too small"));
+}
+
+// How far a prior is from what the rows alone tell follows from both uncertainties: that of the
+// result is the smaller, the more the rows tell.
+bool Calibration::priorsFit() const {
+    for (const Prior& prior : options.priors) {
+        const auto found = std::find(parameters.begin(), parameters.end(), prior.parameter);
+        if (found == parameters.end())
+            continue;
+        const auto i = static_cast<Eigen::Index>(found - parameters.begin());
+        const double gained = 1 - std::pow(observability->u[i] / prior.u, 2);
+        const double moved = solution->x[i] - prior.value;
+        if (gained < unseen)
+            return refuse("priors of parameters that rows tell", "that no reading depends on "
+                                                                     + nameOf(*found)
+                                                                     + "; leave out its --prior");
+        if (std::abs(moved) > mostOfPrior * prior.u * std::sqrt(gained))
+            return refuse("a prior of " + nameOf(*found) + " that agrees with the rows",
+                          rounded(prior.value) + " where the rows tell "
+                              + rounded(prior.value + moved / gained) + ", "
+                              + rounded(std::abs(moved) / prior.u / std::sqrt(gained), 2)
+                              + " standard uncertainties away; correct the prior, or look for "
+                                "wrong poses");
+    }
+    return true;
 }
 
 bool Calibration::heldOutFits() {
@@ -441,6 +479,16 @@ void Calibration::takeValues() {
                                         observability->u[i]};
         if (solution)
             found.value = solution->x[i];
+        // Whole turns move no angle; the old value stays beside the new one.
+        if (parameter == Parameter{Block::angleOffset, 0} && solution
+            && std::abs(found.value) > 360) {
+            const double beyond =
+                found.value
+                - std::remainder(found.value,
+                                 azimuthPeriodOf(frame.mode, model().valuesAt(solution->x)));
+            found.value -= beyond;
+            found.old -= beyond;
+        }
         outcome.found.push_back(found);
     }
     if (solution)
@@ -459,8 +507,8 @@ std::optional<CalibrationOutcome> Calibration::run() {
         || !holdWhatIsNotSeen(model().start()))
         return std::nullopt;
     if (!options.dryRun
-        && ((options.robust && !dropOutliers()) || !solve() || !rmsFits() || !roundSlopes()
-            || !heldOutFits()))
+        && ((options.robust && !dropOutliers()) || !solve() || !rmsFits() || !priorsFit()
+            || !roundSlopes() || !heldOutFits()))
         return std::nullopt;
     takeValues();
     if (!options.dryRun && (!compareAngles() || !takeSamples()))

@@ -69,6 +69,7 @@ private:
     bool solve();
     bool roundSlopes();
     bool rmsFits();
+    bool priorsFit() const;
     bool heldOutFits();
     bool compareAngles();
     bool takeSamples();

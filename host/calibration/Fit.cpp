@@ -12,7 +12,7 @@ namespace {
 
 constexpr double poseStep = 1e-3; // degrees, of a pose's unknown turns
 constexpr double settled = 1e-6;  // of a step, in standard uncertainties
-constexpr double noise = 1e-10;   // of a cost, by the rounding of the geometry
+constexpr double unfelt = 1e-3;   // the same, of a step that the cost may hide by rounding
 constexpr double hopeless = 4;    // a mean square over noise
 constexpr int mostSteps = 100;
 constexpr int mostRenewals = 12; // of the weights
@@ -254,7 +254,7 @@ bool RowsFit::solveWithWeights(Solution& solution, const PassKind& kind) {
         auto next = equationsAt(solution.x + step, weightsAt, kind, true);
         if (Interrupt::requested())
             return false;
-        if (next && next->cost <= solution.equations.cost * (1 + noise)) {
+        if (next && next->cost <= solution.equations.cost * (1 + 1e-12)) {
             solution.x += step;
             solution.equations = std::move(*next);
             damping *= 0.03;
@@ -262,6 +262,8 @@ bool RowsFit::solveWithWeights(Solution& solution, const PassKind& kind) {
             if (before > hopeless * static_cast<double>(solution.equations.count)
                 && solution.equations.cost > (1 - 1e-8) * before)
                 return true;
+        } else if (q.norm() < unfelt) {
+            return true;
         } else {
             damping = std::max(damping, 1e-8) * 30;
         }

@@ -40,6 +40,11 @@ std::size_t equationsOf(int mountMode) {
     return traitsOf(principleOf(mountMode)).levelX ? 4 : 3;
 }
 
+double azimuthPeriodOf(int mountMode, const SensorValues& values) {
+    const bool gained = traitsOf(principleOf(mountMode)).readingGains;
+    return 360 / (gained ? std::abs(values.at(Block::scaleFactor, 4)) : 1);
+}
+
 void PoseFrame::listUnknowns(const Observation& row, std::vector<std::size_t>& list) const {
     list.clear();
     if (kind == Poses::relative)
@@ -66,9 +71,7 @@ Prediction::Prediction(const PoseFrame& poseFrame, const SensorValues& sensorVal
         left =
             turned(frame.fileMatrix, &values.of[static_cast<std::size_t>(Block::machineMatrix)][0]);
     }
-    const double gain =
-        traitsOf(principleOf(frame.mode)).readingGains ? mounting.scaleFactors[4] : 1;
-    azimuthPeriod = 360 / std::abs(gain);
+    azimuthPeriod = azimuthPeriodOf(frame.mode, values);
 }
 
 bool Prediction::poseOf(const Observation& row, simulator::Pose& pose) const {

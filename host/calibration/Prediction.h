@@ -87,6 +87,9 @@ private:
 // How many equations a row gives in a mount mode.
 std::size_t equationsOf(int mountMode);
 
+// By how much an azimuth reading may differ at the same pose, degrees.
+double azimuthPeriodOf(int mountMode, const SensorValues& values);
+
 PoseFrame::Rotation turned(const PoseFrame::Rotation& rotation, const double* turns);
 
 } // namespace kiv::host

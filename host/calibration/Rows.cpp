@@ -169,35 +169,36 @@ bool CalibrationRows::readRow(Table& cursor, Observation& row, Block& block,
         ++block.otherStatus;
         return false;
     }
+    const auto number = [&](std::size_t column, double& value, bool whole) {
+        if (cursor.numberAt(column, value) && (!whole || value == std::floor(value)))
+            return true;
+        cursor.reportAt(column, whole ? "a whole number" : "a true angle",
+                        kiv::quoted(cursor.cell(column)), "without a pose");
+        return false;
+    };
     double angles[3] = {};
     bool posed = true;
     if (options.poses == Poses::stations) {
-        posed = cursor.numberAt(*columns.placement, row.placement)
-                && cursor.numberAt(*columns.station, row.station)
-                && row.placement == std::floor(row.placement)
-                && row.station == std::floor(row.station);
+        posed = number(*columns.placement, row.placement, true)
+                && number(*columns.station, row.station, true);
     } else {
         for (std::size_t i = 0; i < 3; ++i)
-            posed = cursor.numberAt(*columns.angles[i], angles[i]) && posed;
+            posed = posed && number(*columns.angles[i], angles[i], false);
         rotationOf(angles, row.rotation);
     }
     if (!posed) {
         ++block.withoutPose;
-        cursor.reportRow(options.poses == Poses::stations ? "whole numbers of placement and station"
-                                                          : "true angles",
-                         "none", "without a pose");
         return false;
     }
     if (columns.time)
         row.time = columns.time->of(cursor);
     const bool levelX = traitsOf(principleOf(mode)).levelX;
     if (!tables.take(row, levelX)) {
-        block.unusable = true;
+        ++block.outside;
         cursor.reportRow(
             "tilt readings within the tilt calibration tables",
             (levelX ? "level_x " + shown(row.raw.levelXRaw) + ", level_y " : "level_y ")
-                + shown(row.raw.levelYRaw)
-                + "; leave the row out, as nothing is known beyond a table",
+                + shown(row.raw.levelYRaw),
             "outside a table");
         return false;
     }
@@ -218,7 +219,7 @@ bool CalibrationRows::readRow(Table& cursor, Observation& row, Block& block,
 void CalibrationRows::read(Block& block, Table& cursor, CalibrationTables& tables) const {
     block.rows.clear();
     block.messages.clear();
-    block.refused = block.otherStatus = block.withoutPose = 0;
+    block.refused = block.otherStatus = block.withoutPose = block.outside = 0;
     block.unusable = false;
     cursor.start(block.lines);
     while (!block.unusable && cursor.nextRow()) {
@@ -227,8 +228,8 @@ void CalibrationRows::read(Block& block, Table& cursor, CalibrationTables& table
         row.line = cursor.lineNumber();
         if (readRow(cursor, row, block, tables))
             block.rows.push_back(row);
-        const auto said = cursor.messages();
-        block.messages.insert(block.messages.end(), said.begin(), said.end());
+        if (const auto said = cursor.messages(); !said.empty())
+            block.messages.emplace_back(said.begin(), said.end());
     }
 }
 
@@ -252,6 +253,7 @@ void CalibrationRows::take(const Block& block) {
     seen.refused += block.refused;
     seen.otherStatus += block.otherStatus;
     seen.withoutPose += block.withoutPose;
+    seen.outside += block.outside;
 }
 
 bool CalibrationRows::open() {
@@ -265,16 +267,35 @@ bool CalibrationRows::open() {
         input, ofFirstPass, [](Block&, Nothing&) {},
         [&](Block& block, Nothing&) {
             if (block.unusable) {
-                show({&block.messages.back(), 1}, streams.err);
+                show(block.messages.back(), streams.err);
                 return false;
             }
-            limit.take(block.messages);
+            for (const std::vector<Message>& ofRow : block.messages)
+                limit.take(ofRow);
             take(block);
             return true;
         });
     limit.reportOthers(name());
     seen.tables = madeFrom ? std::vector{*madeFrom} : ofFirstPass;
-    return good;
+    if (good && seen.outside > 0) {
+        streams.err << name() << ":1:1: expected tilt readings within the tilt calibration tables, "
+                    << "found " << seen.outside << (seen.outside == 1 ? " row" : " rows")
+                    << " outside; leave them out, as nothing is known beyond a table\n";
+        return false;
+    }
+    return good && eachOnce();
+}
+
+// A copy would count its rows twice.
+bool CalibrationRows::eachOnce() const {
+    for (std::size_t i = 0; i < seen.tables.size(); ++i)
+        for (std::size_t j = 0; j < i; ++j)
+            if (seen.tables[i].digest.hex() == seen.tables[j].digest.hex()) {
+                streams.err << seen.tables[i].name << ":1:1: expected each table once, found "
+                            << seen.tables[j].name << " again\n";
+                return false;
+            }
+    return true;
 }
 
 } // namespace kiv::host

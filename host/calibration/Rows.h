@@ -50,6 +50,7 @@ public:
         std::size_t refused = 0; // no use, with a message
         std::size_t otherStatus = 0;
         std::size_t withoutPose = 0;
+        std::size_t outside = 0; // a tilt table
         float coldest = 0, hottest = 0;
         float lowest = 0, highest = 0; // raw elevations, degrees
         std::vector<bool> headings;    // raw azimuths of all rows, by 5 degrees
@@ -80,8 +81,8 @@ private:
     struct Block {
         LineBlock lines;
         std::vector<Observation> rows;
-        std::vector<Message> messages;
-        std::size_t refused = 0, otherStatus = 0, withoutPose = 0;
+        std::vector<std::vector<Message>> messages; // of rows that have some
+        std::size_t refused = 0, otherStatus = 0, withoutPose = 0, outside = 0;
         bool unusable = false; // a row that ends the calibration, with its message
     };
     struct Columns {
@@ -96,6 +97,7 @@ private:
     void read(Block& block, Table& cursor, CalibrationTables& tables) const;
     bool readRow(Table& cursor, Observation& row, Block& block, CalibrationTables& tables) const;
     void take(const Block& block);
+    bool eachOnce() const;
     std::size_t jobs(std::uintmax_t bytes) const;
     std::string nameOf(std::size_t table) const;
     Streams inputOf(std::istream& text, std::ostream& err) const;

@@ -115,6 +115,21 @@ bool gainsUsable(const CalibrateOptions& options, CKivPrm& record, int mode, std
     return !zero;
 }
 
+// One prior for each parameter that is found.
+bool priorsUsable(const CalibrateOptions& options, std::ostream& err) {
+    for (auto prior = options.priors.begin(); prior != options.priors.end(); ++prior) {
+        const auto isSame = [&](const Prior& other) { return other.parameter == prior->parameter; };
+        const bool held = std::find(options.hold.begin(), options.hold.end(), prior->parameter)
+                          != options.hold.end();
+        if (!held && std::none_of(options.priors.begin(), prior, isSame))
+            continue;
+        err << "kiv: expected one --prior for each parameter that is found, found "
+            << nameOf(prior->parameter) << (held ? " with --hold, too\n" : " twice\n");
+        return false;
+    }
+    return true;
+}
+
 // A table of poses has angles that one of readings has measured.
 bool isOfPoses(const std::string& file, const TableFormat& format, const Streams& streams) {
     constexpr std::string_view angles[] = {"yaw_deg", "pitch_deg", "roll_deg"};
@@ -223,7 +238,7 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
     CKivPrm record;
     CKiv sensor;
     InputFacts inputs;
-    if (!namesUsable(options, err)
+    if (!priorsUsable(options, err) || !namesUsable(options, err)
         || !loadSensor(options.parameterFile, record, sensor, err, &inputs))
         return unusable;
     const auto examined = examineFile(options.parameterFile, err);
