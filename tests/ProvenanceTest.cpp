@@ -82,22 +82,4 @@ TEST(TimeStamp, Formats) {
     }
 }
 
-// Where texts are said to rise their times do.
-TEST(TimeStamp, RisesAsText) {
-    const struct {
-        const char* first;
-        const char* second;
-        bool rises;
-    } rows[] = {
-        {"9.5", "9.75", true},
-        {"9.5", "10.5", false}, // not by the text alone
-        {"2026-03-29T14:05", "2026-03-29T14:06", true},
-        {"20260329T140506", "20260329T140507", true},
-        {"31.03.2026 14:05:06", "31.03.2026 14:05:07", true},
-        {"01.04.2026 14:05:06", "02.03.2026 14:05:06", false},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(risesAsText(row.first, row.second), row.rises) << row.first;
-}
-
 } // namespace

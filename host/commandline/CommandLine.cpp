@@ -282,11 +282,15 @@ void CommandLine::addPoses() {
     addReadings(command, stillPoses);
     command.get_option("parameter_file")->required(false);
     command.get_option("readings")->required(false);
-    addFile(command, "--from", stillPoses.results);
+    CLI::Option* from = addFile(command, "--from", stillPoses.results);
     addFile(command, "--report", stillPoses.report);
     addRowFormat(command, stillPoses.rowFormat);
     addFile(command, "--uncertainties", stillPoses.uncertaintyFiles)->allow_extra_args(false);
     addUncertainties(command, stillPoses.uncertainties);
+    for (const char* ofReadings :
+         {"--strict", "--tolerance", "--jobs", "--reference-line", "--reference", "--uncertainties",
+          "--u-vector", "--u-encoder", "--u-level", "--u-temperature"})
+        command.get_option(ofReadings)->excludes(from);
     Grouping& grouping = stillPoses.grouping;
     command.add_option("--by", grouping.by)->check(shownText);
     command.add_option("--pause", grouping.pause)->check(numberFrom(0, INFINITY));
@@ -312,7 +316,7 @@ void CommandLine::addCompare() {
     CLI::App& command = add("compare", [this](const Streams& s) {
         return readColumnNames(compare.readings.format, s) ? compareResults(compare, s) : unusable;
     });
-    addFile(command, "tables", compare.tables)->required();
+    addFile(command, "tables", compare.tables);
     CLI::Option* parameters =
         addFile(command, "--parameters", compare.parameters)->expected(2)->allow_extra_args(false);
     command.add_option("--join", compare.join)

@@ -44,7 +44,7 @@ std::string inOurWords(const std::string& text) {
     if (const std::size_t at = text.find(received); at != text.npos) {
         const std::string wanted = text.substr(text.rfind(' ', at - 1) + 1);
         const std::string most = wanted.substr(0, wanted.find(' '));
-        return option + ": expected " + (most == "1" ? "one value" : most + " numbers") + ", found "
+        return option + ": expected " + (most == "1" ? "one value" : most + " values") + ", found "
                + text.substr(at + received.size());
     }
     if (const std::size_t at = text.find(excludes); at != text.npos)

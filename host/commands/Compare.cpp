@@ -197,7 +197,15 @@ int compareTables(const CompareOptions& options, const Streams& streams) {
     const auto sideOf = [](const ResultRow* row) {
         return row ? Side{row->line, row->orientation} : Side{};
     };
+    std::optional<bool> sameTimes; // the first row's, in the two tables
+    std::size_t lineOfOther = 0;   // where they are no longer the same
     const bool read = joinRows(first, second, join.by, [&](const ResultRow* a, const ResultRow* b) {
+        if (a && b && join.by == Join::By::line) {
+            const bool same = !a->key.empty() && a->key == b->key;
+            if (sameTimes.value_or(false) && !same && lineOfOther == 0)
+                lineOfOther = b->line;
+            sameTimes = sameTimes.value_or(same);
+        }
         differences.take(sideOf(a), sideOf(b), {},
                          CarriedText{a   ? std::string_view(a->key)
                                      : b ? std::string_view(b->key)
@@ -209,6 +217,10 @@ int compareTables(const CompareOptions& options, const Streams& streams) {
         return unusable;
     if (Interrupt::requested())
         return interrupted;
+    if (lineOfOther > 0)
+        streams.err << second.name() << ':' << lineOfOther << ":1: expected the time that "
+                    << first.name() << " has in this line, as in the first row, found another; "
+                    << "--join time compares rows of the same time (warning)\n";
     differences.addInput("First table", first.name(), firstDigest.hex());
     differences.addInput("Second table", second.name(), secondDigest.hex());
     const int code = differences.finish(streams, summary, report);
@@ -285,6 +297,11 @@ int compareParameters(const CompareOptions& options, const Streams& streams) {
     const auto named = [&](const std::string& file) {
         return requireParameterFileName(file, streams.err).has_value();
     };
+    if (options.tables.empty()) {
+        streams.err << "kiv compare --parameters: expected readings behind the two files, found "
+                    << "none\n";
+        return unusable;
+    }
     if (!outputsUsable(options, streams.err) || !named(options.parameters[1]))
         return unusable;
     InputFacts facts; // which the run's inputs write to as long as they are there
@@ -292,8 +309,16 @@ int compareParameters(const CompareOptions& options, const Streams& streams) {
     SecondSensor second;
     Output summary, report;
     constexpr std::string_view ofRows[] = {"found"};
-    if (!run.open(ofRows, &facts) || !second.open(options.parameters[1], run, readings, streams)
-        || !openTexts(options, summary, report, streams))
+    const auto usable = [&] {
+        if (!second.open(options.parameters[1], run, readings, streams))
+            return false;
+        if (facts.parameterFile.hex() != second.digest())
+            return true;
+        streams.err << printable(options.parameters[1]) << ": expected another parameter file than "
+                    << printable(options.parameters[0]) << ", found the same content\n";
+        return false;
+    };
+    if (!run.open(ofRows, &facts, usable) || !openTexts(options, summary, report, streams))
         return unusable;
 
     const bool several = readings.readings.size() > 1;

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <vector>
 
+#include "host/base/Interrupt.h"
 #include "host/poses/PoseCells.h"
 #include "host/poses/PoseSummary.h"
 #include "host/poses/ResultRows.h"
@@ -16,6 +17,7 @@
 #include "host/run/ReadingsRun.h"
 #include "judged/RowResults.h"
 #include "params/Quoted.h"
+#include "support/Numbers.h"
 
 namespace kiv::host {
 
@@ -33,9 +35,11 @@ public:
 
     // False, and a message, where a column that the options name is not there, or one of poses has
     // its name.
-    bool usable(const Table& table, const std::string& name, bool uncertainties, bool truth) {
+    bool usable(const Table& table, const std::string& name, bool uncertainties, bool truth,
+                bool trust) {
         columns.uncertainties = uncertainties;
         columns.truth = truth;
+        columns.trust = trust;
         header = cellsOf({}, columns);
         std::vector<std::string_view> names;
         for (const PoseCell& cell : header)
@@ -83,6 +87,18 @@ public:
             return true;
         report.text() = posesPage(page, summary);
         return report.finish(err);
+    }
+
+    // An exit code: a table of poses without any mean is nobody's result.
+    int verdict(const std::string& tableName) const {
+        if (summary.withMean() > 0 || Interrupt::requested())
+            return allGood;
+        err << tableName << ": expected a pose with a mean, found none";
+        if (options.grouping.still)
+            err << " of " << options.grouping.fewestRows << " rows within "
+                << shown(*options.grouping.still) << " degrees of their mean";
+        err << '\n';
+        return someRowsBad;
     }
 
 private:
@@ -133,26 +149,21 @@ int ofReadings(const PosesOptions& options, const Streams& streams) {
     Output report;
     const auto usableInputs = [&] {
         poses.emplace(options, run.localFrame(), streams.err);
-        return poses->usable(run.table(), run.name(), run.givesUncertainties(), run.comparable())
+        return poses->usable(run.table(), run.name(), run.givesUncertainties(), run.comparable(),
+                             true)
                && openPage(options, report, streams);
     };
     if (!run.open({}, &facts, usableInputs))
         return unusable;
-    const Table& table = run.table();
     poses->appendNames(run.output().text());
     PoseGathering gathering(options.grouping, givesMatrix(run.mountMode()), run.localFrame(),
                             [&](const Pose& pose) { poses->append(run.output().text(), pose); });
-    const RowTime time(table);
-    run.forEach(
-        [&](const Table& row, ComputedRow& computed, std::string&) {
-            if (!computed.time && computed.result.reason != Reason::rowShape)
-                computed.time = time.of(row);
-            poses->setCells(row, computed);
-        },
-        [&](const ComputedRow& row) {
-            gathering.add(row);
-            return true;
-        });
+    run.forEach([&](const Table& row, ComputedRow& computed,
+                    std::string&) { poses->setCells(row, computed); },
+                [&](const ComputedRow& row) {
+                    gathering.add(row);
+                    return true;
+                });
     gathering.end();
     poses->ofAll().setRowsWithoutPose(gathering.rowsWithoutPose());
     run.addToSummary(poses->ofAll().json());
@@ -163,7 +174,9 @@ int ofReadings(const PosesOptions& options, const Streams& streams) {
     poses->addInput("Parameter file", options.parameterFile, facts.parameterFile);
     for (const TableFacts& readings : facts.readings)
         poses->addInput("Readings", readings.name, readings.digest);
-    return poses->writePage(report) ? code : unusable;
+    if (!poses->writePage(report))
+        return unusable;
+    return std::max(code, poses->verdict(run.name()));
 }
 
 int ofResults(const PosesOptions& options, const Streams& streams) {
@@ -182,7 +195,8 @@ int ofResults(const PosesOptions& options, const Streams& streams) {
         return unusable;
     Table& table = input.table();
     const ResultRows results(table, options.localFrame);
-    if (!poses.usable(table, input.name(), results.hasUncertainties(), results.hasTruth())
+    if (!poses.usable(table, input.name(), results.hasUncertainties(), results.hasTruth(),
+                      results.hasTrust())
         || (!options.summary.empty() && !summary.openWhole(options.summary, streams))
         || !openPage(options, report, streams) || !output.open(options.output, streams))
         return unusable;
@@ -215,16 +229,20 @@ int ofResults(const PosesOptions& options, const Streams& streams) {
         if (!summary.finish(streams.err))
             return unusable;
     }
-    return Interrupt::requested() ? interrupted : allRead ? allGood : someRowsBad;
+    const int verdict = poses.verdict(input.name());
+    return Interrupt::requested() ? interrupted : allRead ? verdict : someRowsBad;
 }
 
 } // namespace
 
 int findPoses(const PosesOptions& options, const Streams& streams) {
-    if (options.results.empty() != options.readings.empty())
+    const bool ofTables = !options.parameterFile.empty() && !options.readings.empty();
+    if (options.results.empty() ? ofTables : options.parameterFile.empty())
         return options.results.empty() ? ofReadings(options, streams) : ofResults(options, streams);
     streams.err << "kiv poses: expected a parameter file and readings, or --from FILE, found "
-                << (options.results.empty() ? "neither\n" : "both\n");
+                << (!options.results.empty()        ? "both\n"
+                    : options.parameterFile.empty() ? "neither\n"
+                                                    : "no readings\n");
     return unusable;
 }
 

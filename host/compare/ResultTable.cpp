@@ -1,5 +1,6 @@
 #include "host/compare/ResultTable.h"
 
+#include <cmath>
 #include <ostream>
 
 #include "host/base/Interrupt.h"
@@ -22,7 +23,9 @@ bool ResultTable::open(const std::string& file, Join& join, Sha256* hash) {
     if (join.by == Join::By::time && join.column.empty())
         join.column = table().find(timeColumn) ? timeColumn : timeStampColumn;
     how = &join;
-    if (how->by != Join::By::line) {
+    if (how->by == Join::By::line) {
+        keyPlace = table().find(timeColumn);
+    } else {
         keyPlace = table().find(how->column);
         if (!keyPlace) {
             streams.err << name() << ":1:1: expected a column " << kiv::quoted(how->column)
@@ -58,8 +61,14 @@ bool ResultTable::readRow(ResultRow& row) {
         return true;
     Orientation found;
     bool good = true;
-    for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t i = 0; i < 3; ++i) {
         good = rows.readNumber(i, found.angles[i]) && good;
+        if (good && std::abs(found.angles[i]) > 360) {
+            rows.report(i, "an angle from -360 to 360 degrees", kiv::quoted(rows.text(i)),
+                        "with an angle beyond a turn");
+            good = false;
+        }
+    }
     std::array<double, 3> standard{};
     bool known = true;
     for (std::size_t i = 0; i < 3; ++i)
@@ -72,11 +81,9 @@ bool ResultTable::readRow(ResultRow& row) {
 }
 
 bool ResultTable::readKey(ResultRow& row) {
-    if (how->by == Join::By::line)
-        return true;
     const Table& rows = input.table();
-    row.key = rows.cell(*keyPlace);
-    if (how->by == Join::By::column)
+    row.key = keyPlace ? rows.cell(*keyPlace) : std::string_view();
+    if (how->by != Join::By::time)
         return true;
     const auto stamp = timeStampIn(row.key);
     if (how->column == timeStampColumn && stamp) {

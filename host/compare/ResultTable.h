@@ -22,7 +22,7 @@ struct Join {
 struct ResultRow {
     std::size_t line = 0;
     double order = 0; // the line, or the time in seconds, which rises
-    std::string key;  // the cell that rows are joined by
+    std::string key;  // the cell that rows are joined by; by line that of the time
     std::optional<Orientation> orientation;
 };
 

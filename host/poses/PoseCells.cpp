@@ -42,9 +42,9 @@ private:
     std::vector<PoseCell>& cells;
 };
 
-// To 1e-9 degrees, which is more than readings in single precision tell.
+// To 1e-9 degrees, which is more than readings in single precision tell; 0 without a sign.
 double rounded(double degrees) {
-    return std::round(degrees * 1e9) / 1e9;
+    return std::round(degrees * 1e9) / 1e9 + 0.0;
 }
 
 constexpr std::string_view readingNames[poseReadingCount] = {
@@ -103,7 +103,7 @@ std::vector<PoseCell> cellsOf(const Pose& pose, const PoseColumns& columns) {
     cells.word("drifts", drifts);
     for (std::size_t i = 0; i < poseReadingCount; ++i)
         cells.figure(readingNames[i], pose.readings[i]);
-    cells.word("trust", pose.trust);
+    cells.word("trust", columns.trust ? pose.trust : "");
     if (columns.truth)
         cells.axes("residual_", "_deg",
                    [&](std::size_t i) { return pose.residual ? (*pose.residual)[i] : noNumber; });

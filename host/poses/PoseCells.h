@@ -19,6 +19,7 @@ struct PoseColumns {
     const std::vector<std::string>& tables; // named where there are several
     bool uncertainties = false;             // of the readings
     bool truth = false;
+    bool trust = true; // rows tell theirs
 };
 
 // A pose's row, its cells in the order of the columns.

@@ -92,6 +92,10 @@ void PoseGathering::use(const ComputedRow& row, const Matrix& rotation) {
 }
 
 void PoseGathering::add(const ComputedRow& row) {
+    if (grouping.pause && !row.time) {
+        ++withoutPose;
+        return;
+    }
     const RowResult& result = row.result;
     const bool oriented = hasAngles(result.state);
     const bool good = oriented && result.trust.trust == Trust::good;

@@ -13,7 +13,8 @@ constexpr double consistent = 1.4826; // the median absolute deviation with the 
 float medianOf(std::vector<float>& values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
-    return *middle;
+    return values.size() % 2 == 1 ? *middle
+                                  : (*middle + *std::max_element(values.begin(), middle)) / 2;
 }
 
 } // namespace

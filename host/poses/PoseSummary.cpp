@@ -39,7 +39,7 @@ void printHead(std::ostream& out, std::initializer_list<const char*> headings) {
 void PoseSummary::add(const Pose& pose) {
     ++poses;
     withoutMean += pose.figures.hasMean ? 0U : 1U;
-    lowerBounds += pose.figures.hasMean && pose.figures.lowerBound ? 1U : 0U;
+    lowerBounds += pose.figures.hasMean && pose.used > 1 && pose.figures.lowerBound ? 1U : 0U;
     drifting += drifts(pose) ? 1U : 0U;
     rows += pose.used;
     leftOut += pose.leftOut();
@@ -102,7 +102,7 @@ void PoseSummary::print(std::ostream& out, bool tables) const {
         separator = ", ";
     };
     list(withoutMean, " without a mean");
-    list(lowerBounds, " with a lower bound for its uncertainty");
+    list(lowerBounds, " whose uncertainty is a lower bound");
     list(drifting, " with a drift");
     list(outliers, outliers == 1 ? " outlier left out" : " outliers left out");
     list(withoutPose, withoutPose == 1 ? " row in no pose" : " rows in no pose");
@@ -110,8 +110,9 @@ void PoseSummary::print(std::ostream& out, bool tables) const {
     if (!tables)
         return;
     if (const auto pooled = again.pooled()) {
-        out << "repeatability: " << pooled->poses << " poses at " << pooled->places << " places, "
-            << pooled->degreesOfFreedom << " degrees of freedom\n";
+        out << "repeatability: " << pooled->poses << " poses at " << pooled->places
+            << (pooled->places == 1 ? " place, " : " places, ") << pooled->degreesOfFreedom
+            << " degrees of freedom\n";
         printHead(out, {"deviation", "95 % from", "to"});
         for (std::size_t i = 0; i < angleNames.size(); ++i) {
             out << "     " << angleNames[i];

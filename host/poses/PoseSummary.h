@@ -14,6 +14,7 @@ public:
         : grouping(asked), again(asked, localFrame) {}
 
     void add(const Pose& pose);
+    std::size_t withMean() const { return poses - withoutMean; }
     void setRowsWithoutPose(std::size_t count) { withoutPose = count; }
 
     const Repeatability& ofPlaces() const { return again; }

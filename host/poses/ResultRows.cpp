@@ -12,6 +12,9 @@ namespace kiv::host {
 
 namespace {
 
+// Of an element, between a row's matrix and that of its angles, which have single precision.
+constexpr double matrixTolerance = 1e-5;
+
 double numberAt(const Table& table, std::optional<std::size_t> place) {
     double value = noNumber;
     return place && table.numberAt(*place, value) ? value : noNumber;
@@ -80,6 +83,16 @@ void ResultRows::read(Table& table, ComputedRow& row) const {
                    [&](Place place) { return numberAt(table, place); });
     const Matrix byAngles = rotationBy({info.rx, info.ry, info.rz}, local);
     const bool complete = std::all_of(values, values + 9, [](double v) { return !std::isnan(v); });
+    const bool agree = std::equal(values, values + 9, byAngles.begin(), [](double a, double b) {
+        return std::abs(a - b) <= matrixTolerance;
+    });
+    if (complete && !agree) {
+        table.reportRow(local ? "angles of the row's matrix in the local frame"
+                              : "angles of the row's matrix (--frame local for local results)",
+                        "others", "with angles of another frame");
+        result.state = RowState::refused;
+        return;
+    }
     std::copy_n(complete ? values : byAngles.data(), 9, result.matrix);
     float* const readings[] = {&info.azimuth, &info.elevation, &info.levelX, &info.levelY,
                                &result.raw.temperature};

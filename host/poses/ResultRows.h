@@ -15,13 +15,14 @@ inline constexpr std::array<std::string_view, 4> resultRowColumns{"state", "rx_d
                                                                   "rz_deg"};
 
 // Reads rows of results, as kiv run and the Python package write them, back to what poses are made
-// of. Without a column trust all rows with angles are good; without matrices, or where one is not
+// of. Without a column trust all rows with angles are used; without matrices, or where one is not
 // complete, the angles count. What else is not there is no number.
 class ResultRows {
 public:
     ResultRows(const Table& table, bool localFrame); // at its row of names
 
     bool hasMatrices() const { return matrices; }
+    bool hasTrust() const { return trust.has_value(); }
     bool hasUncertainties() const { return uncertainty[0] && uncertainty[1] && uncertainty[2]; }
     bool hasTruth() const { return truth.comparable(); }
 

@@ -21,18 +21,11 @@ public:
     std::string_view column() const;
 
     // Nothing where the row has none.
-    std::optional<TimeStamp> of(const Table& row) const { return in(row, text(row)); }
-    std::string_view text(const Table& row) const;
-    // Of such a text, also of another row.
-    std::optional<TimeStamp> in(const Table& row, std::string_view text) const;
+    std::optional<TimeStamp> of(const Table& row) const;
 
 private:
     std::optional<std::size_t> place;
     bool ofDay = false;
 };
-
-// The texts of two times show that the second is not before the first, as those in one format do as
-// a rule. They are not read for it, which takes far longer.
-bool risesAsText(std::string_view first, std::string_view second);
 
 } // namespace kiv::host

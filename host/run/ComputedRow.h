@@ -20,7 +20,7 @@ struct ComputedRow {
     std::size_t line = 0;
     std::vector<Message> messages;
     std::optional<std::array<double, 3>> truth; // true angles rx, ry, rz, degrees
-    std::optional<TimeStamp> time;    // may be left out between rows whose times do not go back
+    std::optional<TimeStamp> time;
     std::array<std::string, 2> cells; // what a subcommand asks of its columns
     bool namesAgain = false;          // a row of names, refused
     std::size_t textEnd = 0;          // in the text made of a batch's rows

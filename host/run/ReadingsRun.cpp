@@ -28,23 +28,6 @@ std::size_t ReadingsRun::jobs() const {
     return std::clamp<std::size_t>(asked, 1, blocks);
 }
 
-// Of the batch's next row, and of the one before it, whose text it was; the last row's is read,
-// too.
-void ReadingsRun::readTime(RowBatch& batch, const Table& cursor, std::string_view& text) const {
-    const RowTime& time = inputs.time();
-    ComputedRow& row = batch.rows[batch.count];
-    if (!time.there())
-        return;
-    const std::string_view next =
-        row.result.reason == Reason::rowShape ? std::string_view() : time.text(cursor);
-    if (!risesAsText(text, next)) {
-        row.time = time.in(cursor, next);
-        if (batch.count > 0)
-            batch.rows[batch.count - 1].time = time.in(cursor, text);
-    }
-    text = next;
-}
-
 void ReadingsRun::work(RowBatch& batch, RowRunner& runner, Table& cursor,
                        const Prepare& prepare) const {
     batch.count = 0;
@@ -52,7 +35,6 @@ void ReadingsRun::work(RowBatch& batch, RowRunner& runner, Table& cursor,
     if (inputs.recording().hasSeveral())
         cursor.take(inputs.recording().places(batch.block.table));
     cursor.start(batch.block);
-    std::string_view timeText;
     while (cursor.nextRow()) {
         if (batch.count == batch.rows.size())
             batch.rows.emplace_back();
@@ -63,8 +45,8 @@ void ReadingsRun::work(RowBatch& batch, RowRunner& runner, Table& cursor,
             row.result = inputs.givenReference().result;
         else
             runner.run(cursor, row.result);
-        row.time.reset();
-        readTime(batch, cursor, timeText);
+        const bool hasCells = row.result.reason != Reason::rowShape;
+        row.time = hasCells ? inputs.time().of(cursor) : std::nullopt;
         row.namesAgain = row.result.state == RowState::refused && cursor.repeatsNames();
         row.truth = inputs.truth().angles(cursor);
         row.messages.assign(cursor.messages().begin(), cursor.messages().end());
@@ -74,8 +56,6 @@ void ReadingsRun::work(RowBatch& batch, RowRunner& runner, Table& cursor,
         ++batch.count;
     }
     batch.blankRows = cursor.blankRows();
-    if (batch.count > 0 && !batch.rows[batch.count - 1].time)
-        batch.rows[batch.count - 1].time = inputs.time().in(cursor, timeText);
 }
 
 void ReadingsRun::forEach(const Prepare& prepare, const RunOutputs::Take& take) {

@@ -57,7 +57,6 @@ public:
 
 private:
     std::size_t jobs() const;
-    void readTime(RowBatch& batch, const Table& cursor, std::string_view& text) const;
     void work(RowBatch& batch, RowRunner& runner, Table& cursor, const Prepare& prepare) const;
 
     const ReadingsOptions& options;
