@@ -132,8 +132,11 @@ bool Calibration::enoughRows() const {
         return refuse(std::to_string(leastRows)
                           + " rows and more for a calibration; 60 to 100 are better",
                       std::to_string(facts.rows) + " that can be used");
-    if (parameters.empty())
-        return refuse("parameters to find", "none; name some with --estimate");
+    if (parameters.empty()) {
+        err << "kiv: expected parameters to find, found that all are held; name some with "
+               "--estimate\n";
+        return false;
+    }
     return true;
 }
 

@@ -7,6 +7,7 @@
 
 #include "host/base/Files.h"
 #include "host/parameters/ParameterFile.h"
+#include "host/witnesses/Fillers.h"
 #include "params/Quoted.h"
 #include "simulator/Mounting.h"
 #include "support/Numbers.h"
@@ -167,6 +168,12 @@ bool CalibrationRows::readRow(Table& cursor, Observation& row, Block& block,
     }
     if (row.raw.status != 2) {
         ++block.otherStatus;
+        return false;
+    }
+    if (isFillerOfTemperature(row.raw.temperature)) {
+        ++block.refused;
+        cursor.reportRow("a temperature that a sensor can have", shown(row.raw.temperature),
+                         "with a filler for the temperature");
         return false;
     }
     const auto number = [&](std::size_t column, double& value, bool whole) {

@@ -152,7 +152,7 @@ bool CalibrationRows::passOver(const Streams& input, std::vector<TableFacts>& di
             },
         .finish =
             [&](Item& item) {
-                streams.err << item.block.lines.said;
+                (item.block.lines.brokenOff ? streams.err : input.err) << item.block.lines.said;
                 progress.add(item.block.rows.size(), item.block.lines.text.size());
                 good = finish(item.block, item.part) && !item.block.lines.brokenOff;
                 return good;

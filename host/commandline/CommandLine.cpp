@@ -18,6 +18,7 @@
 #include "host/rows/NumberText.h"
 #include "host/rows/Readings.h"
 #include "host/rows/ResultChoice.h"
+#include "params/BlockNames.h"
 #include "params/Quoted.h"
 #include "support/EditDistance.h"
 #include "support/Numbers.h"
@@ -418,13 +419,12 @@ std::string faultOfParameter(const std::string& name) {
         return "";
     std::string closest;
     std::size_t least = SIZE_MAX;
-    for (const Parameter& parameter : allParameters()) {
-        const std::string each = nameOf(parameter);
-        if (const std::size_t distance = editDistance(each, name); distance < least) {
-            least = distance;
-            closest = each;
-        }
-    }
+    for (const Parameter& parameter : allParameters())
+        for (const std::string& each : {nameOf(parameter), std::string(keyOf(parameter.block))})
+            if (const std::size_t distance = editDistance(each, name); distance < least) {
+                least = distance;
+                closest = each;
+            }
     return std::string(expectedParameter) + ", found " + kiv::quoted(name) + "; the closest is "
            + closest;
 }

@@ -63,6 +63,11 @@ bool namesUsable(const CalibrateOptions& options, std::ostream& err) {
                     << ":1:1: expected an output of its own, found one that another output has\n";
                 return false;
             }
+        std::error_code ignored;
+        if (std::filesystem::is_directory(pathOf(output), ignored)) {
+            err << shownOutput(output) << ":1:1: expected a name for a file, found a folder\n";
+            return false;
+        }
         if (exists(output) && !options.replace) {
             err << shownOutput(output)
                 << ":1:1: expected a name that is free, found a file; --replace takes its place\n";
