@@ -28,6 +28,8 @@ function(open_page page dom console)
         message(FATAL_ERROR "expected Chromium to open ${page}, found ${result}:\n${messages}")
     endif()
     string(REGEX MATCHALL "[^\n]*CONSOLE[^\n]*" lines "${messages}")
+    # dygraphs 2.2 tells there what a zoom leaves out.
+    list(FILTER lines EXCLUDE REGEX "points out of X bounds")
     set(${dom} "${content}" PARENT_SCOPE)
     set(${console} "${lines}" PARENT_SCOPE)
 endfunction()
