@@ -148,7 +148,7 @@ function drawStrip(strip, area, graph, axis, pixelRatio, font) {
     context.fillStyle = color("band");
     context.fillRect(area.x, top, area.w, laneHeight - 4);
     context.fillStyle = color(lane.color);
-    context.fillText(lane.name, area.x - 6, top + laneHeight / 2 - 2);
+    context.fillText(lane.name, area.x - 6, top + laneHeight / 2 - 2, area.x - 8); // narrower where it would not fit
     const marked = new Set(lane.marks.map(([bin]) => bin));
     const reach = (bin, to) =>
       marked.has(to) ? halfWay(bin, to) : Math.max(-4, Math.min(4, halfWay(bin, to)));
