@@ -376,10 +376,9 @@ std::optional<std::size_t> Table::find(std::string_view columnName) const {
 
 bool Table::numberAt(std::size_t column, double& value) const {
     const std::size_t place = placeOf(column);
-    return place < csv.cells().size() && numberOf(csv.cells()[place], value);
-}
-
-bool Table::numberOf(std::string_view cell, double& value) const {
+    if (place >= csv.cells().size())
+        return false;
+    const std::string_view cell = csv.cells()[place];
     if (readPlainNumber(cell, value))
         return true;
     const auto number = numberOf<double>(cellText(cell));

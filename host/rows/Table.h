@@ -101,8 +101,6 @@ public:
 
     // False when such a cell is no finite number; nothing is reported.
     bool numberAt(std::size_t column, double& value) const;
-    // The same of such a cell's text.
-    bool numberOf(std::string_view cell, double& value) const;
 
     void appendCarriedNames(std::string& out) const; // each with a separator behind it
     void appendCarriedCells(std::string& out) const;

@@ -60,10 +60,6 @@ void appendPadded(std::string& text, long long value, std::size_t width) {
     text.append(width - std::min(width, digits.size()), '0').append(digits);
 }
 
-} // namespace
-
-namespace {
-
 // Of nine digits in front of the point from 1973 on, so that seconds of a recording, and a date
 // alone, are no such time.
 std::optional<TimeStamp> epochSecondsIn(std::string_view text) {
