@@ -33,12 +33,6 @@ constexpr double mostOutliers = 0.25;  // of the rows
 constexpr double unseen = 1e-12;       // of a prior's variance that the rows take away
 constexpr double mostOfPrior = 4;      // standard uncertainties between a prior and the rows
 
-std::string rounded(double value, int significant = 4) {
-    std::string text;
-    appendRounded(text, value, significant);
-    return text;
-}
-
 bool isIn(const std::vector<Parameter>& list, const Parameter& parameter) {
     return std::find(list.begin(), list.end(), parameter) != list.end();
 }
@@ -113,8 +107,8 @@ void Calibration::chooseParameters() {
         else if (isIn(options.estimate, parameter))
             continue;
         else if (isThermalSlope(parameter) && !slopes)
-            hold(parameter,
-                 "the temperatures span " + rounded(span) + ", less than " + rounded(leastSpan));
+            hold(parameter, "the temperatures span " + roundedText(span, 4) + ", less than "
+                                + roundedText(leastSpan, 4));
         else if (parameter == Parameter{Block::angleOffset, 0} && frame.kind != Poses::known)
             hold(parameter, "without known headings a turn of the sensor about its z axis looks "
                             "the same");
@@ -151,12 +145,12 @@ bool Calibration::tablesShow() const {
         const double empty = block == Block::azCalibration ? widestGap(facts.headings) : 0;
         if (empty > mostEmpty)
             return refuse("azimuths all round for the harmonics of az_calibration_table",
-                          "none in " + rounded(empty) + " degrees; measure there, too");
+                          "none in " + roundedText(empty, 4) + " degrees; measure there, too");
         const double apart = rowsApart(*oldDocument.find(block), block, facts);
         if (apart > mostApart) {
             err << printable(options.parameterFile) << ":1:1: expected rows every "
-                << rounded(mostApart) << " degrees in " << keyOf(block) << ", found "
-                << rounded(apart) << " between two; add rows to the old file\n";
+                << roundedText(mostApart, 4) << " degrees in " << keyOf(block) << ", found "
+                << roundedText(apart, 4) << " between two; add rows to the old file\n";
             return false;
         }
     }
@@ -226,13 +220,13 @@ bool Calibration::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
         const auto i = static_cast<std::size_t>(
             std::find(parameters.begin(), parameters.end(), *worst) - parameters.begin());
         const double u = observability->u[static_cast<Eigen::Index>(i)];
-        hold(*worst, "its standard uncertainty would be " + rounded(u, 2)
+        hold(*worst, "its standard uncertainty would be " + roundedText(u, 2)
                          + ", more than the old value is off as a rule, "
-                         + rounded(knownTo(*worst)));
+                         + roundedText(knownTo(*worst), 4));
         if (parameters.empty())
             return refuse("rows that tell a parameter better than the old file does, for "
                               + nameOf(*worst),
-                          "a standard uncertainty of " + rounded(u, 2)
+                          "a standard uncertainty of " + roundedText(u, 2)
                               + "; measure more rows, or give smaller uncertainties");
         const Eigen::Index behind = at.size() - static_cast<Eigen::Index>(i) - 1;
         at.segment(static_cast<Eigen::Index>(i), behind) = at.tail(behind).eval();
@@ -346,9 +340,9 @@ bool Calibration::rmsFits() {
                          "one whose weights still change it; begin with fewer parameters "
                          "(--estimate)");
     return refuse("residuals as large as the uncertainties say (rms over noise from "
-                      + rounded(std::min(leastRms, outcome.interval[0]), 3) + " to "
-                      + rounded(std::max(mostRms, outcome.interval[1]), 3) + ')',
-                  rounded(rms, 3)
+                      + roundedText(std::min(leastRms, outcome.interval[0]), 3) + " to "
+                      + roundedText(std::max(mostRms, outcome.interval[1]), 3) + ')',
+                  roundedText(rms, 3)
                       + (rms < 1 ? "; the readings are better than stated: give smaller "
                                    "uncertainties"
                                  : std::string("; look for wrong poses (--robust), another mount "
@@ -374,9 +368,9 @@ bool Calibration::priorsFit() const {
                                                                      + "; leave out its --prior");
         if (std::abs(moved) > mostOfPrior * prior.u * std::sqrt(gained))
             return refuse("a prior of " + nameOf(*found) + " that agrees with the rows",
-                          rounded(prior.value) + " where the rows tell "
-                              + rounded(prior.value + moved / gained) + ", "
-                              + rounded(std::abs(moved) / prior.u / std::sqrt(gained), 2)
+                          roundedText(prior.value, 4) + " where the rows tell "
+                              + roundedText(prior.value + moved / gained, 4) + ", "
+                              + roundedText(std::abs(moved) / prior.u / std::sqrt(gained), 2)
                               + " standard uncertainties away; correct the prior, or look for "
                                 "wrong poses");
     }
@@ -405,7 +399,7 @@ bool Calibration::heldOutFits() {
     outcome.overInSample = std::sqrt(ratio);
     return normalOfRatio(ratio, count, freedom) <= normalOf999
            || refuse("held-out rows that fit as the others do",
-                     "their rms " + rounded(*outcome.overInSample, 3)
+                     "their rms " + roundedText(*outcome.overInSample, 3)
                          + " times as large; look for wrong poses (--robust), or find fewer "
                            "parameters (--hold)");
 }

@@ -57,9 +57,7 @@ std::string combinationText(const std::vector<double>& unseen,
         const double part = unseen[i] / unseen[largest];
         if (part == 0)
             continue;
-        std::string text;
-        appendRounded(text, part, 4);
-        parts.push_back(text + ' ' + names[i]);
+        parts.push_back(roundedText(part, 4) + ' ' + names[i]);
     }
     if (std::any_of(unseen.begin() + static_cast<std::ptrdiff_t>(names.size()), unseen.end(),
                     [](double part) { return part != 0; }))

@@ -30,12 +30,6 @@ Json correlationOf(const CalibrationOutcome& outcome) {
     return {{result::names, names}, {result::matrix, matrix}};
 }
 
-std::string rounded(double value, int significant) {
-    std::string text;
-    appendRounded(text, value, significant);
-    return text;
-}
-
 // Columns of text, the first to the left, the others to the right.
 class TextTable {
 public:
@@ -121,12 +115,12 @@ std::string resultTable(const CalibrationOutcome& outcome, const CalibrateOption
     else
         table.add({"parameter", "old", "new", "uncertainty", "change/u"});
     for (const auto& found : outcome.found) {
-        std::vector<std::string> cells{nameOf(found.parameter), rounded(found.old, 9)};
+        std::vector<std::string> cells{nameOf(found.parameter), roundedText(found.old, 9)};
         if (!options.dryRun)
-            cells.push_back(rounded(found.value, 9));
-        cells.push_back(rounded(found.u, 2));
+            cells.push_back(roundedText(found.value, 9));
+        cells.push_back(roundedText(found.u, 2));
         if (!options.dryRun)
-            cells.push_back(rounded((found.value - found.old) / found.u, 3));
+            cells.push_back(roundedText((found.value - found.old) / found.u, 3));
         table.add(std::move(cells));
     }
     std::string text = table.text();
@@ -137,13 +131,14 @@ std::string resultTable(const CalibrationOutcome& outcome, const CalibrateOption
     for (const RowPlace& place : rows.rejectedPlaces())
         text += "left out: " + rows.placeOf(place) + ": does not fit\n";
     text += std::to_string(outcome.used) + " rows: rms over noise "
-            + rounded(outcome.rmsOverNoise, 3) + " (99.9 % from " + rounded(outcome.interval[0], 3)
-            + " to " + rounded(outcome.interval[1], 3) + ")\n";
+            + roundedText(outcome.rmsOverNoise, 3) + " (99.9 % from "
+            + roundedText(outcome.interval[0], 3) + " to " + roundedText(outcome.interval[1], 3)
+            + ")\n";
     if (outcome.overInSample)
         text += std::to_string(outcome.heldOut) + " rows held out: rms "
-                + rounded(*outcome.overInSample, 3) + " times that";
+                + roundedText(*outcome.overInSample, 3) + " times that";
     const auto degrees = [](const std::optional<double>& rms) {
-        return rms ? rounded(*rms, 3) : std::string("none");
+        return rms ? roundedText(*rms, 3) : std::string("none");
     };
     if (outcome.newRms)
         text += "; angles' rms " + degrees(outcome.oldRms) + " -> " + degrees(outcome.newRms)

@@ -37,12 +37,6 @@ void printNames(const char* title, const std::vector<std::string>& names, std::o
     out << '\n';
 }
 
-std::string rounded(double value, int digits = 9) {
-    std::string text;
-    appendRounded(text, value, digits);
-    return text;
-}
-
 std::string stampText(const TableCheck& check, TimeStamp time) {
     return check.timeOfDay ? timeStampText(time) : shown(time.seconds);
 }
@@ -57,9 +51,9 @@ void printTime(const TableCheck& check, std::ostream& out) {
         return;
     }
     out << stampText(check, time.first()) << " to " << stampText(check, time.last()) << ", step "
-        << rounded(time.step(), stepDigits) << " s, " << counted(time.gaps(), "gap");
+        << roundedText(time.step(), stepDigits) << " s, " << counted(time.gaps(), "gap");
     if (time.gaps() > 0)
-        out << ", the longest of " << rounded(time.longest()) << " s in front of line "
+        out << ", the longest of " << roundedText(time.longest(), 9) << " s in front of line "
             << time.longestLine();
     out << '\n';
 }
@@ -90,9 +84,9 @@ Json timeOf(const TableCheck& check) {
     return {{"column", check.timeColumn},
             {"first", stamp(time.first())},
             {"last", stamp(time.last())},
-            {"step_s", *numberIn<double>(rounded(time.step(), stepDigits))},
+            {"step_s", *numberIn<double>(roundedText(time.step(), stepDigits))},
             {"gaps", time.gaps()},
-            {"longest_step_s", *numberIn<double>(rounded(time.longest()))},
+            {"longest_step_s", *numberIn<double>(roundedText(time.longest(), 9))},
             {"longest_step_line", time.longestLine()},
             {"repeated", time.repeated()},
             {"backwards", time.backwards()}};

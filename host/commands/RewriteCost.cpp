@@ -66,8 +66,7 @@ void reportCost(const Document& before, const std::string& rewritten, const std:
     }
     std::string text;
     if (largest.relative > 0) {
-        text = "largest relative change of a value: ";
-        appendRounded(text, largest.relative, 2);
+        text = "largest relative change of a value: " + roundedText(largest.relative, 2);
         text += ", from " + shown(largest.before) + " to " + shown(largest.after) + " in ";
         text += quoted(largest.title) + ", line ";
         text +=

@@ -7,6 +7,7 @@
 #include "host/report/ChartSeries.h"
 #include "host/report/Html.h"
 #include "host/report/Page.h"
+#include "host/summary/Summary.h"
 #include "support/Numbers.h"
 #include "support/VersionText.h"
 
@@ -15,8 +16,6 @@ namespace kiv::host {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr const char* angleNames[] = {"rx", "ry", "rz"};
 
 void appendOutcome(std::string& html, const ComparePage& content, const Comparison& figures) {
     const double largest = figures.angle().largest;
@@ -40,9 +39,7 @@ void appendFacts(std::string& html, const ComparePage& content, const Comparison
         facts.digest(input.digest, "none, as it was not read to its end");
     }
     facts.line("Rows joined by", escaped(names.join));
-    facts.line("Convention", names.localFrame
-                                 ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx), local frame"
-                                 : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)");
+    facts.convention(names.localFrame);
     facts.line("Only in the first", rowsText(figures.onlyInFirst()));
     facts.line("Only in the second", rowsText(figures.onlyInSecond()));
     facts.line("Software", std::string("kiv ") + versionText);

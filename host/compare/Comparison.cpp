@@ -21,9 +21,7 @@ std::string padded(const std::string& text, std::size_t width) {
 }
 
 std::string percent(std::size_t part, std::size_t whole) {
-    std::string text;
-    appendRounded(text, 100 * static_cast<double>(part) / static_cast<double>(whole), 3);
-    return text + " %";
+    return roundedText(100 * static_cast<double>(part) / static_cast<double>(whole), 3) + " %";
 }
 
 } // namespace

@@ -13,12 +13,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Verdict = MistakeSearch::Verdict;
 
-std::string rounded(double value) {
-    std::string text;
-    appendRounded(text, value, 2);
-    return text;
-}
-
 // The misfit that a message quotes: the spare reading's where it alone does not fit.
 struct Quoted {
     explicit Quoted(const MistakeSearch& search)
@@ -43,8 +37,8 @@ void printFall(const MistakeSearch& search, const JudgedMistake& mistake, const 
     if (from.rows == 0)
         out << ", which no row has as it stands, is ";
     else
-        out << " falls from " << rounded(from.rootMeanSquare()) << " to ";
-    out << rounded(quoted.of(mistake.fit).counted().rootMeanSquare()) << " degrees\n";
+        out << " falls from " << roundedText(from.rootMeanSquare(), 2) << " to ";
+    out << roundedText(quoted.of(mistake.fit).counted().rootMeanSquare(), 2) << " degrees\n";
 }
 
 // Those of one change, as two modes of one geometry, in one line.
@@ -66,7 +60,7 @@ void printThoseThatFit(const MistakeSearch& search, std::ostream& out) {
 
 void print(const MistakeSearch& search, std::ostream& out) {
     const Quoted quoted(search);
-    const std::string size = rounded(quoted.now.counted().rootMeanSquare());
+    const std::string size = roundedText(quoted.now.counted().rootMeanSquare(), 2);
     switch (search.verdict()) {
     case Verdict::fits:
         out << (search.byAngles ? "true angles fit" : "spare reading fits") << ": the rms of the "
@@ -77,7 +71,7 @@ void print(const MistakeSearch& search, std::ostream& out) {
         break;
     case Verdict::unexplained:
         out << "unexplained: the rms of the " << quoted.name() << " is " << size
-            << " degrees, more than " << rounded(quoted.now.allowed())
+            << " degrees, more than " << roundedText(quoted.now.allowed(), 2)
             << ", and nothing that was tried explains it; look for a wrong value in the parameter "
                "file, or for two mistakes\n";
         break;

@@ -21,15 +21,9 @@ using Number = std::function<double(const ResidualSample&)>;
 
 constexpr const char* readingNames[] = {"azimuth", "elevation", "level Y", "level X"};
 
-std::string digits(double value, int significant = 4) {
-    std::string text;
-    appendRounded(text, value, significant);
-    return text;
-}
-
 // Of a drawing.
 std::string coordinate(double value) {
-    return digits(std::round(value * 10) / 10, 6);
+    return roundedText(std::round(value * 10) / 10, 6);
 }
 
 struct Range {
@@ -136,8 +130,8 @@ void appendParameters(std::string& html, const CalibrationOutcome& outcome) {
     for (const auto& found : outcome.found) {
         html += "<tr><th>" + code(nameOf(found.parameter)) + "</th>";
         for (const std::string& cell :
-             {digits(found.old, 9), digits(found.value, 9), digits(found.u, 2),
-              digits((found.value - found.old) / found.u, 3)})
+             {roundedText(found.old, 9), roundedText(found.value, 9), roundedText(found.u, 2),
+              roundedText((found.value - found.old) / found.u, 3)})
             html += "<td class=\"number\">" + cell + "</td>";
         html += "<td>" + interval(found) + "</td></tr>\n";
     }
@@ -164,10 +158,10 @@ void appendCorrelations(std::string& html, const CalibrationOutcome& outcome) {
             html += "<rect x=\"" + coordinate(cell * static_cast<double>(k)) + "\" y=\""
                     + coordinate(y) + "\" width=\"" + coordinate(cell - 1) + "\" height=\""
                     + coordinate(cell - 1) + "\" style=\"fill: var(--series-" + (r < 0 ? '1' : '0')
-                    + "); fill-opacity: " + digits(std::abs(r), 3)
+                    + "); fill-opacity: " + roundedText(std::abs(r), 3)
                     + "; stroke: var(--rule)\"><title>"
                     + escaped(nameOf(outcome.found[i].parameter) + ", "
-                              + nameOf(outcome.found[k].parameter) + ": " + digits(r, 3))
+                              + nameOf(outcome.found[k].parameter) + ": " + roundedText(r, 3))
                     + "</title></rect>";
         }
         html +=
@@ -262,15 +256,16 @@ std::string calibrationPage(const CalibrationOutcome& outcome, const CalibrateOp
     std::string html;
     appendPageHead(html, title, title);
     appendVerdict(html, "good",
-                  "rms over noise " + digits(outcome.rmsOverNoise, 3) + " (99.9 % from "
-                      + digits(outcome.interval[0], 3) + " to " + digits(outcome.interval[1], 3)
-                      + "), " + rowsText(outcome.used) + " used");
+                  "rms over noise " + roundedText(outcome.rmsOverNoise, 3) + " (99.9 % from "
+                      + roundedText(outcome.interval[0], 3) + " to "
+                      + roundedText(outcome.interval[1], 3) + "), " + rowsText(outcome.used)
+                      + " used");
     if (outcome.overInSample)
         html += "<p>" + rowsText(outcome.heldOut) + " held out: rms "
-                + digits(*outcome.overInSample, 3) + " times that of the rows used</p>\n";
+                + roundedText(*outcome.overInSample, 3) + " times that of the rows used</p>\n";
     if (outcome.oldRms && outcome.newRms)
-        html += "<p>The angles' root mean square there: " + digits(*outcome.oldRms, 3)
-                + " degrees with the old file, " + digits(*outcome.newRms, 3)
+        html += "<p>The angles' root mean square there: " + roundedText(*outcome.oldRms, 3)
+                + " degrees with the old file, " + roundedText(*outcome.newRms, 3)
                 + " with the new one</p>\n";
     for (const RowPlace& place : rows.rejectedPlaces())
         html += "<p class=\"refused\">left out: " + escaped(rows.placeOf(place)) + "</p>\n";

@@ -10,21 +10,15 @@ namespace kiv::host {
 
 namespace {
 
-std::string digits(double value, int significant) {
-    std::string text;
-    appendRounded(text, value, significant);
-    return text;
-}
-
 void appendSlopes(std::string& html, const RecordingDrift& drift) {
     appendTableHead(html, "Of",
                     {"Degrees an hour", "Standard uncertainty", "Correlation with temperature"});
     for (std::size_t i = 0; i < 3; ++i)
         if (const auto line = drift.of(i))
-            appendTableRow(html,
-                           std::string(drift.hasTruth() ? "residual " : "angle ") + angleNames[i],
-                           {digits(line->slope, 3), digits(line->uncertainty, 2),
-                            line->withTemperature ? digits(*line->withTemperature, 2) : "none"});
+            appendTableRow(
+                html, std::string(drift.hasTruth() ? "residual " : "angle ") + angleNames[i],
+                {roundedText(line->slope, 3), roundedText(line->uncertainty, 2),
+                 line->withTemperature ? roundedText(*line->withTemperature, 2) : "none"});
     html += "</tbody>\n</table>\n";
 }
 
@@ -56,9 +50,9 @@ void appendDrift(std::string& html, const ReportContent& content) {
         if (encoder || level) {
             std::string words;
             if (encoder)
-                words += " --u-encoder " + digits(*encoder, 3);
+                words += " --u-encoder " + roundedText(*encoder, 3);
             if (level)
-                words += " --u-level " + digits(*level, 3);
+                words += " --u-level " + roundedText(*level, 3);
             html += "<p>The sensor stands still. Single readings scatter from row to row as by "
                     + code(words.substr(1)) + ".</p>\n";
         }

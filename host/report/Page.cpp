@@ -88,6 +88,11 @@ void FactTable::digest(const std::string& hex, const char* otherwise) {
     line("SHA-256", hex.empty() ? otherwise : code(hex));
 }
 
+void FactTable::convention(bool localFrame) {
+    line("Convention", localFrame ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx), local frame"
+                                  : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)");
+}
+
 void FactTable::end() {
     html += "</table>\n</section>\n";
 }

@@ -22,6 +22,7 @@ public:
     void line(std::string_view name, std::string_view value);
     // Of a file, where it is known.
     void digest(const std::string& hex, const char* otherwise);
+    void convention(bool localFrame); // of the angles of tables
     void end();
 
 private:

@@ -45,9 +45,7 @@ void appendFacts(std::string& html, const PosesPage& content) {
         facts.line(input.role, code(input.name));
         facts.digest(input.digest.hex(), "");
     }
-    facts.line("Convention", content.localFrame
-                                 ? "Rz(rz) \xC2\xB7 Ry(ry) \xC2\xB7 Rx(rx), local frame"
-                                 : "Rx(rx) \xC2\xB7 Ry(ry) \xC2\xB7 Rz(rz)");
+    facts.convention(content.localFrame);
     facts.line("Software", std::string("kiv ") + versionText);
     facts.end();
 }

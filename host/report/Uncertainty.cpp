@@ -10,9 +10,7 @@ namespace kiv::host {
 namespace {
 
 std::string threeDigits(double value) {
-    std::string text;
-    appendRounded(text, value, 3);
-    return text;
+    return roundedText(value, 3);
 }
 
 // A row of the table: what it is, the input's own uncertainty, and a cell for each angle.

@@ -86,9 +86,7 @@ std::string expectedNumber(std::optional<long double> found, double largest) {
         return "a finite number";
     if (std::abs(*found) < 1)
         return "a number that is not so close to 0";
-    std::string expected = "a number up to ";
-    appendRounded(expected, largest, 2);
-    return expected + " in size";
+    return "a number up to " + roundedText(largest, 2) + " in size";
 }
 
 std::string markOfNumber(std::string_view text) {

@@ -117,11 +117,9 @@ void RunOutputs::pointToCheck() const {
     for (const auto& [option, source] : numbers)
         if (options.uncertainties && (*options.uncertainties)[source] > 0)
             command.append(option).append(shown((*options.uncertainties)[source]));
-    std::string allowed;
-    appendRounded(allowed, totals.misfit().allowed(), 2);
     streams.err << inputs.recording().name()
                 << ": expected a root mean square of the differences to the true angles of at most "
-                << allowed << " degrees, found "
+                << roundedText(totals.misfit().allowed(), 2) << " degrees, found "
                 << degreesText(totals.misfit().counted().rootMeanSquare()) << "; " << command
                 << " looks for the mistake\n";
 }

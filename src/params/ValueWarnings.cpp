@@ -250,9 +250,8 @@ void ValueCheck::checkMatrix(const BlockValues& values) {
     if (!MatrixInverse(inverse, 3)) {
         warn(0, "a matrix that has an inverse in " + title(), "a singular one");
     } else if (departure > rotationTolerance) {
-        std::string found = "rows that miss length 1 and right angles by ";
-        appendRounded(found, departure, 2);
-        warn(0, "a rotation in " + title(), std::move(found));
+        warn(0, "a rotation in " + title(),
+             "rows that miss length 1 and right angles by " + roundedText(departure, 2));
     } else if (determinant < 0) {
         warn(0, "a rotation in " + title(), "a reflection (determinant -1)");
     }
@@ -312,9 +311,9 @@ void ValueCheck::checkCurve(const BlockValues& values) {
     const auto outlier = curveOutlier(values.numbers);
     if (!outlier)
         return;
-    std::string expected = "a tilt of about ";
-    appendRounded(expected, outlier->expected, 3);
-    warn(2 + 2 * outlier->row, expected + ", on the curve of the other rows, in " + title(),
+    warn(2 + 2 * outlier->row,
+         "a tilt of about " + roundedText(outlier->expected, 3)
+             + ", on the curve of the other rows, in " + title(),
          inRow(values.numbers[2 * outlier->row + 1], outlier->row));
 }
 
@@ -332,11 +331,9 @@ void ValueCheck::checkLevel(const BlockValues& values) {
     // A level axis' azimuth is that of a line: it has no sense.
     const double apart =
         std::abs(std::remainder(direction(values) - direction(*other), 2 * halfPi)) * radToDeg;
-    if (apart < parallel) {
-        std::string found;
-        appendRounded(found, apart, 2);
-        warn(3, "axes of the two levels 5 degrees or more apart in " + title(), found + " degrees");
-    }
+    if (apart < parallel)
+        warn(3, "axes of the two levels 5 degrees or more apart in " + title(),
+             roundedText(apart, 2) + " degrees");
 }
 
 // Where the mode is there and can be read.

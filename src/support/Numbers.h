@@ -38,12 +38,12 @@ std::string shown(Number value) {
     return text;
 }
 
-// Appends so many significant digits at most.
-inline void appendRounded(std::string& text, double value, int significant) {
+// Of so many significant digits at most.
+inline std::string roundedText(double value, int significant) {
     char digits[64];
     const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value,
                                             std::chars_format::general, significant);
-    text.append(digits, end);
+    return {digits, end};
 }
 
 // The text has six decimals; no zero has a sign.
