@@ -7,6 +7,7 @@
 #include <span>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "host/base/ShellWord.h"
 #include "host/commandline/HelpTexts.h"
 #include "host/commandline/UsageFault.h"
+#include "host/rows/CloseNames.h"
 #include "host/rows/ColumnNames.h"
 #include "host/rows/NumberText.h"
 #include "host/rows/Readings.h"
@@ -554,7 +556,7 @@ void CommandLine::addHelp() {
         return writeToStandardOutput(std::string(helpText(helpOn)) + '\n', s) ? allGood : unusable;
     });
     command.add_option("subcommand", helpOn)->check([this](const std::string& name) {
-        return helpText(name).empty() ? whyNoCommand(name) : "";
+        return helpText(name).empty() ? whyNoCommand(name, {"tables", "parameters"}) : "";
     });
 }
 
@@ -564,20 +566,21 @@ bool CommandLine::isCommand(const std::string& name) const {
                 .empty();
 }
 
-std::string CommandLine::whyNoCommand(const std::string& word) const {
+std::string CommandLine::whyNoCommand(const std::string& word,
+                                      std::vector<std::string_view> others) const {
+    std::string expected = "expected a subcommand";
+    for (const std::string_view other : others)
+        expected.append(other == others.back() ? " or " : ", ").append(other);
     const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
-    const auto distance = [&](const CLI::App* command) {
-        return editDistance(command->get_name(), word);
-    };
-    const CLI::App* nearest =
-        *std::min_element(commands.begin(), commands.end(),
-                          [&](const auto* a, const auto* b) { return distance(a) < distance(b); });
+    for (const CLI::App* command : commands)
+        others.push_back(command->get_name());
+    const std::string_view nearest = nearestName(others, word);
     std::string step = "kiv --help lists them";
     if (word.ends_with(".prm"))
         step = "kiv run takes a parameter file";
-    else if (distance(nearest) <= word.size() / 2)
-        step = "the nearest is " + nearest->get_name();
-    return "expected a subcommand, found " + kiv::quoted(word) + "; " + step;
+    else if (editDistance(nearest, word) <= word.size() / 2)
+        step = "the nearest is " + std::string(nearest);
+    return expected + ", found " + kiv::quoted(word) + "; " + step;
 }
 
 namespace {
@@ -593,7 +596,7 @@ int runCommand(int argc, const char* const* given, const Streams& streams) {
         return unusable;
     }
     if (*argv[1] != '-' && !line.isCommand(argv[1])) {
-        streams.err << "kiv: " << line.whyNoCommand(argv[1]) << '\n';
+        streams.err << "kiv: " << line.whyNoCommand(argv[1], {}) << '\n';
         return unusable;
     }
     line.startedAs(argc, argv);

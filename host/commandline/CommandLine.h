@@ -3,6 +3,8 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -32,7 +34,8 @@ public:
 
     CLI::App app;
     bool isCommand(const std::string& name) const;
-    std::string whyNoCommand(const std::string& word) const;
+    // The other names are what may stand there, too.
+    std::string whyNoCommand(const std::string& word, std::vector<std::string_view> others) const;
     // Runs the subcommand that was parsed. An exit code.
     std::function<int(const Streams&)> action;
 

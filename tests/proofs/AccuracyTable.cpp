@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "support/Numbers.h"
 #include "tests/proofs/PageTables.h"
 
 namespace {
@@ -131,12 +132,12 @@ const std::vector<Row> edges{
 };
 
 std::string digits(double value) {
-    return value >= 100 ? std::to_string(std::lround(value)) : docs::digits(value, 2);
+    return value >= 100 ? std::to_string(std::lround(value)) : roundedText(value, 2);
 }
 
 void append(std::vector<std::string>& cells, const Errors& errors, bool sizeOnly = false) {
     for (const double value : {errors.median, errors.largest})
-        cells.push_back(sizeOnly ? docs::about + docs::digits(value, 1) : digits(value));
+        cells.push_back(sizeOnly ? docs::about + roundedText(value, 1) : digits(value));
 }
 
 // Every model at three tilts and two steepnesses.

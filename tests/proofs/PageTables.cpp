@@ -75,12 +75,6 @@ bool same(const std::vector<std::string>& page, const std::vector<std::string>& 
 
 } // namespace
 
-std::string digits(double value, int significant) {
-    std::string text;
-    appendRounded(text, value, significant);
-    return text;
-}
-
 std::vector<std::string> Row::cells() const {
     constexpr const char* models[] = {"Dual level", "Pendulum", "Polarizer", "Three vectors",
                                       "Two levels"};

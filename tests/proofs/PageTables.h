@@ -18,8 +18,6 @@ struct Counts {
 // In front of a number of which only the size is known.
 inline const std::string about = "about ";
 
-std::string digits(double value, int significant);
-
 // What is measured with one or two mount modes, as a row; its first cells are model, modes, text.
 struct Row {
     std::string text;

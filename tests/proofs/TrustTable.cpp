@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "support/Numbers.h"
 #include "tests/proofs/DrawnFiles.h"
 #include "tests/proofs/PageTables.h"
 #include "tests/proofs/TrustTrials.h"
@@ -14,7 +15,6 @@ namespace {
 
 using namespace kiv;
 using docs::Counts;
-using docs::digits;
 using docs::Range;
 using docs::Row;
 using docs::Tables;
@@ -82,8 +82,9 @@ double allowance(double required, double spread, std::size_t rows) {
 
 // Within single precision the largest of many says how many they are, and no more.
 std::string excess(const docs::BoundTrial& t) {
-    return t.largestExcess <= docs::singlePrecision ? "at most " + digits(docs::singlePrecision, 1)
-                                                    : docs::about + digits(t.largestExcess, 1);
+    return t.largestExcess <= docs::singlePrecision
+               ? "at most " + roundedText(docs::singlePrecision, 1)
+               : docs::about + roundedText(t.largestExcess, 1);
 }
 
 void addBounds(Tables& tables, const Counts& counts) {
@@ -94,10 +95,10 @@ void addBounds(Tables& tables, const Counts& counts) {
         const docs::BoundTrial t =
             docs::tryBound(row.which, row.range, row.flag ? counts.poses / 10 : counts.poses);
         std::vector<std::string> cells = row.cells();
-        cells.insert(cells.end(), {digits(row.range.mostTilt, 2), digits(row.range.steepest, 2),
-                                   share(t.good, t.rows),
+        cells.insert(cells.end(), {roundedText(row.range.mostTilt, 2),
+                                   roundedText(row.range.steepest, 2), share(t.good, t.rows),
                                    (row.flag ? docs::about : "") + share(t.wronglyGood, t.good),
-                                   docs::about + digits(t.largestError, 1), excess(t),
+                                   docs::about + roundedText(t.largestError, 1), excess(t),
                                    row.flag ? "" : share(t.rightNotGood, t.right)});
         tables.row(cells);
         tables.expect(t.wronglyGood == 0 || row.text == "tilted far beyond the limits",
@@ -152,10 +153,12 @@ void addNoise(Tables& tables, const Counts& counts) {
         for (int mode = trial.firstMode; mode <= 10; ++mode) {
             const docs::NoiseTrial t =
                 docs::tryNoise(mode, trial.noise, trial.range, counts.poses / 50);
-            std::vector<std::string> cells{
-                digits(trial.noise.encoder, 1),  std::to_string(mode),
-                digits(trial.range.mostTilt, 2), digits(trial.range.steepest, 2),
-                share(t.good, t.rows),           docs::about + digits(t.leastUncertainty, 1)};
+            std::vector<std::string> cells{roundedText(trial.noise.encoder, 1),
+                                           std::to_string(mode),
+                                           roundedText(trial.range.mostTilt, 2),
+                                           roundedText(trial.range.steepest, 2),
+                                           share(t.good, t.rows),
+                                           docs::about + roundedText(t.leastUncertainty, 1)};
             for (const double deviation : t.deviation)
                 cells.push_back(decimals(deviation, 3));
             for (const double within : t.within2)
