@@ -254,6 +254,7 @@ void run(const std::vector<Transcript>& transcripts, bool separateErrors) {
         for (const char* name : {"Tg5.prm", "readings.csv", "known-poses.csv", "stations.csv"})
             fs::copy_file(fs::path(KIV_EXAMPLES) / name, fs::path(folder.path()) / name);
         fs::current_path(folder.path());
+        fs::create_directory("new"); // for what a calibration writes
         for (const File& file : transcript.files)
             makeFile(file);
         for (const Command& command : transcript.commands)

@@ -278,11 +278,15 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
     const std::string result = resultText(*outcome, options, rows, inputs, digest.hex());
     const std::string page =
         options.report.empty() ? "" : calibrationPage(*outcome, options, rows, inputs);
-    return outputs.add(options.result, result, err) && outputs.add(options.report, page, err)
-                   && writeToStandardOutput(resultTable(*outcome, options, rows), streams)
-                   && outputs.finish(err)
-               ? allGood
-               : unusable;
+    if (!outputs.add(options.result, result, err) || !outputs.add(options.report, page, err)
+        || !writeToStandardOutput(resultTable(*outcome, options, rows), streams)
+        || !outputs.finish(err))
+        return unusable;
+    if (!options.dryRun && !parseParameterFileName(options.output))
+        err << shownOutput(options.output) << ":1:1: expected the sensor's name "
+            << parseParameterFileName(options.parameterFile)->name
+            << ", under which kiv takes a parameter file, found another one (warning)\n";
+    return allGood;
 }
 
 } // namespace kiv::host
