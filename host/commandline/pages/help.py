@@ -62,7 +62,7 @@ def long_help(page):
 
 def short_help(page):
     start = "kiv" if page.command == "kiv" else f"kiv {page.command}"
-    shown = [*page.under("Usage"), *page.short]
+    shown = [*page.under("Usage", "Subcommands"), *page.short]
     return f"{start}: {plain(page.purpose)}\n\n{screen_text(shown)}\n\n{start} --help tells all."
 
 
