@@ -298,9 +298,10 @@ TEST(Docs, HaveTheTablesOfTheCode) {
     for (std::size_t i = 0; i < blockTable.size(); ++i) {
         const BlockLayout& layout = blockTable[i];
         std::ostringstream row;
-        row << "\n| " << i + 1 << " | " << layout.title << " | " << layout.titleWords << " | "
-            << valuesInDocs(layout) << " | " << layout.messageId << " | ";
+        row << "\n| " << i + 1 << " | " << layout.title << " | " << valuesInDocs(layout) << " | "
+            << layout.messageId << " | ";
         EXPECT_NE(docs.find(row.str()), docs.npos) << row.str();
+        EXPECT_EQ(layout.titleWords, 1 + std::count(layout.title.begin(), layout.title.end(), ' '));
         EXPECT_EQ(layout.atEnd == AtEnd::keep, i + 1 == 18) << i;
         EXPECT_EQ(layout.atEnd == AtEnd::useDefaults, i + 1 >= 19 && i + 1 <= 23) << i;
         EXPECT_EQ(layout.defaults, i + 1 == 19 ? ofBlock19 : zeros) << i;

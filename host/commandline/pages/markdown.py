@@ -82,11 +82,15 @@ def as_items(table):
 
 
 def expanded(blocks, shared):
-    """In place of a text that names shared options stand these, behind what it says of when they apply."""
+    """In place of a text that names shared options, or those left out, stand these, behind when they apply."""
     for block in blocks:
         text = " ".join(block.lines)
         if block.kind != "text" or "[shared options]" not in text:
             yield block
+            continue
+        if text.startswith("Also all"):
+            others = list(named(text, shared))
+            yield from (option for option in shared if option not in others)
             continue
         intro, names = text.split(":", 1)
         if not intro.startswith("Also"):
