@@ -122,13 +122,24 @@ std::string interval(const CalibrationOutcome::Found& found) {
            + "\" height=\"10\"/>" + line("new", found.value) + line("old", found.old) + "</svg>";
 }
 
+// On a narrow screen a name is broken behind its words alone.
+std::string breakableCode(const std::string& name) {
+    std::string html;
+    for (const char c : code(name)) {
+        html += c;
+        if (c == '.' || c == '_')
+            html += "<wbr>";
+    }
+    return html;
+}
+
 void appendParameters(std::string& html, const CalibrationOutcome& outcome) {
     html += "<section>\n<h2>Parameters</h2>\n";
     appendTableHead(
         html, "Parameter",
         {"Old", "New", "Standard uncertainty", "Change / u", "Old and new \xC2\xB1 2 u"});
     for (const auto& found : outcome.found) {
-        html += "<tr><th>" + code(nameOf(found.parameter)) + "</th>";
+        html += "<tr><th>" + breakableCode(nameOf(found.parameter)) + "</th>";
         for (const std::string& cell :
              {roundedText(found.old, 9), roundedText(found.value, 9), roundedText(found.u, 2),
               roundedText((found.value - found.old) / found.u, 3)})

@@ -228,6 +228,7 @@ function makeChart(chart) {
       y: {
         axisLabelFormatter: tickLabel,
         axisLabelWidth: plot.clientWidth < 500 ? 58 : 80,
+        pixelsPerLabel: 24, // a small chart has three, too
         valueRange: chart.wholeRange,
         ...(chart.log ? { ticker: decadesOf } : {}),
       },
