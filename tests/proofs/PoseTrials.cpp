@@ -1,6 +1,6 @@
-// What the figures of simulated poses are worth: the table of docs/laboratory.md on standard
-// output. Each case has 200 seeds of 25 poses; --check N takes N of them, and the exit code says
-// whether each line keeps its promise.
+// What the figures of simulated poses are worth, as a table on standard output; docs/laboratory.md
+// sums it up. Each case has 200 seeds of 25 poses; --check N takes N of them, and the exit code
+// says whether each line keeps its promise.
 
 #include <cmath>
 #include <cstdio>
