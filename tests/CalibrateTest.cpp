@@ -202,6 +202,24 @@ TEST(Calibrate, DoesNotDependOnJobsAndTheKindOfInput) {
     EXPECT_EQ(textIn(bench.fresh()), file);
 }
 
+TEST(Calibrate, FindsTheColumnsOfEachTable) {
+    Bench bench(4);
+    bench.measure(100, "2");
+    std::istringstream lines(textIn(bench.readings()));
+    const std::string other = bench.readings() + ".other";
+    std::ofstream moved(other, std::ios::binary);
+    for (std::string line; std::getline(lines, line);) { // y to the end of the line
+        const std::size_t y = line.find(',', line.find(',', line.find(',') + 1) + 1);
+        const std::size_t z = line.find(',', y + 1);
+        moved << line.substr(0, y) << line.substr(z) << line.substr(y, z - y) << '\n';
+    }
+    moved.close();
+    bench.measure(100);
+    EXPECT_EQ(bench.calibrate({other}), "");
+    EXPECT_EQ(bench.result["rows"]["used"].get<int>() + bench.result["rows"]["held_out"].get<int>(),
+              200);
+}
+
 // Adds to the corrections of the azimuth table, as the file has them, a change by the angle.
 std::string withAzimuths(const std::string& text, double (*change)(double degrees)) {
     std::istringstream in(text);

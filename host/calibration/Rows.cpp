@@ -179,8 +179,8 @@ bool CalibrationRows::readRow(Table& cursor, Observation& row, Block& block,
     const auto number = [&](std::size_t column, double& value, bool whole) {
         if (cursor.numberAt(column, value) && (!whole || value == std::floor(value)))
             return true;
-        cursor.reportAt(column, whole ? "a whole number" : "a true angle",
-                        kiv::quoted(cursor.cell(column)), "without a pose");
+        cursor.reportCell(column, whole ? "a whole number" : "a true angle",
+                          kiv::quoted(cursor.cell(column)), "without a pose");
         return false;
     };
     double angles[3] = {};

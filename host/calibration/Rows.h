@@ -147,6 +147,7 @@ bool CalibrationRows::passOver(const Streams& input, std::vector<TableFacts>& di
             },
         .work =
             [&](Item& item, std::size_t i) {
+                workers[i].table.take(recording.places(item.block.lines.table));
                 read(item.block, workers[i].table, workers[i].curves);
                 work(item.block, item.part);
             },

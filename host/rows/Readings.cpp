@@ -47,11 +47,11 @@ bool Owner::owns(Table& table) const {
     double found = 0;
     if (!place || !table.numberAt(*place, found) || found == id)
         return true;
-    table.reportAt(*place,
-                   std::to_string(id) + " in column " + std::string(sensorColumn)
-                       + ", the parameter file's serial number",
-                   std::string(table.cell(*place)) + "; give the parameter file of that sensor",
-                   "of another sensor");
+    table.reportCell(*place,
+                     std::to_string(id) + " in column " + std::string(sensorColumn)
+                         + ", the parameter file's serial number",
+                     std::string(table.cell(*place)) + "; give the parameter file of that sensor",
+                     "of another sensor");
     return false;
 }
 

@@ -121,9 +121,11 @@ public:
         reportAt(0, expected, found, kind);
     }
 
-    // Reports at the cell of a carried column.
-    void reportAt(std::size_t place, std::string_view expected, std::string_view found,
-                  std::string_view kind = {});
+    // Reports at the cell of a column that was found by its name.
+    void reportCell(std::size_t column, std::string_view expected, std::string_view found,
+                    std::string_view kind) {
+        reportAt(placeOf(column), expected, found, kind);
+    }
 
     std::span<const Message> messages() const { return said; } // of the row
 
@@ -138,6 +140,8 @@ private:
     bool tooLong() const {
         return csv.text().size() > longestLine + (csv.text().ends_with('\r') ? 1 : 0);
     }
+    void reportAt(std::size_t place, std::string_view expected, std::string_view found,
+                  std::string_view kind = {});
     void reportAtColumn(std::size_t column, std::string_view expected, std::string_view found,
                         std::string_view kind = {});
     void reportNoNumber(std::size_t i, const std::string& expected);
