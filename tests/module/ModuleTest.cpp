@@ -1,6 +1,7 @@
 #include "LoadedLibrary.h"
 #include "Record.h"
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <string>
@@ -107,16 +108,25 @@ std::size_t memoryInUse() {
 #endif
 }
 
-TEST(Library, LeavesNoMemoryBehind) {
-    constexpr std::size_t loads = 200, mostOfEach = 1024;
-    for (const char* path : {KIV_LIBRARY, KIV_C_LIBRARY}) {
-        std::size_t before = 0;
-        for (std::size_t i = 0; i <= loads; ++i) {
-            EXPECT_TRUE(LoadedLibrary(path)) << path;
-            before = i == 0 ? memoryInUse() : before;
-        }
-        EXPECT_LT(memoryInUse(), before + loads * mostOfEach) << path;
+constexpr std::size_t loads = 200;
+
+// What that many loads take and do not give back, in bytes.
+std::size_t leftBehind(const char* path) {
+    std::size_t before = 0;
+    for (std::size_t i = 0; i <= loads; ++i) {
+        EXPECT_TRUE(LoadedLibrary(path)) << path;
+        before = i == 0 ? memoryInUse() : before;
     }
+    return std::max(memoryInUse(), before) - before;
+}
+
+TEST(Library, LeavesNoMemoryBehind) {
+    std::size_t most = 1024 * loads;
+#ifdef _WIN32
+    most += leftBehind("version.dll"); // by the loader itself: 2.5 kB each time under Wine 10
+#endif
+    for (const char* path : {KIV_LIBRARY, KIV_C_LIBRARY})
+        EXPECT_LT(leftBehind(path), most) << path;
 }
 
 TEST(Library, LoadsAndUnloads) {
