@@ -64,7 +64,8 @@ void print(const MistakeSearch& search, std::ostream& out) {
     switch (search.verdict()) {
     case Verdict::fits:
         out << (search.byAngles ? "true angles fit" : "spare reading fits") << ": the rms of the "
-            << quoted.name() << " is " << size << " degrees\n";
+            << quoted.name() << " is " << size << " degrees, within the "
+            << roundedText(quoted.now.allowed(), 2) << " of a right set-up\n";
         break;
     case Verdict::named:
         printThoseThatFit(search, out);
