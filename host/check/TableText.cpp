@@ -109,7 +109,8 @@ void print(const TableCheck& check, std::ostream& out) {
                 << shown(check.ranges[i].largest) << '\n';
     if (check.mistakes)
         print(*check.mistakes, out);
-    out << check.file << ": " << counted(check.warnings(), "warning") << '\n';
+    out << check.file << ": " << (check.faulty(false) ? "not good, " : "")
+        << counted(check.warnings(), "warning") << '\n';
 }
 
 Json jsonOf(const TableCheck& check) {
