@@ -228,7 +228,6 @@ void CalibrationRows::read(Block& block, Table& cursor, CalibrationTables& table
     block.messages.clear();
     block.refused = block.otherStatus = block.withoutPose = block.outside = 0;
     block.unusable = false;
-    cursor.start(block.lines);
     while (!block.unusable && cursor.nextRow()) {
         Observation row;
         row.table = block.lines.table;

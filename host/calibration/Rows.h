@@ -94,6 +94,7 @@ private:
     bool mayBeHeldOut(const Observation& row) const;
     bool findColumns(const TableInput& table);
     bool readText();
+    // The cursor stands in front of the block.
     void read(Block& block, Table& cursor, CalibrationTables& tables) const;
     bool readRow(Table& cursor, Observation& row, Block& block, CalibrationTables& tables) const;
     void take(const Block& block);
@@ -147,7 +148,7 @@ bool CalibrationRows::passOver(const Streams& input, std::vector<TableFacts>& di
             },
         .work =
             [&](Item& item, std::size_t i) {
-                workers[i].table.take(recording.places(item.block.lines.table));
+                recording.start(workers[i].table, item.block.lines);
                 read(item.block, workers[i].table, workers[i].curves);
                 work(item.block, item.part);
             },

@@ -94,6 +94,12 @@ bool Recording::openInTurn(LineBlock& block) {
     return !block.brokenOff;
 }
 
+void Recording::start(Table& cursor, const LineBlock& block) const {
+    if (hasSeveral())
+        cursor.take(stand[block.table]);
+    cursor.start(block);
+}
+
 bool Recording::nextBlock(LineBlock& block) {
     for (; current < files.size(); ++current) {
         if (!tables[current] && !openInTurn(block)) {

@@ -31,12 +31,12 @@ public:
     bool hasSeveral() const { return files.size() > 1; }
     std::uintmax_t size() const { return bytes; } // 0 where unknown
 
-    // Where a table that has given a block has the first one's columns.
-    const Table::Places& places(std::size_t ofTable) const { return stand[ofTable]; }
-
     // False behind the last table. Before a table is opened that may wait, a block without lines
     // says so. What is wrong with a table then is said by its block.
     bool nextBlock(LineBlock& block);
+
+    // Lets a copy of table() read such a block, with the columns where the block's table has them.
+    void start(Table& cursor, const LineBlock& block) const;
 
 private:
     bool openTable(std::size_t i, std::ostream& err, bool forRows);

@@ -32,9 +32,7 @@ void ReadingsRun::work(RowBatch& batch, RowRunner& runner, Table& cursor,
                        const Prepare& prepare) const {
     batch.count = 0;
     batch.text.clear();
-    if (inputs.recording().hasSeveral())
-        cursor.take(inputs.recording().places(batch.block.table));
-    cursor.start(batch.block);
+    inputs.recording().start(cursor, batch.block);
     while (cursor.nextRow()) {
         if (batch.count == batch.rows.size())
             batch.rows.emplace_back();
