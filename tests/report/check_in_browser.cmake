@@ -121,4 +121,33 @@ string(FIND "${dom}" "${expected}" place)
 if(place EQUAL -1)
     message(FATAL_ERROR "expected ${expected}\nfound: ${dom} ${console}")
 endif()
+
+# The pages of the other subcommands, made of the same kit.
+set(weights --u-vector 0.05 --u-encoder 0.001 --u-level 0.002)
+file(MAKE_DIRECTORY ${WORK}/new)
+execute_process(
+    COMMAND ${TOOL} calibrate ${EXAMPLES}/Tg5.prm ${EXAMPLES}/known-poses.csv -o ${WORK}/new/Tg5.prm ${weights}
+        --report ${WORK}/calibrate.html
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+execute_process(
+    COMMAND ${TOOL} compare --parameters ${EXAMPLES}/Tg5.prm ${WORK}/new/Tg5.prm ${EXAMPLES}/known-poses.csv
+        --report ${WORK}/compare.html
+    OUTPUT_QUIET ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+execute_process(
+    COMMAND ${TOOL} poses ${WORK}/new/Tg5.prm ${EXAMPLES}/stations.csv --by placement ${weights}
+        --report ${WORK}/poses.html
+    OUTPUT_QUIET ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+foreach(page calibrate:19:angle_<wbr>offset.<wbr>azimuth_<wbr>deg</code> compare:2:rx poses:4:rx)
+    string(REGEX MATCH "(.*):(.*):(.*)" page ${page})
+    set(figures ${CMAKE_MATCH_2})
+    set(content ${CMAKE_MATCH_3})
+    set(page ${CMAKE_MATCH_1})
+    open_page(${WORK}/${page}.html dom console --window-size=400,900)
+    string(REGEX MATCHALL "data-drawn=\"[1-9][0-9]*\"" drawn "${dom}")
+    list(LENGTH drawn count)
+    string(FIND "${dom}" "${content}" place)
+    if(console OR NOT count EQUAL figures OR place EQUAL -1)
+        message(FATAL_ERROR "expected ${figures} charts and ${content} on the page of ${page}, found ${count}: ${console}")
+    endif()
+endforeach()
 file(REMOVE_RECURSE ${WORK}/profile)
