@@ -5,7 +5,9 @@
 set(kiv_system_math ${PROJECT_BINARY_DIR}/libkiv_system_math.a)
 set(kiv_system_math_names ${PROJECT_SOURCE_DIR}/cmake/system-math.def)
 add_custom_command(OUTPUT ${kiv_system_math}
-    COMMAND ${CMAKE_DLLTOOL} -d ${kiv_system_math_names} -l ${kiv_system_math}
+    # By its name alone: the library's symbols are called after it, and a folder would be in the binaries.
+    COMMAND ${CMAKE_DLLTOOL} -d ${kiv_system_math_names} -l libkiv_system_math.a
+    WORKING_DIRECTORY ${PROJECT_BINARY_DIR}
     DEPENDS ${kiv_system_math_names} VERBATIM)
 add_custom_target(kiv_system_math DEPENDS ${kiv_system_math})
 add_dependencies(kiv_core kiv_system_math)
