@@ -40,6 +40,8 @@ def poses_of(parameter_file, readings, by):
     results["place"] = results[by].astype(str) if by else results["recording"]
     results["part"] = results["recording"] + " " + results["place"]
     poses = kiv.poses(results, by="part", pose_id="place")
+    if poses.attrs["poses"]["moving"]:
+        raise SystemExit(poses.attrs["messages"] + "Give --by, or recordings of one pose each.")
     good = results[results["state"] == "ok"]
     error = good.groupby("part")["model_error_deg"].max()
     return poses.assign(model_error_deg=poses["part"].map(error)), poses.attrs["repeatability"]

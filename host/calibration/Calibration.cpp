@@ -69,6 +69,18 @@ double rowsApart(const BlockValues& table, Block block, const CalibrationRows::F
 
 constexpr double normalOf999 = 3.0902; // 99.9 % are below it
 
+// Readings that count as exact, as a cause of residuals that are too large.
+std::string withoutWeight(const RowUncertainties& given) {
+    const Uncertainties& u = given.readings;
+    std::string options;
+    for (const auto& [source, option] :
+         {std::pair(Source::azimuth, "--u-encoder"), std::pair(Source::levelY, "--u-level"),
+          std::pair(Source::vector2, "--u-vector")})
+        if (u[source] == 0)
+            options += std::string(options.empty() ? "" : ", ") + option;
+    return options.empty() ? "" : "readings without an uncertainty (" + options + "), ";
+}
+
 } // namespace
 
 Calibration::Calibration(const CalibrateOptions& asked, CalibrationRows& allRows,
@@ -345,9 +357,9 @@ bool Calibration::rmsFits() {
                   roundedText(rms, 3)
                       + (rms < 1 ? "; the readings are better than stated: give smaller "
                                    "uncertainties"
-                                 : std::string("; look for wrong poses (--robust), another mount "
-                                               "mode, parameters that are held and should not "
-                                               "be, ")
+                                 : "; look for " + withoutWeight(uncertainties)
+                                       + "wrong poses (--robust), another mount mode, parameters "
+                                         "that are held and should not be, "
                                        + (options.priors.empty() ? "" : "a wrong --prior, ")
                                        + "or uncertainties that are too small"));
 }

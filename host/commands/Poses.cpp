@@ -91,8 +91,10 @@ public:
 
     // An exit code: a table of poses without any mean is nobody's result.
     int verdict(const std::string& tableName) const {
-        if (summary.withMean() > 0 || Interrupt::requested())
+        if (Interrupt::requested())
             return allGood;
+        if (summary.withMean() > 0)
+            return options.strict && summary.inMotion() > 0 ? someRowsBad : allGood;
         err << tableName << ": expected a pose with a mean, found none";
         if (options.grouping.still)
             err << " of " << options.grouping.fewestRows << " rows within "

@@ -15,6 +15,10 @@ namespace {
 // not good.
 constexpr double notGoodShare = 0.1;
 
+// A sensor moves where more than this share of its rows turns further than so many degrees.
+constexpr double movingShare = 0.1;
+constexpr double stillDegrees = 1;
+
 std::array<double, poseReadingCount> readingsOf(const RowResult& result) {
     const KIV_INFO& info = result.info;
     return {info.azimuth, info.elevation, info.levelX, info.levelY, result.raw.temperature};
@@ -149,6 +153,8 @@ void PoseGathering::end() {
     for (std::size_t i = 0; i < readingSums.size(); ++i)
         pose.readings[i] = firstReadings[i] + readingSums[i] / count;
     pose.fromReadings = readingsPart.ofMean();
+    const double still = std::max(stillDegrees, grouping.still.value_or(0));
+    pose.moves = static_cast<double>(rows.furtherThan(still)) > movingShare * count;
     pose.outliers = rows.leaveOutliersOut();
     pose.used = rows.size();
     pose.figures = figuresOf(rows, local);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "support/AngleConstants.h"
+
 namespace kiv::host {
 
 namespace {
@@ -39,6 +41,8 @@ void PoseRows::clear() {
 
 std::vector<float> PoseRows::distances() const {
     std::vector<float> values(rows.size());
+    if (rows.empty())
+        return values;
     float median[3];
     for (std::size_t axis = 0; axis < 3; ++axis) {
         std::transform(rows.begin(), rows.end(), values.begin(),
@@ -50,6 +54,13 @@ std::vector<float> PoseRows::distances() const {
                           row.turn[2] - median[2]);
     });
     return values;
+}
+
+std::size_t PoseRows::furtherThan(double degrees) const {
+    const double halfTurn = std::sin(degrees / 2 * degToRad);
+    const std::vector<float> of = distances();
+    return static_cast<std::size_t>(
+        std::count_if(of.begin(), of.end(), [&](float distance) { return distance > halfTurn; }));
 }
 
 std::size_t PoseRows::leaveOutliersOut() {

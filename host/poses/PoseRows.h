@@ -24,6 +24,9 @@ public:
     }
     double seconds(std::size_t i) const { return rows[i].seconds; } // since the first row
 
+    // Rows that turn further than this from the median rotation; degrees, of small turns.
+    std::size_t furtherThan(double degrees) const;
+
     // Leaves out the rows that turn further from the median rotation than others: those whose
     // distance is above the median distance by more than (6 + 60 / rows) times 1.4826 times the
     // median absolute deviation of the distances, or, where that is 0, by 3 times their root mean

@@ -41,6 +41,10 @@ void PoseSummary::add(const Pose& pose) {
     withoutMean += pose.figures.hasMean ? 0U : 1U;
     lowerBounds += pose.figures.hasMean && pose.used > 1 && pose.figures.lowerBound ? 1U : 0U;
     drifting += drifts(pose) ? 1U : 0U;
+    if (pose.moves && ++moving == 1)
+        firstMoving = "pose " + std::to_string(pose.number) + " (lines "
+                      + std::to_string(pose.firstLine) + " to " + std::to_string(pose.lastLine)
+                      + "): expected a sensor that stands still, found one that moves";
     rows += pose.used;
     leftOut += pose.leftOut();
     outliers += pose.outliers;
@@ -83,6 +87,7 @@ std::string PoseSummary::json() const {
                      {"without_mean", withoutMean},
                      {"lower_bounds", lowerBounds},
                      {"drifting", drifting},
+                     {"moving", moving},
                      {"rows", rows},
                      {"left_out", leftOut},
                      {"outliers", outliers},
@@ -104,9 +109,12 @@ void PoseSummary::print(std::ostream& out, bool tables) const {
     list(withoutMean, " without a mean");
     list(lowerBounds, " whose uncertainty is a lower bound");
     list(drifting, " with a drift");
+    list(moving, " in which the sensor moves");
     list(outliers, outliers == 1 ? " outlier left out" : " outliers left out");
     list(withoutPose, withoutPose == 1 ? " row in no pose" : " rows in no pose");
     out << '\n';
+    if (moving > 0)
+        out << firstMoving << "; --by, --pause or --still ends a pose (warning)\n";
     if (!tables)
         return;
     if (const auto pooled = again.pooled()) {
