@@ -42,6 +42,16 @@ CLI::Option* addFile(CLI::App& command, const char* name, Names& names) {
     });
 }
 
+// Of what is not a parameter file: none of a sensor is lost to a name given by mistake.
+CLI::Option* addOutput(CLI::App& command, const char* name, std::string& file) {
+    return addFile(command, name, file)->check([](const std::string& text) {
+        return text.ends_with(".prm")
+                   ? "expected another name than a parameter file's (.prm), found "
+                         + kiv::quoted(text)
+                   : "";
+    });
+}
+
 // The range check that comes with the parser lets pass what is not a number.
 CLI::Validator numberFrom(double least, double largest) {
     const auto check = [=](const std::string& text) {
@@ -236,9 +246,9 @@ void CommandLine::addRecording(CLI::App& command, ReadingsOptions& options) {
 void CommandLine::addReadings(CLI::App& command, ReadingsOptions& options) {
     addFile(command, "parameter_file", options.parameterFile)->required();
     addFile(command, "readings", options.readings)->required();
-    addFile(command, "-o,--output", options.output)->capture_default_str();
+    addOutput(command, "-o,--output", options.output)->capture_default_str();
     addRecording(command, options);
-    addFile(command, "--summary", options.summary);
+    addOutput(command, "--summary", options.summary);
     command.add_option("--tolerance", options.tolerance)->check(numberFrom(0, 180));
     command.add_flag("--strict", options.strict);
     command.add_flag("-q,--quiet", options.quiet);
@@ -286,7 +296,7 @@ void CommandLine::addPoses() {
     command.get_option("parameter_file")->required(false);
     command.get_option("readings")->required(false);
     CLI::Option* from = addFile(command, "--from", stillPoses.results);
-    addFile(command, "--report", stillPoses.report);
+    addOutput(command, "--report", stillPoses.report);
     addRowFormat(command, stillPoses.rowFormat);
     addFile(command, "--uncertainties", stillPoses.uncertaintyFiles)->allow_extra_args(false);
     addUncertainties(command, stillPoses.uncertainties);
@@ -326,10 +336,10 @@ void CommandLine::addCompare() {
         ->excludes(parameters)
         ->check(shownText)
         ->capture_default_str();
-    addFile(command, "-o,--output", compare.output);
+    addOutput(command, "-o,--output", compare.output);
     addRowFormat(command, compare.rowFormat);
-    addFile(command, "--summary", compare.summary);
-    addFile(command, "--report", compare.report);
+    addOutput(command, "--summary", compare.summary);
+    addOutput(command, "--report", compare.report);
     command.add_option("--tolerance", compare.tolerance)->check(numberFrom(0, 180));
     addRecording(command, compare.readings);
     addFile(command, "--uncertainties", compare.readings.uncertaintyFiles)->allow_extra_args(false);
@@ -351,7 +361,7 @@ void CommandLine::addSimulate() {
     CLI::App& command =
         add("simulate", [this](const Streams& s) { return simulateReadings(simulate, s); });
     addFile(command, "parameter_file", simulate.parameterFile)->required();
-    addFile(command, "-o,--output", simulate.readings)->capture_default_str();
+    addOutput(command, "-o,--output", simulate.readings)->capture_default_str();
     CLI::Option* poses = addFile(command, "--poses", simulate.poses);
     command.add_option("--trajectory", simulate.trajectory)
         ->excludes(poses)
@@ -388,7 +398,7 @@ void CommandLine::addHome() {
         return readColumnNames(home.format, s) ? solveHomeAngles(home, s) : unusable;
     });
     CLI::Option* table = addFile(command, "table", home.table);
-    addFile(command, "-o,--output", home.results)->needs(table)->capture_default_str();
+    addOutput(command, "-o,--output", home.results)->needs(table)->capture_default_str();
     const auto vectorOption = [&](const char* name, std::vector<double>& values, int count) {
         command
             .add_option_function<std::vector<std::string>>(
@@ -475,8 +485,8 @@ void CommandLine::addCalibrate() {
     addFile(command, "parameter_file", calibrate.parameterFile)->required();
     addFile(command, "readings", calibrate.readings)->required();
     addFile(command, "-o,--output", calibrate.output);
-    addFile(command, "--result", calibrate.result);
-    addFile(command, "--report", calibrate.report);
+    addOutput(command, "--result", calibrate.result);
+    addOutput(command, "--report", calibrate.report);
     command.add_flag("--replace", calibrate.replace);
     command
         .add_option_function<std::string>("--poses",
@@ -548,7 +558,7 @@ void CommandLine::addRewrite() {
 void CommandLine::addVerify() {
     CLI::App& command =
         add("verify", [this](const Streams& s) { return verifyInstallation(verify, s); });
-    addFile(command, "-o,--output", verify.output)->capture_default_str();
+    addOutput(command, "-o,--output", verify.output)->capture_default_str();
 }
 
 void CommandLine::addHelp() {

@@ -75,6 +75,13 @@ public:
             appendRow(first, second, difference, key, text);
     }
 
+    void takeTruth(const Orientation& first, const Orientation& second,
+                   const std::array<double, 3>& truth) {
+        const Orientation exact{truth, {}};
+        figures.addMisses(differenceOf(exact, first, names.localFrame).angle,
+                          differenceOf(exact, second, names.localFrame).angle);
+    }
+
     // Shows the figures, writes summary and page and tests the tolerance. An exit code.
     int finish(const Streams& streams, Output& summary, Output& report) const {
         figures.print(streams.err, names);
@@ -184,6 +191,15 @@ int compareTables(const CompareOptions& options, const Streams& streams) {
     if (!outputsUsable(options, streams.err) || !first.open(options.tables[0], join, &firstDigest)
         || !second.open(options.tables[1], join, &secondDigest))
         return unusable;
+    const auto isOfPoses = [](const ResultTable& table) {
+        return table.table().find("first_line");
+    };
+    if (join.by == Join::By::line && !isOfPoses(first) != !isOfPoses(second)) {
+        streams.err << second.name() << ":1:1: expected a table of "
+                    << (isOfPoses(first) ? "poses" : "results") << " as " << first.name()
+                    << " is, found one of " << (isOfPoses(first) ? "results" : "poses") << '\n';
+        return unusable;
+    }
     Output rows, summary, report;
     if (!openTexts(options, summary, report, streams)
         || (!options.output.empty() && !rows.open(options.output, streams)))
@@ -330,8 +346,11 @@ int compareParameters(const CompareOptions& options, const Streams& streams) {
     run.forEach([](const Table&, ComputedRow&, std::string&) {},
                 [&](const ComputedRow& row) {
                     const std::string table = shownInput(readings.readings[row.table]);
-                    differences.take({row.line, SecondSensor::orientationOf(row.result)},
-                                     {row.line, second.of(row.result)},
+                    const auto ofFirst = SecondSensor::orientationOf(row.result);
+                    const auto ofSecond = second.of(row.result);
+                    if (ofFirst && ofSecond && row.truth)
+                        differences.takeTruth(*ofFirst, *ofSecond, *row.truth);
+                    differences.take({row.line, ofFirst}, {row.line, ofSecond},
                                      several ? std::string_view(table) : std::string_view(),
                                      std::string_view(table), run.output().text());
                     return true;

@@ -42,6 +42,11 @@ void appendFacts(std::string& html, const ComparePage& content, const Comparison
     facts.convention(names.localFrame);
     facts.line("Only in the first", rowsText(figures.onlyInFirst()));
     facts.line("Only in the second", rowsText(figures.onlyInSecond()));
+    const auto& misses = figures.againstTruth();
+    if (misses[0].rows > 0)
+        facts.line("Turns from the true angles, rms",
+                   degreesText(misses[0].rootMeanSquare()) + " and "
+                       + degreesText(misses[1].rootMeanSquare()) + " degrees");
     facts.line("Software", std::string("kiv ") + versionText);
     facts.end();
 }

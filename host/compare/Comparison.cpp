@@ -47,6 +47,11 @@ void Comparison::add(const OrientationDifference& difference, std::size_t line,
     }
 }
 
+void Comparison::addMisses(double ofFirst, double ofSecond) {
+    misses[0].add(ofFirst);
+    misses[1].add(ofSecond);
+}
+
 void Comparison::print(std::ostream& out, const ComparisonNames& names) const {
     out << rows() << (rows() == 1 ? " row" : " rows") << " compared, " << first << " only in "
         << names.first << ", " << second << " only in " << names.second << '\n';
@@ -63,6 +68,10 @@ void Comparison::print(std::ostream& out, const ComparisonNames& names) const {
             out << padded(percent(each.beyond, uncertain), 11);
         out << "  largest in " << each.place << '\n';
     }
+    if (misses[0].rows > 0)
+        out << "rms of the turns from the true angles: " << names.first << ' '
+            << degreesText(misses[0].rootMeanSquare()) << ", " << names.second << ' '
+            << degreesText(misses[1].rootMeanSquare()) << '\n';
 }
 
 std::string Comparison::json(const ComparisonNames& names,
@@ -92,6 +101,11 @@ std::string Comparison::json(const ComparisonNames& names,
                                                  : Json(static_cast<double>(each.beyond)
                                                         / static_cast<double>(uncertain))}};
     }
+    Json& truth = all["against_true_angles"];
+    if (misses[0].rows > 0)
+        truth = {{"rows", misses[0].rows},
+                 {"first_root_mean_square_deg", misses[0].rootMeanSquare()},
+                 {"second_root_mean_square_deg", misses[1].rootMeanSquare()}};
     // Names may hold bytes that are no UTF-8.
     return all.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }

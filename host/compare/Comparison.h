@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "host/compare/Difference.h"
+#include "host/summary/Misfit.h"
 #include "host/summary/Statistics.h"
 
 namespace kiv::host {
@@ -29,6 +30,8 @@ public:
     // A row with angles that have no counterpart.
     void addOnlyInFirst() { ++first; }
     void addOnlyInSecond() { ++second; }
+    // By how much the rotations of both differ from the true one, degrees.
+    void addMisses(double ofFirst, double ofSecond);
 
     struct Figures {
         Moments moments;
@@ -47,6 +50,8 @@ public:
     std::size_t onlyInFirst() const { return first; }
     std::size_t onlyInSecond() const { return second; }
     std::size_t withUncertainty() const { return uncertain; } // rows
+    // Of the two, over rows with true angles.
+    const std::array<Misfit::Tally, 2>& againstTruth() const { return misses; }
 
     void print(std::ostream& out, const ComparisonNames& names) const;
     std::string json(const ComparisonNames& names, const std::optional<double>& tolerance) const;
@@ -55,6 +60,7 @@ private:
     std::array<Figures, 4> figures; // rx, ry, rz, and the angle of the rotation
     std::size_t first = 0;
     std::size_t second = 0;
+    std::array<Misfit::Tally, 2> misses;
     std::size_t uncertain = 0; // rows whose difference has an uncertainty
 };
 
