@@ -15,6 +15,7 @@
 #include "host/base/ShellWord.h"
 #include "host/commandline/HelpTexts.h"
 #include "host/commandline/UsageFault.h"
+#include "host/parameters/ParameterFile.h"
 #include "host/rows/CloseNames.h"
 #include "host/rows/ColumnNames.h"
 #include "host/rows/NumberText.h"
@@ -42,12 +43,11 @@ CLI::Option* addFile(CLI::App& command, const char* name, Names& names) {
     });
 }
 
-// Of what is not a parameter file: none of a sensor is lost to a name given by mistake.
+// Of what is not a parameter file: none is lost to a name given by mistake.
 CLI::Option* addOutput(CLI::App& command, const char* name, std::string& file) {
     return addFile(command, name, file)->check([](const std::string& text) {
-        return text.ends_with(".prm")
-                   ? "expected another name than a parameter file's (.prm), found "
-                         + kiv::quoted(text)
+        return parseParameterFileName(text)
+                   ? "expected another name than a parameter file's, found " + kiv::quoted(text)
                    : "";
     });
 }
