@@ -74,7 +74,8 @@ void print(const MistakeSearch& search, std::ostream& out) {
         out << "unexplained: the rms of the " << quoted.name() << " is " << size
             << " degrees, more than " << roundedText(quoted.now.allowed(), 2)
             << ", and nothing that was tried explains it; look for a wrong value in the parameter "
-               "file, or for two mistakes\n";
+               "file, or for two mistakes"
+            << (search.byAngles ? "; kiv calibrate finds values by true angles\n" : "\n");
         break;
     case Verdict::tooFewRows:
         out << (search.byAngles ? "true angles" : "spare reading")
