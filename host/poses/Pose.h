@@ -19,7 +19,7 @@ struct Pose {
     std::size_t table = 0; // of the first row
     std::size_t firstLine = 0, lastLine = 0;
     std::optional<double> firstTime, lastTime; // seconds
-    bool moves = false; // too many rows turn too far for a sensor that stands still
+    std::size_t moved = 0; // rows that turn too far, where they are too many for a still sensor
     std::size_t withoutAngles = 0, notGood = 0, outliers = 0;
     const char* trust = "";
     std::size_t used = 0;

@@ -154,7 +154,8 @@ void PoseGathering::end() {
         pose.readings[i] = firstReadings[i] + readingSums[i] / count;
     pose.fromReadings = readingsPart.ofMean();
     const double still = std::max(stillDegrees, grouping.still.value_or(0));
-    pose.moves = static_cast<double>(rows.furtherThan(still)) > movingShare * count;
+    const std::size_t moved = rows.furtherThan(still);
+    pose.moved = static_cast<double>(moved) > movingShare * count ? moved : 0;
     pose.outliers = rows.leaveOutliersOut();
     pose.used = rows.size();
     pose.figures = figuresOf(rows, local);

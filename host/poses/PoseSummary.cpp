@@ -41,10 +41,12 @@ void PoseSummary::add(const Pose& pose) {
     withoutMean += pose.figures.hasMean ? 0U : 1U;
     lowerBounds += pose.figures.hasMean && pose.used > 1 && pose.figures.lowerBound ? 1U : 0U;
     drifting += drifts(pose) ? 1U : 0U;
-    if (pose.moves && ++moving == 1)
+    if (pose.moved > 0 && ++moving == 1)
         firstMoving = "pose " + std::to_string(pose.number) + " (lines "
                       + std::to_string(pose.firstLine) + " to " + std::to_string(pose.lastLine)
-                      + "): expected a sensor that stands still, found one that moves";
+                      + "): expected a sensor that stands still, found "
+                      + std::to_string(pose.moved) + " of "
+                      + std::to_string(pose.used + pose.outliers) + " rows too far from the others";
     rows += pose.used;
     leftOut += pose.leftOut();
     outliers += pose.outliers;
