@@ -191,13 +191,12 @@ int compareTables(const CompareOptions& options, const Streams& streams) {
     if (!outputsUsable(options, streams.err) || !first.open(options.tables[0], join, &firstDigest)
         || !second.open(options.tables[1], join, &secondDigest))
         return unusable;
-    const auto isOfPoses = [](const ResultTable& table) {
-        return table.table().find("first_line");
+    const auto kindOf = [](const ResultTable& table) -> std::string_view {
+        return table.table().find("first_line") ? "poses" : "results";
     };
-    if (join.by == Join::By::line && !isOfPoses(first) != !isOfPoses(second)) {
-        streams.err << second.name() << ":1:1: expected a table of "
-                    << (isOfPoses(first) ? "poses" : "results") << " as " << first.name()
-                    << " is, found one of " << (isOfPoses(first) ? "results" : "poses") << '\n';
+    if (join.by == Join::By::line && kindOf(first) != kindOf(second)) {
+        streams.err << second.name() << ":1:1: expected a table of " << kindOf(first) << " as "
+                    << first.name() << " is, found one of " << kindOf(second) << '\n';
         return unusable;
     }
     Output rows, summary, report;
