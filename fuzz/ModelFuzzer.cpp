@@ -39,9 +39,12 @@ bool isRotation(const double* m) {
     return true;
 }
 
-// Squares of smaller numbers lose their digits, so that a normalised vector is not of length 1.
+// Squares of smaller numbers, and of smaller parts of a direction, lose their digits, so that a
+// normalised vector is not of length 1.
 bool hasOrdinaryVector(const double* M) {
-    return std::all_of(M, M + 3, [](double v) { return v == 0 || std::abs(v) > 1e-100; });
+    const double longest = std::max({std::abs(M[0]), std::abs(M[1]), std::abs(M[2]), 1.0});
+    return std::all_of(M, M + 3,
+                       [&](double v) { return v == 0 || std::abs(v) > 1e-100 * longest; });
 }
 
 bool isAngle(float degrees) {
