@@ -126,9 +126,9 @@ struct Part {
     std::optional<Triangle> triangle;
     double cost = 0;
     std::size_t rows = 0;
-    std::vector<RowPlace> outliers;
+    std::vector<TableLine> outliers;
     std::string fault;
-    RowPlace faultAt;
+    TableLine faultAt;
 };
 
 // A soft absolute value: 2 (sqrt(1 + s) - 1) of a row's mean square s takes the place of s. Source:

@@ -44,8 +44,8 @@ struct Equations {
     Triangle triangle;
     double cost = 0; // the sum of squares; of a robust fit what takes its place
     std::size_t rows = 0;
-    std::size_t count = 0;       // of equations
-    std::set<RowPlace> outliers; // where asked for
+    std::size_t count = 0;        // of equations
+    std::set<TableLine> outliers; // where asked for
 };
 
 // Which rows a pass takes, and how.

@@ -3,7 +3,7 @@
 #include <span>
 #include <string>
 
-#include "host/calibration/Calibration.h"
+#include "host/calibration/Calibrator.h"
 #include "params/Document.h"
 
 class CKivPrm;

@@ -27,7 +27,8 @@ Observability::Observability(const Triangle& triangle) {
             return;
         }
     const Eigen::MatrixXd scaled = r * length.cwiseInverse().asDiagonal();
-    const Eigen::JacobiSVD<Eigen::MatrixXd> svd(scaled, Eigen::ComputeFullV);
+    const Eigen::JacobiSVD<Eigen::MatrixXd, Eigen::NoQRPreconditioner> svd(scaled,
+                                                                           Eigen::ComputeFullV);
     const Eigen::VectorXd& values = svd.singularValues();
     singularValues.assign(values.data(), values.data() + n);
     if (n > 0 && values[n - 1] < nothing * values[0]) {

@@ -128,7 +128,7 @@ std::string resultTable(const CalibrationOutcome& outcome, const CalibrateOption
         text += "held: " + nameOf(parameter) + ": " + reason + '\n';
     if (options.dryRun)
         return text + std::to_string(outcome.used) + " rows would be used\n";
-    for (const RowPlace& place : rows.rejectedPlaces())
+    for (const TableLine& place : rows.rejectedPlaces())
         text += "left out: " + rows.placeOf(place) + ": does not fit\n";
     text += std::to_string(outcome.used) + " rows: rms over noise "
             + roundedText(outcome.rmsOverNoise, 3) + " (99.9 % from "

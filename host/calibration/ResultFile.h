@@ -3,7 +3,7 @@
 #include <string>
 
 #include "host/base/InputFacts.h"
-#include "host/calibration/Calibration.h"
+#include "host/calibration/Calibrator.h"
 
 namespace kiv::host {
 

@@ -87,7 +87,7 @@ Streams CalibrationRows::inputOf(std::istream& text, std::ostream& err) const {
     return input;
 }
 
-std::string CalibrationRows::placeOf(const RowPlace& place) const {
+std::string CalibrationRows::placeOf(const TableLine& place) const {
     return nameOf(place.first) + ':' + std::to_string(place.second) + ":1";
 }
 

@@ -27,7 +27,7 @@ namespace kiv::host {
 // Between directions that are marked by parts of a turn, degrees.
 double widestGap(const std::vector<bool>& parts);
 
-using RowPlace = std::pair<std::size_t, std::size_t>; // table, line
+using TableLine = std::pair<std::size_t, std::size_t>; // table, line
 
 // The rows of a calibration. They are read anew for each pass, so that none is kept; standard input
 // alone is kept as text.
@@ -59,16 +59,16 @@ public:
         std::vector<TableFacts> tables;
     };
     const Facts& facts() const { return seen; }
-    std::string placeOf(const RowPlace& place) const; // file:line:1
-    std::string name() const;                         // of the first table
+    std::string placeOf(const TableLine& place) const; // file:line:1
+    std::string name() const;                          // of the first table
     bool timeIsDate() const { return columns.time && columns.time->stamps(); }
 
     bool heldOut(const Observation& row) const;
     bool rejected(const Observation& row) const {
         return rejectedRows.contains({row.table, row.line});
     }
-    void reject(std::set<RowPlace> places) { rejectedRows = std::move(places); }
-    const std::set<RowPlace>& rejectedPlaces() const { return rejectedRows; }
+    void reject(std::set<TableLine> places) { rejectedRows = std::move(places); }
+    const std::set<TableLine>& rejectedPlaces() const { return rejectedRows; }
 
     // All rows again: work takes those of a block, on any thread, finish what came of it, in order;
     // false from it ends the pass. False, and a message, when a table has changed or cannot be read
@@ -120,7 +120,7 @@ private:
     std::string kept;                   // of standard input
     std::optional<TableFacts> madeFrom; // the table of poses
     std::vector<TableFacts> ofFirstPass;
-    std::set<RowPlace> rejectedRows;
+    std::set<TableLine> rejectedRows;
 };
 
 template <typename Part>

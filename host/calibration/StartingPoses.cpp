@@ -6,7 +6,6 @@
 #include <ostream>
 #include <set>
 
-#include <Eigen/Eigenvalues>
 #include <Eigen/Geometry>
 #include <Eigen/SVD>
 
@@ -83,13 +82,11 @@ bool findFrame(CalibrationRows& rows, CKivPrm& record, PoseFrame& frame, std::os
     if (!first)
         return refuse("no row that has an orientation with the old parameter file; correct gross "
                       "errors there first");
-    const Eigen::Vector3d squares =
-        Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d>(turns, Eigen::EigenvaluesOnly).eigenvalues();
-    if (std::sqrt(squares[1] / count) < leastTurn * degToRad)
+    using Svd = Eigen::JacobiSVD<Eigen::Matrix3d, Eigen::NoQRPreconditioner>;
+    if (std::sqrt(Svd(turns).singularValues()[1] / count) < leastTurn * degToRad)
         return refuse("turns about one axis only; tilt the sensor, too, by 5 degrees and more to "
                       "all sides");
-    const Eigen::JacobiSVD<Eigen::Matrix3d> svd(together,
-                                                Eigen::ComputeFullU | Eigen::ComputeFullV);
+    const Svd svd(together, Eigen::ComputeFullU | Eigen::ComputeFullV);
     const double sign = (svd.matrixU() * svd.matrixV().transpose()).determinant();
     const Matrix found =
         svd.matrixU() * Eigen::Vector3d(1, 1, sign).asDiagonal() * svd.matrixV().transpose();
@@ -159,8 +156,10 @@ void straighten(std::map<std::pair<double, double>, Matrix>& seen) {
         }
         for (; first != last; ++first) {
             const Eigen::Vector3d own = first->second.row(2);
-            first->second = first->second
-                            * Eigen::Quaterniond::FromTwoVectors(vertical, own).toRotationMatrix();
+            Eigen::Quaterniond turn; // the shortest, by half of its angle
+            turn.w() = 1 + vertical.dot(own);
+            turn.vec() = vertical.cross(own);
+            first->second = first->second * turn.normalized().toRotationMatrix();
         }
     }
 }

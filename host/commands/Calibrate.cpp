@@ -11,7 +11,7 @@
 #include "KIVInterface/CKivPrm.h"
 #include "host/base/Files.h"
 #include "host/base/Interrupt.h"
-#include "host/calibration/Calibration.h"
+#include "host/calibration/Calibrator.h"
 #include "host/calibration/NewDocument.h"
 #include "host/calibration/ResultFile.h"
 #include "host/commands/Simulate.h"
@@ -261,7 +261,7 @@ int calibrateSensor(const CalibrateOptions& options, const Streams& streams) {
     const Document& old = examined->parsed.document;
     std::optional<CalibrationOutcome> outcome;
     if (rows.open())
-        outcome = Calibration(options, rows, old, record, uncertainties, err).run();
+        outcome = Calibrator(options, rows, old, record, uncertainties, err).run();
     if (Interrupt::requested())
         return interrupted;
     if (!outcome)

@@ -278,7 +278,7 @@ std::string calibrationPage(const CalibrationOutcome& outcome, const CalibrateOp
         html += "<p>The angles' root mean square there: " + roundedText(*outcome.oldRms, 3)
                 + " degrees with the old file, " + roundedText(*outcome.newRms, 3)
                 + " with the new one</p>\n";
-    for (const RowPlace& place : rows.rejectedPlaces())
+    for (const TableLine& place : rows.rejectedPlaces())
         html += "<p class=\"refused\">left out: " + escaped(rows.placeOf(place)) + "</p>\n";
     appendInputs(html, options, rows, inputs);
     appendParameters(html, outcome);

@@ -45,10 +45,10 @@ struct CalibrationOutcome {
 };
 
 // One calibration, from the rows to the new file's values.
-class Calibration {
+class Calibrator {
 public:
-    Calibration(const CalibrateOptions& asked, CalibrationRows& allRows, const Document& old,
-                CKivPrm& record, const RowUncertainties& ofRows, std::ostream& messages);
+    Calibrator(const CalibrateOptions& asked, CalibrationRows& allRows, const Document& old,
+               CKivPrm& record, const RowUncertainties& ofRows, std::ostream& messages);
 
     // Nothing, and a message with cause and next step, where there is none to be had. A dry run
     // ends before the fit, its values are the old ones.

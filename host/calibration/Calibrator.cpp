@@ -1,4 +1,4 @@
-#include "host/calibration/Calibration.h"
+#include "host/calibration/Calibrator.h"
 
 #include <algorithm>
 #include <cmath>
@@ -83,9 +83,8 @@ std::string withoutWeight(const RowUncertainties& given) {
 
 } // namespace
 
-Calibration::Calibration(const CalibrateOptions& asked, CalibrationRows& allRows,
-                         const Document& old, CKivPrm& record, const RowUncertainties& ofRows,
-                         std::ostream& messages)
+Calibrator::Calibrator(const CalibrateOptions& asked, CalibrationRows& allRows, const Document& old,
+                       CKivPrm& record, const RowUncertainties& ofRows, std::ostream& messages)
     : options(asked), rows(allRows), oldDocument(old), oldRecord(record), uncertainties(ofRows),
       err(messages), oldValues(old), values(old) {
     frame.kind = options.poses;
@@ -96,12 +95,12 @@ Calibration::Calibration(const CalibrateOptions& asked, CalibrationRows& allRows
     }
 }
 
-void Calibration::hold(const Parameter& parameter, const std::string& reason) {
+void Calibrator::hold(const Parameter& parameter, const std::string& reason) {
     std::erase(parameters, parameter);
     outcome.held.push_back({parameter, reason});
 }
 
-void Calibration::chooseParameters() {
+void Calibrator::chooseParameters() {
     const double span = static_cast<double>(rows.facts().hottest) - rows.facts().coldest;
     const bool slopes = span >= leastSpan;
     if (options.estimate.empty() || options.estimateUsual)
@@ -127,12 +126,12 @@ void Calibration::chooseParameters() {
     }
 }
 
-bool Calibration::refuse(const std::string& expected, const std::string& found) const {
+bool Calibrator::refuse(const std::string& expected, const std::string& found) const {
     err << rows.name() << ":1:1: expected " << expected << ", found " << found << '\n';
     return false;
 }
 
-bool Calibration::enoughRows() const {
+bool Calibrator::enoughRows() const {
     const CalibrationRows::Facts& facts = rows.facts();
     if (facts.rows < leastRows)
         return refuse(std::to_string(leastRows)
@@ -148,7 +147,7 @@ bool Calibration::enoughRows() const {
 
 // Rows all round for the harmonics of the azimuth; and a table that can have the shape that is
 // found, with rows close enough where there are readings.
-bool Calibration::tablesShow() const {
+bool Calibrator::tablesShow() const {
     const CalibrationRows::Facts& facts = rows.facts();
     for (const Parameter& parameter : parameters) {
         const Block block = parameter.block;
@@ -169,7 +168,7 @@ bool Calibration::tablesShow() const {
     return true;
 }
 
-bool Calibration::enoughEquations(const Equations& equations) const {
+bool Calibrator::enoughEquations(const Equations& equations) const {
     const std::size_t unknowns = parameters.size() + frame.unknowns();
     return equations.count >= 2 * unknowns
            || refuse("two equations and more for each unknown; measure more rows or hold some",
@@ -177,8 +176,8 @@ bool Calibration::enoughEquations(const Equations& equations) const {
                          + " unknowns");
 }
 
-bool Calibration::observable(const Triangle& triangle, std::optional<Observability>& seen,
-                             const char* when) const {
+bool Calibrator::observable(const Triangle& triangle, std::optional<Observability>& seen,
+                            const char* when) const {
     seen.emplace(triangle);
     if (seen->unseen.empty())
         return true;
@@ -200,7 +199,7 @@ bool Calibration::observable(const Triangle& triangle, std::optional<Observabili
 }
 
 // The one that would come out worst of those that would come out worse than the old file is known.
-std::optional<Parameter> Calibration::worstKnown(const Observability& seen) const {
+std::optional<Parameter> Calibrator::worstKnown(const Observability& seen) const {
     std::optional<Parameter> worst;
     double largest = 1;
     for (std::size_t i = 0; i < parameters.size(); ++i) {
@@ -216,7 +215,7 @@ std::optional<Parameter> Calibration::worstKnown(const Observability& seen) cons
     return worst;
 }
 
-bool Calibration::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
+bool Calibrator::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
     Eigen::VectorXd at = x;
     for (;;) {
         const FitModel fitted = model();
@@ -247,7 +246,7 @@ bool Calibration::holdWhatIsNotSeen(const Eigen::VectorXd& x) {
 }
 
 // A robust fit, then plain ones without the rows that stand out, until these stay the same.
-bool Calibration::dropOutliers() {
+bool Calibrator::dropOutliers() {
     const FitModel fitted = model();
     RowsFit fit(rows, fitted, err);
     auto robust = fit.solve(fitted.start(), true);
@@ -257,7 +256,7 @@ bool Calibration::dropOutliers() {
         chiSquaredQuantile(1 - outlierChance, static_cast<double>(equationsOf(frame.mode)));
     Eigen::VectorXd x = robust->x;
     for (int i = 0; i < mostSearches; ++i) {
-        std::set<RowPlace> outliers;
+        std::set<TableLine> outliers;
         for (const bool heldOut : {false, true}) {
             auto found = fit.equationsAt(
                 x, x, {.heldOut = heldOut, .withRejected = true, .outlierAbove = limit});
@@ -285,7 +284,7 @@ bool Calibration::dropOutliers() {
                   "none; look at the rows with the largest residuals, and leave out the worst");
 }
 
-bool Calibration::solve() {
+bool Calibrator::solve() {
     for (;;) {
         const FitModel fitted = model();
         RowsFit fit(rows, fitted, err);
@@ -304,7 +303,7 @@ bool Calibration::solve() {
 
 // Slopes keep six decimals, as the library's own rewriting would leave them, and the rest is found
 // anew with these: else a later rewrite would cost up to 6e-4 degrees.
-bool Calibration::roundSlopes() {
+bool Calibrator::roundSlopes() {
     std::vector<Parameter> slopes;
     for (std::size_t i = 0; i < parameters.size(); ++i)
         if (isThermalSlope(parameters[i])) {
@@ -337,7 +336,7 @@ bool Calibration::roundSlopes() {
     return true;
 }
 
-bool Calibration::rmsFits() {
+bool Calibrator::rmsFits() {
     const auto unknowns = static_cast<double>(solution->x.size());
     const double freedom = static_cast<double>(solution->equations.count) - unknowns;
     const double rms = std::sqrt(solution->equations.cost / freedom);
@@ -366,7 +365,7 @@ bool Calibration::rmsFits() {
 
 // How far a prior is from what the rows alone tell follows from both uncertainties: that of the
 // result is the smaller, the more the rows tell.
-bool Calibration::priorsFit() const {
+bool Calibrator::priorsFit() const {
     for (const Prior& prior : options.priors) {
         const auto found = std::find(parameters.begin(), parameters.end(), prior.parameter);
         if (found == parameters.end())
@@ -389,7 +388,7 @@ bool Calibration::priorsFit() const {
     return true;
 }
 
-bool Calibration::heldOutFits() {
+bool Calibrator::heldOutFits() {
     const FitModel fitted = model();
     const auto others =
         RowsFit(rows, fitted, err).equationsAt(solution->x, solution->x, {.heldOut = true});
@@ -417,7 +416,7 @@ bool Calibration::heldOutFits() {
 }
 
 // The angles of the held-out rows against the true ones.
-bool Calibration::compareAngles() {
+bool Calibrator::compareAngles() {
     if (frame.kind != Poses::known || outcome.heldOut == 0)
         return true;
     CKivPrm newRecord;
@@ -469,7 +468,7 @@ bool Calibration::compareAngles() {
     return read;
 }
 
-bool Calibration::takeSamples() {
+bool Calibrator::takeSamples() {
     outcome.equationsOfRow = equationsOf(frame.mode);
     if (options.report.empty())
         return true;
@@ -479,7 +478,7 @@ bool Calibration::takeSamples() {
     return samples.has_value();
 }
 
-void Calibration::takeValues() {
+void Calibrator::takeValues() {
     const auto n = static_cast<Eigen::Index>(parameters.size());
     outcome.document = oldDocument;
     for (Eigen::Index i = 0; i < n; ++i) {
@@ -510,7 +509,7 @@ void Calibration::takeValues() {
     });
 }
 
-std::optional<CalibrationOutcome> Calibration::run() {
+std::optional<CalibrationOutcome> Calibrator::run() {
     chooseParameters();
     if (!enoughRows() || !tablesShow() || !findStartingPoses(rows, oldRecord, frame, err)
         || !holdWhatIsNotSeen(model().start()))
