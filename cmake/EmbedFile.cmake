@@ -19,13 +19,10 @@ string(REGEX REPLACE "(0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x
     numbers "${numbers}")
 file(WRITE ${OUTPUT} "#include \"host/base/Embedded.h\"
 
-namespace {
-const unsigned char bytes[] = {
-${numbers}};
-} // namespace
-
 namespace kiv::host::embedded {
 std::string_view ${FUNCTION}() {
+    static const unsigned char bytes[] = {
+${numbers}};
     return {reinterpret_cast<const char*>(bytes), sizeof bytes};
 }
 } // namespace kiv::host::embedded

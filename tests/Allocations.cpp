@@ -6,12 +6,12 @@
 
 namespace {
 
-std::atomic<std::size_t> calls{0};
-std::atomic<std::size_t> failing{0};
+std::atomic<std::size_t> allocations{0};
+std::atomic<std::size_t> allocationToFail{0};
 
 void* allocate(std::size_t size) {
-    ++calls;
-    if (failing != 0 && --failing == 0)
+    ++allocations;
+    if (allocationToFail != 0 && --allocationToFail == 0)
         throw std::bad_alloc();
     if (void* p = std::malloc(size == 0 ? 1 : size))
         return p;
@@ -56,11 +56,11 @@ void operator delete[](void* p, std::size_t) noexcept {
 namespace kiv::test {
 
 std::size_t allocationCount() {
-    return calls;
+    return allocations;
 }
 
 void failAllocation(std::size_t n) {
-    failing = n;
+    allocationToFail = n;
 }
 
 } // namespace kiv::test

@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,9 +8,6 @@
 namespace {
 
 using Knots = std::vector<float>;
-
-constexpr float inf = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 // Storage is exactly as large as the contract says, and the values are gone before the first
 // look-up.
@@ -53,9 +49,10 @@ TEST(CubicSpline, GoesThroughItsKnots) {
 }
 
 TEST(CubicSpline, OutsideBeginsAtTheNextFloat) {
-    const float inside[] = {-3, std::nextafter(-3.0F, inf), std::nextafter(5.0F, -inf), 5};
-    const float outside[] = {std::nextafter(-3.0F, -inf), std::nextafter(5.0F, inf), -inf, inf,
-                             nan};
+    const float inside[] = {-3, std::nextafter(-3.0F, INFINITY), std::nextafter(5.0F, -INFINITY),
+                            5};
+    const float outside[] = {std::nextafter(-3.0F, -INFINITY), std::nextafter(5.0F, INFINITY),
+                             -INFINITY, INFINITY, NAN};
     for (const Knots& x : {Knots{-3, 1, 5}, Knots{5, 1, -3}, Knots{-3, 5}, Knots{5, -3}}) {
         SCOPED_TRACE(testing::Message() << x.size() << " knots from " << x[0]);
         Spline spline(x, Knots(x.size(), 7));
@@ -87,7 +84,7 @@ TEST(CubicSpline, OddKnots) {
         {"repeated last, falling", {3, 2, 1, 1}, false},
         {"turning back", {0, 2, 1, 3, 0.5F, 4, 2.5F, 6}, true},
         {"turning back to the start", {0, 3, 1, 0}, true},
-        {"not a number last", {0, 1, nan}, false},
+        {"not a number last", {0, 1, NAN}, false},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
@@ -95,7 +92,7 @@ TEST(CubicSpline, OddKnots) {
         for (std::size_t i = 0; i < row.x.size(); ++i)
             y.push_back(float(i * i));
         Spline spline(row.x, y);
-        for (float v : {-inf, -1.0F, 0.0F, 0.5F, 1.0F, 1.5F, 2.25F, 3.0F, 7.0F, inf, nan})
+        for (float v : {-INFINITY, -1.0F, 0.0F, 0.5F, 1.0F, 1.5F, 2.25F, 3.0F, 7.0F, INFINITY, NAN})
             EXPECT_EQ(std::isfinite(spline(v)), row.finite && std::isfinite(v)) << "at " << v;
     }
 }

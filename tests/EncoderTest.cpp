@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,9 +8,6 @@
 namespace {
 
 using Table = std::vector<float>;
-
-constexpr float inf = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 int setTable(CEncoder& encoder, const Table& table) {
     return encoder.setCalTable(table.data(), static_cast<int>(table.size() / 2));
@@ -40,7 +36,7 @@ TEST(Encoder, CorrectsThroughTheTable) {
         {"angles that round to a turn", {belowZero, 8, 90, 4}, belowZero, 8},
         {"one float apart", {1, 0, aboveOne, 2}, aboveOne, 3},
         {"far", unsorted, 1e30F, 1e30F},
-        {"infinite", unsorted, -inf, -inf},
+        {"infinite", unsorted, -INFINITY, -INFINITY},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
@@ -48,12 +44,12 @@ TEST(Encoder, CorrectsThroughTheTable) {
         EXPECT_EQ(setTable(encoder, row.table), 0);
         encoder.setRawReading(row.raw);
         EXPECT_FLOAT_EQ(encoder.encCalibration(row.raw), row.expected);
-        EXPECT_TRUE(std::isnan(encoder.encCalibration(nan)));
+        EXPECT_TRUE(std::isnan(encoder.encCalibration(NAN)));
     }
 }
 
 TEST(Encoder, WithoutATable) {
-    const Table refused[] = {{}, {0, 1, 90, nan}, {inf, 1}};
+    const Table refused[] = {{}, {0, 1, 90, NAN}, {INFINITY, 1}};
     CEncoder encoder;
     EXPECT_EQ(encoder.encCalibration(-400), -400);
     for (const Table& table : refused) {

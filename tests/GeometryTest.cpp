@@ -1,8 +1,8 @@
 #include "models/Geometry.h"
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
-#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -10,11 +10,8 @@ namespace {
 
 using namespace kiv;
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
 double above(double v) {
-    return std::nextafter(v, infinity);
+    return std::nextafter(v, INFINITY);
 }
 
 // The bits behind all recorded results; they follow from the decimal literals by correct rounding.
@@ -70,9 +67,9 @@ TEST(AxisAngles, CountAClosedBandAroundTheAxesAsZero) {
         {"second quadrant", -2, 2, pi - eighth, pi - eighth, -eighth},
         {"third quadrant", -2, -2, pi + eighth, eighth - pi, eighth},
         {"fourth quadrant", 2, -2, twoPi - eighth, -eighth, -eighth},
-        {"no number", nan, 0, nan, nan, nan},
-        {"no number on the axis", 0, nan, nan, nan, nan},
-        {"unbounded upwards", 0, infinity, halfPi, halfPi, halfPi},
+        {"no number", NAN, 0, NAN, NAN, NAN},
+        {"no number on the axis", 0, NAN, NAN, NAN, NAN},
+        {"unbounded upwards", 0, INFINITY, halfPi, halfPi, halfPi},
     };
     const auto same = [](double a, double expected) {
         return std::isnan(expected) ? std::isnan(a) : a == expected;
@@ -90,7 +87,7 @@ TEST(ArcArgument, ForgivesRoundingAndNothingElse) {
     EXPECT_EQ(arcArgument(1 + 1.1e-12), 1 + 1.1e-12);
     EXPECT_EQ(arcArgument(-1.001), -1.001);
     EXPECT_EQ(arcArgument(0.999), 0.999);
-    EXPECT_TRUE(std::isnan(arcArgument(nan)));
+    EXPECT_TRUE(std::isnan(arcArgument(NAN)));
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -11,23 +10,20 @@ namespace {
 
 using Values = std::vector<double>;
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double inf = std::numeric_limits<double>::infinity();
-
 bool sameBits(const Values& a, const Values& b) {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), 8 * a.size()) == 0;
 }
 
 TEST(Matrix, Products) {
     const Values wide{1, 2, 3, 4, 5, 6}, high{1, 0, 0, 1, 2, -1};
-    Values product(4, nan);
+    Values product(4, NAN);
     MatrixMultiply(wide.data(), high.data(), 2, 3, 2, product.data());
     EXPECT_EQ(product, (Values{7, -1, 16, -1}));
 
     // The straight 3x3 product and the general loop agree in every bit.
     const Values a{1e16, 1, -1e16, 0, -0.0, 0, 1e-3, 3e5, -0.9};
     const Values b{1, -0.4, 0.6, 1, 0.5, -0.1, 1, -0.8, 0.7};
-    Values c(9, nan), image(3, nan);
+    Values c(9, NAN), image(3, NAN);
     MatrixMultiply(a.data(), b.data(), 3, 3, 3, c.data());
     EXPECT_EQ(c[0], 0) << "(1e16 + 1) - 1e16: the order of the sum";
     for (std::size_t j = 0; j < 3; ++j) {
@@ -73,8 +69,8 @@ TEST(Matrix, Inverses) {
         {"singular", 3, {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9}, {}},
         {"singular to rounding", 3, {1, 1, 1, 1, 1, 1 + 1e-15, 0, 0, 1}, {}},
         {"singular and small", 3, {1e-200, 2e-200, 0, 2e-200, 4e-200, 0, 0, 0, 1e-200}, {}},
-        {"not a number", 3, {1, 0, 0, 0, nan, 0, 0, 0, 1}, {}},
-        {"infinite", 3, {inf, 0, 0, 0, 1, 0, 0, 0, 1}, {}},
+        {"not a number", 3, {1, 0, 0, 0, NAN, 0, 0, 0, 1}, {}},
+        {"infinite", 3, {INFINITY, 0, 0, 0, 1, 0, 0, 0, 1}, {}},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);

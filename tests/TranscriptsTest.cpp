@@ -188,14 +188,14 @@ void compare(const char* stream, const Lines& expected, const Lines& found) {
 }
 
 // Before the current folder changes.
-const std::string tool = '"' + fs::absolute(KIV_TOOL).make_preferred().string() + '"';
+const std::string quotedTool = '"' + fs::absolute(KIV_TOOL).make_preferred().string() + '"';
 
 // In the current folder.
 void run(const Command& command, bool separateErrors) {
     SCOPED_TRACE("$ " + command.text);
-    std::string line = replaced(command.text + ' ', "| kiv ", "| " + tool + ' ');
+    std::string line = replaced(command.text + ' ', "| kiv ", "| " + quotedTool + ' ');
     ASSERT_TRUE(line.starts_with("kiv "));
-    line.replace(0, 3, tool);
+    line.replace(0, 3, quotedTool);
     if (line.find('|') == std::string::npos)
         line += "< stdin ";
     std::ofstream input("stdin", std::ios::binary);

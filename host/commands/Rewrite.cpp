@@ -112,7 +112,7 @@ std::string printed(const Document& document) {
 // What the disk shows of the file and of its copy.
 enum class State { gone, asBefore, rewritten, another, missing, incomplete, complete, unreadable };
 
-std::string_view shown(State state) {
+std::string_view nameOf(State state) {
     constexpr std::string_view names[] = {
         "gone",      "as before",  "rewritten", "another file now",
         "not there", "incomplete", "complete",  "not to be read"};
@@ -277,8 +277,8 @@ int rewriteFile(const RewriteOptions& options, const Streams& streams) {
     else
         streams.err << path << ": cannot " << stepOf(failure.operation()) << ": "
                     << platform::systemErrorText(failure.error()) << '\n';
-    streams.err << path << " is " << shown(file) << ", the copy in " << copyPath << " is "
-                << shown(copy) << '\n';
+    streams.err << path << " is " << nameOf(file) << ", the copy in " << copyPath << " is "
+                << nameOf(copy) << '\n';
     return code == KIV_BAD_FORMAT ? fileFaulty : unusable;
 }
 

@@ -222,10 +222,11 @@ bool Table::followColumnsOf(const Table& other, std::string_view otherName) {
         return place;
     };
     const auto nameAt = [](const Table& table, std::size_t place) {
-        return place < table.names.size() ? quoted(cellText(table.names[place])) : "end of line";
+        return place < table.names.size() ? kiv::quoted(cellText(table.names[place]))
+                                          : "end of line";
     };
     const auto between = [](const Table& table) {
-        return quoted(std::string(1, table.separator())) + " between columns";
+        return kiv::quoted(std::string(1, table.separator())) + " between columns";
     };
     const std::size_t missing = firstNotIn(other, *this), further = firstNotIn(*this, other);
     if (separator() != other.separator())

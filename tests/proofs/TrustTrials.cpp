@@ -80,7 +80,7 @@ struct Trial {
     RowTrust trust;
 };
 
-void count(BoundTrial& result, double error, const RowTrust& row) {
+void countRow(BoundTrial& result, double error, const RowTrust& row) {
     const bool good = row.trust == Trust::good;
     ++result.rows;
     result.right += error < rightError;
@@ -96,7 +96,7 @@ void count(BoundTrial& result, double error, const RowTrust& row) {
 void tryBound(BoundTrial& result, Trial& trial, const Pose& pose) {
     KIV_RAWINFO raw;
     if (trial.example.read(pose, raw) && trial.update(raw))
-        count(result, largest(residuals(trial.example, pose, trial.info)), trial.trust);
+        countRow(result, largest(residuals(trial.example, pose, trial.info)), trial.trust);
 }
 
 } // namespace
@@ -146,7 +146,7 @@ WideTrial tryAnySensor(int mode, Dead dead, std::size_t poses) {
             for (std::size_t k = 0; k < 3; ++k)
                 off[k] = std::abs(host::withinHalfTurn(found[k] - angles[k]));
             const double error = std::max({off[0], off[1], off[2]});
-            count(result, error, row);
+            countRow(result, error, row);
             result.farAbove += row.trust == Trust::good && error > row.modelError + 0.01;
         }
     }
