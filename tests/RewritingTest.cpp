@@ -275,7 +275,7 @@ TEST(Rewriting, WaitsBeforeAndBehindTheDeletion) {
 // A scanner or a backup opens a file before or during the rewrite, and closes it in time.
 TEST(Rewriting, WaitsForOtherProgramsOrLeavesTheFile) {
     constexpr DWORD read = FILE_SHARE_READ, write = FILE_SHARE_WRITE, remove = FILE_SHARE_DELETE;
-    static struct Row {
+    static struct Holding {
         const char* what;
         bool ofTheCopy;
         DWORD share;
@@ -291,8 +291,8 @@ TEST(Rewriting, WaitsForOtherProgramsOrLeavesTheFile) {
         ASSERT_NE(holder, INVALID_HANDLE_VALUE);
     };
     static void (*const begin)() = hold;
-    for (const Row& each : {
-             Row{"the copy, without delete sharing", true, read | write, KIV_OK, 4, true},
+    for (const Holding& each : {
+             Holding{"the copy, without delete sharing", true, read | write, KIV_OK, 4, true},
              {"the copy, shared", true, read | write | remove, KIV_OK, 2, true},
              {"the file, alone", false, 0, KIV_CANNOT_OPEN, 0, false},
              {"the file, for reading", false, read, KIV_OK, 2, false},
