@@ -41,7 +41,7 @@ bool FlatJson::parse(std::string_view ofWhat) {
 }
 
 std::string FlatJson::shortest(std::size_t byte) const {
-    return byte == 0 || byte > text.size() ? "the end" : kiv::quoted(text.substr(byte - 1, 1));
+    return byte == 0 || byte > text.size() ? "the end" : inQuotes(text.substr(byte - 1, 1));
 }
 
 bool FlatJson::repeats(std::size_t i) const {

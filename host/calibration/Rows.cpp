@@ -180,7 +180,7 @@ bool CalibrationRows::readRow(Table& cursor, Observation& row, Block& block,
         if (cursor.numberAt(column, value) && (!whole || value == std::floor(value)))
             return true;
         cursor.reportCell(column, whole ? "a whole number" : "a true angle",
-                          kiv::quoted(cursor.cell(column)), "without a pose");
+                          inQuotes(cursor.cell(column)), "without a pose");
         return false;
     };
     double angles[3] = {};

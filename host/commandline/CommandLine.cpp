@@ -47,7 +47,7 @@ CLI::Option* addFile(CLI::App& command, const char* name, Names& names) {
 CLI::Option* addOutput(CLI::App& command, const char* name, std::string& file) {
     return addFile(command, name, file)->check([](const std::string& text) {
         return parseParameterFileName(text)
-                   ? "expected another name than a parameter file's, found " + kiv::quoted(text)
+                   ? "expected another name than a parameter file's, found " + inQuotes(text)
                    : "";
     });
 }
@@ -62,7 +62,7 @@ CLI::Validator numberFrom(double least, double largest) {
         appendNumber(message, least);
         if (std::isfinite(largest))
             appendNumber(message.append(" to "), largest);
-        return message.append(", found ").append(kiv::quoted(text));
+        return message.append(", found ").append(inQuotes(text));
     };
     return {check, ""};
 }
@@ -73,7 +73,7 @@ std::string finiteNumber(const std::string& text) {
         return "";
     return "expected "
            + expectedNumber(numberIn<long double>(text), std::numeric_limits<double>::max())
-           + ", found " + kiv::quoted(text);
+           + ", found " + inQuotes(text);
 }
 
 // One of a few words.
@@ -88,7 +88,7 @@ CLI::Validator oneOf(std::vector<std::string> words) {
                                                 : ", ")
                 .append(word);
         }
-        return all + ", found " + kiv::quoted(text);
+        return all + ", found " + inQuotes(text);
     };
     return {check, ""};
 }
@@ -102,7 +102,7 @@ CLI::Option* addCount(CLI::App& command, const char* name, Number& value, Number
         if (number && *number >= least && *number <= largest)
             return std::string();
         return "expected a whole number from " + std::to_string(least) + " to "
-               + std::to_string(largest) + ", found " + kiv::quoted(text);
+               + std::to_string(largest) + ", found " + inQuotes(text);
     };
     return command
         .add_option_function<std::string>(
@@ -124,9 +124,8 @@ std::string shownText(const std::string& text) {
     const bool control = std::any_of(text.begin(), text.end(), [](char c) {
         return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
     });
-    return blank || control
-               ? "expected a text without control characters, found " + kiv::quoted(text)
-               : "";
+    return blank || control ? "expected a text without control characters, found " + inQuotes(text)
+                            : "";
 }
 
 } // namespace
@@ -172,7 +171,7 @@ void CommandLine::addMessages(CLI::App& command, TableFormat& format) {
         ->check([](const std::string& text) {
             return text == "all" || numberIn<std::size_t>(text)
                        ? ""
-                       : "expected a whole number or all, found " + kiv::quoted(text);
+                       : "expected a whole number or all, found " + inQuotes(text);
         });
 }
 
@@ -203,7 +202,7 @@ void CommandLine::addTable(CLI::App& command, TableFormat& format,
                 && std::count(columns.begin(), columns.end(), pair.substr(0, end)) > 0)
                 return std::string();
             return "expected NAME=OTHER_NAME with one of the names " + joined(columns) + ", found "
-                   + kiv::quoted(pair);
+                   + inQuotes(pair);
         });
 }
 
@@ -437,7 +436,7 @@ std::string faultOfParameter(const std::string& name) {
                 least = distance;
                 closest = each;
             }
-    return std::string(expectedParameter) + ", found " + kiv::quoted(name) + "; the closest is "
+    return std::string(expectedParameter) + ", found " + inQuotes(name) + "; the closest is "
            + closest;
 }
 
@@ -515,7 +514,7 @@ void CommandLine::addCalibrate() {
                 return std::string();
             const std::string fault = faultOfParameter(text.substr(0, text.find('=')));
             return fault.empty() ? "expected NAME=VALUE,U with two numbers, U above 0, found "
-                                       + kiv::quoted(text)
+                                       + inQuotes(text)
                                  : fault;
         });
     command.add_option("--holdout", calibrate.holdout)
@@ -590,7 +589,7 @@ std::string CommandLine::whyNoCommand(const std::string& word,
         step = "kiv run takes a parameter file";
     else if (editDistance(nearest, word) <= word.size() / 2)
         step = "the nearest is " + std::string(nearest);
-    return expected + ", found " + kiv::quoted(word) + "; " + step;
+    return expected + ", found " + inQuotes(word) + "; " + step;
 }
 
 namespace {

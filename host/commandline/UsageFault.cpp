@@ -74,7 +74,7 @@ std::string usageFault(const CLI::App& command, std::span<const char* const> wor
         if (!looksLikeOption(word) || command.get_option_no_throw(optionName(word)))
             continue;
         const std::string nearest = nearestOption(command, optionName(word));
-        return ": expected one of its options, found " + quoted(word.substr(0, word.find('=')))
+        return ": expected one of its options, found " + inQuotes(word.substr(0, word.find('=')))
                + (nearest.empty() ? "" : "; the nearest is " + nearest);
     }
     const std::string text = fault.what();

@@ -113,7 +113,7 @@ private:
         place = table.find(column);
         if (place && named == 1)
             return true;
-        err << tableName << ":1:1: expected a column " << quoted(column) << " for " << option
+        err << tableName << ":1:1: expected a column " << inQuotes(column) << " for " << option
             << (place ? " whose name no column of poses has, found one that has\n"
                       : ", found none\n");
         return false;

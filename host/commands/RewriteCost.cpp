@@ -56,7 +56,7 @@ void reportCost(const Document& before, const std::string& rewritten, const std:
                 lost = true;
                 report(err, path,
                        {{layout.block, place.line, place.column,
-                         "the value " + shown(was[i]) + " in " + quoted(layout.title),
+                         "the value " + shown(was[i]) + " in " + inQuotes(layout.title),
                          "0, all that six decimals keep of it"},
                         false});
             } else if (change > largest.relative * std::abs(double{was[i]})) {
@@ -68,7 +68,7 @@ void reportCost(const Document& before, const std::string& rewritten, const std:
     if (largest.relative > 0) {
         text = "largest relative change of a value: " + roundedText(largest.relative, 2);
         text += ", from " + shown(largest.before) + " to " + shown(largest.after) + " in ";
-        text += quoted(largest.title) + ", line ";
+        text += inQuotes(largest.title) + ", line ";
         text +=
             std::to_string(largest.place.line) + ", column " + std::to_string(largest.place.column);
     } else {

@@ -24,7 +24,7 @@ void mergeInOrder(ResultTable& first, ResultTable& second, const TakePair& take)
 }
 
 void refuseAgain(ResultTable& table, const std::string& key) {
-    table.refuseKey("each value once in the column of --join", kiv::quoted(key) + " again");
+    table.refuseKey("each value once in the column of --join", inQuotes(key) + " again");
 }
 
 void matchKeys(ResultTable& first, ResultTable& second, const TakePair& take) {

@@ -28,7 +28,7 @@ bool ResultTable::open(const std::string& file, Join& join, Sha256* hash) {
     } else {
         keyPlace = table().find(how->column);
         if (!keyPlace) {
-            streams.err << name() << ":1:1: expected a column " << kiv::quoted(how->column)
+            streams.err << name() << ":1:1: expected a column " << inQuotes(how->column)
                         << " for --join, found none\n";
             return false;
         }
@@ -64,7 +64,7 @@ bool ResultTable::readRow(ResultRow& row) {
     for (std::size_t i = 0; i < 3; ++i) {
         good = rows.readNumber(i, found.angles[i]) && good;
         if (good && std::abs(found.angles[i]) > 360) {
-            rows.report(i, "an angle from -360 to 360 degrees", kiv::quoted(rows.text(i)),
+            rows.report(i, "an angle from -360 to 360 degrees", inQuotes(rows.text(i)),
                         "with an angle beyond a turn");
             good = false;
         }
@@ -89,17 +89,17 @@ bool ResultTable::readKey(ResultRow& row) {
     if (how->column == timeStampColumn && stamp) {
         row.order = stamp->seconds;
         if (stamp->zoned != how->zoned.value_or(stamp->zoned)) {
-            refuseKey("stamps with a zone or without, as the first one", kiv::quoted(row.key));
+            refuseKey("stamps with a zone or without, as the first one", inQuotes(row.key));
             return false;
         }
         how->zoned = stamp->zoned;
     } else if (how->column == timeStampColumn || !rows.numberAt(*keyPlace, row.order)) {
-        input.table().reportRow("a time in column " + how->column, kiv::quoted(row.key),
+        input.table().reportRow("a time in column " + how->column, inQuotes(row.key),
                                 "without a time");
         return false;
     }
     if (any && row.order <= last) {
-        refuseKey("times that rise for --join time", kiv::quoted(row.key) + " behind a later one");
+        refuseKey("times that rise for --join time", inQuotes(row.key) + " behind a later one");
         return false;
     }
     any = true;

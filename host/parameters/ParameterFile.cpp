@@ -51,7 +51,7 @@ std::optional<ParameterFileName> requireParameterFileName(const std::string& pat
         const std::string own = ownNameOf(path);
         err << printable(path)
             << ":1:1: expected a file name Tg<sensor ID>.prm with a decimal ID, found "
-            << kiv::quoted(path.substr(nameStart(path)))
+            << inQuotes(path.substr(nameStart(path)))
             << (own.empty() ? "" : "; by its serial number it is " + own) << '\n';
     }
     return name;

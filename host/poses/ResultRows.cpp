@@ -59,7 +59,7 @@ void ResultRows::read(Table& table, ComputedRow& row) const {
     const std::size_t found =
         placeOf(state, rowStateNames, [](const char* word) { return std::string_view(word); });
     if (found == rowStateNames.size())
-        return table.report(0, "a state of kiv run", quoted(state), "with another state");
+        return table.report(0, "a state of kiv run", inQuotes(state), "with another state");
     result.state = static_cast<RowState>(found);
     if (!hasAngles(result.state))
         return;
@@ -73,7 +73,7 @@ void ResultRows::read(Table& table, ComputedRow& row) const {
     const std::size_t judged = placeOf(
         word, trustWords, [](const TrustWords& each) { return std::string_view(each.word); });
     if (judged == trustWords.size()) {
-        table.reportRow("a trust of kiv run", quoted(word), "with another trust");
+        table.reportRow("a trust of kiv run", inQuotes(word), "with another trust");
         result.state = RowState::refused;
         return;
     }

@@ -16,7 +16,7 @@ namespace {
 // An entry's names, where they are such.
 bool takeNames(const FlatJson& json, std::size_t i, TableFormat& format) {
     const FlatJson::Entry& entry = json.entries()[i];
-    const std::string name = kiv::quoted(entry.name);
+    const std::string name = inQuotes(entry.name);
     if (std::count(format.columns.begin(), format.columns.end(), entry.name) == 0)
         return json.report(entry.place, "one of " + joined(format.columns),
                            name + "; the nearest is "

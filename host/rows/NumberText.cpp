@@ -98,7 +98,7 @@ std::string markOfNumber(std::string_view text) {
     unit.remove_prefix(std::min(unit.find_first_not_of(' '), unit.size()));
     std::string number(text.substr(0, end + 1));
     if (!unit.empty() && numberIn<double>(number))
-        return ", a number with " + quoted(unit) + " behind it";
+        return ", a number with " + inQuotes(unit) + " behind it";
     for (const std::string_view mark : {"'", "\xE2\x80\x99", " "}) {
         std::string plain = number;
         for (std::size_t at; (at = plain.find(mark)) != plain.npos;)

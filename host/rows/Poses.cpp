@@ -89,7 +89,7 @@ NextPose PoseTable::read(SimulatedPose& pose) {
     pose.temperature = SimulatedPose().temperature;
     double given = 0;
     if (temperature && !table.numberAt(*temperature, given)) {
-        table.reportRow("a number for temperature", kiv::quoted(table.cell(*temperature)),
+        table.reportRow("a number for temperature", inQuotes(table.cell(*temperature)),
                         "with a cell that is no number");
         return NextPose::refused;
     }

@@ -79,9 +79,9 @@ std::string faultOfResults(std::string_view names) {
         if (fault.empty() && !groupOf(name) && resultColumnAt(name) == resultColumns.size())
             fault = "expected columns of results or angles, matrix, readings, uncertainty, all, "
                     "with commas between, found "
-                    + (name.empty()
-                           ? "an empty name; write the list without blanks"
-                           : quoted(name) + "; the nearest is " + std::string(nearestResult(name)));
+                    + (name.empty() ? "an empty name; write the list without blanks"
+                                    : inQuotes(name) + "; the nearest is "
+                                          + std::string(nearestResult(name)));
     });
     return fault;
 }

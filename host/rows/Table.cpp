@@ -30,7 +30,7 @@ constexpr std::string_view foundLonger = "a longer one; look whether line ends a
 std::string listOf(std::span<const std::string_view> names, std::size_t most) {
     std::string list;
     for (const std::string_view name : names.first(std::min(names.size(), most)))
-        list += (list.empty() ? "" : ", ") + quoted(name);
+        list += (list.empty() ? "" : ", ") + inQuotes(name);
     if (names.size() > most)
         list += " and " + std::to_string(names.size() - most) + " more";
     return list;
@@ -144,7 +144,7 @@ bool Table::readHeader(std::span<const std::string_view> reserved) {
                  "commas; if numbers have points, leave out --decimal-comma");
     const bool usable = said.empty();
     if (const std::size_t other = firstNotUtf8(); usable && other < found.size()) {
-        reportAt(other, "column names in UTF-8", quoted(found[other]));
+        reportAt(other, "column names in UTF-8", inQuotes(found[other]));
         said.back().text.insert(said.back().text.size() - 1, " (warning)");
     }
     return usable;
@@ -173,7 +173,7 @@ std::string Table::closeNames(std::span<const std::string_view> found,
                 .append(shellWord(pair));
         else
             list.append(list.empty() ? "; close are " : ", ")
-                .append(quoted(free[f]) + " to " + quoted(missing[m]));
+                .append(inQuotes(free[f]) + " to " + inQuotes(missing[m]));
     }
     return list;
 }
@@ -184,8 +184,8 @@ std::string Table::ownNames(std::span<const std::string_view> found,
     std::string list;
     for (std::size_t i = 0; i < asked.size(); ++i)
         if (asked[i] != wanted[i] && contains(missing, wanted[i]) && contains(found, asked[i]))
-            list += "; " + quoted(asked[i]) + " is there, so leave out that it is called "
-                    + quoted(wanted[i]);
+            list += "; " + inQuotes(asked[i]) + " is there, so leave out that it is called "
+                    + inQuotes(wanted[i]);
     return list;
 }
 
@@ -196,7 +196,7 @@ void Table::reportHeader(std::span<const std::string_view> found,
     if (!look.empty())
         shownNames += ", which looks like " + look;
     if (const std::size_t other = firstNotUtf8(); other < found.size())
-        shownNames += "; column " + std::to_string(other + 1) + ", " + quoted(found[other])
+        shownNames += "; column " + std::to_string(other + 1) + ", " + inQuotes(found[other])
                       + ", is not in UTF-8: save the table in UTF-8";
     if (look.empty())
         shownNames += closeNames(found, missing) + ownNames(found, missing);
@@ -222,11 +222,10 @@ bool Table::followColumnsOf(const Table& other, std::string_view otherName) {
         return place;
     };
     const auto nameAt = [](const Table& table, std::size_t place) {
-        return place < table.names.size() ? kiv::quoted(cellText(table.names[place]))
-                                          : "end of line";
+        return place < table.names.size() ? inQuotes(cellText(table.names[place])) : "end of line";
     };
     const auto between = [](const Table& table) {
-        return kiv::quoted(std::string(1, table.separator())) + " between columns";
+        return inQuotes(std::string(1, table.separator())) + " between columns";
     };
     const std::size_t missing = firstNotIn(other, *this), further = firstNotIn(*this, other);
     if (separator() != other.separator())
@@ -280,7 +279,7 @@ bool Table::readFlag(std::size_t i, bool& value) {
         return true;
     if (reportWords())
         return false;
-    report(i, "0, 1, false or true in column " + printable(wanted[i]), quoted(cell),
+    report(i, "0, 1, false or true in column " + printable(wanted[i]), inQuotes(cell),
            "with a ref_blocked that is not 0, 1, false or true");
     return false;
 }
@@ -322,13 +321,13 @@ void Table::reportNoNumber(std::size_t i, const std::string& expected) {
                                ? isNumberWithMark(cell, '.') && csv.text().find(',') == cell.npos
                                : isNumberWithMark(cell, ',');
     if (!otherMark)
-        return report(i, expected + column, quoted(cell) + markOfNumber(cell),
+        return report(i, expected + column, inQuotes(cell) + markOfNumber(cell),
                       "with a cell that is no number");
     const std::string_view kind =
         format.decimalComma ? "with points for commas" : "with commas for points";
     if (reportedForRow(kind))
         return;
-    std::string found = quoted(cell) + column;
+    std::string found = inQuotes(cell) + column;
     if (format.decimalComma)
         found += "; if numbers have points, leave out --decimal-comma";
     else if (format.hasOptions)

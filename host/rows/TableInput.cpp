@@ -74,7 +74,7 @@ bool TableInput::hasRenamedColumns(std::ostream& err) const {
     for (const auto& [ours, theirs] : format.otherNames) {
         if (rows.find(ours))
             continue;
-        err << name() << ":1:1: expected a column " << quoted(theirs) << " for " << ours
+        err << name() << ":1:1: expected a column " << inQuotes(theirs) << " for " << ours
             << ", found none\n";
         return false;
     }

@@ -94,16 +94,16 @@ private:
         case CalibrationFault::none:
             return true;
         case CalibrationFault::name:
-            return fault("parameters that the angles depend on", kiv::quoted(names[found.row]));
+            return fault("parameters that the angles depend on", inQuotes(names[found.row]));
         case CalibrationFault::again:
-            return fault("each name once", kiv::quoted(names[found.row]) + " again");
+            return fault("each name once", inQuotes(names[found.row]) + " again");
         case CalibrationFault::notFinite:
         case CalibrationFault::notSymmetric:
         case CalibrationFault::notPossible:
             break;
         }
         return fault("a symmetric, positive semidefinite matrix",
-                     "one that is not so in the row of " + kiv::quoted(names[found.row]));
+                     "one that is not so in the row of " + inQuotes(names[found.row]));
     }
 
     const FlatJson& json;

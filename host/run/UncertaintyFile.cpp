@@ -33,7 +33,7 @@ private:
         const FlatJson::Entry& entry = json.entries()[i];
         const double number = entry.value.is_number() ? entry.value.get<double>() : -1;
         const UncertaintyFault fault = given.give(principleOf(mode), entry.name, number);
-        const std::string found = kiv::quoted(entry.name);
+        const std::string found = inQuotes(entry.name);
         if (fault == UncertaintyFault::name) {
             std::string all;
             for (const UncertaintyName& each : uncertaintyNames)
@@ -51,7 +51,7 @@ private:
                                shownValue(entry.value));
         if (fault == UncertaintyFault::vector)
             return json.report(entry.place, "x, y and z, or vector_along and vector_across",
-                               kiv::quoted(given.firstOfVector()) + " and " + found);
+                               inQuotes(given.firstOfVector()) + " and " + found);
         return true;
     }
 

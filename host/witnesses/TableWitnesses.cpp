@@ -17,7 +17,7 @@ constexpr double day = 86400;          // seconds
 constexpr double aroundMidnight = 600; // seconds that may be missing on both sides together
 constexpr float turnInRadians = 6.3F;
 constexpr float mostOfATurn = 5.5F; // radians
-constexpr std::size_t fewestTurned = 100;
+constexpr std::size_t fewestRowsInRadians = 100;
 
 std::array<bool, readingCount> countedOf(const WatchedSensor& sensor) {
     return {true, true, sensor.levelX.read, sensor.levelY.read, sensor.temperature, true};
@@ -96,7 +96,7 @@ void TableWitnesses::watchAzimuth(const KIV_RAWINFO& raw, Place place) {
 }
 
 bool TableWitnesses::inRadians() const {
-    return counted.rows >= fewestTurned && largestAzimuth - leastAzimuth > mostOfATurn
+    return counted.rows >= fewestRowsInRadians && largestAzimuth - leastAzimuth > mostOfATurn
            && leastAzimuth >= -turnInRadians && largestAzimuth <= turnInRadians
            && std::all_of(quadrants.begin(), quadrants.end(), [](bool been) { return been; });
 }

@@ -12,7 +12,7 @@ constexpr const char* turnNames[] = {"turn_x_deg", "turn_y_deg", "turn_z_deg"};
 constexpr const char* harmonicNames[] = {"sine_1_deg", "cosine_1_deg", "sine_2_deg",
                                          "cosine_2_deg"};
 constexpr const char* elevationNames[] = {"linear_deg", "quadratic_deg"};
-constexpr const char* coefficientNames[] = {"quadratic_deg", "cubic_deg"};
+constexpr const char* tiltCurveNames[] = {"quadratic_deg", "cubic_deg"};
 
 } // namespace
 
@@ -26,7 +26,7 @@ std::span<const char* const> calibratedNamesOf(Block block) {
         return elevationNames;
     case Block::tiltXCalibration:
     case Block::tiltYCalibration:
-        return coefficientNames;
+        return tiltCurveNames;
     default:
         return valueNamesOf(block);
     }

@@ -7,7 +7,7 @@
 namespace kiv {
 
 std::string shownWord(std::string_view word) {
-    return word.empty() ? "end of file" : quoted(word);
+    return word.empty() ? "end of file" : inQuotes(word);
 }
 
 Finding findingAtWord(Scanner& scanner, Block block, std::string expected) {

@@ -81,7 +81,7 @@ bool isUtf8(std::string_view text) {
     return true;
 }
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     constexpr std::size_t mostShown = 40;
     std::size_t end = 0; // behind whole characters
     while (end < text.size() && end + firstOf(text.substr(end)).size <= mostShown)

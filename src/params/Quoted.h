@@ -10,8 +10,9 @@ namespace kiv {
 // other than the ordinary one, becomes \xNN.
 std::string printable(std::string_view text);
 
-// The same in quotes, of a text's first 40 bytes.
-std::string quoted(std::string_view text);
+// The same in quotes, of a text's first 40 bytes. Not "quoted": for a std::string that would be
+// std::quoted wherever <iomanip> is included.
+std::string inQuotes(std::string_view text);
 
 bool isUtf8(std::string_view text);
 

@@ -35,8 +35,8 @@ TitleReading readTitle(Scanner& scanner, const BlockLayout& layout,
     for (int i = 0; i < layout.titleWords && !textEnded && !reading.other; ++i) {
         const std::string_view word = scanner.peekWord();
         if (word.size() > Scanner::maxLength) {
-            reading.mismatch = findingAtWord(scanner, layout.block,
-                                             longWord + (" in the title " + quoted(layout.title)));
+            reading.mismatch = findingAtWord(
+                scanner, layout.block, longWord + (" in the title " + inQuotes(layout.title)));
             return reading;
         }
         textEnded = word.empty();
@@ -50,9 +50,9 @@ TitleReading readTitle(Scanner& scanner, const BlockLayout& layout,
     if (reading.words.find(layout.title) != std::string::npos
         && reading.words.size() <= Scanner::maxLength)
         return reading;
-    const std::string title = quoted(layout.title);
+    const std::string title = inQuotes(layout.title);
     const std::string expected =
-        firstPassed ? "the blocks from " + quoted(firstPassed->title) + " to " + title
+        firstPassed ? "the blocks from " + inQuotes(firstPassed->title) + " to " + title
                     : "the title " + title;
     reading.mismatch = {layout.block, place.line, place.column, expected, {}};
     explain(reading, layout, textEnded);

@@ -32,7 +32,7 @@ std::string nthOf(std::string_view noun, std::size_t index, std::size_t count) {
 
 bool ValueReader::read(const BlockLayout& blockLayout, BlockValues& values) {
     layout = &blockLayout;
-    title = quoted(layout->title);
+    title = inQuotes(layout->title);
     failure.reset();
     isWrongId = false;
     groupsRead = 0;

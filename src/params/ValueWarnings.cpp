@@ -74,7 +74,7 @@ private:
     bool isRead(Block block) const;
     std::optional<int> mountMode() const; // where it is there and can be read
     bool limitsCount() const;
-    std::string title() const { return quoted(layout->title); }
+    std::string title() const { return inQuotes(layout->title); }
     // number: which of the block's, in the order of the text.
     void warn(std::size_t number, std::string expected, std::string found);
     void warn(const FaultyRows& faults, std::string expected);
